@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace tarvik {
+
+/// A question to the user. The first button is the one that goes ahead.
+struct Dialog {
+    std::string title;
+    std::string text;
+    std::vector<std::string> buttons;
+
+    bool operator==(const Dialog&) const = default;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Move/JobStatus.h"
+#include "Platform/Path.h"
+
+namespace tarvik {
+
+/// One item that a run moves to a drive.
+struct MoveJob {
+    /// Makes the `id` itself.
+    MoveJob(std::string jobLabel, fs::path from, fs::path to, JobStatus jobStatus, std::int64_t total,
+            std::int64_t copied);
+
+    /// A UUID, new for each job.
+    std::string id;
+    /// What the row shows.
+    std::string label;
+    /// The item to move.
+    fs::path source;
+    /// Where the item will stand, its own name included.
+    fs::path destination;
+    JobStatus status;
+    /// The planned size in bytes; only grows during a run.
+    std::int64_t bytesTotal = 0;
+    std::int64_t bytesCopied = 0;
+};
+
+}  // namespace tarvik

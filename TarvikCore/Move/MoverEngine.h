@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "Move/JobStatus.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
+/// Takes one item off the internal disk and leaves a symbolic link; and brings it back.
+///
+/// All operations block; call them off the UI thread. They take no locks: one item is moved by one caller at a time.
+namespace tarvik::MoverEngine {
+
+/// Called on the calling thread with `verifying` and `linking`; the other states are the caller's.
+using StatusCallback = std::function<void(const JobStatus&)>;
+/// Both in bytes. Called from a background thread while a copy runs, and once from the calling thread at its end.
+using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t total)>;
+
+/// Moves `source` into `destinationParent` under its own name and links the old path to it. The original is touched only
+/// after a complete copy has been proved and flushed to the drive.
+/// With `quitRunning`, an application that runs is asked to quit first.
+/// @throws MoverError; FileError when `destinationParent` cannot be made.
+void moveAndLink(const Host& host, const fs::path& source, const fs::path& destinationParent, bool quitRunning,
+                 const StatusCallback& status, const ProgressCallback& progress);
+
+/// Puts what the link at `link` leads to back in the link's place. When the move back fails, the link is put back.
+/// `progress` may be empty.
+/// @throws MoverError when the target is gone or the item is not what it should be afterwards; FileError otherwise.
+void restore(const Host& host, const fs::path& link, const ProgressCallback& progress = {});
+
+}  // namespace tarvik::MoverEngine

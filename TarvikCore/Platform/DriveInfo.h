@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "Platform/Path.h"
+
+namespace tarvik {
+
+/// One mounted volume with its capacity figures.
+struct DriveInfo {
+    /// The mount path as text.
+    std::string id;
+    /// The volume's name, or the last component of the mount path when it has none.
+    std::string name;
+    fs::path mountPath;
+    /// In bytes; 0 when the system does not tell.
+    std::int64_t totalBytes = 0;
+    std::int64_t freeBytes = 0;
+    /// False when the system does not tell.
+    bool isInternal = false;
+    /// True when the system does not tell.
+    bool isWritable = true;
+    std::optional<std::string> filesystem;
+
+    std::int64_t usedBytes() const { return totalBytes - freeBytes; }
+    bool isBoot() const { return mountPath == "/"; }
+
+    bool operator==(const DriveInfo&) const = default;
+};
+
+}  // namespace tarvik

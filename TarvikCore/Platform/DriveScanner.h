@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "Platform/DriveInfo.h"
+#include "Platform/Host.h"
+
+/// Lists the drives that something can be moved to or from.
+namespace tarvik::DriveScanner {
+
+/// The browsable volumes, internal ones first, then by name in plain byte order. Blocks while the system answers.
+/// Never fails: a volume that cannot be read is left out.
+std::vector<DriveInfo> scan(const Host& host);
+
+}  // namespace tarvik::DriveScanner

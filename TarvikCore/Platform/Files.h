@@ -1,0 +1,79 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Platform/Path.h"
+
+/// The one door to the file system for single items. Trees are walked by `TreeWalk`.
+///
+/// Every operation blocks, may be called from any thread, and throws `FileError` where it says that it fails.
+/// Questions (`exists`, `names`, `info`) never fail: what cannot be read counts as absent or empty.
+namespace tarvik::Files {
+
+enum class ItemType { regular, folder, symbolicLink, socket, pipe, blockDevice, characterDevice, unknown };
+
+/// What a status call tells of one item. Sizes in bytes.
+struct ItemInfo {
+    ItemType type = ItemType::unknown;
+    std::int64_t size = 0;
+    std::int64_t allocatedSize = 0;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+
+    bool operator==(const ItemInfo&) const = default;
+};
+
+/// The type that a status call's mode names.
+ItemType typeOfMode(mode_t mode);
+ItemInfo infoOfStatus(const struct stat& status);
+
+/// Absolute, with ".", "..", doubled and trailing slashes taken out of the text. Nothing is resolved.
+/// A relative path is taken from the working directory.
+fs::path standardized(const fs::path& path);
+/// True when `path` is `ancestor` itself or lies below it, by their text. Both must be standardized.
+bool isAtOrBelow(const fs::path& path, const fs::path& ancestor);
+
+/// Whether something stands at the path, links followed: a dangling link does not exist.
+bool exists(const fs::path& path);
+/// Whether something stands at the path, a dangling link too.
+bool itemExists(const fs::path& path);
+/// The item itself, a link not followed.
+std::optional<ItemInfo> info(const fs::path& path);
+/// The item that a link leads to.
+std::optional<ItemInfo> infoFollowingLinks(const fs::path& path);
+/// Whether the item itself is a folder; a link to one is not.
+bool isFolder(const fs::path& path);
+bool isSymbolicLink(const fs::path& path);
+/// The text of a link as it stands, or nothing when the item is no link or cannot be read.
+std::optional<fs::path> linkText(const fs::path& path);
+/// All links resolved, or nothing when the path leads nowhere.
+std::optional<fs::path> resolved(const fs::path& path);
+/// The names in a folder, in byte order, without "." and "..". Empty when the folder cannot be read.
+std::vector<std::string> names(const fs::path& folder);
+
+/// The text of a link. @throws FileError when the item is no symbolic link.
+fs::path readLink(const fs::path& path);
+/// Makes the folder and those above it that are missing. An existing folder is fine.
+void createFolder(const fs::path& folder);
+/// Makes a link at `link` that holds `target` as it stands. @throws FileError also when something is there.
+void createSymbolicLink(const fs::path& link, const fs::path& target);
+/// Removes an item, a folder with its contents, through directory handles and without following links.
+/// Refuses before it removes anything when another volume is mounted inside a folder.
+void removeItem(const fs::path& path);
+/// Renames within one volume and never replaces what stands at `to`.
+/// @throws FileError with EEXIST when `to` is taken, with EXDEV when `to` is on another volume.
+void rename(const fs::path& from, const fs::path& to);
+/// Writes through a temporary file beside the goal that is flushed and renamed: readers see the old bytes or the new.
+void writeDurably(const fs::path& path, std::string_view bytes);
+/// The bytes of a file. @throws FileError
+std::string read(const fs::path& path);
+/// Waits until everything written so far on the volume that holds `path` has reached the drive.
+void flushVolume(const fs::path& path);
+
+}  // namespace tarvik::Files

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "Platform/Path.h"
+#include "Platform/ToolTable.h"
+
+namespace tarvik {
+
+class TrashCan;
+class VolumeList;
+
+using Clock = std::function<std::chrono::system_clock::time_point()>;
+
+/// The machine that the services work on. Immutable once made; safe to share between threads.
+///
+/// Everything that differs between a real Mac, a Linux machine, the practice machine and a test is in here, and every
+/// service that touches the machine takes it first.
+struct Host {
+    /// "/" on a real machine: what /Applications, /Library and /Volumes stand under.
+    fs::path root;
+    /// The user's home folder, a real path (the root is part of it).
+    fs::path home;
+    fs::path temporary;
+    ToolTable tools;
+    std::shared_ptr<const VolumeList> volumes;
+    std::shared_ptr<const TrashCan> trash;
+    Clock now;
+
+    /// The machine that this program runs on, with the user's home folder, or another one.
+    static Host thisMachine(const std::optional<fs::path>& home = std::nullopt);
+    /// Another disk, or the practice machine: nothing outside `root` and `home` belongs to it.
+    static Host rootedAt(const fs::path& root, const fs::path& home);
+    /// What a program's --root and --home name: without a root this machine; with one, `home` defaults to the only
+    /// folder under its `Users`. @throws Failure when `root` is no folder or the home cannot be told.
+    static Host fromOptions(const std::optional<fs::path>& root, const std::optional<fs::path>& home);
+};
+
+}  // namespace tarvik

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "Platform/Path.h"
+
+namespace tarvik {
+
+/// What the system tells of one mounted volume. An absent value means that the system does not know.
+struct Volume {
+    fs::path mountPath;
+    std::optional<std::string> name;
+    /// In bytes.
+    std::optional<std::int64_t> totalBytes;
+    /// What an ordinary user's file may still take, in bytes.
+    std::optional<std::int64_t> availableBytes;
+    std::optional<bool> isInternal;
+    /// Whether a file manager would show it: false for pseudo file systems and the system's own mounts.
+    std::optional<bool> isBrowsable;
+    std::optional<bool> isReadOnly;
+    /// The format in words: "ext4", "APFS", "exFAT".
+    std::optional<std::string> formatDescription;
+
+    bool operator==(const Volume&) const = default;
+};
+
+}  // namespace tarvik

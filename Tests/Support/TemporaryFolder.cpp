@@ -1,0 +1,22 @@
+#include "Support/TemporaryFolder.h"
+
+#include <cstdlib>
+#include <stdexcept>
+#include <system_error>
+
+namespace tarvik::test {
+
+TemporaryFolder::TemporaryFolder() : TemporaryFolder(fs::temp_directory_path()) {}
+
+TemporaryFolder::TemporaryFolder(const fs::path& parent) {
+    std::string name = (fs::canonical(parent) / "tarvik-test-XXXXXX").native();
+    if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder in " + parent.native());
+    m_path = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(m_path, ignored);
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,82 @@
+#include "Support/Tree.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <vector>
+
+#include <fmt/format.h>
+
+namespace tarvik::test {
+
+namespace {
+
+std::string digestOf(const std::string& bytes) {
+    std::uint64_t hash = 1469598103934665603U;  // FNV-1a
+    for (const char byte : bytes) hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211U;
+    return fmt::format("{:016x}", hash);
+}
+
+void addLines(const fs::path& item, const std::string& relative, std::vector<std::string>& lines) {
+    struct stat status {};
+    if (::lstat(item.c_str(), &status) != 0) throw std::runtime_error("cannot look at " + item.native());
+    const unsigned permissions = status.st_mode & 07777U;
+    if (S_ISLNK(status.st_mode)) {
+        lines.push_back(fmt::format("link {} -> {}", relative, fs::read_symlink(item).native()));
+    } else if (S_ISREG(status.st_mode)) {
+        lines.push_back(fmt::format("file {:o} {} {} {}", permissions, relative, status.st_size, digestOf(contentOf(item))));
+    } else if (S_ISDIR(status.st_mode)) {
+        lines.push_back(fmt::format("folder {:o} {}", permissions, relative));
+        for (const auto& entry : fs::directory_iterator(item))
+            addLines(entry.path(), relative + "/" + entry.path().filename().native(), lines);
+    } else {
+        lines.push_back(fmt::format("other {:o} {}", status.st_mode & static_cast<unsigned>(S_IFMT), relative));
+    }
+}
+
+}  // namespace
+
+void makeFile(const fs::path& path, std::string_view content) {
+    fs::create_directories(path.parent_path());
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    if (!file.flush()) throw std::runtime_error("cannot write " + path.native());
+}
+
+void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed) {
+    std::string bytes(size, '\0');
+    std::uint32_t state = seed * 2654435761U + 1U;
+    for (char& byte : bytes) {
+        state = state * 1664525U + 1013904223U;
+        byte = static_cast<char>(state >> 24U);
+    }
+    makeFile(path, bytes);
+}
+
+void makeFolder(const fs::path& path) { fs::create_directories(path); }
+
+void makeLink(const fs::path& link, const fs::path& target) {
+    fs::create_directories(link.parent_path());
+    fs::create_symlink(target, link);
+}
+
+std::string contentOf(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error("cannot read " + path.native());
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string pictureOf(const fs::path& root) {
+    std::vector<std::string> lines;
+    addLines(root, ".", lines);
+    std::sort(lines.begin(), lines.end());
+    std::string picture;
+    for (const auto& line : lines) picture += line + "\n";
+    return picture;
+}
+
+}  // namespace tarvik::test
