@@ -257,7 +257,7 @@ TEST_F(TrashReader, PutsAnItemBackIntoTheHome) {
     makeFile(m_home / "work" / m_name, "bytes");
     trashed(m_home / "work" / m_name);
     EXPECT_THAT(outputOf("trash-list"), HasSubstr((m_home / "work" / m_name).native() + "\n"));
-    outputOf("cd " + quoted(m_home / "work") + " && echo 0 | trash-restore");
+    outputOf("echo 0 | trash-restore " + quoted(m_home / "work"));
     EXPECT_EQ(contentOf(m_home / "work" / m_name), "bytes");
     EXPECT_TRUE(fs::is_empty(m_trash / "info"));
 }
