@@ -267,8 +267,7 @@ TEST_F(TrashReader, PutsAnItemBackOntoItsVolume) {
     const RealVolume volume = RealVolume::memory(m_world.path(), 1 << 20);
     makeFile(volume.path() / "work" / m_name, "bytes");
     trashed(volume.path() / "work" / m_name);
-    outputOf("cd " + quoted(volume.path()) +
-             " && echo 0 | trash-restore --trash-dir=" + quoted(volume.path() / (".Trash-" + m_user)));
+    outputOf("echo 0 | trash-restore " + quoted(volume.path() / "work"));
     EXPECT_EQ(contentOf(volume.path() / "work" / m_name), "bytes");
 }
 
