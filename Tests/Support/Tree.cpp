@@ -66,6 +66,17 @@ void makeLink(const fs::path& link, const fs::path& target) {
     fs::create_symlink(target, link);
 }
 
+void makeSocket(const fs::path& path) {
+    fs::create_directories(path.parent_path());
+    if (::mknod(path.c_str(), S_IFSOCK | 0600, 0) != 0)
+        throw std::runtime_error("cannot make a socket at " + path.native());
+}
+
+void makePipe(const fs::path& path) {
+    fs::create_directories(path.parent_path());
+    if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make a pipe at " + path.native());
+}
+
 std::string contentOf(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) throw std::runtime_error("cannot read " + path.native());

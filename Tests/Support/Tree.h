@@ -15,6 +15,8 @@ void makeFile(const fs::path& path, std::string_view content = "content");
 void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed = 1);
 void makeFolder(const fs::path& path);
 void makeLink(const fs::path& link, const fs::path& target);
+void makeSocket(const fs::path& path);
+void makePipe(const fs::path& path);
 std::string contentOf(const fs::path& path);
 /// Everything that a tree holds, an entry a line in byte order: kind, permissions, path, size and a digest of the
 /// content or a link's text. Two trees with equal pictures are the same to a user. Times are left out.
