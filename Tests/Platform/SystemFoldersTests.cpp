@@ -159,6 +159,7 @@ TEST(SystemFolders, OfTheRunningMachineStayForEveryHost) {
 
 TEST(SystemFolders, StayAboveTheHomeAndTheRoot) {
     EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work"));
+    EXPECT_TRUE(SystemFolders::isImmovable(hostOf("/data/disk", "/home/anna"), "/data"));
     EXPECT_TRUE(SystemFolders::isImmovable(hostOf("/", "/data/people/anna"), "/data/people"));
     EXPECT_FALSE(SystemFolders::isImmovable(hostOf("/", "/data/people/anna"), "/data/people/anna's"));
 }

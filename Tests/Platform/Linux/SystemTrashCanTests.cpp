@@ -221,6 +221,12 @@ TEST_F(SystemTrashCan, RefusesAnItemOfAReadOnlyVolume) {
     EXPECT_TRUE(fs::exists(volume.path() / "file"));
 }
 
+TEST_F(SystemTrashCan, CallsTheTopFolderOfAVolumeBusy) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const RealVolume volume = RealVolume::memory(m_world.path(), 1 << 20);
+    EXPECT_EQ(refusalOf(volume.path()), EBUSY);
+}
+
 TEST_F(SystemTrashCan, RefusesTheRoot) {
     EXPECT_NE(refusalOf("/"), 0);
 }
