@@ -67,7 +67,7 @@ fs::path World::foldersOnDrive() const {
 }
 
 fs::path programOfThisBuild(const std::string& name) {
-    return programLocation().parent_path() / name;
+    return ProgramLocation::folder() / name;
 }
 
 }  // namespace tarvik::test
