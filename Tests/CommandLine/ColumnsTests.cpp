@@ -26,7 +26,9 @@ TEST(Columns, LetsNothingSteerTheTerminal) {
     EXPECT_EQ(Columns::printable("a\x1B[2Jb\rc\nd"), "a\uFFFD[2Jb\uFFFDc\nd");
     EXPECT_EQ(Columns::oneLine("a\nb\u2028c\x7F"), "a\uFFFDb\uFFFDc\uFFFD");
     EXPECT_EQ(Columns::printable("x\u202Egnp.exe"), "x\uFFFDgnp.exe");
-    EXPECT_EQ(Columns::printable("bad\xFFbyte"), "bad\uFFFDbyte");
+    EXPECT_EQ(Columns::printable("bad\xFF"
+                                 "byte"),
+              "bad\uFFFDbyte");
 }
 
 TEST(Columns, AlignsWideAndNarrowNames) {

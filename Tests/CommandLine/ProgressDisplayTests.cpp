@@ -102,7 +102,7 @@ TEST(ProgressDisplay, TakesReportsFromEveryThread) {
 
 TEST(ProgressLine, ShowsTheShareAndTheBytes) {
     EXPECT_EQ(progressLine("copying", "Music", 500'000, 1'000'000, 60),
-              "copying Music  [#########---------]  50 %  500 KB of 1 MB");
+              "copying Music  [##########-----------]  50 %  500 KB of 1 MB");
     EXPECT_EQ(progressLine("copying", "Music", 0, 0, 60), "copying Music");
 }
 
