@@ -42,6 +42,7 @@ void run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    Terminal::occupyClosedStreams();
     surviveClosedPipes();
     try {
         run({argv + 1, argv + argc});

@@ -60,6 +60,8 @@ Pipe makeTerminal() {
     ::dup2(input, STDIN_FILENO);
     ::dup2(output, STDOUT_FILENO);
     ::dup2(errors, STDERR_FILENO);
+    if (input < 0)
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::close(stream);
     ::execv(arguments[0], arguments);
     ::_exit(127);
 }
@@ -71,7 +73,7 @@ RunningProgram::RunningProgram(const fs::path& program, const std::vector<std::s
     Pipe output, errors;
     if (streams == Streams::terminal) {
         output = makeTerminal();
-    } else {
+    } else if (streams != Streams::none) {
         input = opened("/dev/null", O_RDONLY);
         output = makePipe();
         errors = makePipe();

@@ -25,6 +25,7 @@ public:
         pipes,        ///< nothing to read, what it writes is gathered
         terminal,     ///< a terminal of 80 columns for all three; everything is gathered as output
         closedPipes,  ///< as `pipes`, but nobody reads what it writes
+        none,         ///< all three closed from the start
         fullDisk,     ///< as `pipes`, but its results go to a device that is always full
     };
 

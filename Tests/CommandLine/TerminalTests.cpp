@@ -137,6 +137,14 @@ TEST(CommandWithoutAReader, FinishesTheMove) {
     EXPECT_EQ(test::pictureOf(world.moved), picture);
 }
 
+TEST(CommandWithoutAReader, WritesIntoNoFileWhenItsStreamsAreClosed) {
+    const CommandWorld world(R"(cp -a "$2" "$3")");
+    const auto picture = test::pictureOf(world.library);
+    EXPECT_EQ(test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::none).status, 1);
+    EXPECT_EQ(fs::read_symlink(world.library), world.moved);
+    EXPECT_EQ(test::pictureOf(world.moved), picture);
+}
+
 TEST(CommandWithoutAReader, SaysWhenResultsCannotBeWritten) {
     const CommandWorld world;
     if (!fs::exists("/dev/full")) GTEST_SKIP() << "this system has no device that is always full";
