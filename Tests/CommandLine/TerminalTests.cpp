@@ -1,10 +1,12 @@
 #include "CommandLine/CommandWorld.h"
+#include "CommandLine/Terminal.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace tarvik {
@@ -137,12 +139,24 @@ TEST(CommandWithoutAReader, FinishesTheMove) {
     EXPECT_EQ(test::pictureOf(world.moved), picture);
 }
 
-TEST(CommandWithoutAReader, WritesIntoNoFileWhenItsStreamsAreClosed) {
+TEST(CommandWithoutAReader, FinishesTheMoveWithEveryStreamClosed) {
     const CommandWorld world(R"(cp -a "$2" "$3")");
     const auto picture = test::pictureOf(world.library);
     EXPECT_EQ(test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::none).status, 1);
     EXPECT_EQ(fs::read_symlink(world.library), world.moved);
     EXPECT_EQ(test::pictureOf(world.moved), picture);
+}
+
+TEST(Terminal, KeepsTheNumbersOfClosedStreamsFromFiles) {
+    const test::TemporaryFolder folder;
+    const auto openAFile = [&] {
+        for (const int stream : {0, 1, 2}) ::close(stream);
+        CommandLine::Terminal::occupyClosedStreams();
+        const int file = ::open((folder / "file").c_str(), O_WRONLY | O_CREAT, 0600);
+        const bool canWrite = ::write(1, "x", 1) == 1 || ::write(2, "x", 1) == 1;
+        ::_exit(file > 2 && !canWrite ? 0 : 1);
+    };
+    EXPECT_EXIT(openAFile(), testing::ExitedWithCode(0), "");
 }
 
 TEST(CommandWithoutAReader, SaysWhenResultsCannotBeWritten) {
