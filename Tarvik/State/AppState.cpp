@@ -1,6 +1,6 @@
 #include "State/AppState.h"
 
-#include "Move/MoveRun.h"
+#include "Move/DriveChoice.h"
 #include "Platform/AppStorageNames.h"
 #include "Platform/DriveScanner.h"
 #include "Platform/Files.h"
@@ -94,7 +94,7 @@ QCoro::Task<> AppState::scanDrives() {
 
 void AppState::takeDrives(std::vector<DriveInfo> drives) {
     std::vector<DriveInfo> targets;
-    std::copy_if(drives.begin(), drives.end(), std::back_inserter(targets), DriveRow::isTarget);
+    std::copy_if(drives.begin(), drives.end(), std::back_inserter(targets), DriveChoice::canBeTarget);
     m_drives.replaceAll(std::move(drives));
     m_targetDrives.replaceAll(std::move(targets));
 

@@ -98,8 +98,10 @@ void AppState::updateJob(std::size_t index, JobRow row) {
 }
 
 void AppState::finishRun() {
+    // When the user leaves in the middle of a run, the jobs behind the current one have not ended.
     std::vector<MoveJob> ended;
-    for (const JobRow& row : jobs()) ended.push_back(row.job);
+    for (const JobRow& row : jobs())
+        if (row.job.status.isFinal()) ended.push_back(row.job);
     const MoveRun::Summary summary = MoveRun::summary(ended);
     if (summary.hasFailures) {
         setError(screenText(summary.text));

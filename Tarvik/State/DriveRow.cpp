@@ -28,8 +28,4 @@ std::string key(const DriveInfo& drive) {
     return drive.id;
 }
 
-bool isTarget(const DriveInfo& drive) {
-    return drive.isWritable && !drive.isBoot();
-}
-
 }  // namespace tarvik::DriveRow

@@ -10,7 +10,5 @@ namespace tarvik::DriveRow {
 
 std::vector<Role<DriveInfo>> roles();
 std::string key(const DriveInfo& drive);
-/// Whether something can be moved to the drive: it is writable and not the boot volume.
-bool isTarget(const DriveInfo& drive);
 
 }  // namespace tarvik::DriveRow
