@@ -18,6 +18,7 @@ ListRow {
     implicitHeight: 76
     leftPadding: Theme.medium
     rightPadding: Theme.medium
+    ringMargin: 4
     Accessible.role: Accessible.RadioButton
     Accessible.name: name + ", " + freeText + " free of " + totalText
     Accessible.checkable: true

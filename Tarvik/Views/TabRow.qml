@@ -11,6 +11,8 @@ ListRow {
     objectName: "tab-" + modelData.name
     highlighted: isSelected
     restingColor: isSelected ? Theme.accent : "transparent"
+    ringMargin: 2
+    ringColor: isSelected ? Theme.textOnAccent : Theme.accent
     Accessible.role: Accessible.PageTab
     Accessible.name: modelData.label
 

@@ -27,6 +27,7 @@ QtObject {
     readonly property color success: "#1c7a4a"
     readonly property color successTint: "#e4f3ea"
     readonly property color warning: "#8a5600"
+    readonly property color warningFill: "#dd9a1f"
     readonly property color warningTint: "#fcf2da"
     readonly property color danger: "#b8322a"
     readonly property color dangerHovered: "#a32a23"
@@ -79,9 +80,13 @@ QtObject {
     /// How long a message stays, in milliseconds.
     readonly property int toastDuration: 3000
 
-    /// The strong, and the faint colour of a tone: "accent", "success", "warning", "danger", or anything else for neutral.
+    /// The colour of a tone for text and icons, for bars, and for a surface below text. A tone is "accent", "success",
+    /// "warning", "danger", or anything else for neutral.
     function colorOf(tone) {
         return { accent: accent, success: success, warning: warning, danger: danger }[tone] ?? neutral;
+    }
+    function fillOf(tone) {
+        return tone === "warning" ? warningFill : colorOf(tone);
     }
     function tintOf(tone) {
         return { accent: accentTint, success: successTint, warning: warningTint, danger: dangerTint }[tone] ?? neutralTint;

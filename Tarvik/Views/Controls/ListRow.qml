@@ -8,6 +8,9 @@ T.ItemDelegate {
 
     required property int index
     property color restingColor: "transparent"
+    /// Where and how the row shows the keyboard on it: a row with a frame or a fill sets the ring apart from these.
+    property int ringMargin: 0
+    property color ringColor: Theme.accent
     readonly property RowList list: ListView.view as RowList
 
     width: ListView.view ? ListView.view.width : implicitWidth
@@ -35,8 +38,9 @@ T.ItemDelegate {
             color: row.down ? Theme.pressed : row.hovered ? Theme.hovered : "transparent"
         }
         FocusRing {
-            anchors.margins: 0
-            radius: Theme.radius
+            anchors.margins: row.ringMargin
+            radius: Theme.radius - row.ringMargin / 2
+            border.color: row.ringColor
             visible: row.ListView.isCurrentItem && row.list !== null && row.list.activeFocus && row.list.showsFocus
         }
     }

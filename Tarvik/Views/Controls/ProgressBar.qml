@@ -18,7 +18,7 @@ T.ProgressBar {
             width: bar.visualPosition > 0 ? Math.max(height, parent.width * bar.visualPosition) : 0
             height: parent.height
             radius: height / 2
-            color: Theme.colorOf(bar.tone)
+            color: Theme.fillOf(bar.tone)
             Behavior on width { NumberAnimation { duration: Theme.calm } }
         }
     }
