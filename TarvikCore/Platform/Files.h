@@ -1,14 +1,14 @@
 #pragma once
 
-#include <sys/stat.h>
+#include "Platform/FileError.h"
+#include "Platform/Path.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
-
-#include "Platform/Path.h"
 
 /// The one door to the file system for single items. Trees are walked by `TreeWalk`.
 ///
@@ -63,8 +63,13 @@ fs::path readLink(const fs::path& path);
 void createFolder(const fs::path& folder);
 /// Makes a link at `link` that holds `target` as it stands. @throws FileError also when something is there.
 void createSymbolicLink(const fs::path& link, const fs::path& target);
-/// Removes an item, a folder with its contents, through directory handles and without following links.
-/// Refuses before it removes anything when another volume is mounted inside a folder.
+/// Removes a symbolic link. @throws FileError also when something else stands there, which stays.
+void removeLink(const fs::path& link);
+/// Why an item could not be removed as a whole, found out before anything is: another volume is mounted inside it, or a
+/// folder in it may not be written to. Nothing when no obstacle can be seen.
+std::optional<FileError> removalObstacle(const fs::path& path);
+/// Removes an item, a folder with its contents, through directory handles and without following links. Removes nothing
+/// when there is a `removalObstacle`.
 void removeItem(const fs::path& path);
 /// Renames within one volume and never replaces what stands at `to`.
 /// @throws FileError with EEXIST when `to` is taken, with EXDEV when `to` is on another volume.

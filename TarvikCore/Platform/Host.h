@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Platform/Path.h"
+#include "Platform/ToolTable.h"
+
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
-
-#include "Platform/Path.h"
-#include "Platform/ToolTable.h"
 
 namespace tarvik {
 
@@ -24,18 +24,22 @@ struct Host {
     fs::path root;
     /// The user's home folder, a real path (the root is part of it).
     fs::path home;
+    /// Where short-lived files go. It need not exist yet: whoever writes there first makes it.
     fs::path temporary;
     ToolTable tools;
     std::shared_ptr<const VolumeList> volumes;
     std::shared_ptr<const TrashCan> trash;
     Clock now;
 
-    /// The machine that this program runs on, with the user's home folder, or another one.
+    /// The machine that this program runs on, with the user's home folder, or another one. Without one, HOME names it,
+    /// or else the user's account.
     static Host thisMachine(const std::optional<fs::path>& home = std::nullopt);
-    /// Another disk, or the practice machine: nothing outside `root` and `home` belongs to it.
+    /// Another disk, or the practice machine: nothing outside `root` and `home` belongs to it. Its temporary folder is
+    /// `root`/tmp, so that what is unpacked there stays on the same disk. Both are real paths; nothing is made.
     static Host rootedAt(const fs::path& root, const fs::path& home);
-    /// What a program's --root and --home name: without a root this machine; with one, `home` defaults to the only
-    /// folder under its `Users`. @throws Failure when `root` is no folder or the home cannot be told.
+    /// What a program's --root and --home name: without a root (or with "/") this machine; with one, `home` defaults to
+    /// the only folder under its `Users`, where `Shared` and hidden ones do not count. Links in both are resolved.
+    /// @throws Failure when `root` is no folder or the home cannot be told.
     static Host fromOptions(const std::optional<fs::path>& root, const std::optional<fs::path>& home);
 };
 

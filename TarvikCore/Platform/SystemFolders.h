@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
@@ -16,9 +14,12 @@ fs::path system(const Host& host);
 fs::path users(const Host& host);
 fs::path volumes(const Host& host);
 
-/// The folders that the system needs at their place; they may hold what can be moved, but never move themselves.
-std::vector<fs::path> immovable(const Host& host);
-/// The folders of which neither they nor anything below them may move.
-std::vector<fs::path> sealed(const Host& host);
+/// Whether a folder must stay where it is: the system or the user's session looks for it there, a drive is mounted on
+/// it, or the home or the host's root lies in it. Folders inside may still be movable: nothing in /System is, all in
+/// /Applications is. Pure: judged by the text of the path alone, by one table for all systems.
+///
+/// `resolvedFolder` is standardized and has no links in it. What lies below the home is the user's own, wherever the
+/// home is. A folder outside a host's own root is judged as a folder of the machine that the program runs on.
+bool isImmovable(const Host& host, const fs::path& resolvedFolder);
 
 }  // namespace tarvik::SystemFolders

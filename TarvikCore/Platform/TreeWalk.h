@@ -1,13 +1,12 @@
 #pragma once
 
-#include <sys/stat.h>
+#include "Platform/Files.h"
+#include "Platform/Path.h"
 
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "Platform/Files.h"
-#include "Platform/Path.h"
+#include <sys/stat.h>
 
 namespace tarvik {
 
@@ -17,8 +16,8 @@ namespace tarvik {
 ///     TreeWalk walk(folder, {});
 ///     while (walk.next()) use(walk.relativePath(), walk.type());
 ///
-/// One walk belongs to one thread. The tree may change meanwhile: what has gone by the time it is reached shows up as an
-/// unreadable entry, never as a crash.
+/// One walk belongs to one thread. The tree may change meanwhile: what has gone by the time it is reached shows up as
+/// an unreadable entry, never as a crash.
 class TreeWalk {
 public:
     enum class Order {
@@ -38,7 +37,7 @@ public:
         unreadable,  ///< the folder given last as `item` could not be listed: see `errorNumber()`
     };
 
-    /// Opens `root`, which is resolved if it is a link. When that fails, `rootError()` tells, and the walk is empty.
+    /// Opens `root`, which must be a folder and no link. When that fails, `rootError()` tells, and the walk is empty.
     TreeWalk(const fs::path& root, Options options);
     ~TreeWalk();
     TreeWalk(TreeWalk&&) noexcept;
@@ -63,7 +62,8 @@ public:
     int folderHandle() const;
     /// The entry's type; from the listing where that told it, else by a status call.
     Files::ItemType type();
-    /// The entry's status, links not followed, read once and kept until `next`. Null when it cannot be read; errno tells.
+    /// The entry's status, links not followed, read once and kept until `next`. Null when it cannot be read; errno
+    /// tells.
     const struct stat* status();
     /// errno of an `unreadable` event.
     int errorNumber() const;

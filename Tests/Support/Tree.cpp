@@ -1,15 +1,14 @@
 #include "Support/Tree.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
-
-#include <fmt/format.h>
 
 namespace tarvik::test {
 
@@ -28,7 +27,8 @@ void addLines(const fs::path& item, const std::string& relative, std::vector<std
     if (S_ISLNK(status.st_mode)) {
         lines.push_back(fmt::format("link {} -> {}", relative, fs::read_symlink(item).native()));
     } else if (S_ISREG(status.st_mode)) {
-        lines.push_back(fmt::format("file {:o} {} {} {}", permissions, relative, status.st_size, digestOf(contentOf(item))));
+        lines.push_back(
+            fmt::format("file {:o} {} {} {}", permissions, relative, status.st_size, digestOf(contentOf(item))));
     } else if (S_ISDIR(status.st_mode)) {
         lines.push_back(fmt::format("folder {:o} {}", permissions, relative));
         for (const auto& entry : fs::directory_iterator(item))
@@ -57,11 +57,24 @@ void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed) {
     makeFile(path, bytes);
 }
 
-void makeFolder(const fs::path& path) { fs::create_directories(path); }
+void makeFolder(const fs::path& path) {
+    fs::create_directories(path);
+}
 
 void makeLink(const fs::path& link, const fs::path& target) {
     fs::create_directories(link.parent_path());
     fs::create_symlink(target, link);
+}
+
+void makeSocket(const fs::path& path) {
+    fs::create_directories(path.parent_path());
+    if (::mknod(path.c_str(), S_IFSOCK | 0600, 0) != 0)
+        throw std::runtime_error("cannot make a socket at " + path.native());
+}
+
+void makePipe(const fs::path& path) {
+    fs::create_directories(path.parent_path());
+    if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make a pipe at " + path.native());
 }
 
 std::string contentOf(const fs::path& path) {

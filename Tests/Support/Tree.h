@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Platform/Path.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
-
-#include "Platform/Path.h"
 
 /// The shared vocabulary of made worlds: short words for files and folders.
 namespace tarvik::test {
@@ -15,9 +15,11 @@ void makeFile(const fs::path& path, std::string_view content = "content");
 void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed = 1);
 void makeFolder(const fs::path& path);
 void makeLink(const fs::path& link, const fs::path& target);
+void makeSocket(const fs::path& path);
+void makePipe(const fs::path& path);
 std::string contentOf(const fs::path& path);
-/// Everything that a tree holds, an entry a line in byte order: kind, permissions, path, size and a digest of the content
-/// or a link's text. Two trees with equal pictures are the same to a user. Times are left out.
+/// Everything that a tree holds, an entry a line in byte order: kind, permissions, path, size and a digest of the
+/// content or a link's text. Two trees with equal pictures are the same to a user. Times are left out.
 std::string pictureOf(const fs::path& root);
 
 }  // namespace tarvik::test

@@ -1,0 +1,49 @@
+#include "CommandLine/Acts.h"
+#include "CommandLine/Options.h"
+#include "CommandLine/Signals.h"
+#include "CommandLine/Terminal.h"
+#include "Platform/Files.h"
+#include "Platform/Host.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using namespace tarvik;
+using namespace tarvik::CommandLine;
+
+enum ExitStatus { done = 0, failed = 1, wrongUse = 2 };
+
+void run(const std::vector<std::string>& arguments) {
+    const auto parsed = parse(arguments);
+    if (const auto* information = std::get_if<Information>(&parsed)) return Terminal::writeResult(information->text);
+    const auto& options = std::get<Options>(parsed);
+    const auto host = Host::fromOptions(options.root, options.home);
+    // The tools that stand in for the system's find the same machine by it. No thread runs yet.
+    if (options.root) ::setenv("TARVIK_ROOT", host.root.c_str(), 1);
+    Acts::perform(host, options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    surviveClosedPipes();
+    try {
+        run({argv + 1, argv + argc});
+        return done;
+    } catch (const WrongUse& use) {
+        Terminal::say(fmt::format("{}\nSee tarvik --help.", use.description()));
+        return wrongUse;
+    } catch (const Failure& failure) {
+        Terminal::say(failure.description());
+    } catch (const std::exception& error) {
+        Terminal::say(error.what());
+    }
+    return failed;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace tarvik::CommandLine {
+
+/// How results are written to standard output.
+enum class Format {
+    human,  ///< for eyes: aligned, rounded, sentences
+    tsv,    ///< a header line, then a line for each record
+    toml,   ///< a document
+};
+
+/// One result for a program to read: names and values in the order in which they are written.
+using Value = std::variant<std::string, std::int64_t, bool>;
+using Record = std::vector<std::pair<std::string, Value>>;
+
+/// A header line of `names` and a line for each record, whose values stand in the same order. Within a value a tab is
+/// written as \t, a line break as \n, a carriage return as \r and a backslash as \\; every other byte as it is.
+std::string tsv(const std::vector<std::string>& names, const std::vector<Record>& records);
+/// The same for one record, which brings its names along.
+std::string tsv(const Record& record);
+
+/// An array of tables under `name`; an empty array when there are no records. TOML is UTF-8: bytes of a name that are
+/// none are written as U+FFFD.
+std::string toml(std::string_view name, const std::vector<Record>& records);
+/// One record as the document's top-level keys.
+std::string toml(const Record& record);
+
+}  // namespace tarvik::CommandLine

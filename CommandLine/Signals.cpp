@@ -1,0 +1,47 @@
+#include "CommandLine/Signals.h"
+
+#include <cerrno>
+#include <unistd.h>
+
+namespace tarvik::CommandLine {
+
+namespace {
+
+// Handlers, not SIG_IGN: what is ignored stays ignored in the tools that are started, a handler does not.
+
+void passOn(int signal, siginfo_t* information, void*) {
+    const int error = errno;
+    const bool fromAnotherProcess = information->si_code == SI_USER && information->si_pid != ::getpid();
+    if (fromAnotherProcess && ::getpgrp() == ::getpid()) ::kill(0, signal);
+    errno = error;
+}
+
+void doNothing(int) {}
+
+}  // namespace
+
+SignalGuard::SignalGuard() {
+    struct sigaction action {};
+    action.sa_sigaction = passOn;
+    action.sa_flags = SA_SIGINFO | SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    for (std::size_t at = 0; at < guarded.size(); ++at) {
+        ::sigaction(guarded[at], nullptr, &m_before[at]);
+        // Ignored on purpose, as nohup does: left so, for the tools too.
+        if (m_before[at].sa_handler != SIG_IGN) ::sigaction(guarded[at], &action, nullptr);
+    }
+}
+
+SignalGuard::~SignalGuard() {
+    for (std::size_t at = 0; at < guarded.size(); ++at) ::sigaction(guarded[at], &m_before[at], nullptr);
+}
+
+void surviveClosedPipes() {
+    struct sigaction action {};
+    action.sa_handler = doNothing;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    ::sigaction(SIGPIPE, &action, nullptr);
+}
+
+}  // namespace tarvik::CommandLine

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Platform/FileError.h"
+#include "ditto/Folder.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarvik::ditto {
+
+/// Takes away what stands where `item` is to be made. @returns 0, or the errno of why it has to stay.
+inline int removeFormer(const Item& item) {
+    // In a new folder it can only be another item of the source, whose name the destination takes for the same.
+    if (item.parent.folder->isNew) return EEXIST;
+    struct stat former {};
+    const int folder = item.parent.destination.get();
+    if (::fstatat(folder, item.destinationName, &former, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT ? 0 : errno;
+    if (S_ISDIR(former.st_mode)) return EISDIR;
+    return ::unlinkat(folder, item.destinationName, 0) == 0 || errno == ENOENT ? 0 : errno;
+}
+
+/// Makes an item by `make`, a system call that does not make it where something stands. An older item is replaced,
+/// never written through. @returns what `make` returned.
+/// @throws FileError with `verb`
+template <typename Make>
+int makeFresh(const Item& item, std::string_view verb, const Make& make) {
+    for (;;) {
+        const int made = make();
+        if (made >= 0) return made;
+        if (errno != EEXIST) throw FileError(verb, destinationPath(item), errno);
+        if (const int error = removeFormer(item)) throw FileError(verb, destinationPath(item), error);
+    }
+}
+
+}  // namespace tarvik::ditto

@@ -1,0 +1,50 @@
+#include "ditto/HardLinks.h"
+
+#include "Platform/FileError.h"
+#include "ditto/FreshItem.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#include <vector>
+
+namespace tarvik::ditto {
+
+bool HardLinks::linkOrMake(const Item& item, const struct stat& status, const std::function<void()>& make) {
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_copies.find({status.st_dev, status.st_ino});
+    if (found == m_copies.end()) {
+        make();
+        m_copies[{status.st_dev, status.st_ino}] = {item.parent.folder, item.destinationName, status.st_nlink - 1};
+        return false;
+    }
+    Copy& copy = found->second;
+    const int folder = handleOf(copy.folder);
+    makeFresh(item, "create the link", [&] {
+        return ::linkat(folder, copy.name.c_str(), item.parent.destination.get(), item.destinationName, 0);
+    });
+    if (--copy.namesToCome == 0) m_copies.erase(found);
+    return true;
+}
+
+int HardLinks::handleOf(const std::shared_ptr<Folder>& folder) {
+    if (folder == m_top->folder) return m_top->destination.get();
+    if (folder == m_lastFolder) return m_lastHandle.get();
+
+    // Name by name, since the whole path may be longer than the system takes at once.
+    std::vector<const Folder*> way;
+    for (const Folder* step = folder.get(); step != m_top->folder.get(); step = step->parent.get()) way.push_back(step);
+    m_lastFolder = nullptr;
+    FileDescriptor handle;
+    for (auto step = way.rbegin(); step != way.rend(); ++step) {
+        const int parent = handle ? handle.get() : m_top->destination.get();
+        handle = FileDescriptor(
+            ::openat(parent, (*step)->destinationName.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+        if (!handle) throw FileError("read", destinationPath(**step), errno);
+    }
+    m_lastHandle = std::move(handle);
+    m_lastFolder = folder;
+    return m_lastHandle.get();
+}
+
+}  // namespace tarvik::ditto

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/Path.h"
+
+#include <sys/stat.h>
+
+/// Keeps a copy from ending up in what is copied.
+namespace tarvik::ditto::SelfCopy {
+
+/// Refuses a destination that is the source, or lies inside it, by whatever path it is reached. Makes nothing. `status`
+/// is the source's. @throws Failure
+void refuse(const fs::path& source, const struct stat& status, const fs::path& destination);
+
+}  // namespace tarvik::ditto::SelfCopy

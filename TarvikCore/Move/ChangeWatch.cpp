@@ -1,0 +1,46 @@
+#include "Move/ChangeWatch.h"
+
+#include "Platform/SystemCalls.h"
+#include "Platform/TreeWalk.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <thread>
+
+namespace tarvik::ChangeWatch {
+
+namespace {
+
+// Kernels stamp files with the time of their last clock tick, 10 ms apart at the most.
+constexpr auto clockTick = std::chrono::milliseconds(10);
+
+bool isAfter(const timespec& time, const timespec& mark) {
+    return time.tv_sec != mark.tv_sec ? time.tv_sec > mark.tv_sec : time.tv_nsec > mark.tv_nsec;
+}
+
+}  // namespace
+
+Mark mark() {
+    Mark result;
+    ::clock_gettime(CLOCK_REALTIME, &result.time);
+    std::this_thread::sleep_for(clockTick);
+    return result;
+}
+
+std::optional<std::string> changedItem(const Host&, const fs::path& root, const Mark& mark) {
+    struct stat status {};
+    if (::lstat(root.c_str(), &status) != 0) return root.filename();
+    if (isAfter(SystemCalls::statusChangeTime(status), mark.time)) return root.filename();
+    if (!S_ISDIR(status.st_mode)) return std::nullopt;
+    TreeWalk walk(root, {.order = TreeWalk::Order::any});
+    if (walk.rootError()) return root.filename();
+    while (walk.next()) {
+        const struct stat* entry = walk.event() == TreeWalk::Event::item ? walk.status() : nullptr;
+        if (!entry || isAfter(SystemCalls::statusChangeTime(*entry), mark.time))
+            return root.filename() / walk.relativePath();
+    }
+    return std::nullopt;
+}
+
+}  // namespace tarvik::ChangeWatch

@@ -1,0 +1,72 @@
+#include "Move/ItemMover.h"
+
+#include "Move/ChangeWatch.h"
+#include "Move/FileCopier.h"
+#include "Move/MoveVerifier.h"
+#include "Move/MoverError.h"
+#include "Move/ProgressTimer.h"
+#include "Move/SizeCalculator.h"
+#include "Platform/Files.h"
+#include "Platform/Identifier.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <optional>
+
+namespace tarvik::ItemMover {
+
+namespace {
+
+/// Renames, or tells that the goal is on another volume.
+bool renamesWithinVolume(const fs::path& from, const fs::path& to) {
+    try {
+        Files::rename(from, to);
+        return true;
+    } catch (const FileError& error) {
+        if (error.code() == EXDEV) return false;
+        throw;
+    }
+}
+
+void copyWithProgress(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
+    std::optional<ProgressTimer> timer;
+    if (progress) {
+        const std::int64_t total = SizeCalculator::size(host, from);
+        timer.emplace([&host, &to, &progress, total](const Cancellation& cancellation) {
+            progress(SizeCalculator::size(host, to, cancellation), total);
+        });
+    }
+    FileCopier::runDitto(host, from, to);
+}
+
+/// Leaves at `to` a complete copy that has reached the drive, or nothing.
+void copyAcross(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
+    const fs::path temporary = to.parent_path() / (".tarvik-moving-" + newIdentifier());
+    try {
+        const auto start = ChangeWatch::mark();
+        copyWithProgress(host, from, temporary, progress);
+        if (auto reason = MoveVerifier::failureReasonByItem(host, from, temporary))
+            throw MoverError::verifyFailed(*reason);
+        Files::flushVolume(temporary);
+        if (auto changed = ChangeWatch::changedItem(host, from, start))
+            throw MoverError::verifyFailed(fmt::format("{} was changed while it was copied.", *changed));
+        Files::rename(temporary, to);
+    } catch (...) {
+        ignoringFailure([&] { Files::removeItem(temporary); });  // Our own unfinished copy: the original is whole.
+        throw;
+    }
+    Files::flushVolume(to.parent_path());
+}
+
+}  // namespace
+
+void move(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
+    if (Files::itemExists(to)) throw FileError("move", from.native() + " to " + to.native(), EEXIST);
+    if (renamesWithinVolume(from, to)) return;
+    if (auto obstacle = Files::removalObstacle(from)) throw *std::move(obstacle);
+    copyAcross(host, from, to, progress);
+    Files::removeItem(from);
+}
+
+}  // namespace tarvik::ItemMover

@@ -1,0 +1,75 @@
+#include "Move/MoveRefusal.h"
+
+#include "Platform/Files.h"
+#include "Platform/SystemFolders.h"
+
+#include <fmt/format.h>
+
+namespace tarvik::MoveRefusal {
+
+namespace {
+
+using Refusal = std::optional<std::string>;
+
+Refusal byKind(const fs::path& folder) {
+    if (const auto target = Files::linkText(folder))
+        return fmt::format("{} is already a symlink to {}.", folder.filename().native(), target->native());
+    if (!Files::isFolder(folder))
+        return fmt::format("{} is not a folder. Choose a folder.", folder.filename().native());
+    return std::nullopt;
+}
+
+/// `folder` and `mountPath` with all links resolved.
+Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveInfo& drive) {
+    const std::string name = folder.filename();
+    if (!drive.isWritable) return fmt::format("{} is read-only. Choose a drive that can be written to.", drive.name);
+    if (folder == mountPath) return fmt::format("{} is the target drive itself and can't be moved to it.", drive.name);
+    if (Files::isAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
+    if (Files::isAtOrBelow(mountPath, folder))
+        return fmt::format("{} holds the target drive {} and can't be moved to it.", folder.native(), drive.name);
+    return std::nullopt;
+}
+
+Refusal bySystem(const Host& host, const fs::path& folder) {
+    const fs::path home = Files::resolved(host.home).value_or(host.home);
+    if (folder == home) return "The home folder can't be moved.";
+    if (Files::isAtOrBelow(home, folder))
+        return fmt::format("{} holds the home folder and can't be moved.", folder.native());
+    if (SystemFolders::isImmovable(host, folder))
+        return fmt::format("{} belongs to the system and can't be moved.", folder.native());
+    return std::nullopt;
+}
+
+Refusal byContents(const fs::path& folder) {
+    const auto obstacle = Files::removalObstacle(folder);
+    if (!obstacle) return std::nullopt;
+    return fmt::format("{} can't be moved as a whole. {}", folder.filename().native(), obstacle->description());
+}
+
+}  // namespace
+
+std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive) {
+    if (auto refusal = byKind(folder)) return refusal;
+    const fs::path resolved = Files::resolved(folder).value_or(folder);
+    const fs::path mountPath = Files::resolved(drive.mountPath).value_or(drive.mountPath);
+    if (auto refusal = bySystem(host, resolved)) return refusal;
+    if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
+    return byContents(folder);
+}
+
+std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target) {
+    const fs::path resolved = Files::resolved(target).value_or(target);
+    if (auto refusal = bySystem(host, resolved)) return refusal;
+    const fs::path goal = Files::resolved(link.parent_path()).value_or(link.parent_path()) / link.filename();
+    if (Files::isAtOrBelow(goal, resolved))
+        return fmt::format("{} holds the symlink itself and can't be moved into its place.", target.native());
+    if (Files::isFolder(resolved)) {
+        const auto item = Files::info(resolved);
+        const auto parent = Files::info(resolved.parent_path());
+        if (item && parent && item->device != parent->device)
+            return fmt::format("{} is a whole volume and can't be moved.", target.native());
+    }
+    return byContents(resolved);
+}
+
+}  // namespace tarvik::MoveRefusal

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Platform/DriveInfo.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
+#include <optional>
+#include <string>
+
+/// Tells which moves, and which ways back, could only do harm. They are refused before anything is touched.
+namespace tarvik::MoveRefusal {
+
+/// Why `folder`, which must exist and be standardized, may not move to `drive`, as one sentence for the user; nothing
+/// when it may. Looks at the tree's folders for mounted volumes and for what could not be removed, so it blocks; any
+/// thread.
+std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive);
+
+/// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a
+/// whole, a folder of the system, a folder that holds the link. Nothing when it may.
+std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target);
+
+}  // namespace tarvik::MoveRefusal

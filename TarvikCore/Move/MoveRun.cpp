@@ -1,0 +1,62 @@
+#include "Move/MoveRun.h"
+
+#include "Move/MoverEngine.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "Platform/Text.h"
+#include "Platform/VolumeList.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tarvik::MoveRun {
+
+namespace {
+
+/// A drive's mount path can outlive the drive as an empty folder on the internal disk: a volume must stand there.
+bool isDriveThere(const Host& host, const fs::path& drivePath) {
+    if (!Files::exists(drivePath)) return false;
+    const auto volumes = host.volumes->mounted();
+    return std::any_of(volumes.begin(), volumes.end(),
+                       [&](const Volume& volume) { return volume.mountPath == drivePath; });
+}
+
+JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
+                    bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
+    if (!isDriveThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
+    status(index, JobStatus::copying(0));
+    try {
+        MoverEngine::moveAndLink(
+            host, job.source, job.destination.parent_path(), quitRunning,
+            [&](const JobStatus& reached) { status(index, reached); },
+            [&](std::int64_t copied, std::int64_t total) { progress(index, copied, total); });
+        return JobStatus::done();
+    } catch (const std::exception& failure) {
+        return JobStatus::failed(failure.what());
+    }
+}
+
+}  // namespace
+
+void run(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& drivePath, bool quitRunning,
+         const JobStatusCallback& status, const JobProgressCallback& progress) {
+    for (std::size_t index = 0; index < jobs.size(); ++index)
+        status(index, outcomeOf(host, jobs[index], index, drivePath, quitRunning, status, progress));
+}
+
+void applyProgress(MoveJob& job, std::int64_t copied, std::int64_t total) {
+    const double fraction = total < 1 ? 0 : static_cast<double>(copied) / static_cast<double>(total);
+    job.bytesCopied = copied;
+    job.bytesTotal = std::max(total, job.bytesTotal);
+    job.status = JobStatus::copying(std::min(fraction, 1.0));
+}
+
+Summary summary(const std::vector<MoveJob>& jobs) {
+    const auto failures =
+        std::count_if(jobs.begin(), jobs.end(), [](const MoveJob& job) { return job.status.is<JobStatus::Failed>(); });
+    if (failures > 0) return {true, fmt::format("Completed with {}.", Text::counted(failures, "failure"))};
+    return {false, fmt::format("Moved {}.", Text::counted(static_cast<std::int64_t>(jobs.size()), "item"))};
+}
+
+}  // namespace tarvik::MoveRun

@@ -1,0 +1,135 @@
+#include "Move/MoverEngine.h"
+
+#include "Move/ChangeWatch.h"
+#include "Move/FileCopier.h"
+#include "Move/ItemMover.h"
+#include "Move/MoveVerifier.h"
+#include "Move/MoverError.h"
+#include "Move/MoverStasher.h"
+#include "Move/ProgressTimer.h"
+#include "Move/SizeCalculator.h"
+#include "Move/VolumeCapacityProbe.h"
+#include "Platform/Files.h"
+
+#include <fmt/format.h>
+
+namespace tarvik::MoverEngine {
+
+namespace {
+
+void requireSpace(std::int64_t needed, std::int64_t free) {
+    const bool isKnown = free >= 1;
+    if (isKnown && free < needed) throw MoverError::insufficientSpace(needed, free);
+}
+
+/// A drive that goes away can leave its mount path behind, as a folder of another volume.
+std::uint64_t deviceOf(const fs::path& folder) {
+    return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
+}
+
+void copy(const Host& host, const fs::path& source, const fs::path& destination, std::int64_t size,
+          const ProgressCallback& progress) {
+    ProgressTimer timer([&](const Cancellation& cancellation) {
+        progress(SizeCalculator::size(host, destination, cancellation), size);
+    });
+    try {
+        FileCopier::runDitto(host, source, destination);
+    } catch (const Failure& failure) {
+        MoverStasher::stash(host, destination);
+        timer.cancel();
+        throw MoverError::copyFailed(failure.description());
+    }
+    progress(size, size);
+}
+
+/// Everything that must be true of the copy before its original may go. @throws FileError when it cannot be flushed.
+std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const fs::path& destination,
+                                             std::uint64_t driveDevice, const ChangeWatch::Mark& start) {
+    if (auto reason = MoveVerifier::failureReason(host, source, destination)) return reason;
+    if (deviceOf(destination.parent_path()) != driveDevice)
+        return std::string("The target drive was disconnected while it was written to.");
+    Files::flushVolume(destination);
+    if (auto changed = ChangeWatch::changedItem(host, source, start))
+        return fmt::format("{} was changed while it was copied.", *changed);
+    return std::nullopt;
+}
+
+void verify(const Host& host, const fs::path& source, const fs::path& destination, std::uint64_t driveDevice,
+            const ChangeWatch::Mark& start) {
+    std::optional<std::string> reason;
+    try {
+        reason = reasonAgainstCopy(host, source, destination, driveDevice, start);
+    } catch (const Failure& failure) {
+        reason = failure.description();
+    }
+    if (!reason) return;
+    MoverStasher::stash(host, destination);
+    throw MoverError::verifyFailed(*reason);
+}
+
+void removeOriginal(const Host& host, const fs::path& source, const fs::path& destination) {
+    try {
+        Files::removeItem(source);
+    } catch (const Failure& failure) {
+        MoverStasher::stash(host, destination);
+        throw MoverError::sourceRemoveFailed(failure.description());
+    }
+}
+
+void linkOrRollBack(const Host& host, const fs::path& source, const fs::path& destination) {
+    try {
+        Files::createSymbolicLink(source, destination);
+    } catch (const Failure& failure) {
+        ignoringFailure([&] { ItemMover::move(host, destination, source); });
+        throw MoverError::symlinkFailed(failure.description());
+    }
+}
+
+void verifyInternalized(const fs::path& item) {
+    const std::string name = item.filename();
+    if (!Files::exists(item)) throw MoverError::verifyFailed(fmt::format("{} missing after restore", name));
+    if (Files::isSymbolicLink(item))
+        throw MoverError::verifyFailed(
+            fmt::format("{} is still a symlink after restore — data was not internalized", name));
+}
+
+}  // namespace
+
+void moveAndLink(const Host& host, const fs::path& item, const fs::path& destinationParent, bool /*quitRunning*/,
+                 const StatusCallback& status, const ProgressCallback& progress) {
+    const fs::path source = Files::standardized(item);
+    if (!Files::exists(source)) throw MoverError::sourceMissing();
+    Files::createFolder(destinationParent);
+    const fs::path destination = Files::standardized(destinationParent / source.filename());
+    if (Files::itemExists(destination)) throw MoverError::destinationExists();
+    const std::uint64_t driveDevice = deviceOf(destinationParent);
+
+    const auto start = ChangeWatch::mark();
+    const std::int64_t size = SizeCalculator::size(host, source);
+    requireSpace(size, VolumeCapacityProbe::freeBytes(host, destinationParent));
+
+    copy(host, source, destination, size, progress);
+    status(JobStatus::verifying());
+    verify(host, source, destination, driveDevice, start);
+
+    status(JobStatus::linking());
+    removeOriginal(host, source, destination);
+    linkOrRollBack(host, source, destination);
+}
+
+void restore(const Host& host, const fs::path& link, const ProgressCallback& progress) {
+    const fs::path goal = Files::standardized(link);
+    const fs::path target = Files::readLink(goal);
+    if (!Files::exists(target)) throw MoverError::sourceMissing();
+    Files::removeLink(goal);
+    try {
+        ItemMover::move(host, target, goal, progress);
+    } catch (...) {
+        // The target is still whole: with its link back, everything works as before.
+        ignoringFailure([&] { Files::createSymbolicLink(goal, target); });
+        throw;
+    }
+    verifyInternalized(goal);
+}
+
+}  // namespace tarvik::MoverEngine

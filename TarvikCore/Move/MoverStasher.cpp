@@ -1,0 +1,18 @@
+#include "Move/MoverStasher.h"
+
+#include "Move/Disposal.h"
+#include "Platform/Files.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+
+namespace tarvik::MoverStasher {
+
+void stash(const Host& host, const fs::path& path) {
+    if (!Files::exists(path)) return;
+    const auto sinceEpoch = host.now().time_since_epoch();
+    Disposal::dispose(host, path, fmt::format("-{}", std::chrono::floor<std::chrono::seconds>(sinceEpoch).count()));
+}
+
+}  // namespace tarvik::MoverStasher

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
+/// Disposes of a copy that turned out bad: to the Trash, else into a folder `.TarvikTrash` beside it.
+namespace tarvik::MoverStasher {
+
+/// Never fails: what can be moved nowhere stays where it is. Nothing happens when nothing stands at `path`. Any thread.
+void stash(const Host& host, const fs::path& path);
+
+}  // namespace tarvik::MoverStasher

@@ -1,0 +1,42 @@
+#include "Platform/DriveScanner.h"
+
+#include "Platform/VolumeList.h"
+
+#include <algorithm>
+
+namespace tarvik::DriveScanner {
+
+namespace {
+
+/// The last component of the mount path; "/" for the root, which has none.
+std::string nameOfPlace(const fs::path& mountPath) {
+    const fs::path place = mountPath.has_filename() ? mountPath : mountPath.parent_path();
+    return place.has_filename() ? place.filename().native() : place.native();
+}
+
+DriveInfo driveOf(const Volume& volume) {
+    return {.id = volume.mountPath.native(),
+            .name = volume.name.value_or(std::string{}).empty() ? nameOfPlace(volume.mountPath) : *volume.name,
+            .mountPath = volume.mountPath,
+            .totalBytes = volume.totalBytes.value_or(0),
+            .freeBytes = volume.availableBytes.value_or(0),
+            .isInternal = volume.isInternal.value_or(false),
+            .isWritable = !volume.isReadOnly.value_or(false),
+            .filesystem = volume.formatDescription};
+}
+
+}  // namespace
+
+std::vector<DriveInfo> scan(const Host& host) {
+    std::vector<DriveInfo> drives;
+    for (const Volume& volume : host.volumes->mounted())
+        if (volume.isBrowsable.value_or(false)) drives.push_back(driveOf(volume));
+
+    std::stable_sort(drives.begin(), drives.end(), [](const DriveInfo& left, const DriveInfo& right) {
+        if (left.isInternal != right.isInternal) return left.isInternal;
+        return left.name < right.name;
+    });
+    return drives;
+}
+
+}  // namespace tarvik::DriveScanner

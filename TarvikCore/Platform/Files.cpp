@@ -1,0 +1,197 @@
+#include "Platform/Files.h"
+
+#include "Platform/FileDescriptor.h"
+#include "Platform/FolderListing.h"
+#include "Platform/SystemCalls.h"
+
+#include <climits>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace tarvik::Files {
+
+namespace {
+
+std::optional<struct stat> statusOf(const fs::path& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+/// Writes all bytes. @returns 0 or an errno value.
+int writeAll(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+}  // namespace
+
+ItemType typeOfMode(mode_t mode) {
+    switch (mode & static_cast<mode_t>(S_IFMT)) {
+        case S_IFREG:
+            return ItemType::regular;
+        case S_IFDIR:
+            return ItemType::folder;
+        case S_IFLNK:
+            return ItemType::symbolicLink;
+        case S_IFSOCK:
+            return ItemType::socket;
+        case S_IFIFO:
+            return ItemType::pipe;
+        case S_IFBLK:
+            return ItemType::blockDevice;
+        case S_IFCHR:
+            return ItemType::characterDevice;
+        default:
+            return ItemType::unknown;
+    }
+}
+
+ItemInfo infoOfStatus(const struct stat& status) {
+    return {typeOfMode(status.st_mode), static_cast<std::int64_t>(status.st_size),
+            static_cast<std::int64_t>(status.st_blocks) * 512, static_cast<std::uint64_t>(status.st_dev),
+            static_cast<std::uint64_t>(status.st_ino)};
+}
+
+fs::path standardized(const fs::path& path) {
+    if (path.empty()) return path;
+    fs::path absolute = path;
+    if (path.is_relative()) {
+        std::error_code error;
+        absolute = fs::current_path(error) / path;
+    }
+    fs::path result = absolute.lexically_normal();
+    if (!result.has_filename() && result.has_parent_path()) result = result.parent_path();
+    return result;
+}
+
+bool isAtOrBelow(const fs::path& path, const fs::path& ancestor) {
+    const auto [end, ignored] = std::mismatch(ancestor.begin(), ancestor.end(), path.begin(), path.end());
+    return end == ancestor.end();
+}
+
+bool exists(const fs::path& path) {
+    return infoFollowingLinks(path).has_value();
+}
+
+bool itemExists(const fs::path& path) {
+    return statusOf(path).has_value();
+}
+
+std::optional<ItemInfo> info(const fs::path& path) {
+    const auto status = statusOf(path);
+    return status ? std::optional(infoOfStatus(*status)) : std::nullopt;
+}
+
+std::optional<ItemInfo> infoFollowingLinks(const fs::path& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return infoOfStatus(status);
+}
+
+bool isFolder(const fs::path& path) {
+    const auto status = statusOf(path);
+    return status && S_ISDIR(status->st_mode);
+}
+
+bool isSymbolicLink(const fs::path& path) {
+    const auto status = statusOf(path);
+    return status && S_ISLNK(status->st_mode);
+}
+
+std::optional<fs::path> linkText(const fs::path& path) {
+    char text[PATH_MAX];
+    const ssize_t length = ::readlink(path.c_str(), text, sizeof text);
+    if (length < 0) return std::nullopt;
+    return fs::path(std::string(text, static_cast<std::size_t>(length)));
+}
+
+std::optional<fs::path> resolved(const fs::path& path) {
+    std::error_code error;
+    fs::path result = fs::canonical(path, error);
+    return error ? std::nullopt : std::optional(std::move(result));
+}
+
+std::vector<std::string> names(const fs::path& folder) {
+    std::vector<std::string> result;
+    const FileDescriptor handle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!handle) return result;
+    FolderListing listing;
+    listing.read(handle.get(), false);
+    listing.sortByName();
+    result.reserve(listing.size());
+    for (std::size_t index = 0; index < listing.size(); ++index) result.emplace_back(listing.name(index));
+    return result;
+}
+
+fs::path readLink(const fs::path& path) {
+    if (auto text = linkText(path)) return std::move(*text);
+    throw FileError("read the link", path, errno);
+}
+
+void createFolder(const fs::path& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    if (!error && !fs::is_directory(folder, error) && !error) error = std::make_error_code(std::errc::not_a_directory);
+    if (error) throw FileError("create the folder", folder, error.value());
+}
+
+void createSymbolicLink(const fs::path& link, const fs::path& target) {
+    if (::symlink(target.c_str(), link.c_str()) != 0) throw FileError("create the link", link, errno);
+}
+
+void removeLink(const fs::path& link) {
+    readLink(link);
+    if (::unlink(link.c_str()) != 0) throw FileError("remove the link", link, errno);
+}
+
+void rename(const fs::path& from, const fs::path& to) {
+    if (const int error = SystemCalls::renameExclusively(from, to))
+        throw FileError("move", from.native() + " to " + to.native(), error);
+}
+
+void writeDurably(const fs::path& path, std::string_view bytes) {
+    std::string temporary = path.native() + ".XXXXXX";
+    const FileDescriptor file(::mkstemp(temporary.data()));
+    if (!file) throw FileError("write", path, errno);
+    int error = writeAll(file.get(), bytes);
+    if (!error && ::fchmod(file.get(), 0644) != 0) error = errno;
+    if (!error && ::fsync(file.get()) != 0) error = errno;
+    if (!error && ::rename(temporary.c_str(), path.c_str()) != 0) error = errno;
+    if (error) {
+        ::unlink(temporary.c_str());
+        throw FileError("write", path, error);
+    }
+    const FileDescriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder) ::fsync(folder.get());  // Not every file system can flush a folder; the file itself is safe by now.
+}
+
+std::string read(const fs::path& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file) throw FileError("read", path, errno);
+    std::string bytes;
+    char buffer[64 * 1024];
+    while (true) {
+        const ssize_t length = ::read(file.get(), buffer, sizeof buffer);
+        if (length < 0 && errno == EINTR) continue;
+        if (length < 0) throw FileError("read", path, errno);
+        if (length == 0) return bytes;
+        bytes.append(buffer, static_cast<std::size_t>(length));
+    }
+}
+
+void flushVolume(const fs::path& path) {
+    if (const int error = SystemCalls::flushVolume(path)) throw FileError("flush", path, error);
+}
+
+}  // namespace tarvik::Files

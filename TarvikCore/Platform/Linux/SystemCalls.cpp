@@ -1,0 +1,56 @@
+#include "Platform/SystemCalls.h"
+
+#include "Platform/FileDescriptor.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarvik::SystemCalls {
+
+namespace {
+
+int resultOf(int callResult) {
+    return callResult == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+int renameExclusively(const fs::path& from, const fs::path& to) {
+    const int result = resultOf(::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
+    if (result != EINVAL && result != ENOSYS) return result;
+    // The file system knows no such flag (some FUSE drivers): the check and the rename are two steps then.
+    struct stat status {};
+    if (::lstat(to.c_str(), &status) == 0) return EEXIST;
+    return resultOf(::rename(from.c_str(), to.c_str()));
+}
+
+int flushVolume(const fs::path& path) {
+    const FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!item) return errno;
+    return resultOf(::syncfs(item.get()));
+}
+
+bool isMountPoint(int folderHandle, const char* name) {
+    struct statx status {};
+    if (::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE, &status) != 0) return false;
+    return (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0 &&
+           (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
+bool hasHiddenFlag(int, const char*) {
+    return false;
+}
+
+timespec statusChangeTime(const struct stat& status) {
+    return status.st_ctim;
+}
+
+std::int64_t allocatedSize(int, const char*, const struct stat& status) {
+    return static_cast<std::int64_t>(status.st_blocks) *
+           512;  // The unit of st_blocks on Linux, whatever the block size.
+}
+
+}  // namespace tarvik::SystemCalls

@@ -1,0 +1,11 @@
+#include "Platform/ProgramLocation.h"
+#include "Platform/ToolTable.h"
+
+namespace tarvik {
+
+ToolTable systemTools() {
+    const fs::path standIns = ProgramLocation::folder() / "stand-ins";
+    return {.ditto = standIns / "ditto", .find = "/usr/bin/find"};
+}
+
+}  // namespace tarvik

@@ -1,0 +1,28 @@
+#include "Platform/FolderListing.h"
+
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tarvik {
+
+int FolderListing::read(int folderHandle, bool skipsHidden) {
+    m_names.clear();
+    m_entries.clear();
+    const int own = ::fcntl(folderHandle, F_DUPFD_CLOEXEC, 0);  // closedir closes it
+    if (own < 0) return errno;
+    DIR* folder = ::fdopendir(own);
+    if (!folder) {
+        const int error = errno;
+        ::close(own);
+        return error;
+    }
+    errno = 0;
+    while (const dirent* entry = ::readdir(folder)) add(entry->d_name, entry->d_type, skipsHidden);
+    const int error = errno;
+    ::closedir(folder);
+    return error;
+}
+
+}  // namespace tarvik

@@ -1,0 +1,20 @@
+#include "Platform/ProgramLocation.h"
+
+#include "Platform/Files.h"
+
+#include <cstdint>
+#include <mach-o/dyld.h>
+#include <string>
+
+namespace tarvik::ProgramLocation {
+
+fs::path executable() {
+    std::uint32_t size = 0;
+    _NSGetExecutablePath(nullptr, &size);  // Fails, and tells the size that it needs.
+    std::string path(size, '\0');
+    if (_NSGetExecutablePath(path.data(), &size) != 0) return {};
+    path.resize(path.find('\0'));
+    return Files::resolved(path).value_or(fs::path{});
+}
+
+}  // namespace tarvik::ProgramLocation

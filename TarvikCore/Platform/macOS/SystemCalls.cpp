@@ -1,0 +1,66 @@
+#include "Platform/SystemCalls.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/attr.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarvik::SystemCalls {
+
+namespace {
+
+int resultOf(int callResult) {
+    return callResult == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+int renameExclusively(const fs::path& from, const fs::path& to) {
+    const int result = resultOf(::renamex_np(from.c_str(), to.c_str(), RENAME_EXCL));
+    if (result != ENOTSUP) return result;
+    // FAT volumes know no such flag: the check and the rename are two steps then.
+    struct stat status {};
+    if (::lstat(to.c_str(), &status) == 0) return EEXIST;
+    return resultOf(::rename(from.c_str(), to.c_str()));
+}
+
+int flushVolume(const fs::path& path) {
+    struct statfs volume {};
+    if (::statfs(path.c_str(), &volume) != 0) return errno;
+    return resultOf(::sync_volume_np(volume.f_mntonname, SYNC_VOLUME_FULLSYNC | SYNC_VOLUME_WAIT));
+}
+
+bool isMountPoint(int folderHandle, const char* name) {
+    struct stat item {
+    }, folder{};
+    if (::fstatat(folderHandle, name, &item, AT_SYMLINK_NOFOLLOW) != 0 || ::fstat(folderHandle, &folder) != 0)
+        return false;
+    return item.st_dev != folder.st_dev;
+}
+
+bool hasHiddenFlag(int folderHandle, const char* name) {
+    struct stat status {};
+    return ::fstatat(folderHandle, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && (status.st_flags & UF_HIDDEN) != 0;
+}
+
+timespec statusChangeTime(const struct stat& status) {
+    return status.st_ctimespec;
+}
+
+std::int64_t allocatedSize(int folderHandle, const char* name, const struct stat& status) {
+    struct attrlist wanted {};
+    wanted.bitmapcount = ATTR_BIT_MAP_COUNT;
+    wanted.fileattr = ATTR_FILE_ALLOCSIZE;  // all forks
+    struct {
+        std::uint32_t length;
+        off_t allocated;
+    } __attribute__((packed, aligned(4))) answer{};
+    if (::getattrlistat(folderHandle, name, &wanted, &answer, sizeof answer, FSOPT_NOFOLLOW) == 0)
+        return answer.allocated;
+    return static_cast<std::int64_t>(status.st_blocks) * 512;
+}
+
+}  // namespace tarvik::SystemCalls

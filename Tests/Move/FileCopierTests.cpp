@@ -1,0 +1,78 @@
+#include "Move/FileCopier.h"
+#include "Move/MoverError.h"
+#include "Platform/Files.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <vector>
+
+namespace tarvik::test {
+
+namespace {
+
+std::string failureOfDitto(World& world, const std::string& script) {
+    world.withDitto(script);
+    try {
+        FileCopier::runDitto(world.host, world.home, world.drive / "copy");
+    } catch (const Failure& failure) {
+        return failure.domain() + " " + std::to_string(failure.code()) + ": " + failure.description();
+    }
+    return "copied";
+}
+
+}  // namespace
+
+TEST(FileCopier, PassesItsArgumentsOneToOne) {
+    World world;
+    world.withDitto(R"(printf '%s|' "$#" "$1" "$2" "$3" > "$3")");
+    FileCopier::runDitto(world.host, "/a b/\"c\"", world.drive / "out");
+    EXPECT_EQ(contentOf(world.drive / "out"), "3|--rsrc|/a b/\"c\"|" + (world.drive / "out").native() + "|");
+}
+
+TEST(FileCopier, TellsTheToolsOwnWords) {
+    World world;
+    EXPECT_EQ(failureOfDitto(world, "printf '\\n  no room \\n\\n' >&2; exit 4"), "FileCopier 4: ditto failed: no room");
+    EXPECT_EQ(failureOfDitto(world, "exit 5"), "FileCopier 5: ditto failed: exit 5");
+    EXPECT_EQ(failureOfDitto(world, "printf '\\377\\376' >&2; exit 6"), "FileCopier 6: ditto failed: exit 6");
+    EXPECT_EQ(failureOfDitto(world, "kill -9 $$"), "FileCopier 9: ditto failed: exit 9");
+}
+
+TEST(FileCopier, IsNotBlockedByAToolThatTalksMuch) {
+    World world;
+    world.withDitto("head -c 300000 /dev/zero; head -c 300000 /dev/zero | tr '\\0' x >&2; exit 0");
+    FileCopier::runDitto(world.host, world.home, world.drive / "copy");
+}
+
+TEST(FileCopier, ReportsProgressWhileItCopiesAndAtTheEnd) {
+    World world;
+    world.withDitto(R"(head -c 100000 /dev/zero > "$3"; sleep 0.8)");
+    std::mutex mutex;
+    std::vector<std::pair<std::int64_t, std::int64_t>> reports;
+    FileCopier::copy(world.host, world.home, world.drive / "copy", 200'000,
+                     [&](std::int64_t copied, std::int64_t total) {
+                         const std::lock_guard lock(mutex);
+                         reports.emplace_back(copied, total);
+                     });
+    ASSERT_GE(reports.size(), 2U);
+    EXPECT_GE(reports.front().first, 100'000);
+    EXPECT_EQ(reports.front().second, 200'000);
+    EXPECT_EQ(reports.back(), (std::pair<std::int64_t, std::int64_t>(200'000, 200'000)));
+}
+
+TEST(FileCopier, DisposesOfAPartialCopy) {
+    World world;
+    world.withDitto(R"(mkdir "$3"; echo half > "$3/file"; echo broken >&2; exit 1)");
+    try {
+        FileCopier::copy(world.host, world.home, world.drive / "copy", 1, [](std::int64_t, std::int64_t) {});
+        FAIL() << "the tool failed";
+    } catch (const MoverError& error) {
+        EXPECT_EQ(error.description(), "Copy failed: ditto failed: broken");
+    }
+    EXPECT_FALSE(Files::itemExists(world.drive / "copy"));
+    EXPECT_TRUE(Files::exists(world.trash->folder / "copy/file"));
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,262 @@
+#include "Move/MoverEngine.h"
+#include "Move/MoverError.h"
+#include "Platform/FileError.h"
+#include "Platform/Files.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tarvik::test {
+
+namespace {
+
+/// A world with one folder to move.
+class MoverEngine : public testing::Test {
+protected:
+    MoverEngine() {
+        makeFile(source / "song.txt", "la la");
+        makeFile(source / ".hidden/deep/file", "secret");
+        makeLink(source / "link", "song.txt");
+        makeLink(source / "dangling", "nowhere");
+        makeFolder(source / "empty");
+        picture = pictureOf(source);
+    }
+
+    void move() {
+        tarvik::MoverEngine::moveAndLink(
+            world.host, source, world.foldersOnDrive(), false,
+            [this](const JobStatus& status) { statuses.push_back(status); },
+            [this](std::int64_t copied, std::int64_t total) { progress.emplace_back(copied, total); });
+    }
+
+    /// The description of the failure that a move ends with.
+    std::string failureOfMove() {
+        try {
+            move();
+        } catch (const Failure& failure) {
+            return failure.description();
+        }
+        return "moved";
+    }
+
+    std::string failureOfRestore(const fs::path& link) {
+        try {
+            tarvik::MoverEngine::restore(world.host, link);
+        } catch (const Failure& failure) {
+            return failure.description();
+        }
+        return "restored";
+    }
+
+    World world;
+    fs::path source = world.home / "Music";
+    fs::path destination = world.foldersOnDrive() / "Music";
+    std::string picture;
+    std::vector<JobStatus> statuses;
+    std::vector<std::pair<std::int64_t, std::int64_t>> progress;
+};
+
+}  // namespace
+
+TEST_F(MoverEngine, MovesAFolderAndLeavesAnAbsoluteLink) {
+    move();
+    EXPECT_EQ(Files::linkText(source), destination);
+    EXPECT_EQ(pictureOf(destination), picture);
+    EXPECT_EQ(contentOf(source / "song.txt"), "la la");
+    EXPECT_EQ(statuses, (std::vector{JobStatus::verifying(), JobStatus::linking()}));
+    ASSERT_FALSE(progress.empty());
+    EXPECT_EQ(progress.back().first, progress.back().second);
+}
+
+TEST_F(MoverEngine, MovesASingleFile) {
+    const fs::path file = world.home / "movie";
+    makeFile(file, "pictures");
+    tarvik::MoverEngine::moveAndLink(
+        world.host, file, world.foldersOnDrive(), false, [](const JobStatus&) {}, [](std::int64_t, std::int64_t) {});
+    EXPECT_EQ(Files::linkText(file), world.foldersOnDrive() / "movie");
+    EXPECT_EQ(contentOf(file), "pictures");
+}
+
+TEST_F(MoverEngine, RestoresWhatItMoved) {
+    move();
+    tarvik::MoverEngine::restore(world.host, source);
+    EXPECT_EQ(pictureOf(source), picture);
+    EXPECT_FALSE(Files::itemExists(destination));
+}
+
+TEST_F(MoverEngine, TakesADanglingLinkForAMissingSource) {
+    fs::remove_all(source);
+    makeLink(source, "nowhere");
+    EXPECT_EQ(failureOfMove(), "Source path no longer exists.");
+    EXPECT_TRUE(Files::isSymbolicLink(source));
+    EXPECT_FALSE(Files::itemExists(world.foldersOnDrive()));
+}
+
+TEST_F(MoverEngine, PassesOnTheFileErrorOfAParentFolder) {
+    makeFile(world.drive / "ExternalTarvik", "a file in the way");
+    EXPECT_THROW(move(), FileError);
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngine, LeavesAnOccupiedDestinationAlone) {
+    makeFile(destination / "first", "1");
+    EXPECT_EQ(failureOfMove(), "Destination already exists.");
+    EXPECT_EQ(contentOf(destination / "first"), "1");
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngine, LeavesADanglingLinkAtTheDestinationAlone) {
+    makeLink(destination, "nowhere");
+    EXPECT_EQ(failureOfMove(), "Destination already exists.");
+    EXPECT_TRUE(Files::isSymbolicLink(destination));
+}
+
+TEST_F(MoverEngine, RefusesASecondMoveOfTheSameItem) {
+    move();
+    const std::string first = pictureOf(destination);
+    fs::remove(source);
+    makeFile(source / "other", "new");
+    EXPECT_EQ(failureOfMove(), "Destination already exists.");
+    EXPECT_EQ(pictureOf(destination), first);
+    EXPECT_EQ(contentOf(source / "other"), "new");
+}
+
+TEST_F(MoverEngine, FailsWithoutEnoughSpace) {
+    makeFileOfSize(source / "big", 3'000'000);
+    world.volumes->available = 1'000'000;
+    EXPECT_THAT(failureOfMove(), testing::MatchesRegex("Not enough space. Need 3 MB, have 1 MB."));
+    EXPECT_TRUE(Files::exists(source / "big"));
+    EXPECT_TRUE(Files::exists(world.foldersOnDrive()));
+    EXPECT_FALSE(Files::itemExists(destination));
+}
+
+TEST_F(MoverEngine, MovesWhenTheFreeSpaceIsUnknown) {
+    world.volumes->available = 0;
+    move();
+    EXPECT_TRUE(Files::isSymbolicLink(source));
+}
+
+TEST_F(MoverEngine, MovesWhenTheFreeSpaceIsExactlyTheSize) {
+    makeFileOfSize(source / "big", 40'960);
+    std::int64_t size = 0;
+    for (const char* name : {"big", "song.txt"}) size += Files::info(source / name)->allocatedSize;
+    world.volumes->available = size - 1;
+    EXPECT_THAT(failureOfMove(), testing::StartsWith("Not enough space."));
+    world.volumes->available = size;
+    move();
+    EXPECT_TRUE(Files::isSymbolicLink(source));
+}
+
+TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyFails) {
+    world.withDitto(R"(mkdir "$3"; echo partial > "$3/song.txt"; echo "the drive is tired" >&2; exit 3)");
+    EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: the drive is tired");
+    EXPECT_EQ(pictureOf(source), picture);
+    EXPECT_FALSE(Files::itemExists(destination));
+    EXPECT_EQ(contentOf(world.trash->folder / "Music/song.txt"), "partial\n");
+}
+
+TEST_F(MoverEngine, KeepsTheOriginalWhenTheToolIsMissing) {
+    world.host.tools.ditto = world.folder / "no/such/tool";
+    EXPECT_THAT(failureOfMove(), testing::MatchesRegex("Copy failed: Could not start .*: No such file or directory"));
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyIsIncomplete) {
+    world.withDitto(R"(cp -a "$2" "$3"; rm "$3/song.txt")");
+    EXPECT_EQ(failureOfMove(), "Verification failed: Music copied with 7 of 8 entries — 1 missing.");
+    EXPECT_EQ(pictureOf(source), picture);
+    EXPECT_FALSE(Files::itemExists(destination));
+    EXPECT_TRUE(Files::exists(world.trash->folder / "Music"));
+}
+
+TEST_F(MoverEngine, KeepsWhatWasWrittenWhileItWasCopied) {
+    world.withDitto(R"(cp -a "$2" "$3"; printf 'ha ha' > "$2/song.txt")");
+    EXPECT_EQ(failureOfMove(), "Verification failed: Music/song.txt was changed while it was copied.");
+    EXPECT_EQ(contentOf(source / "song.txt"), "ha ha");
+    EXPECT_FALSE(Files::itemExists(destination));
+}
+
+TEST_F(MoverEngine, KeepsTheOriginalWhenTheDriveGoesAwayAndLeavesItsFolder) {
+    // What was written to the drive's folder is not on the drive: the folder now belongs to another volume.
+    world.withDitto(R"(cp -a "$2" "$3"; rm -rf "$(dirname "$3")"; ln - s / proc / self "$(dirname " $3 ")") ");
+        EXPECT_THAT(failureOfMove(), testing::StartsWith("Verification failed: "));
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
+    // A full folder in the place of the source's parent cannot be emptied: the source is a mount point in real life.
+    // Here the source vanishes under the engine's hands, which is as good a reason.
+    world.withDitto(R"(cp -a "$2" "$3")");
+    tarvik::MoverEngine::StatusCallback removesSource = [this](const JobStatus& status) {
+        if (status == JobStatus::linking()) fs::remove_all(source);
+    };
+    try {
+        tarvik::MoverEngine::moveAndLink(world.host, source, world.foldersOnDrive(), false, removesSource,
+                                         [](std::int64_t, std::int64_t) {});
+        FAIL() << "there was nothing to remove";
+    } catch (const MoverError& error) {
+        EXPECT_EQ(error.kind(), MoverError::Case::sourceRemoveFailed);
+        EXPECT_THAT(error.description(),
+                    testing::StartsWith("Could not remove original after copy: Could not remove "));
+    }
+    EXPECT_FALSE(Files::itemExists(destination));
+    EXPECT_EQ(pictureOf(world.trash->folder / "Music"), picture);
+}
+
+TEST_F(MoverEngine, StashesBesideTheCopyWhenTheTrashRefuses) {
+    world.trash->refuses = true;
+    world.withDitto(R"(mkdir "$3"; exit 1)");
+    EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: exit 1");
+    EXPECT_FALSE(Files::itemExists(destination));
+    EXPECT_TRUE(Files::isFolder(world.foldersOnDrive() / ".TarvikTrash" / ("Music-" + std::to_string(madeNow))));
+}
+
+TEST_F(MoverEngine, FailsForASocketThatTheCopyDrops) {
+    world.withDitto(R"(cp -a "$2" "$3"; rm "$3/socket")");
+    makeSocket(source / "socket");
+    EXPECT_EQ(failureOfMove(), "Verification failed: Music copied with 8 of 9 entries — 1 missing.");
+    EXPECT_TRUE(Files::itemExists(source / "socket"));
+}
+
+TEST_F(MoverEngine, LeavesTheLinkWhenTheTargetOfARestoreIsGone) {
+    makeLink(world.home / "old", world.drive / "gone");
+    EXPECT_EQ(failureOfRestore(world.home / "old"), "Source path no longer exists.");
+    EXPECT_EQ(Files::linkText(world.home / "old"), world.drive / "gone");
+}
+
+TEST_F(MoverEngine, PassesOnTheErrorWhenARestoreMeetsNoLink) {
+    EXPECT_EQ(failureOfRestore(source), "Could not read the link " + source.native() + ": Invalid argument");
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngine, TakesARelativeLinkTextFromTheWorkingDirectory) {
+    makeLink(world.home / "relative", "Music");
+    EXPECT_EQ(failureOfRestore(world.home / "relative"), "Source path no longer exists.");
+    EXPECT_TRUE(Files::isSymbolicLink(world.home / "relative"));
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngine, HandlesNamesThatAreHardToSpell) {
+    const std::vector<std::string> names = {"with spaces", "it's \"quoted\"",    "line\nbreak", std::string(255, 'n'),
+                                            "🎵 emoji",     "e\xcc\x81t\xc3\xa9", "\xff\xfe",    "-rf",
+                                            "*?[]$(x)"};
+    for (const auto& name : names) {
+        const fs::path folder = world.home / name;
+        makeFile(folder / name, name);
+        tarvik::MoverEngine::moveAndLink(
+            world.host, folder, world.foldersOnDrive(), false, [](const JobStatus&) {},
+            [](std::int64_t, std::int64_t) {});
+        EXPECT_EQ(Files::linkText(folder), world.foldersOnDrive() / name);
+        EXPECT_EQ(contentOf(folder / name), name);
+        tarvik::MoverEngine::restore(world.host, folder);
+        EXPECT_TRUE(Files::isFolder(folder));
+        EXPECT_EQ(contentOf(folder / name), name);
+    }
+}
+
+}  // namespace tarvik::test

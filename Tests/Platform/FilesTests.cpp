@@ -1,0 +1,155 @@
+#include "Platform/Files.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/Tree.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarvik::test {
+
+TEST(Files, StandardizesTheTextOfAPath) {
+    EXPECT_EQ(Files::standardized("/a/./b/../c//d/"), "/a/c/d");
+    EXPECT_EQ(Files::standardized("/"), "/");
+    EXPECT_EQ(Files::standardized("/.."), "/");
+    EXPECT_EQ(Files::standardized("name"), fs::current_path() / "name");
+    EXPECT_EQ(Files::standardized("/a/b/."), "/a/b");
+}
+
+TEST(Files, KnowsWhatLiesBelowAFolder) {
+    EXPECT_TRUE(Files::isAtOrBelow("/a/b", "/a/b"));
+    EXPECT_TRUE(Files::isAtOrBelow("/a/b/c", "/a/b"));
+    EXPECT_TRUE(Files::isAtOrBelow("/a", "/"));
+    EXPECT_FALSE(Files::isAtOrBelow("/a/bc", "/a/b"));
+    EXPECT_FALSE(Files::isAtOrBelow("/a", "/a/b"));
+}
+
+TEST(Files, TellsAnItemFromWhatItLeadsTo) {
+    const TemporaryFolder folder;
+    makeLink(folder / "dangling", "nowhere");
+    makeFolder(folder / "real");
+    makeLink(folder / "link", "real");
+    EXPECT_FALSE(Files::exists(folder / "dangling"));
+    EXPECT_TRUE(Files::itemExists(folder / "dangling"));
+    EXPECT_TRUE(Files::exists(folder / "link"));
+    EXPECT_FALSE(Files::isFolder(folder / "link"));
+    EXPECT_TRUE(Files::isSymbolicLink(folder / "link"));
+    EXPECT_EQ(Files::linkText(folder / "link"), fs::path("real"));
+    EXPECT_EQ(Files::linkText(folder / "real"), std::nullopt);
+}
+
+TEST(Files, ListsNamesInByteOrder) {
+    const TemporaryFolder folder;
+    for (const char* name : {"b", "B", ".hidden", "a\nb", "\xff\xfe", "é"}) makeFile(folder / name);
+    EXPECT_EQ(Files::names(folder.path()), (std::vector<std::string>{".hidden", "B", "a\nb", "b", "é", "\xff\xfe"}));
+    EXPECT_TRUE(Files::names(folder / "missing").empty());
+}
+
+TEST(Files, SaysInWordsWhatFailed) {
+    const TemporaryFolder folder;
+    makeFile(folder / "file");
+    try {
+        Files::createFolder(folder / "file/sub");
+        FAIL() << "a file is no place for a folder";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.description(),
+                  "Could not create the folder " + (folder / "file/sub").native() + ": Not a directory");
+        EXPECT_EQ(error.domain(), "Files");
+        EXPECT_EQ(error.code(), ENOTDIR);
+    }
+}
+
+TEST(Files, RenameNeverReplaces) {
+    const TemporaryFolder folder;
+    makeFile(folder / "a", "A");
+    makeFile(folder / "b", "B");
+    try {
+        Files::rename(folder / "a", folder / "b");
+        FAIL() << "b is taken";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.code(), EEXIST);
+    }
+    EXPECT_EQ(contentOf(folder / "b"), "B");
+    Files::rename(folder / "a", folder / "c");
+    EXPECT_EQ(contentOf(folder / "c"), "A");
+}
+
+TEST(Files, RemovesATreeButNothingThatItsLinksLeadTo) {
+    const TemporaryFolder folder;
+    makeFile(folder / "kept/file");
+    makeFile(folder / "gone/deep/er/file");
+    makeLink(folder / "gone/link", folder / "kept");
+    makeFolder(folder / "gone/empty");
+    Files::removeItem(folder / "gone");
+    EXPECT_FALSE(Files::itemExists(folder / "gone"));
+    EXPECT_TRUE(Files::exists(folder / "kept/file"));
+}
+
+TEST(Files, RemovesALinkAndNotItsTarget) {
+    const TemporaryFolder folder;
+    makeFile(folder / "kept/file");
+    makeLink(folder / "link", folder / "kept");
+    Files::removeLink(folder / "link");
+    EXPECT_FALSE(Files::itemExists(folder / "link"));
+    EXPECT_THROW(Files::removeLink(folder / "kept"), FileError);
+    EXPECT_TRUE(Files::exists(folder / "kept/file"));
+}
+
+TEST(Files, RemovesATreeThatIsDeeperThanAPathCanSay) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkdir((folder / "deep").c_str(), 0755), 0);
+    const fs::path before = fs::current_path();
+    fs::current_path(folder / "deep");
+    const std::string name(200, 'd');
+    for (int level = 0; level < 300; ++level) {
+        ASSERT_EQ(::mkdir(name.c_str(), 0755), 0);
+        ASSERT_EQ(::chdir(name.c_str()), 0);
+    }
+    fs::current_path(before);
+    Files::removeItem(folder / "deep");
+    EXPECT_FALSE(Files::itemExists(folder / "deep"));
+}
+
+TEST(Files, RefusesToRemoveATreeWithAFolderThatMayNotBeEmptied) {
+    if (::geteuid() == 0) {
+        // Permissions do not bind the administrator: the question is asked as another user.
+        const TemporaryFolder folder;
+        fs::permissions(folder.path(), fs::perms::all);
+        makeFile(folder / "tree/a");
+        makeFile(folder / "tree/locked/b");
+        makeFolder(folder / "tree/lockedButEmpty");
+        fs::permissions(folder / "tree", fs::perms::all);
+        fs::permissions(folder / "tree/lockedButEmpty", fs::perms::owner_read);
+        ASSERT_EQ(::seteuid(65534), 0);
+        const auto obstacle = Files::removalObstacle(folder / "tree");
+        EXPECT_THROW(Files::removeItem(folder / "tree"), FileError);
+        ASSERT_EQ(::seteuid(0), 0);
+        ASSERT_TRUE(obstacle);
+        EXPECT_EQ(obstacle->description(),
+                  "Could not remove what is in " + (folder / "tree/locked").native() + ": Permission denied");
+        EXPECT_TRUE(Files::exists(folder / "tree/a"));
+    }
+}
+
+TEST(Files, WritesWholeFilesAndReadsThemBack) {
+    const TemporaryFolder folder;
+    Files::writeDurably(folder / "record", "one");
+    Files::writeDurably(folder / "record", std::string("two\0three", 9));
+    EXPECT_EQ(Files::read(folder / "record"), std::string("two\0three", 9));
+    EXPECT_EQ(Files::names(folder.path()).size(), 1U);
+    EXPECT_THROW(Files::writeDurably(folder / "missing/record", "x"), FileError);
+    EXPECT_THROW(Files::read(folder / "missing"), FileError);
+}
+
+TEST(Files, KeepsNamesThatAreNoText) {
+    const TemporaryFolder folder;
+    const fs::path name = folder / fs::path("\xff\n'\" \xc3(");
+    makeFile(name, "odd");
+    Files::rename(name, folder / fs::path("\x80"));
+    EXPECT_EQ(contentOf(folder / fs::path("\x80")), "odd");
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,73 @@
+#include "Support/World.h"
+
+#include "Platform/AppStorageNames.h"
+#include "Platform/FileError.h"
+#include "Platform/ProgramLocation.h"
+#include "Support/Tree.h"
+
+#include <cerrno>
+#include <chrono>
+
+namespace tarvik::test {
+
+fs::path MadeTrash::moveToTrash(const fs::path& item) const {
+    if (refuses) throw FileError("move to the Trash", item, EPERM);
+    fs::create_directories(folder);
+    const fs::path goal = folder / item.filename();
+    fs::rename(item, goal);
+    return goal;
+}
+
+World::World() : World(fs::path()) {}
+
+World::World(const fs::path& drivePath)
+    : home(folder / "Users/ada"),
+      drive(drivePath.empty() ? folder / "Volumes/Backup" : drivePath),
+      volumes(std::make_shared<MadeVolumes>()),
+      trash(std::make_shared<MadeTrash>(folder / "Trash")) {
+    makeFolder(home);
+    makeFolder(drive);
+    volumes->list.push_back({.mountPath = drive, .name = "Backup", .totalBytes = 0, .availableBytes = 0});
+    volumes->available = std::int64_t{1} << 40;
+    host.root = folder.path();
+    host.home = home;
+    host.temporary = folder / "tmp";
+    host.tools.find = "/usr/bin/find";
+    host.volumes = volumes;
+    host.trash = trash;
+    host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(madeNow)); };
+    withDitto(R"(cp -a "$2" "$3")");
+}
+
+World& World::withRealDitto() {
+    host.tools.ditto = programOfThisBuild("stand-ins/ditto");
+    return *this;
+}
+
+World& World::withDitto(const std::string& script) {
+    host.tools.ditto = folder / "tools/ditto";
+    makeFile(host.tools.ditto, "#!/bin/sh\n" + script + "\n");
+    fs::permissions(host.tools.ditto, fs::perms::owner_all);
+    return *this;
+}
+
+DriveInfo World::driveInfo() const {
+    return {.id = drive.native(),
+            .name = "Backup",
+            .mountPath = drive,
+            .totalBytes = std::int64_t{1} << 41,
+            .freeBytes = std::int64_t{1} << 40,
+            .isInternal = false,
+            .isWritable = true,
+            .filesystem = std::nullopt};
+}
+
+fs::path World::foldersOnDrive() const {
+    return AppStorageNames::foldersRootOn(drive);
+}
+
+fs::path programOfThisBuild(const std::string& name) {
+    return ProgramLocation::folder() / name;
+}
+
+}  // namespace tarvik::test
