@@ -6,14 +6,14 @@ ScrollView {
     id: tab
     objectName: "foldersTab"
 
-    contentHeight: column.height
+    readonly property FolderSource source: FolderSource {}
 
-    FolderSource { id: source }
+    contentHeight: column.height
 
     Connections {
         target: AppState
-        function onIsRunningChanged() { source.refresh() }
-        function onIsRestoringChanged() { source.refresh() }
+        function onIsRunningChanged() { tab.source.refresh() }
+        function onIsRestoringChanged() { tab.source.refresh() }
     }
 
     Column {
@@ -45,12 +45,12 @@ ScrollView {
         }
         SourceCard {
             width: parent.width
-            source: source
+            source: tab.source
         }
         QuickPicks {
             width: parent.width
-            chosenText: source.text
-            onPicked: path => source.path = path
+            chosenText: tab.source.text
+            onPicked: path => tab.source.path = path
         }
     }
 }
