@@ -44,8 +44,7 @@ WindowUnderTest::WindowUnderTest(const Host& host, QSize size)
     m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().constFirst());
     m_window->resize(size);
     if (!QTest::qWaitForWindowActive(m_window)) throw std::runtime_error("The window does not become active.");
-    if (!waitUntil([this] { return !m_state->isScanningDrives(); }))
-        throw std::runtime_error("The drives are not listed.");
+    if (!waitUntil([this] { return m_state->isIdle(); })) throw std::runtime_error("The first refresh does not end.");
 }
 
 WindowUnderTest::~WindowUnderTest() {
