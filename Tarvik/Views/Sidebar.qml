@@ -44,7 +44,10 @@ Rectangle {
             spacing: 2
             currentIndex: sidebar.selectedTab
             onCurrentIndexChanged: sidebar.tabPicked(currentIndex)
-            delegate: TabRow { isSelected: index === sidebar.selectedTab }
+            delegate: TabRow {
+                id: row
+                isSelected: row.index === sidebar.selectedTab
+            }
 
             Connections {
                 target: sidebar

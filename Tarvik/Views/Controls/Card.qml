@@ -3,6 +3,8 @@ import Tarvik
 
 /// A white surface for what belongs together. As high as its content, which it lays out in a column.
 Rectangle {
+    id: card
+
     default property alias content: column.data
     property int padding: Theme.large
     property alias spacing: column.spacing
@@ -16,9 +18,9 @@ Rectangle {
 
     Column {
         id: column
-        x: parent.padding
-        y: parent.padding
-        width: parent.width - 2 * parent.padding
+        x: card.padding
+        y: card.padding
+        width: card.width - 2 * card.padding
         spacing: Theme.medium
     }
 }

@@ -10,8 +10,7 @@ ListView {
     property bool showsFocus: false
 
     function pressCurrent() {
-        if (currentItem)
-            currentItem.click();
+        (currentItem as ListRow)?.clicked();
     }
 
     activeFocusOnTab: count > 0

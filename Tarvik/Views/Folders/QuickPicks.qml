@@ -34,8 +34,9 @@ Column {
             model: AppState.quickPicks
             currentIndex: -1
             delegate: QuickPickRow {
-                isChosen: path.text === quickPicks.chosenText
-                onClicked: quickPicks.picked(path)
+                id: row
+                isChosen: row.path.text === quickPicks.chosenText
+                onClicked: quickPicks.picked(row.path)
             }
         }
     }
