@@ -103,6 +103,7 @@ Card {
 
     FolderDialog {
         id: panel
+        parentWindow: card.Window.window
         title: "Choose a folder to move"
         acceptLabel: "Choose"
         onAccepted: card.source.setUrl(selectedFolder)
