@@ -1,0 +1,183 @@
+#include "Faults/FaultWorld.h"
+
+#include "Platform/CommandRunner.h"
+#include "Platform/Files.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <algorithm>
+#include <map>
+#include <sstream>
+#include <string_view>
+#include <sys/xattr.h>
+
+namespace tarvik::test {
+
+namespace {
+
+/// The calls that change a file system, and those that bring data to a drive.
+constexpr std::string_view changingCalls =
+    "mkdir,mkdirat,symlink,symlinkat,link,linkat,unlink,unlinkat,rmdir,rename,renameat,renameat2,open,openat,creat,"
+    "write,"
+    "pwrite64,copy_file_range,sendfile,ioctl,fsync,fdatasync,syncfs,chmod,fchmod,fchmodat,chown,fchown,lchown,fchownat,"
+    "utimensat,setxattr,lsetxattr,fsetxattr,truncate,ftruncate,fallocate,mknod,mknodat,close";
+
+bool isChanging(std::string_view call, std::string_view line) {
+    if (call == "open" || call == "openat") return line.find("O_CREAT") != std::string_view::npos;
+    if (call == "ioctl") return line.find("FICLONE") != std::string_view::npos;
+    return true;
+}
+
+void makeReference(const fs::path& tree) {
+    makeFileOfSize(tree / "song", 200'000);
+    makeFile(tree / "sub/.hidden", "notes");
+    makeFile(tree / "sub/deep/odd \xff\n name", "odd");
+    makeLink(tree / "sub/link", "../song");
+    makeLink(tree / "dangling", "nowhere");
+    makeFolder(tree / "empty");
+    makePipe(tree / "pipe");
+    fs::create_hard_link(tree / "song", tree / "sub/same song");
+    makeFile(tree / "sealed/inside", "read only");
+    fs::permissions(tree / "sealed", fs::perms::owner_read | fs::perms::owner_exec);
+    makeFile(tree / "tagged", "with a tag");
+    ::setxattr((tree / "tagged").c_str(), "user.tag", "blue", 4, 0);
+    makeFile(tree / "holes", "start");
+    fs::resize_file(tree / "holes", 500'000);
+}
+
+/// Whether the trees are the same to the last byte.
+bool isSameTree(const fs::path& tree, const fs::path& reference) {
+    if (!Files::isFolder(tree) || pictureOf(tree) != pictureOf(reference)) return false;
+    for (const auto& entry : fs::recursive_directory_iterator(reference)) {
+        if (!entry.is_regular_file() || entry.is_symlink()) continue;
+        if (contentOf(entry.path()) != contentOf(tree / fs::relative(entry.path(), reference))) return false;
+    }
+    return true;
+}
+
+bool holdsSameTree(const fs::path& folder, const fs::path& reference) {
+    if (isSameTree(folder, reference)) return true;
+    const auto names = Files::names(folder);
+    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return Files::isFolder(folder / name) && holdsSameTree(folder / name, reference);
+    });
+}
+
+void clear(const fs::path& folder) {
+    for (const auto& name : Files::names(folder)) fs::remove_all(folder / name);
+}
+
+void copyTree(const fs::path& from, const fs::path& to) {
+    fs::create_directories(to.parent_path());
+    CommandRunner::run("/bin/cp", {"-a", from.native(), to.native()});
+}
+
+void writeScript(const fs::path& path, const std::string& line) {
+    makeFile(path, "#!/bin/sh\n" + line + "\n");
+    fs::permissions(path, fs::perms::owner_all);
+}
+
+}  // namespace
+
+FaultWorld::FaultWorld(Act act, Victim victim)
+    : m_act(act),
+      m_victim(victim),
+      m_drive(RealVolume::memory(m_folder / "root/Volumes", 8'000'000)),
+      m_home(m_folder / "root/Users/ada"),
+      m_item(m_home / "Music"),
+      m_destination(m_drive.path() / "ExternalTarvik/Folders/Music"),
+      m_reference(m_folder / "reference") {
+    makeReference(m_reference);
+    makeFolder(m_home);
+    // The program of this build with a copy tool of our own choice beside it.
+    makeFolder(m_folder / "bin/stand-ins");
+    fs::copy_file(programOfThisBuild("tarvik"), m_folder / "bin/tarvik");
+}
+
+void FaultWorld::prepare() const {
+    clear(m_home);
+    clear(m_drive.path());
+    if (m_act == Act::move) {
+        copyTree(m_reference, m_item);
+    } else {
+        copyTree(m_reference, m_destination);
+        makeLink(m_item, m_destination);
+    }
+}
+
+CommandResult FaultWorld::runTraced(const std::vector<std::string>& tracing) const {
+    const fs::path ditto = m_folder / "bin/stand-ins/ditto";
+    const std::string realDitto = programOfThisBuild("stand-ins/ditto").native();
+    std::vector<std::string> command = {(m_folder / "bin/tarvik").native(),
+                                        "--root",
+                                        (m_folder / "root").native(),
+                                        "--home",
+                                        m_home.native(),
+                                        "--yes",
+                                        "--format",
+                                        "human",
+                                        "move"};
+    if (m_act == Act::move) {
+        command.insert(command.end(), {"folder", m_item.native(), "--drive", m_drive.path().native()});
+    } else {
+        command.insert(command.end(), {"restore", m_item.native()});
+    }
+    std::vector<std::string> tracer = {"-qqq", "-y"};
+    tracer.insert(tracer.end(), tracing.begin(), tracing.end());
+    if (m_victim == Victim::engine) {
+        writeScript(ditto, "exec '" + realDitto + "' \"$@\"");
+        command.insert(command.begin(), tracer.begin(), tracer.end());
+        return CommandRunner::run("/usr/bin/strace", command);
+    }
+    std::string script = "exec /usr/bin/strace";
+    for (const auto& word : tracer) script += " '" + word + "'";
+    writeScript(ditto, script + " '" + realDitto + "' \"$@\"");
+    const fs::path program = command.front();
+    command.erase(command.begin());
+    return CommandRunner::run(program, command);
+}
+
+std::vector<Fault> FaultWorld::points() const {
+    prepare();
+    const fs::path log = m_folder / "log";
+    runTraced({"-o", log.native(), "-e", "trace=" + std::string(changingCalls)});
+    std::vector<Fault> points;
+    std::map<std::string, int, std::less<>> ordinals;
+    std::istringstream lines(contentOf(log));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t bracket = line.find('(');
+        if (bracket == std::string::npos) continue;
+        const std::string call = line.substr(0, bracket);
+        const int ordinal = ++ordinals[call];
+        const bool isOurs = line.find((m_folder / "root").native()) != std::string::npos;
+        if (isOurs && isChanging(call, line)) points.push_back({call, ordinal, ""});
+    }
+    return points;
+}
+
+CommandResult FaultWorld::run(const Fault& fault) const {
+    prepare();
+    return runTraced({"-o", "/dev/null", "-e", "trace=" + fault.call, "-e",
+                      "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal)});
+}
+
+bool FaultWorld::isWholeAtHome() const {
+    return isSameTree(m_item, m_reference);
+}
+bool FaultWorld::isWholeOnDrive() const {
+    return holdsSameTree(m_drive.path(), m_reference);
+}
+bool FaultWorld::isLinkAtHome() const {
+    return Files::isSymbolicLink(m_item);
+}
+
+bool FaultWorld::isLinkGood() const {
+    const auto target = Files::linkText(m_item);
+    return target && isSameTree(*target, m_reference);
+}
+
+std::string FaultWorld::picture() const {
+    return pictureOf(m_home) + "--\n" + pictureOf(m_drive.path());
+}
+
+}  // namespace tarvik::test
