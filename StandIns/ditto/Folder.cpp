@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -74,13 +75,16 @@ void openCopy(const Item& item, OpenFolder& open) {
     folder.handsDownAccessList = Attributes::handsDownAccessList(open.destination.get());
 }
 
-void reopen(const FileDescriptor& inside, FileDescriptor& opened, dev_t device, ino_t inode, const fs::path& path) {
-    opened = FileDescriptor(openForReading(inside.get(), "..", folderFlags));
+/// `path` gives the path for a message: it is long where many folders lie above, so it is made only then.
+FileDescriptor openAbove(const FileDescriptor& inside, dev_t device, ino_t inode,
+                         const std::function<fs::path()>& path) {
+    FileDescriptor opened(openForReading(inside.get(), "..", folderFlags));
     struct stat status {};
-    if (!opened || ::fstat(opened.get(), &status) != 0) throw FileError("read", path, errno);
+    if (!opened || ::fstat(opened.get(), &status) != 0) throw FileError("read", path(), errno);
     if (!isSame(status, device, inode))
         throw Failure("ditto", EAGAIN,
-                      fmt::format("Could not read {}: it was moved while it was being copied", path.native()));
+                      fmt::format("Could not read {}: it was moved while it was being copied", path().native()));
+    return opened;
 }
 
 }  // namespace
@@ -122,9 +126,10 @@ std::shared_ptr<OpenFolder> openFolder(const Item& item) {
 std::shared_ptr<OpenFolder> openParent(const OpenFolder& inside, const std::shared_ptr<Folder>& folder) {
     auto open = std::make_shared<OpenFolder>();
     open->folder = folder;
-    reopen(inside.source, open->source, folder->status.st_dev, folder->status.st_ino, sourcePath(*folder));
-    reopen(inside.destination, open->destination, folder->destinationDevice, folder->destinationInode,
-           destinationPath(*folder));
+    open->source =
+        openAbove(inside.source, folder->status.st_dev, folder->status.st_ino, [&] { return sourcePath(*folder); });
+    open->destination = openAbove(inside.destination, folder->destinationDevice, folder->destinationInode,
+                                  [&] { return destinationPath(*folder); });
     return open;
 }
 

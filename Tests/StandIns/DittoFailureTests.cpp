@@ -184,15 +184,15 @@ TEST(DittoFailure, PrintsWhatEveryReaderUnderstands) {
 }
 
 TEST(DittoFailure, KeepsAMessageShorterThanAPipe) {
-    const TemporaryFolder folder;
+    const SmallVolume drive;
     constexpr int levels = 400;
-    const DeepTree source(folder / "tree", levels);
-    const DeepTree copy(folder / "copy", levels);
+    const DeepTree source(drive / "tree", levels);
+    const DeepTree copy(drive / "copy", levels);
     source.make();
     copy.make();
     // The bottom of the source takes a file where the copy has a folder.
     const auto swap = [&](const char* root, bool isFile) {
-        FileDescriptor level(::open((folder / root).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        FileDescriptor level(::open((drive / root).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         for (int i = 0; i < levels; ++i)
             level = FileDescriptor(
                 ::openat(level.get(), std::string(255, 'd').c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -201,10 +201,10 @@ TEST(DittoFailure, KeepsAMessageShorterThanAPipe) {
     };
     swap("tree", true);
     swap("copy", false);
-    const auto run = ditto(folder / "tree", folder / "copy");
+    const auto run = ditto(drive / "tree", drive / "copy");
     EXPECT_EQ(run.status, 1);
     EXPECT_LT(run.message.size(), 10000U);
-    EXPECT_EQ(run.message.find("Could not write " + (folder / "copy/ddd").native()), 0U);
+    EXPECT_EQ(run.message.find("Could not write " + (drive / "copy/ddd").native()), 0U);
     EXPECT_NE(run.message.find("/file: Is a directory\n"), std::string::npos);
 }
 

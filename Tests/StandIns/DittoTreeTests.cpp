@@ -1,6 +1,7 @@
 #include "Platform/FileDescriptor.h"
 #include "StandIns/DeepTree.h"
 #include "StandIns/DittoRun.h"
+#include "StandIns/SmallVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -146,12 +147,12 @@ TEST(DittoTree, KeepsAnyName) {
 }
 
 TEST(DittoTree, CopiesATreeDeeperThanAnyPathWithFewHandles) {
-    const TemporaryFolder folder;
+    const SmallVolume drive;  // Where it cannot be mounted, a folder like any other: slower.
     constexpr int levels = 3000;
-    const DeepTree source(folder / "tree", levels);
-    const DeepTree copy(folder / "copy", levels);
+    const DeepTree source(drive / "tree", levels);
+    const DeepTree copy(drive / "copy", levels);
     source.make();
-    const auto run = ditto(folder / "tree", folder / "copy", [] {
+    const auto run = ditto(drive / "tree", drive / "copy", [] {
         const struct rlimit few { 256, 256 };
         ::setrlimit(RLIMIT_NOFILE, &few);
     });
