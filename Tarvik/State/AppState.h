@@ -1,0 +1,230 @@
+#pragma once
+
+#include "Move/MoveJob.h"
+#include "Platform/Cancellation.h"
+#include "Platform/DriveInfo.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+#include "State/Dialogs.h"
+#include "State/DriveRow.h"
+#include "State/FilePath.h"
+#include "State/JobRow.h"
+#include "State/QuickPick.h"
+#include "State/RecordListModel.h"
+#include "State/TaskGroup.h"
+
+#include <QAbstractItemModel>
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QJSEngine;
+class QQmlEngine;
+
+namespace tarvik {
+
+/// What the whole window observes: every list on the screen, every flag that says that something is under way, and the
+/// two message lines. Every long operation is started here and brings its result back here.
+///
+/// UI thread only. Operations return at once; what they start runs on as coroutines that the destructor waits for. The
+/// object outlives the QML engine that shows it.
+class AppState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+    Q_PROPERTY(QAbstractItemModel* drives READ drivesModel CONSTANT)
+    /// The drives that something can be moved to.
+    Q_PROPERTY(QAbstractItemModel* targetDrives READ targetDrivesModel CONSTANT)
+    /// The jobs of the current or last run.
+    Q_PROPERTY(QAbstractItemModel* jobs READ jobsModel CONSTANT)
+    Q_PROPERTY(QAbstractItemModel* quickPicks READ quickPicksModel CONSTANT)
+
+    Q_PROPERTY(bool hasSelectedDrive READ hasSelectedDrive NOTIFY selectedDriveChanged)
+    Q_PROPERTY(QString selectedDriveId READ selectedDriveId NOTIFY selectedDriveChanged)
+    Q_PROPERTY(QString selectedDriveName READ selectedDriveName NOTIFY selectedDriveChanged)
+    /// Its free space, "12 GB".
+    Q_PROPERTY(QString selectedDriveFree READ selectedDriveFree NOTIFY selectedDriveChanged)
+    /// What is free on the volume that the user's home is on, "80 GB".
+    Q_PROPERTY(QString bootFree READ bootFree NOTIFY bootFreeChanged)
+
+    Q_PROPERTY(bool isScanningApps READ isScanningApps NOTIFY isScanningAppsChanged)
+    Q_PROPERTY(bool isScanningDrives READ isScanningDrives NOTIFY isScanningDrivesChanged)
+
+    /// Whether a run of jobs is under way.
+    Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
+    Q_PROPERTY(double jobsFraction READ jobsFraction NOTIFY jobsProgressChanged)
+    /// "1 of 3" during a run, its outcome afterwards.
+    Q_PROPERTY(QString jobsSummary READ jobsSummary NOTIFY jobsProgressChanged)
+
+    /// Whether an item is being moved back. The other four tell of that item, and of the last one afterwards.
+    Q_PROPERTY(bool isRestoring READ isRestoring NOTIFY isRestoringChanged)
+    Q_PROPERTY(QString restoreLabel READ restoreLabel NOTIFY restoreChanged)
+    Q_PROPERTY(double restoreFraction READ restoreFraction NOTIFY restoreChanged)
+    Q_PROPERTY(QString restoreBytes READ restoreBytes NOTIFY restoreChanged)
+    /// Empty until it has ended.
+    Q_PROPERTY(QString restoreOutcome READ restoreOutcome NOTIFY restoreChanged)
+    Q_PROPERTY(bool restoreFailed READ restoreFailed NOTIFY restoreChanged)
+
+    /// The message lines; empty when there is nothing to tell. A text stands until another one is set or it is cleared.
+    Q_PROPERTY(QString lastError READ lastError NOTIFY lastErrorChanged)
+    Q_PROPERTY(QString lastInfo READ lastInfo NOTIFY lastInfoChanged)
+
+public:
+    /// `dialogs` must outlive the object.
+    AppState(Host host, Dialogs& dialogs, QObject* parent = nullptr);
+    /// Waits until all that runs has ended; a run of jobs ends after the current item.
+    ~AppState() override;
+    /// The one that the engine was given by `QmlModule::attach`.
+    static AppState* create(QQmlEngine* engine, QJSEngine* scripts);
+
+    /// Where things go, relative to a drive's mount path: application bundles, their data, folders.
+    const fs::path appsTargetFolderName;
+    const fs::path dataTargetFolderName;
+    const fs::path foldersTargetFolderName;
+
+    const Host& host() const { return m_host; }
+    const std::vector<DriveInfo>& drives() const { return m_drives.records(); }
+    const std::vector<DriveInfo>& targetDrives() const { return m_targetDrives.records(); }
+    const std::vector<JobRow>& jobs() const { return m_jobs.records(); }
+    const std::vector<QuickPick>& quickPicks() const { return m_quickPicks.records(); }
+    /// The target of all moves. It stays when its drive is gone; a run then fails with plain words.
+    const std::optional<DriveInfo>& selectedDrive() const { return m_selectedDrive; }
+
+    QAbstractItemModel* drivesModel() { return &m_drives; }
+    QAbstractItemModel* targetDrivesModel() { return &m_targetDrives; }
+    QAbstractItemModel* jobsModel() { return &m_jobs; }
+    QAbstractItemModel* quickPicksModel() { return &m_quickPicks; }
+
+    bool hasSelectedDrive() const { return m_selectedDrive.has_value(); }
+    QString selectedDriveId() const;
+    QString selectedDriveName() const;
+    QString selectedDriveFree() const;
+    QString bootFree() const { return m_bootFree; }
+    bool isScanningApps() const { return m_isScanningApps; }
+    bool isScanningDrives() const { return m_isScanningDrives; }
+    bool isRunning() const { return m_isRunning; }
+    double jobsFraction() const { return overallProgress(jobs()); }
+    QString jobsSummary() const;
+    bool isRestoring() const { return m_isRestoring; }
+    QString restoreLabel() const { return m_restore.label; }
+    double restoreFraction() const;
+    QString restoreBytes() const;
+    QString restoreOutcome() const { return m_restore.outcome; }
+    bool restoreFailed() const { return m_restore.hasFailed; }
+    QString lastError() const { return m_lastError; }
+    QString lastInfo() const { return m_lastInfo; }
+
+    /// Looks at everything anew. Dropped, and not made up for, while applications are scanned.
+    Q_INVOKABLE void refreshAll();
+    /// Looks at the drives anew, and selects a target when none is selected.
+    Q_INVOKABLE void refreshDrives();
+    /// Makes a drive of the list the target of all moves. An unknown id changes nothing.
+    Q_INVOKABLE void selectDrive(const QString& driveId);
+    /// Moves a folder to the selected drive once the user has agreed.
+    Q_INVOKABLE void moveArbitraryFolder(const tarvik::FilePath& folder);
+    /// Brings back what the link at the path leads to, once the user has agreed.
+    Q_INVOKABLE void restoreSymlink(const tarvik::FilePath& link);
+    Q_INVOKABLE void clearError();
+    Q_INVOKABLE void clearInfo();
+
+    /// Whether the window may close at once. While an item is on its way it may not: the user is then asked, and
+    /// `readyToClose` follows when the item has ended.
+    bool mayClose();
+
+    /// Whether nothing is under way that the destructor would wait for.
+    bool isIdle() const { return m_flows.isEmpty(); }
+
+    /// The gate of `refreshAll`: true from the start of a scan of the applications to the end of its sizing.
+    void setScanningApps(bool isScanning);
+
+    /// Starts a run of planned jobs on a drive. Nothing must be under way.
+    void runJobs(std::vector<MoveJob> jobs, const std::string& driveId, const fs::path& drivePath, bool quitRunning);
+
+    /// What `JobRunner` tells. An index past the end of the list is passed over.
+    void setJobStatus(std::size_t index, const JobStatus& status);
+    void setJobProgress(std::size_t index, std::int64_t copied, std::int64_t total);
+    void finishRun();
+    /// Cancelled when a run shall end after its current item.
+    Cancellation stopAfterItem() const { return m_stopAfterItem; }
+
+signals:
+    void selectedDriveChanged();
+    void bootFreeChanged();
+    void isScanningAppsChanged();
+    void isScanningDrivesChanged();
+    void isRunningChanged();
+    void jobsProgressChanged();
+    void isRestoringChanged();
+    void restoreChanged();
+    void lastErrorChanged();
+    void lastInfoChanged();
+    /// The user wanted to leave in the middle of a run, and what could not be cut short has ended.
+    void readyToClose();
+
+private:
+    /// The item that is being moved back, or was last.
+    struct Restore {
+        QString label;
+        std::int64_t copied = 0;
+        std::int64_t total = 0;
+        QString outcome;
+        bool hasFailed = false;
+    };
+
+    QCoro::Task<> scanDrives();
+    QCoro::Task<> findQuickPicks();
+    QCoro::Task<> checkLinks();
+    QCoro::Task<> moveFolder(fs::path folder);
+    QCoro::Task<> restoreLink(fs::path link);
+    QCoro::Task<> askToClose();
+
+    void takeDrives(std::vector<DriveInfo> drives);
+    /// @throws Failure when something else is under way.
+    void refuseWhenBusy() const;
+    void endRestore(const QString& outcome, bool hasFailed);
+    void updateJob(std::size_t index, JobRow row);
+    void closeWhenReady();
+
+    void setSelectedDrive(std::optional<DriveInfo> drive);
+    void setRunning(bool isRunning);
+    void setRestoring(bool isRestoring);
+    void setError(const QString& text);
+    void setInfo(const QString& text);
+
+    const Host m_host;
+    Dialogs& m_dialogs;
+
+    RecordListModel<DriveInfo> m_drives{DriveRow::roles(), DriveRow::key};
+    RecordListModel<DriveInfo> m_targetDrives{DriveRow::roles(), DriveRow::key};
+    RecordListModel<JobRow> m_jobs{JobRow::roles(), JobRow::key};
+    RecordListModel<QuickPick> m_quickPicks{QuickPick::roles(), QuickPick::key};
+    std::optional<DriveInfo> m_selectedDrive;
+    QString m_bootFree;
+
+    bool m_isScanningApps = false;
+    bool m_isScanningDrives = false;
+    /// Somebody has asked for the drives since the scan that is under way began.
+    bool m_isDriveScanWanted = false;
+    bool m_isRunning = false;
+    bool m_isRestoring = false;
+    /// A move or a restore is between its request and its start: measuring, or asking.
+    bool m_isPreparing = false;
+    bool m_isAskingToClose = false;
+    bool m_isClosing = false;
+    Cancellation m_stopAfterItem;
+
+    Restore m_restore;
+    QString m_lastError;
+    QString m_lastInfo;
+
+    /// Last, so that it could not outlive what its flows use.
+    TaskGroup m_flows;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,74 @@
+#include "State/Background.h"
+
+#include "State/UiThread.h"
+
+#include <QThreadPool>
+
+#include <deque>
+#include <mutex>
+
+namespace tarvik::Background {
+
+namespace {
+
+/// The work of one priority, in the order in which it came, and the threads that do it.
+template <Priority priority>
+class Pool {
+public:
+    static Pool& shared() {
+        static Pool thePool;
+        return thePool;
+    }
+
+    void add(std::function<void()> work) {
+        {
+            const std::scoped_lock lock(m_mutex);
+            m_work.push_back(std::move(work));
+        }
+        // The threads get no more than a nudge: what one thread leaves to another goes through our own lock alone.
+        m_threads.start([] { shared().take()(); });
+    }
+
+    void waitForDone() { m_threads.waitForDone(); }
+
+private:
+    Pool() {
+        if (priority == Priority::utility) m_threads.setThreadPriority(QThread::LowPriority);
+    }
+
+    std::function<void()> take() {
+        const std::scoped_lock lock(m_mutex);
+        auto first = std::move(m_work.front());
+        m_work.pop_front();
+        return first;
+    }
+
+    std::mutex m_mutex;
+    std::deque<std::function<void()>> m_work;
+    QThreadPool m_threads;
+};
+
+}  // namespace
+
+void run(Priority priority, std::function<void()> work) {
+    if (priority == Priority::userInitiated) {
+        Pool<Priority::userInitiated>::shared().add(std::move(work));
+    } else {
+        Pool<Priority::utility>::shared().add(std::move(work));
+    }
+}
+
+void finish() {
+    Pool<Priority::userInitiated>::shared().waitForDone();
+    Pool<Priority::utility>::shared().waitForDone();
+    UiThread::runPosted();
+}
+
+void Hop::await_suspend(std::coroutine_handle<> awaiting) {
+    run(priority, [this, awaiting] {
+        work();
+        UiThread::post([awaiting] { awaiting.resume(); });
+    });
+}
+
+}  // namespace tarvik::Background

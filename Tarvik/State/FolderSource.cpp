@@ -1,0 +1,109 @@
+#include "State/FolderSource.h"
+
+#include "Move/FolderMove.h"
+#include "Move/SizeCalculator.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "State/AppState.h"
+#include "State/Background.h"
+#include "State/QmlModule.h"
+#include "State/ScreenText.h"
+
+#include <QQmlEngine>
+
+namespace tarvik {
+
+FolderSource::FolderSource(QObject* parent) : QObject(parent) {}
+
+FolderSource::FolderSource(Host host, QObject* parent) : QObject(parent), m_host(std::move(host)) {}
+
+FolderSource::~FolderSource() {
+    m_cancellation.cancel();
+}
+
+void FolderSource::setPath(const FilePath& path) {
+    if (path == m_path) return;
+    m_path = path;
+    m_findings = {};
+    m_sizeText.clear();
+    refresh();
+}
+
+void FolderSource::setUrl(const QUrl& url) {
+    if (!url.isLocalFile()) {
+        clear();
+        m_findings.problem = "Only folders of this machine can be moved.";
+        emit changed();
+        return;
+    }
+    // Through the encoded bytes of the address, as a name need not be valid UTF-8.
+    const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    setPath(FilePath(Files::standardized(fs::path(bytes.toStdString()))));
+}
+
+void FolderSource::clear() {
+    setPath({});
+}
+
+QString FolderSource::targetText() const {
+    return screenPath(m_findings.target);
+}
+
+QString FolderSource::problem() const {
+    return screenText(m_findings.problem);
+}
+
+void FolderSource::refresh() {
+    m_cancellation.cancel();
+    m_cancellation = {};
+    m_isMeasuring = !isEmpty();
+    emit changed();
+    if (!isEmpty()) measure(this, host(), m_path.path, m_cancellation);
+}
+
+FolderSource::Findings FolderSource::look(const Host& host, const fs::path& path) {
+    Findings findings;
+    const auto info = Files::info(path);
+    if (!info) {
+        findings.problem = "Nothing stands at this path any more.";
+    } else if (info->type == Files::ItemType::symbolicLink) {
+        findings.isLink = true;
+        try {
+            findings.target = FolderMove::restoreTarget(host, path);
+        } catch (const Failure& failure) {
+            findings.problem = failure.description();
+        }
+    } else if (info->type != Files::ItemType::folder) {
+        findings.problem = "Only folders can be moved here, and this is none.";
+    }
+    return findings;
+}
+
+QCoro::Task<> FolderSource::measure(QPointer<FolderSource> source, Host host, fs::path path,
+                                    Cancellation cancellation) {
+    const Findings findings = co_await inBackground(Priority::userInitiated, [=] { return look(host, path); });
+    if (!source || cancellation.isCancelled()) co_return;
+    source->m_findings = findings;
+    if (!findings.problem.empty()) {
+        source->m_sizeText.clear();
+        source->m_isMeasuring = false;
+        emit source->changed();
+        co_return;
+    }
+    emit source->changed();
+
+    const fs::path measured = findings.isLink ? findings.target : path;
+    const auto size =
+        co_await inBackground(Priority::utility, [=] { return SizeCalculator::size(host, measured, cancellation); });
+    if (!source || cancellation.isCancelled()) co_return;
+    source->m_sizeText = screenText(SizeCalculator::format(size));
+    source->m_isMeasuring = false;
+    emit source->changed();
+}
+
+const Host& FolderSource::host() {
+    if (!m_host) m_host = QmlModule::stateOf(*qmlEngine(this))->host();
+    return *m_host;
+}
+
+}  // namespace tarvik

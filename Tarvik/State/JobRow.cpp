@@ -1,0 +1,74 @@
+#include "State/JobRow.h"
+
+#include "Platform/Text.h"
+#include "State/FilePath.h"
+#include "State/ScreenText.h"
+
+namespace tarvik {
+
+namespace {
+
+QString stateName(const JobStatus& status) {
+    if (status.is<JobStatus::Copying>()) return QStringLiteral("copying");
+    if (status.is<JobStatus::Verifying>()) return QStringLiteral("verifying");
+    if (status.is<JobStatus::Linking>()) return QStringLiteral("linking");
+    if (status.is<JobStatus::Done>()) return QStringLiteral("done");
+    if (status.is<JobStatus::Failed>()) return QStringLiteral("failed");
+    return QStringLiteral("pending");
+}
+
+QString statusText(const JobStatus& status) {
+    if (const auto* failed = status.get<JobStatus::Failed>()) return screenText(failed->description);
+    if (status.is<JobStatus::Copying>()) return QStringLiteral("Copying");
+    if (status.is<JobStatus::Verifying>()) return QStringLiteral("Verifying");
+    if (status.is<JobStatus::Linking>()) return QStringLiteral("Linking");
+    if (status.is<JobStatus::Done>()) return QStringLiteral("Done");
+    return QStringLiteral("Waiting");
+}
+
+/// What comes after the copy is quick beside it, so that the bar is full from there on.
+double progress(const MoveJob& job) {
+    if (const auto* copying = job.status.get<JobStatus::Copying>()) return copying->progress;
+    if (job.status.is<JobStatus::Pending>()) return 0;
+    if (job.status.is<JobStatus::Failed>())
+        return job.bytesTotal < 1
+                   ? 0
+                   : std::min(1.0, static_cast<double>(job.bytesCopied) / static_cast<double>(job.bytesTotal));
+    return 1;
+}
+
+}  // namespace
+
+std::vector<Role<JobRow>> JobRow::roles() {
+    return {
+        {"label", [](const JobRow& row) -> QVariant { return screenText(row.job.label); }},
+        {"sourceText", [](const JobRow& row) -> QVariant { return screenPath(row.job.source); }},
+        {"destinationText", [](const JobRow& row) -> QVariant { return screenPath(row.job.destination); }},
+        {"source", [](const JobRow& row) { return QVariant::fromValue(FilePath(row.job.source)); }},
+        {"state", [](const JobRow& row) -> QVariant { return stateName(row.job.status); }},
+        {"statusText", [](const JobRow& row) -> QVariant { return statusText(row.job.status); }},
+        {"progress", [](const JobRow& row) -> QVariant { return progress(row.job); }},
+        {"bytesText", [](const JobRow& row) -> QVariant { return bytesText(row.job.bytesCopied, row.job.bytesTotal); }},
+        {"canMoveBack",
+         [](const JobRow& row) -> QVariant { return row.job.status.is<JobStatus::Done>() && row.isLinked; }},
+    };
+}
+
+double overallProgress(const std::vector<JobRow>& rows) {
+    if (rows.empty()) return 0;
+    double done = 0;
+    double all = 0;
+    for (const auto& [job, isLinked] : rows) {
+        // A job of unknown size weighs as much as a single byte: it still counts when no size is known at all.
+        const double weight = static_cast<double>(std::max<std::int64_t>(job.bytesTotal, 1));
+        all += weight;
+        done += weight * (job.status.isFinal() ? 1 : progress(job));
+    }
+    return done / all;
+}
+
+QString bytesText(std::int64_t done, std::int64_t total) {
+    return screenText(Text::byteCount(done) + " of " + Text::byteCount(total));
+}
+
+}  // namespace tarvik

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+#include "State/RecordListModel.h"
+
+#include <string>
+#include <vector>
+
+namespace tarvik {
+
+/// A folder that is often large, offered as the source of a move.
+struct QuickPick {
+    std::string label;
+    fs::path path;
+    /// The path as the user knows it, with "~" for the home folder.
+    std::string pathText;
+
+    /// The common candidates below the user's home that exist, in their fixed order. Looks at the disk.
+    static std::vector<QuickPick> suggestions(const Host& host);
+    static std::vector<Role<QuickPick>> roles();
+    static std::string key(const QuickPick& pick) { return pick.path.native(); }
+
+    bool operator==(const QuickPick&) const = default;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,106 @@
+#include "Appearance.h"
+#include "CloseGuard.h"
+#include "Options.h"
+#include "Platform/Failure.h"
+#include "ProcessAge.h"
+#include "State/AppState.h"
+#include "State/Background.h"
+#include "State/QmlModule.h"
+#include "State/WindowDialogs.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace tarvik;
+
+/// What the toolkit reads from the environment when it starts. What the user has set stands.
+void prepareToolkit(const Options& options) {
+    const auto setDefault = [](const char* name, const char* value) { ::setenv(name, value, 0); };
+    if (options.picture) setDefault("QT_QPA_PLATFORM", "offscreen");
+    const char* const platform = std::getenv("QT_QPA_PLATFORM");
+    const bool isOffscreen = platform && std::string_view(platform).starts_with("offscreen");
+    // Without a card to draw, drawing with the processor at once is quicker than pretending to have one.
+    if (isOffscreen || !Appearance::hasGraphicsCard()) setDefault("QT_QUICK_BACKEND", "software");
+    setDefault("QT_QUICK_CONTROLS_STYLE", "Basic");
+    // The tools that the core starts find the other disk by this.
+    if (options.root) ::setenv("TARVIK_ROOT", fs::absolute(*options.root).c_str(), 1);
+}
+
+/// Saves a picture once the first refresh is over and what moves in the window has come to rest, then quits.
+void savePictureWhenReady(QQuickWindow& window, const AppState& state, const fs::path& file) {
+    auto* timer = new QTimer(&window);
+    QObject::connect(timer, &QTimer::timeout, &window, [timer, &window, &state, file] {
+        if (!state.isIdle()) return;
+        timer->stop();
+        QTimer::singleShot(300, &window, [&window, file] {
+            const bool isSaved = window.grabWindow().save(QString::fromStdString(file.native()), "PNG");
+            if (!isSaved) std::fprintf(stderr, "The picture could not be saved as %s.\n", file.c_str());
+            QCoreApplication::exit(isSaved ? EXIT_SUCCESS : EXIT_FAILURE);
+        });
+    });
+    timer->start(10);
+}
+
+void printTimeOfFirstFrame(QQuickWindow& window) {
+    QObject::connect(
+        &window, &QQuickWindow::frameSwapped, &window,
+        [] {
+            std::printf("%lld\n", static_cast<long long>(processAge().count()));
+            QCoreApplication::quit();
+        },
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
+int runWindow(QGuiApplication& application, const Options& options, const Host& host) {
+    WindowDialogs dialogs;
+    AppState state(host, dialogs);
+    QQmlApplicationEngine engine;
+    QmlModule::attach(engine, state, dialogs);
+    QVariantMap initial;
+    if (options.size) initial = {{"width", options.size->first}, {"height", options.size->second}};
+    engine.setInitialProperties(initial);
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tarvik/Views/MainWindow.qml")));
+    if (engine.rootObjects().isEmpty()) return EXIT_FAILURE;
+
+    auto& window = *qobject_cast<QQuickWindow*>(engine.rootObjects().first());
+    new CloseGuard(window, state);
+    if (options.picture) savePictureWhenReady(window, state, *options.picture);
+    if (options.wantsTimeToFirstFrame) printTimeOfFirstFrame(window);
+    return application.exec();
+}
+
+int run(int argc, char** argv) {
+    const Options options = Options::parse({argv + 1, argv + argc});
+    if (options.wantsHelp) return std::fputs(Options::help().c_str(), stdout), EXIT_SUCCESS;
+    if (options.wantsVersion) return std::puts("Tarvik " TARVIK_VERSION), EXIT_SUCCESS;
+    const Host host = Host::fromOptions(options.root, options.home);
+
+    prepareToolkit(options);
+    int toolkitArgumentCount = 1;
+    QGuiApplication application(toolkitArgumentCount, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Tarvik"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TARVIK_VERSION));
+    Appearance::forceLight();
+    const int status = runWindow(application, options, host);
+    Background::finish();
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const tarvik::Failure& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return failure.domain() == "Options" ? 2 : 1;
+    }
+}
