@@ -77,12 +77,17 @@ void writeScript(const fs::path& path, const std::string& line) {
     fs::permissions(path, fs::perms::owner_all);
 }
 
+RealVolume makeDrive(const fs::path& volumes) {
+    makeFolder(volumes);
+    return RealVolume::memory(volumes, 8'000'000);
+}
+
 }  // namespace
 
 FaultWorld::FaultWorld(Act act, Victim victim)
     : m_act(act),
       m_victim(victim),
-      m_drive(RealVolume::memory(m_folder / "root/Volumes", 8'000'000)),
+      m_drive(makeDrive(m_folder / "root/Volumes")),
       m_home(m_folder / "root/Users/ada"),
       m_item(m_home / "Music"),
       m_destination(m_drive.path() / "ExternalTarvik/Folders/Music"),
