@@ -9,6 +9,10 @@ Window {
     minimumHeight: 600
     visible: true
     title: "Tarvik"
+    color: Theme.window
 
-    Component.onCompleted: AppState.refreshAll()
+    RootView {
+        anchors.fill: parent
+        focus: true
+    }
 }

@@ -2,13 +2,11 @@
 
 #include "Platform/ChildProcess.h"
 #include "Platform/Failure.h"
+#include "Platform/StreamReader.h"
 #include "Platform/Text.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <poll.h>
-#include <unistd.h>
+#include <string_view>
 #include <utility>
 
 namespace tarvik {
@@ -24,68 +22,44 @@ constexpr Seconds graceAfterTermination{2.0};
 constexpr milliseconds longestSleep{50};
 constexpr milliseconds shortestSleep{1};
 
-/// Gathers what a child writes to both of its streams, on one thread. Both are read whenever there is something in
-/// either: a child that writes much to one is never stuck behind the other.
+/// What a child writes to both of its streams.
 class Output {
 public:
-    explicit Output(const ChildProcess& child)
-        : m_pipes{{{child.standardOutput(), POLLIN, 0}, {child.standardError(), POLLIN, 0}}} {}
-
-    bool hasEnded() const { return m_pipes[0].fd == ended && m_pipes[1].fd == ended; }
-
-    /// Sleeps until there is something to read, or both streams have ended, or `limit` has passed; -1 ms is no limit.
-    /// Once both streams have ended it only sleeps.
-    void gather(milliseconds limit) {
-        if (::poll(m_pipes.data(), m_pipes.size(), static_cast<int>(limit.count())) <= 0) return;
-        for (std::size_t stream = 0; stream < m_pipes.size(); ++stream)
-            if (m_pipes[stream].revents != 0) read(stream);
+    explicit Output(const ChildProcess& child) {
+        reader.add(child.standardOutput(), [this](std::string_view piece) { m_standardOutput += piece; });
+        reader.add(child.standardError(), [this](std::string_view piece) { m_standardError += piece; });
     }
 
-    void gatherToEnd() {
-        while (!hasEnded()) gather(milliseconds(-1));
-    }
+    std::string standardOutput() { return textOf(m_standardOutput); }
+    std::string standardError() { return textOf(m_standardError); }
 
-    std::string standardOutput() { return textOf(m_bytes[0]); }
-    std::string standardError() { return textOf(m_bytes[1]); }
+    StreamReader reader;
 
 private:
-    /// What takes a descriptor's place at its end: a call of poll passes over it.
-    static constexpr int ended = -1;
-
-    void read(std::size_t stream) {
-        std::array<char, 64 * 1024> buffer;
-        const ssize_t count = ::read(m_pipes[stream].fd, buffer.data(), buffer.size());
-        if (count > 0) {
-            m_bytes[stream].append(buffer.data(), static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            m_pipes[stream].fd = ended;
-        }
-    }
-
     static std::string textOf(std::string& bytes) {
         return Text::isValidUtf8(bytes) ? std::move(bytes) : std::string();
     }
 
-    std::array<pollfd, 2> m_pipes;
-    std::array<std::string, 2> m_bytes;
+    std::string m_standardOutput;
+    std::string m_standardError;
 };
 
 /// Gathers output until the child has ended or `limit` is over. The child is looked at no less than every 50 ms.
 /// @returns whether it has ended.
-bool waitFor(ChildProcess& child, Output& output, Seconds limit) {
+bool waitFor(ChildProcess& child, StreamReader& output, Seconds limit) {
     const auto start = steady_clock::now();
     // Most tools end right after they close their streams: the first looks follow each other closely.
     milliseconds sleep = shortestSleep;
     while (!child.poll()) {
         if (steady_clock::now() - start >= limit) return false;
-        output.gather(output.hasEnded() ? sleep : longestSleep);
+        output.read(output.hasEnded() ? sleep : longestSleep);
         if (output.hasEnded()) sleep = std::min(sleep * 2, longestSleep);
     }
     return true;
 }
 
 /// Waits for a child that may run for `timeout`. @returns whether it had to be stopped.
-bool stopsAfter(Seconds timeout, ChildProcess& child, Output& output) {
+bool stopsAfter(Seconds timeout, ChildProcess& child, StreamReader& output) {
     if (waitFor(child, output, timeout)) return false;
     child.terminate();
     if (!waitFor(child, output, graceAfterTermination)) child.kill();
@@ -100,9 +74,9 @@ CommandResult CommandRunner::run(const fs::path& path, const std::vector<std::st
         ChildProcess child = ChildProcess::start(path, arguments);
         Output output(child);
         CommandResult result;
-        if (timeout) result.timedOut = stopsAfter(*timeout, child, output);
+        if (timeout) result.timedOut = stopsAfter(*timeout, child, output.reader);
         // The streams may outlive the child: they end when the last process that holds them has ended.
-        output.gatherToEnd();
+        output.reader.readToEnd();
         result.status = child.wait();
         result.stdout = output.standardOutput();
         result.stderr = output.standardError();

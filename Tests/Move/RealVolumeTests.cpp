@@ -195,11 +195,11 @@ TEST(RealVolumes, KeepWhatWasWrittenWhileItWasMovedBack) {
     const fs::path onDrive = world.foldersOnDrive() / "Music";
     makeMusic(onDrive);
     makeLink(world.home / "Music", onDrive);
-    world.withDitto(R"(cp -a "$2" "$3"; printf 'new words' > "$2/.hidden/notes")");
+    world.withDitto(R"(cp -a "$2" "$3"; printf 'lo' > "$2/.hidden/notes")");
     EXPECT_EQ(failureOf([&] { MoverEngine::restore(world.host, world.home / "Music"); }),
               "Verification failed: Music/.hidden/notes was changed while it was copied.");
     EXPECT_EQ(Files::linkText(world.home / "Music"), onDrive);
-    EXPECT_EQ(contentOf(onDrive / ".hidden/notes"), "new words");
+    EXPECT_EQ(contentOf(onDrive / ".hidden/notes"), "lo");
     EXPECT_EQ(Files::names(world.home), std::vector<std::string>{"Music"});
 }
 

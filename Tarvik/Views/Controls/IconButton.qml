@@ -1,0 +1,42 @@
+import QtQuick
+import QtQuick.Templates as T
+import Tarvik
+
+/// A button that is only an icon. `help` names it, in a tooltip and for assistive tools.
+T.Button {
+    id: button
+
+    property string iconName
+    property string help
+
+    implicitWidth: 28
+    implicitHeight: 28
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    Accessible.role: Accessible.Button
+    Accessible.name: help
+    Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
+
+    contentItem: Item {
+        Icon {
+            anchors.centerIn: parent
+            name: button.iconName
+            color: button.enabled ? Theme.textSecondary : Theme.textDisabled
+        }
+    }
+    background: Rectangle {
+        radius: Theme.radius
+        color: button.down ? Theme.pressed : button.hovered && button.enabled ? Theme.hovered : "transparent"
+        FocusRing { visible: button.visualFocus }
+    }
+
+    Loader {
+        active: button.hovered || button.visualFocus
+        sourceComponent: Tooltip {
+            parent: button
+            text: button.help
+            visible: true
+        }
+    }
+}

@@ -1,0 +1,39 @@
+import QtQuick
+import QtQuick.Templates as T
+import Tarvik
+
+/// A list of `ListRow` delegates: Tab reaches it as one stop, arrows walk it, Space and Return press the row.
+ListView {
+    id: list
+
+    /// True while the keyboard is the one who walks, so that rows show their ring.
+    property bool showsFocus: false
+
+    function pressCurrent() {
+        (currentItem as ListRow)?.clicked();
+    }
+
+    activeFocusOnTab: count > 0
+    keyNavigationEnabled: true
+    highlightFollowsCurrentItem: true
+    highlightMoveDuration: 0
+    boundsBehavior: Flickable.StopAtBounds
+    interactive: contentHeight > height
+    reuseItems: true
+    clip: interactive
+    T.ScrollBar.vertical: ScrollBar {}
+
+    Accessible.role: Accessible.List
+    Keys.onSpacePressed: pressCurrent()
+    Keys.onReturnPressed: pressCurrent()
+    Keys.onEnterPressed: pressCurrent()
+    Keys.onPressed: event => {
+        showsFocus = true;
+        event.accepted = false;
+    }
+    onActiveFocusChanged: {
+        showsFocus = activeFocus;
+        if (activeFocus && currentIndex < 0)
+            currentIndex = 0;
+    }
+}

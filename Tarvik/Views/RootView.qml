@@ -1,0 +1,92 @@
+import QtQuick
+import QtQml
+import Tarvik
+
+/// The shell: the sidebar, the chosen tab with its toolbar, and what lies over or below any tab.
+FocusScope {
+    id: root
+    objectName: "rootView"
+
+    /// The tabs in the order of the sidebar. A new tab is a new line.
+    readonly property var tabs: [
+        { name: "folders", label: "Folders", icon: "folder", view: "Folders/FoldersTab.qml" }
+    ]
+    property int selectedTab: 0
+    property int toastDuration: Theme.toastDuration
+
+    Component.onCompleted: AppState.refreshAll()
+
+    Shortcut {
+        sequences: ["Ctrl+R", "F5"]
+        enabled: !Alerts.isOpen
+        onActivated: AppState.refreshAll()
+    }
+    Instantiator {
+        model: root.tabs.length
+        Shortcut {
+            required property int index
+            sequence: "Ctrl+" + (index + 1)
+            enabled: !Alerts.isOpen
+            onActivated: root.selectedTab = index
+        }
+    }
+
+    Sidebar {
+        id: sidebar
+        width: Theme.sidebarWidth
+        height: parent.height
+        tabs: root.tabs
+        selectedTab: root.selectedTab
+        onTabPicked: index => root.selectedTab = index
+    }
+
+    Item {
+        id: detail
+        anchors.left: sidebar.right
+        anchors.right: parent.right
+        height: parent.height
+
+        Toolbar {
+            id: toolbar
+            width: parent.width
+            title: root.tabs[root.selectedTab].label
+        }
+        Loader {
+            id: content
+            objectName: "tabContent"
+            anchors.top: toolbar.bottom
+            anchors.bottom: jobsPanel.top
+            width: parent.width
+            source: Qt.resolvedUrl(root.tabs[root.selectedTab].view)
+        }
+        JobsPanel {
+            id: jobsPanel
+            anchors.bottom: parent.bottom
+            width: parent.width
+            maximumHeight: Math.round(parent.height * 0.45)
+        }
+        Column {
+            anchors.bottom: jobsPanel.top
+            anchors.bottomMargin: Theme.large
+            anchors.horizontalCenter: parent.horizontalCenter
+            spacing: Theme.small
+
+            Toast {
+                objectName: "infoToast"
+                tone: "success"
+                text: AppState.lastInfo
+                duration: root.toastDuration
+                onExpired: AppState.clearInfo()
+            }
+            Toast {
+                objectName: "errorToast"
+                tone: "warning"
+                text: AppState.lastError
+                duration: root.toastDuration
+                onExpired: AppState.clearError()
+            }
+        }
+    }
+
+    AlertDialog {}
+}

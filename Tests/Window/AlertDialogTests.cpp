@@ -1,0 +1,78 @@
+#include "Window/WindowTest.h"
+
+namespace tarvik::test {
+
+namespace {
+
+class AlertDialog : public WindowTest {
+protected:
+    /// Opens the window with the question whether to move the photos.
+    WindowUnderTest& ask() {
+        auto& window = open(small);
+        window.chooseFolder(makePhotos());
+        EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+        window.click("moveButton");
+        EXPECT_TRUE(
+            window.waitUntil([&] { return window.isShown("alertDialog") && window.hasFocus("alertButton-0"); }));
+        return window;
+    }
+};
+
+TEST_F(AlertDialog, ShowsTitleTextAndButtonsInOrder) {
+    auto& window = ask();
+    EXPECT_EQ(window.text("alertTitle"), "Move Photos to Backup?");
+    EXPECT_TRUE(window.text("alertText").startsWith("Total 5 MB."));
+    EXPECT_EQ(window.text("alertButton-0"), "Move");
+    EXPECT_EQ(window.text("alertButton-1"), "Cancel");
+}
+
+TEST_F(AlertDialog, TakesReturnAsTheFirstButton) {
+    auto& window = ask();
+    window.press(Qt::Key_Return);
+    EXPECT_TRUE(window.waitUntilShown("jobsPanel"));
+    EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
+}
+
+TEST_F(AlertDialog, TakesEscapeAsTheLastButton) {
+    auto& window = ask();
+    window.press(Qt::Key_Escape);
+    EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
+    EXPECT_FALSE(window.isShown("jobsPanel"));
+}
+
+TEST_F(AlertDialog, TakesReturnAsTheButtonThatTheKeyboardIsOn) {
+    auto& window = ask();
+    window.press(Qt::Key_Tab);
+    ASSERT_TRUE(window.hasFocus("alertButton-1"));
+    window.press(Qt::Key_Return);
+    EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
+    EXPECT_FALSE(window.isShown("jobsPanel"));
+}
+
+TEST_F(AlertDialog, KeepsTheKeyboardInside) {
+    auto& window = ask();
+    for (int i = 0; i < 5; ++i) {
+        window.press(Qt::Key_Tab);
+        EXPECT_TRUE(window.hasFocus("alertButton-0") || window.hasFocus("alertButton-1"));
+    }
+}
+
+TEST_F(AlertDialog, KeepsThePointerFromWhatIsBehind) {
+    auto& window = ask();
+    window.click("drive-Media");
+    window.click("clearSourceButton");
+    EXPECT_TRUE(window.isShown("alertDialog"));
+    EXPECT_FALSE(window.isShown("drive-Media/driveCheckMark"));
+    EXPECT_EQ(window.text("sourceName"), "Photos");
+}
+
+TEST_F(AlertDialog, KeepsShortcutsFromWhatIsBehind) {
+    auto& window = ask();
+    addVolume("/Volumes/Late", "Late");
+    window.press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_FALSE(window.state().isScanningDrives());
+}
+
+}  // namespace
+
+}  // namespace tarvik::test

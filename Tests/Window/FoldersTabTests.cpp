@@ -1,0 +1,113 @@
+#include "Window/WindowTest.h"
+
+namespace tarvik::test {
+
+namespace {
+
+class FoldersTab : public WindowTest {};
+
+TEST_F(FoldersTab, SaysWhatItIsFor) {
+    auto& window = open();
+    EXPECT_EQ(window.text("foldersHeading"), "Move Folder");
+    EXPECT_EQ(window.text("foldersText"),
+              "Relocate any folder to the target drive and replace it with a symlink. Use for Logic Pro Library, "
+              "Application Support data, or any path the Apps tab can't handle.");
+    EXPECT_EQ(window.text("sourceName"), "No folder selected");
+    EXPECT_EQ(window.text("chooseButton"), "Choose");
+    EXPECT_EQ(window.text("moveButton"), "Move & Symlink");
+}
+
+TEST_F(FoldersTab, NeedsASource) {
+    auto& window = open();
+    EXPECT_FALSE(window.isEnabled("moveButton"));
+    EXPECT_EQ(window.text("sourceHint"), "Choose a folder to move.");
+}
+
+TEST_F(FoldersTab, NeedsATargetDrive) {
+    world.volumes->list.clear();
+    auto& window = open(small);
+    window.chooseFolder(makePhotos());
+    EXPECT_TRUE(window.waitForText("sourceHint", "Pick a target drive in the sidebar."));
+    EXPECT_FALSE(window.isEnabled("moveButton"));
+}
+
+TEST_F(FoldersTab, ShowsTheChosenFolderAndItsSize) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    window.chooseFolder(photos);
+    EXPECT_TRUE(window.waitForText("sourceSize", "5 MB"));
+    EXPECT_EQ(window.text("sourceName"), "Photos");
+    EXPECT_EQ(window.text("sourcePath").toStdString(), photos.native());
+    EXPECT_EQ(window.text("sourceHint"), "To Backup, 412 GB free");
+    EXPECT_TRUE(window.isEnabled("moveButton"));
+}
+
+TEST_F(FoldersTab, TakesADroppedFolder) {
+    auto& window = open();
+    window.drop(makePhotos(), "sourceCard");
+    EXPECT_TRUE(window.waitForText("sourceName", "Photos"));
+}
+
+TEST_F(FoldersTab, ForgetsTheFolderWhenItIsCleared) {
+    auto& window = open();
+    window.chooseFolder(makePhotos());
+    window.click("clearSourceButton");
+    EXPECT_EQ(window.text("sourceName"), "No folder selected");
+    EXPECT_FALSE(window.isEnabled("moveButton"));
+}
+
+TEST_F(FoldersTab, SaysWhyAFileCannotBeMoved) {
+    auto& window = open();
+    makeFile(world.home / "Letter.txt");
+    window.chooseFolder(world.home / "Letter.txt");
+    EXPECT_TRUE(window.waitUntilShown("sourceProblem"));
+    EXPECT_FALSE(window.text("sourceProblem").isEmpty());
+    EXPECT_FALSE(window.isEnabled("moveButton"));
+}
+
+TEST_F(FoldersTab, ListsOnlyCandidatesThatExist) {
+    makeFolder(world.home / "Downloads");
+    makeFolder(world.home / "Library/Developer/Xcode/DerivedData");
+    auto& window = open();
+    EXPECT_TRUE(window.waitUntilShown("quickPick-Downloads"));
+    EXPECT_TRUE(window.isShown("quickPick-Xcode DerivedData"));
+    EXPECT_FALSE(window.isShown("quickPick-Logic Pro Library"));
+    EXPECT_FALSE(window.isShown("quickPick-Claude data"));
+    EXPECT_FALSE(window.isShown("noQuickPicks"));
+}
+
+TEST_F(FoldersTab, SaysThatThereIsNoCandidate) {
+    EXPECT_TRUE(open(small).waitUntilShown("noQuickPicks"));
+}
+
+TEST_F(FoldersTab, FillsTheSourceFromACandidate) {
+    makeFileOfSize(world.home / "Downloads/Film.mov", 2'000'000);
+    auto& window = open();
+    window.click("quickPick-Downloads");
+    EXPECT_TRUE(window.waitForText("sourceName", "Downloads"));
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    EXPECT_TRUE(window.item("quickPick-Downloads").property("isChosen").toBool());
+}
+
+TEST_F(FoldersTab, KeepsLongNamesOnOneLine) {
+    auto& window = open(small);
+    const auto photos = makePhotos("A folder\nwith a line break and " + std::string(200, 'x'));
+    const double heightBefore = window.item("sourceCard").height();
+    window.chooseFolder(photos);
+    EXPECT_TRUE(window.waitUntilShown("clearSourceButton"));
+    EXPECT_TRUE(window.waitUntil([&] { return window.item("sourceName").property("truncated").toBool(); }));
+    EXPECT_EQ(window.item("sourceName").property("lineCount").toInt(), 1);
+    EXPECT_TRUE(window.text("sourceName").startsWith("A folder with a line break"));
+    EXPECT_EQ(window.item("sourceCard").height(), heightBefore);
+}
+
+TEST_F(FoldersTab, ShowsMarkupInANameAsItIs) {
+    auto& window = open();
+    window.chooseFolder(makePhotos("<b>bold"));
+    EXPECT_TRUE(window.waitForText("sourceName", "<b>bold"));
+    EXPECT_EQ(window.item("sourceName").property("textFormat").toInt(), int(Qt::PlainText));
+}
+
+}  // namespace
+
+}  // namespace tarvik::test

@@ -1,0 +1,140 @@
+#include "Window/WindowTest.h"
+
+namespace tarvik::test {
+
+namespace {
+
+class Move : public WindowTest {};
+
+TEST_F(Move, AsksAndThenMovesAFolder) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    const auto before = pictureOf(photos);
+    window.chooseFolder(photos);
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    window.click("moveButton");
+    EXPECT_EQ(window.text("alertTitle"), "Move Photos to Backup?");
+    window.click("alertButton-0");
+    EXPECT_TRUE(window.waitForText("job-Photos/transferStatus", "Done"));
+    EXPECT_TRUE(fs::is_symlink(photos));
+    EXPECT_EQ(pictureOf(world.foldersOnDrive() / "Photos"), before);
+}
+
+TEST_F(Move, SaysWhatItDid) {
+    auto& window = open();
+    move(makePhotos());
+    EXPECT_TRUE(window.waitForText("infoToast/toastText", "Moved 1 item."));
+    EXPECT_EQ(window.text("jobsSummary"), "Moved 1 item.");
+    EXPECT_EQ(window.text("jobsTitle"), "Last run");
+}
+
+TEST_F(Move, ChangesNothingWhenItIsCancelled) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    const auto before = pictureOf(world.home);
+    window.chooseFolder(photos);
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    window.click("moveButton");
+    window.click("alertButton-1");
+    EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
+    EXPECT_EQ(pictureOf(world.home), before);
+    EXPECT_TRUE(fs::is_empty(backup));
+    EXPECT_FALSE(window.isShown("jobsPanel"));
+}
+
+TEST_F(Move, ShowsHowFarItIs) {
+    holdCopies();
+    auto& window = open(small);
+    startMove(makePhotos());
+    EXPECT_TRUE(window.waitForText("job-Photos/transferBytes", "3 MB of 5 MB"));
+    EXPECT_EQ(window.text("jobsTitle"), "Moving");
+    EXPECT_EQ(window.text("job-Photos/transferStatus"), "Copying");
+    EXPECT_NEAR(window.item("job-Photos/transferBar").property("value").toDouble(), 0.6, 0.01);
+    EXPECT_EQ(window.text("sourceHint"), "A move is under way.");
+    EXPECT_FALSE(window.isEnabled("moveButton"));
+    letCopyEnd();
+    EXPECT_TRUE(window.waitForText("job-Photos/transferStatus", "Done"));
+}
+
+TEST_F(Move, ShowsAFailureInFull) {
+    world.withDitto(
+        "echo 'ditto: Lake.raw: Input/output error, and then a long story about the cable of the drive, "
+        "which went on for a second line of the row' >&2; exit 1");
+    auto& window = open(small);
+    const auto photos = makePhotos();
+    move(photos);
+    EXPECT_EQ(window.text("job-Photos/transferStatus"), "Failed");
+    EXPECT_TRUE(window.text("job-Photos/transferFailure").contains("a second line of the row"));
+    EXPECT_FALSE(window.item("job-Photos/transferFailure").property("truncated").toBool());
+    EXPECT_EQ(window.text("jobsSummary"), "Completed with 1 failure.");
+    EXPECT_EQ(window.text("errorToast/toastText"), "Completed with 1 failure.");
+    EXPECT_FALSE(window.isShown("job-Photos/moveBackButton"));
+    EXPECT_FALSE(fs::is_symlink(photos));
+}
+
+TEST_F(Move, RefusesInAToastThatGoes) {
+    auto& window = open();
+    window.item("rootView").setProperty("toastDuration", 200);
+    const auto photos = makePhotos();
+    window.chooseFolder(photos);
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    fs::remove_all(photos);
+    window.click("moveButton");
+    EXPECT_TRUE(window.waitForText("errorToast/toastText", "Source folder doesn't exist."));
+    EXPECT_FALSE(window.isShown("jobsPanel"));
+    EXPECT_TRUE(window.waitUntilHidden("errorToast"));
+    EXPECT_EQ(window.state().lastError(), "");
+}
+
+TEST_F(Move, ShowsTheFolderAsALinkAfterwards) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    move(photos);
+    EXPECT_TRUE(window.waitForText(
+        "sourceLink", "This is a link to " + QString::fromStdString((world.foldersOnDrive() / "Photos").native())));
+    EXPECT_FALSE(window.isShown("moveButton"));
+    EXPECT_TRUE(window.isShown("sourceMoveBackButton"));
+}
+
+class MoveBack : public WindowTest {};
+
+TEST_F(MoveBack, BringsAFolderBackFromTheJobsPanel) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    const auto before = pictureOf(photos);
+    move(photos);
+    window.click("job-Photos/moveBackButton");
+    EXPECT_EQ(window.text("alertButton-0"), "Move Back");
+    window.click("alertButton-0");
+    EXPECT_TRUE(window.waitForText("restoreRow/transferStatus", "Done"));
+    EXPECT_FALSE(fs::is_symlink(photos));
+    EXPECT_EQ(pictureOf(photos), before);
+    EXPECT_TRUE(window.waitUntilHidden("job-Photos/moveBackButton")) << "There is no link any more.";
+}
+
+TEST_F(MoveBack, BringsAFolderBackFromTheSourceCard) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    move(photos);
+    window.click("sourceMoveBackButton");
+    window.click("alertButton-0");
+    EXPECT_TRUE(window.waitUntil([&] { return !fs::is_symlink(photos) && fs::exists(photos); }));
+    EXPECT_TRUE(window.waitUntilShown("moveButton"));
+    EXPECT_FALSE(window.isShown("sourceLink"));
+}
+
+TEST_F(MoveBack, ChangesNothingWhenItIsCancelled) {
+    auto& window = open();
+    const auto photos = makePhotos();
+    move(photos);
+    window.click("job-Photos/moveBackButton");
+    EXPECT_TRUE(window.waitUntilShown("alertDialog"));
+    window.press(Qt::Key_Escape);
+    EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
+    EXPECT_TRUE(fs::is_symlink(photos));
+    EXPECT_FALSE(window.isShown("restoreRow"));
+}
+
+}  // namespace
+
+}  // namespace tarvik::test

@@ -1,0 +1,111 @@
+#include "Window/WindowTest.h"
+
+namespace tarvik::test {
+
+namespace {
+
+class Shell : public WindowTest {};
+
+TEST_F(Shell, ListsTheTabsThatExist) {
+    auto& window = open();
+    EXPECT_EQ(window.text("toolbarTitle"), "Folders");
+    EXPECT_EQ(window.item("tabList").property("count").toInt(), 1);
+    EXPECT_TRUE(window.item("tab-folders").property("isSelected").toBool());
+    EXPECT_TRUE(window.isShown("foldersTab"));
+}
+
+TEST_F(Shell, ListsTheDrivesWithTheirCapacity) {
+    auto& window = open();
+    EXPECT_EQ(window.text("drive-Backup/driveName"), "Backup");
+    EXPECT_EQ(window.text("drive-Backup/driveFree"), "412 GB free");
+    EXPECT_EQ(window.text("drive-Backup/driveTotal"), "1 TB");
+    EXPECT_NEAR(window.item("drive-Backup/driveCapacity").property("value").toDouble(), 0.588, 0.001);
+    EXPECT_TRUE(window.isShown("drive-Media"));
+    EXPECT_FALSE(window.isShown("noDrivesText"));
+}
+
+TEST_F(Shell, SelectsTheFirstDriveAtTheStart) {
+    auto& window = open();
+    EXPECT_TRUE(window.isShown("drive-Backup/driveCheckMark"));
+    EXPECT_FALSE(window.isShown("drive-Media/driveCheckMark"));
+}
+
+TEST_F(Shell, SelectsADriveByAClick) {
+    auto& window = open();
+    window.click("drive-Media");
+    EXPECT_TRUE(window.isShown("drive-Media/driveCheckMark"));
+    EXPECT_FALSE(window.isShown("drive-Backup/driveCheckMark"));
+}
+
+TEST_F(Shell, SelectsADriveByTheKeyboard) {
+    auto& window = open();
+    while (!window.hasFocus("driveList")) window.press(Qt::Key_Tab);
+    window.press(Qt::Key_Down);
+    EXPECT_TRUE(window.isShown("drive-Backup/driveCheckMark")) << "Walking the list is not choosing.";
+    window.press(Qt::Key_Space);
+    EXPECT_TRUE(window.isShown("drive-Media/driveCheckMark"));
+}
+
+TEST_F(Shell, OffersNeitherReadOnlyVolumesNorTheBootVolume) {
+    addVolume("/", "Macintosh HD").isInternal = true;
+    addVolume("/Volumes/Installer", "Installer").isReadOnly = true;
+    auto& window = open();
+    EXPECT_EQ(window.item("driveList").property("count").toInt(), 2);
+    EXPECT_FALSE(window.isShown("drive-Macintosh HD"));
+    EXPECT_FALSE(window.isShown("drive-Installer"));
+}
+
+TEST_F(Shell, OffersAWritableInternalSecondVolume) {
+    addVolume("/Volumes/Second", "Second").isInternal = true;
+    EXPECT_TRUE(open().isShown("drive-Second"));
+}
+
+TEST_F(Shell, SaysThatNoDriveIsConnected) {
+    world.volumes->list.clear();
+    auto& window = open(small);
+    EXPECT_EQ(window.text("noDrivesText"), "No external drives connected.");
+    EXPECT_EQ(window.item("driveList").property("count").toInt(), 0);
+}
+
+TEST_F(Shell, ListsADriveThatCameWhenAskedToLookAgain) {
+    auto& window = open();
+    addVolume("/Volumes/Late", "Late");
+    window.click("refreshDrivesButton");
+    EXPECT_TRUE(window.waitUntilShown("drive-Late"));
+}
+
+TEST_F(Shell, RefreshesAllByItsButtonAndByTheKeyboard) {
+    auto& window = open();
+    addVolume("/Volumes/Late", "Late");
+    window.click("refreshAllButton");
+    EXPECT_TRUE(window.waitUntilShown("drive-Late"));
+    addVolume("/Volumes/Later", "Later");
+    window.press(Qt::Key_R, Qt::ControlModifier);
+    EXPECT_TRUE(window.waitUntilShown("drive-Later"));
+}
+
+TEST_F(Shell, TellsTheFreeSpaceOfTheBootVolume) {
+    addVolume("/", "Macintosh HD").isInternal = true;
+    auto& window = open();
+    EXPECT_EQ(window.text("bootFree"), "Boot: " + window.state().bootFree() + " free");
+    EXPECT_FALSE(window.state().bootFree().isEmpty());
+}
+
+TEST_F(Shell, KeepsALongDriveNameInItsCard) {
+    addVolume("/Volumes/Long", "A drive with a name that is far longer\nthan any card of the sidebar could be");
+    auto& window = open(small);
+    const auto& card =
+        window.item("drive-A drive with a name that is far longer\nthan any card of the sidebar could be");
+    const auto& other = window.item("drive-Backup");
+    EXPECT_EQ(card.height(), other.height());
+    EXPECT_EQ(card.width(), other.width());
+    const QString name = "driveName";
+    for (QQuickItem* item : card.findChildren<QQuickItem*>(name)) {
+        EXPECT_TRUE(item->property("truncated").toBool());
+        EXPECT_EQ(item->property("lineCount").toInt(), 1);
+    }
+}
+
+}  // namespace
+
+}  // namespace tarvik::test

@@ -1,0 +1,124 @@
+#include "Window/WindowUnderTest.h"
+
+#include "Platform/ProgramLocation.h"
+#include "State/QmlModule.h"
+
+#include <QDropEvent>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+
+#include <stdexcept>
+
+namespace tarvik::test {
+
+namespace {
+
+constexpr int patienceMilliseconds = 10'000;
+/// Longer than any animation of the window.
+constexpr int restMilliseconds = 300;
+
+QQuickItem* findIn(QQuickItem* root, const QString& name) {
+    if (!root->isVisible()) return nullptr;
+    if (root->objectName() == name) return root;
+    const auto children = root->childItems();
+    for (QQuickItem* child : children)
+        if (QQuickItem* found = findIn(child, name)) return found;
+    return nullptr;
+}
+
+QUrl urlOf(const fs::path& path) {
+    return QUrl::fromLocalFile(QString::fromStdString(path.native()));
+}
+
+}  // namespace
+
+WindowUnderTest::WindowUnderTest(const Host& host, QSize size)
+    : m_dialogs(std::make_unique<WindowDialogs>()),
+      m_state(std::make_unique<AppState>(host, *m_dialogs)),
+      m_engine(std::make_unique<QQmlApplicationEngine>()) {
+    QmlModule::attach(*m_engine, *m_state, *m_dialogs);
+    m_engine->loadData("import Tarvik\nMainWindow {}");
+    if (m_engine->rootObjects().isEmpty()) throw std::runtime_error("The window does not load.");
+    m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().constFirst());
+    m_window->resize(size);
+    if (!QTest::qWaitForWindowActive(m_window)) throw std::runtime_error("The window does not become active.");
+    if (!waitUntil([this] { return m_state->isIdle(); })) throw std::runtime_error("The first refresh does not end.");
+}
+
+WindowUnderTest::~WindowUnderTest() {
+    m_engine.reset();
+    m_dialogs->dismissAll();
+    m_state.reset();
+}
+
+QQuickItem* WindowUnderTest::find(const QString& name) const {
+    QQuickItem* found = m_window->contentItem();
+    const auto steps = name.split(QLatin1Char('/'));
+    for (const QString& step : steps) {
+        found = findIn(found, step);
+        if (!found) return nullptr;
+    }
+    return found;
+}
+
+QQuickItem& WindowUnderTest::item(const QString& name) const {
+    if (!waitUntilShown(name)) throw std::runtime_error("Not shown: " + name.toStdString());
+    return *find(name);
+}
+
+void WindowUnderTest::click(const QString& name) {
+    QQuickItem& target = item(name);
+    QTest::qWait(0);  // What has just come is laid out first.
+    const QPointF centre = target.mapToScene({target.width() / 2, target.height() / 2});
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centre.toPoint());
+}
+
+void WindowUnderTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(m_window, key, modifiers);
+}
+
+void WindowUnderTest::chooseFolder(const fs::path& path) {
+    auto* source = item("foldersTab").property("source").value<QObject*>();
+    QMetaObject::invokeMethod(source, "setUrl", Q_ARG(QUrl, urlOf(path)));
+}
+
+void WindowUnderTest::drop(const fs::path& path, const QString& name) {
+    QQuickItem& target = item(name);
+    const QPointF centre = target.mapToScene({target.width() / 2, target.height() / 2});
+    QMimeData data;
+    data.setUrls({urlOf(path)});
+    QDragEnterEvent enter(centre.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_window, &enter);
+    QDropEvent drop(centre, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_window, &drop);
+}
+
+bool WindowUnderTest::waitUntil(const std::function<bool()>& condition) const {
+    return QTest::qWaitFor(condition, patienceMilliseconds);
+}
+
+bool WindowUnderTest::waitUntilShown(const QString& name) const {
+    return waitUntil([&] { return isShown(name); });
+}
+
+bool WindowUnderTest::waitUntilHidden(const QString& name) const {
+    return waitUntil([&] { return !isShown(name); });
+}
+
+bool WindowUnderTest::waitForText(const QString& name, const QString& text) const {
+    return waitUntil([&] {
+        const QQuickItem* found = find(name);
+        return found && found->property("text").toString() == text;
+    });
+}
+
+void WindowUnderTest::savePicture(const std::string& name) const {
+    QTest::qWait(restMilliseconds);
+    const fs::path folder = ProgramLocation::folder().parent_path() / "pictures";
+    fs::create_directories(folder);
+    m_window->grabWindow().save(QString::fromStdString((folder / (name + ".png")).native()));
+}
+
+}  // namespace tarvik::test

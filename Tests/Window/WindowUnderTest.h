@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Platform/Host.h"
+#include "State/AppState.h"
+#include "State/WindowDialogs.h"
+
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSize>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace tarvik::test {
+
+/// The real window over a real `AppState`, driven as a user would: look for a thing, click it, press keys, read.
+///
+/// Things are found by their `objectName`; "a/b" is the b inside a. Only what is shown is found. The names:
+///
+/// | Where        | Names |
+/// |---|---|
+/// | shell        | rootView, toolbarTitle, refreshAllButton, tabContent, infoToast, errorToast (each: toastText) |
+/// | sidebar      | tabList, tab-NAME, refreshDrivesButton, driveSpinner, noDrivesText, driveList, bootFree |
+/// | a drive      | drive-NAME: driveName, driveFree, driveTotal, driveCapacity, driveCheckMark |
+/// | Folders tab  | foldersTab, foldersHeading, foldersText |
+/// | source card  | sourceCard, sourceDropArea, sourceName, sourcePath, sourceSize, sourceSpinner, clearSourceButton,
+/// sourceProblem, |              | sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton | | quick
+/// picks  | quickPickList, quickPick-LABEL, noQuickPicks | | jobs panel   | jobsPanel, jobsTitle, jobsSummary, jobsBar,
+/// foldButton, jobList, job-LABEL, restoreRow | | a job, or the restore | transferLabel, transferDetail, transferBytes,
+/// transferStatus, transferBar, transferFailure, moveBackButton | | dialog       | alertDialog, alertTitle, alertText,
+/// alertButton-INDEX |
+class WindowUnderTest {
+public:
+    explicit WindowUnderTest(const Host& host, QSize size = {1400, 900});
+    ~WindowUnderTest();
+
+    AppState& state() { return *m_state; }
+    QQuickWindow& window() { return *m_window; }
+
+    /// The item that is shown under this name, or null.
+    QQuickItem* find(const QString& name) const;
+    /// The same, waited for. @throws std::runtime_error when it does not come.
+    QQuickItem& item(const QString& name) const;
+    bool isShown(const QString& name) const { return find(name) != nullptr; }
+    QString text(const QString& name) const { return item(name).property("text").toString(); }
+    bool isEnabled(const QString& name) const { return item(name).isEnabled(); }
+    bool hasFocus(const QString& name) const { return item(name).hasActiveFocus(); }
+
+    void click(const QString& name);
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    /// Takes `path` as the folder panel gives it.
+    void chooseFolder(const fs::path& path);
+    /// Drops `path` on the named item.
+    void drop(const fs::path& path, const QString& name);
+
+    /// Lets events run until `condition` holds. False when it does not come to hold.
+    bool waitUntil(const std::function<bool()>& condition) const;
+    bool waitUntilShown(const QString& name) const;
+    bool waitUntilHidden(const QString& name) const;
+    bool waitForText(const QString& name, const QString& text) const;
+
+    /// Writes what is shown to the pictures folder of the build, once all that moves has come to rest.
+    void savePicture(const std::string& name) const;
+
+private:
+    std::unique_ptr<WindowDialogs> m_dialogs;
+    std::unique_ptr<AppState> m_state;
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+    QQuickWindow* m_window = nullptr;
+};
+
+}  // namespace tarvik::test
