@@ -53,10 +53,8 @@ Queue& queue() {
 /// Each event of it runs one function, so that input and painting get their turn between two of them.
 class Doorbell : public QObject {
 public:
-    bool event(QEvent* event) override {
-        if (event->type() != QEvent::User) return QObject::event(event);
+    void customEvent(QEvent*) override {
         if (const auto function = queue().take()) function();
-        return true;
     }
 };
 
