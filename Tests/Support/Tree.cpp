@@ -1,10 +1,11 @@
 #include "Support/Tree.h"
 
+#include "Platform/Files.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -77,11 +78,7 @@ void makePipe(const fs::path& path) {
     if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make a pipe at " + path.native());
 }
 
-std::string contentOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error("cannot read " + path.native());
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+std::string contentOf(const fs::path& path) { return Files::read(path); }
 
 std::string pictureOf(const fs::path& root) {
     std::vector<std::string> lines;
