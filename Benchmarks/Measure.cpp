@@ -1,0 +1,87 @@
+#include "Measure.h"
+
+#include "Platform/CommandRunner.h"
+
+#include <algorithm>
+#include <chrono>
+#include <fcntl.h>
+#include <sched.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tarvik::Measure {
+
+namespace {
+
+cpu_set_t allCores() {
+    static const cpu_set_t cores = [] {
+        cpu_set_t set;
+        ::sched_getaffinity(0, sizeof set, &set);
+        return set;
+    }();
+    return cores;
+}
+
+}  // namespace
+
+Run program(const std::vector<std::string>& command) {
+    std::vector<char*> words;
+    for (const auto& word : command) words.push_back(const_cast<char*>(word.c_str()));
+    words.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    Run run;
+    int status = -1;
+    struct rusage usage {};
+    run.seconds = seconds([&] {
+        pid_t child = 0;
+        if (::posix_spawnp(&child, words[0], &actions, nullptr, words.data(), environ) == 0)
+            ::wait4(child, &status, 0, &usage);
+    });
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (status != 0) throw std::runtime_error("failed: " + command.front());
+    run.peakMemory = static_cast<std::int64_t>(usage.ru_maxrss) * 1024;
+    return run;
+}
+
+std::string outputOf(const std::vector<std::string>& command) {
+    const CommandResult result = CommandRunner::run(command.front(), {command.begin() + 1, command.end()});
+    if (!result.succeeded()) throw std::runtime_error("failed: " + command.front() + "\n" + result.stderr);
+    return result.stdout;
+}
+
+double seconds(const std::function<void()>& act) {
+    const auto start = std::chrono::steady_clock::now();
+    act();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const std::size_t middle = values.size() / 2;
+    return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+OneCore::OneCore() {
+    const cpu_set_t all = allCores();
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    for (int core = 0; core < CPU_SETSIZE; ++core) {
+        if (!CPU_ISSET(core, &all)) continue;
+        CPU_SET(core, &one);
+        break;
+    }
+    ::sched_setaffinity(0, sizeof one, &one);
+}
+
+OneCore::~OneCore() {
+    const cpu_set_t all = allCores();
+    ::sched_setaffinity(0, sizeof all, &all);
+}
+
+}  // namespace tarvik::Measure

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Takes the times of programs and of our own code.
+namespace tarvik::Measure {
+
+/// What one run of a program cost.
+struct Run {
+    double seconds = 0;
+    /// The largest resident memory of the program or of a child that it waited for, in bytes.
+    std::int64_t peakMemory = 0;
+};
+
+/// Runs a program to its end, its output dropped. @throws std::runtime_error when it fails.
+Run program(const std::vector<std::string>& command);
+/// What a program prints on standard output. @throws std::runtime_error when it fails.
+std::string outputOf(const std::vector<std::string>& command);
+/// Seconds that a function takes.
+double seconds(const std::function<void()>& act);
+double median(std::vector<double> values);
+/// Keeps this program, and what it starts, on one core while the object lives.
+class OneCore {
+public:
+    OneCore();
+    ~OneCore();
+    OneCore(const OneCore&) = delete;
+    OneCore& operator=(const OneCore&) = delete;
+};
+
+}  // namespace tarvik::Measure
