@@ -20,11 +20,20 @@ using namespace tarvik::CommandLine;
 
 enum ExitStatus { done = 0, failed = 1, wrongUse = 2 };
 
+/// The machine that the options name. One that is not there makes the command line wrong.
+Host hostOf(const Options& options) {
+    try {
+        return Host::fromOptions(options.root, options.home);
+    } catch (const Failure& failure) {
+        throw WrongUse(failure.description());
+    }
+}
+
 void run(const std::vector<std::string>& arguments) {
     const auto parsed = parse(arguments);
     if (const auto* information = std::get_if<Information>(&parsed)) return Terminal::writeResult(information->text);
     const auto& options = std::get<Options>(parsed);
-    const auto host = Host::fromOptions(options.root, options.home);
+    const auto host = hostOf(options);
     // The tools that stand in for the system's find the same machine by it. No thread runs yet.
     if (options.root) ::setenv("TARVIK_ROOT", host.root.c_str(), 1);
     Acts::perform(host, options);
@@ -33,6 +42,7 @@ void run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    Terminal::occupyClosedStreams();
     surviveClosedPipes();
     try {
         run({argv + 1, argv + argc});

@@ -24,17 +24,18 @@ std::string sentenceOf(const CLI::ParseError& error) {
     return text;
 }
 
-void requireVerb(const CLI::App& command, std::string_view verbs) {
+/// Words that no verb took. The mark that ends the options is reported among them, and means nothing.
+std::vector<std::string> leftOver(const CLI::App& app) {
+    auto words = app.remaining(true);
+    std::erase(words, "--");
+    return words;
+}
+
+void requireVerb(const CLI::App& command, const std::vector<std::string>& words, std::string_view verbs) {
     if (!command.get_subcommands().empty()) return;
-    const auto words = command.remaining();
     const auto prefix = command.get_parent() ? command.get_name() + " " : std::string();
     throw WrongUse(words.empty() ? fmt::format("What shall be done? Name one of: {}.", verbs)
                                  : fmt::format("There is no \"{}{}\". There is: {}.", prefix, words.front(), verbs));
-}
-
-void requireNothingMore(const CLI::App& command) {
-    const auto words = command.remaining(true);
-    if (!words.empty()) throw WrongUse(fmt::format("What \"{}\" means is not clear.", words.front()));
 }
 
 }  // namespace
@@ -88,9 +89,10 @@ std::variant<Options, Information> parse(const std::vector<std::string>& argumen
         throw WrongUse(sentenceOf(error));
     }
 
-    requireVerb(app, "drives, move folder, move restore");
-    if (move->parsed()) requireVerb(*move, "move folder, move restore");
-    requireNothingMore(app);
+    const auto words = leftOver(app);
+    requireVerb(app, words, "drives, move folder, move restore");
+    if (move->parsed()) requireVerb(*move, words, "move folder, move restore");
+    if (!words.empty()) throw WrongUse(fmt::format("What \"{}\" means is not clear.", words.front()));
 
     const auto known = formats.find(format);
     if (known == formats.end()) throw WrongUse(fmt::format("\"{}\" is no format. There is: human, tsv, toml.", format));

@@ -7,16 +7,12 @@ namespace tarvik::CommandLine {
 
 namespace {
 
-// Handlers, not SIG_IGN: what is ignored stays ignored in the tools that are started, a handler does not.
-
 void passOn(int signal, siginfo_t* information, void*) {
     const int error = errno;
     const bool fromAnotherProcess = information->si_code == SI_USER && information->si_pid != ::getpid();
     if (fromAnotherProcess && ::getpgrp() == ::getpid()) ::kill(0, signal);
     errno = error;
 }
-
-void doNothing(int) {}
 
 }  // namespace
 
@@ -37,11 +33,7 @@ SignalGuard::~SignalGuard() {
 }
 
 void surviveClosedPipes() {
-    struct sigaction action {};
-    action.sa_handler = doNothing;
-    action.sa_flags = SA_RESTART;
-    sigemptyset(&action.sa_mask);
-    ::sigaction(SIGPIPE, &action, nullptr);
+    ::signal(SIGPIPE, SIG_IGN);
 }
 
 }  // namespace tarvik::CommandLine

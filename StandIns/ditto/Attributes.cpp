@@ -72,6 +72,7 @@ int copyExtendedAttributesByName(const Item& item) {
     // There are no calls that take a handle and a name; a path through the handle is the same.
     const auto source = fmt::format("/proc/self/fd/{}/{}", item.parent.source.get(), item.sourceName);
     const auto destination = fmt::format("/proc/self/fd/{}/{}", item.parent.destination.get(), item.destinationName);
+    if (item.parent.folder->handsDownAccessList) ::lremovexattr(destination.c_str(), accessList);
     return copyExtendedAttributes(
         [&](char* names, std::size_t size) { return std::max<ssize_t>(0, ::llistxattr(source.c_str(), names, size)); },
         [&](const char* name, char* value, std::size_t size) { return ::lgetxattr(source.c_str(), name, value, size); },

@@ -38,10 +38,12 @@ const DriveInfo* holderOf(const std::vector<DriveInfo>& drives, const fs::path& 
 
 const DriveInfo& named(const std::vector<DriveInfo>& drives, std::string_view wanted) {
     const bool isPath = wanted.find('/') != std::string_view::npos;
-    const auto path = isPath ? Files::standardized(wanted) : fs::path();
+    const auto written = isPath ? Files::standardized(wanted) : fs::path();
+    const auto path = Files::resolved(written).value_or(written);
     std::vector<const DriveInfo*> fitting;
     for (const auto& drive : drives)
-        if (drive.name == wanted || (isPath && drive.mountPath == path)) fitting.push_back(&drive);
+        if (drive.name == wanted || (isPath && (drive.mountPath == written || drive.mountPath == path)))
+            fitting.push_back(&drive);
     if (fitting.size() == 1) return *fitting.front();
     if (fitting.size() > 1)
         throw failure(severalFit, fmt::format("More than one drive is called \"{}\": {}. Name one by its mount path.",

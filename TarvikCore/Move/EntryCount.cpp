@@ -2,6 +2,7 @@
 
 #include "Platform/ChildProcess.h"
 #include "Platform/Failure.h"
+#include "Platform/StreamReader.h"
 
 #include <algorithm>
 #include <array>
@@ -41,9 +42,12 @@ public:
         ignoringFailure([&] { m_find.emplace(ChildProcess::start(host.tools.find, {root.native()})); });
     }
 
-    int standardOutput() const { return m_find ? m_find->standardOutput() : -1; }
-    int standardError() const { return m_find ? m_find->standardError() : -1; }
-    void takeOutput(std::string_view piece) { m_lines.add(piece); }
+    /// Standard error is read too, and dropped: a full pipe would block the tool.
+    void joinReader(StreamReader& reader) {
+        if (!m_find) return;
+        reader.add(m_find->standardOutput(), [this](std::string_view piece) { m_lines.add(piece); });
+        reader.add(m_find->standardError(), [](std::string_view) {});
+    }
 
     std::optional<std::int64_t> result() {
         if (!m_find || m_find->wait() != 0) return std::nullopt;
@@ -55,38 +59,15 @@ private:
     LineCounter m_lines;
 };
 
-/// Reads everything that both runs print. Standard error is read too, and dropped: a full pipe would block the tool.
-void drain(Count& source, Count& destination) {
-    std::array<pollfd, 4> streams{{{source.standardOutput(), POLLIN, 0},
-                                   {destination.standardOutput(), POLLIN, 0},
-                                   {source.standardError(), POLLIN, 0},
-                                   {destination.standardError(), POLLIN, 0}}};
-    static constexpr std::size_t bufferSize = 64 * 1024;
-    char buffer[bufferSize];
-    while (std::any_of(streams.begin(), streams.end(), [](const pollfd& stream) { return stream.fd >= 0; })) {
-        if (::poll(streams.data(), streams.size(), -1) < 0 && errno != EINTR) return;
-        for (std::size_t index = 0; index < streams.size(); ++index) {
-            pollfd& stream = streams[index];
-            if (stream.fd < 0 || stream.revents == 0) continue;
-            const ssize_t length = ::read(stream.fd, buffer, bufferSize);
-            if (length < 0 && errno == EINTR) continue;
-            if (length <= 0) {
-                stream.fd = -1;  // poll passes over it from here on.
-                continue;
-            }
-            const std::string_view piece(buffer, static_cast<std::size_t>(length));
-            if (index == 0) source.takeOutput(piece);
-            if (index == 1) destination.takeOutput(piece);
-        }
-    }
-}
-
 }  // namespace
 
 Counts count(const Host& host, const fs::path& source, const fs::path& destination) {
     Count ofSource(host, source);
     Count ofDestination(host, destination);
-    drain(ofSource, ofDestination);
+    StreamReader reader;
+    ofSource.joinReader(reader);
+    ofDestination.joinReader(reader);
+    reader.readToEnd();
     return {ofSource.result(), ofDestination.result()};
 }
 

@@ -6,6 +6,7 @@
 #include "Move/SizeCalculator.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/Failure.h"
+#include "Platform/StreamReader.h"
 #include "Platform/Text.h"
 
 #include <fmt/format.h>
@@ -14,7 +15,11 @@ namespace tarvik::FileCopier {
 
 void runDitto(const Host& host, const fs::path& from, const fs::path& to) {
     ChildProcess ditto = ChildProcess::start(host.tools.ditto, {"--rsrc", from.native(), to.native()});
-    const std::string output = ChildProcess::readToEnd(ditto.standardError());
+    std::string output;
+    StreamReader reader;
+    reader.add(ditto.standardError(), [&output](std::string_view piece) { output += piece; });
+    reader.add(ditto.standardOutput(), [](std::string_view) {});  // Read so that the tool never waits for us.
+    reader.readToEnd();
     const int status = ditto.wait();
     if (status == 0) return;
     std::string message = Text::isValidUtf8(output) ? Text::trimmed(output) : std::string();

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "Move/JobStatus.h"
 #include "Platform/Path.h"
+
+#include <cstdint>
+#include <string>
 
 namespace tarvik {
 

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "Move/JobStatus.h"
+#include "Move/MoveJob.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "Move/JobStatus.h"
-#include "Move/MoveJob.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
 
 /// Runs a list of move jobs one after the other, for every front.
 namespace tarvik::MoveRun {

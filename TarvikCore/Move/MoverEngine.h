@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <functional>
-
 #include "Move/JobStatus.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
+
+#include <cstdint>
+#include <functional>
 
 /// Takes one item off the internal disk and leaves a symbolic link; and brings it back.
 ///
@@ -17,9 +17,9 @@ using StatusCallback = std::function<void(const JobStatus&)>;
 /// Both in bytes. Called from a background thread while a copy runs, and once from the calling thread at its end.
 using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t total)>;
 
-/// Moves `source` into `destinationParent` under its own name and links the old path to it. The original is touched only
-/// after a complete copy has been proved and flushed to the drive.
-/// With `quitRunning`, an application that runs is asked to quit first.
+/// Moves `source` into `destinationParent` under its own name and links the old path to it. The original is touched
+/// only after a complete copy has been proved and flushed to the drive. With `quitRunning`, an application that runs is
+/// asked to quit first.
 /// @throws MoverError; FileError when `destinationParent` cannot be made.
 void moveAndLink(const Host& host, const fs::path& source, const fs::path& destinationParent, bool quitRunning,
                  const StatusCallback& status, const ProgressCallback& progress);

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Platform/Failure.h"
+
 #include <cstdint>
 #include <string>
-
-#include "Platform/Failure.h"
 
 namespace tarvik {
 

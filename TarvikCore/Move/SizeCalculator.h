@@ -1,14 +1,14 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "Platform/Cancellation.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
-/// The size of one path as the platform tells it: what regular files take on the disk, hidden ones left out. For the sizes
-/// of many applications see `SizingService`, which counts a little differently.
+#include <cstdint>
+#include <string>
+
+/// The size of one path as the platform tells it: what regular files take on the disk, hidden ones left out. For the
+/// sizes of many applications see `SizingService`, which counts a little differently.
 namespace tarvik::SizeCalculator {
 
 /// Allocated bytes. A link counts as itself and is not followed. What cannot be read counts as nothing. Any thread.

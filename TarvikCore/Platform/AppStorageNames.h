@@ -1,12 +1,13 @@
 #pragma once
 
-#include <array>
-#include <string_view>
-
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
-/// The names of every folder that the system makes on a drive and under the user's Library. Nothing here makes a folder.
+#include <array>
+#include <string_view>
+
+/// The names of every folder that the system makes on a drive and under the user's Library. Nothing here makes a
+/// folder.
 namespace tarvik::AppStorageNames {
 
 /// Directly under a drive's mount path.

@@ -41,7 +41,8 @@ struct Pipe {
     FileDescriptor writeEnd;
 };
 
-/// Moves a descriptor above the standard streams, so that putting one pipe in their place cannot overwrite another.
+/// Moves a descriptor above the standard streams. Where this process has none of its own, a pipe would take their
+/// place, and the child would find its own output at its standard input.
 FileDescriptor aboveStandardStreams(FileDescriptor descriptor, const Check& check) {
     FileDescriptor moved(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     if (!moved) check(errno);

@@ -1,22 +1,21 @@
 #pragma once
 
-#include <sys/types.h>
+#include "Platform/FileDescriptor.h"
+#include "Platform/Path.h"
 
 #include <chrono>
 #include <optional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
-
-#include "Platform/FileDescriptor.h"
-#include "Platform/Path.h"
 
 namespace tarvik {
 
 /// One running tool, with a pipe on its standard output and one on its standard error. It inherits the environment, the
 /// working directory and standard input, and no other descriptor. There is no shell in between and no search of PATH.
 ///
-/// Belongs to one thread, except that the two pipes may be read by others. Whoever starts it waits for it: a child that is
-/// still running at the end of the object's life is killed and waited for.
+/// Belongs to one thread, except that the two pipes may be read by others. Whoever starts it waits for it: a child that
+/// is still running at the end of the object's life is killed and waited for.
 class ChildProcess {
 public:
     /// @throws FileError with the verb "start" when the program cannot be run.

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <vector>
-
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
+
+#include <vector>
 
 /// Lists the drives that something can be moved to or from.
 namespace tarvik::DriveScanner {

@@ -1,8 +1,8 @@
 #include "Platform/FileError.h"
 
-#include <system_error>
-
 #include <fmt/format.h>
+
+#include <system_error>
 
 namespace tarvik {
 
@@ -10,6 +10,8 @@ FileError::FileError(std::string_view verb, const fs::path& path, int errorNumbe
     : Failure("Files", errorNumber,
               fmt::format("Could not {} {}: {}", verb, path.native(), systemErrorText(errorNumber))) {}
 
-std::string systemErrorText(int errorNumber) { return std::generic_category().message(errorNumber); }
+std::string systemErrorText(int errorNumber) {
+    return std::generic_category().message(errorNumber);
+}
 
 }  // namespace tarvik

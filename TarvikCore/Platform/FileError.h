@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string_view>
-
 #include "Platform/Failure.h"
 #include "Platform/Path.h"
+
+#include <string_view>
 
 namespace tarvik {
 

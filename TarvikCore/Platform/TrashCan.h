@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "Platform/Path.h"
+
+#include <memory>
 
 namespace tarvik {
 

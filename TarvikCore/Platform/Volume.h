@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Platform/Path.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-
-#include "Platform/Path.h"
 
 namespace tarvik {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Platform/Path.h"
+#include "Platform/Volume.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
-
-#include "Platform/Path.h"
-#include "Platform/Volume.h"
 
 namespace tarvik {
 

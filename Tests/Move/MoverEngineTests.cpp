@@ -183,8 +183,8 @@ TEST_F(MoverEngine, KeepsWhatWasWrittenWhileItWasCopied) {
 
 TEST_F(MoverEngine, KeepsTheOriginalWhenTheDriveGoesAwayAndLeavesItsFolder) {
     // What was written to the drive's folder is not on the drive: the folder now belongs to another volume.
-    world.withDitto(R"(cp -a "$2" "$3"; rm -rf "$(dirname "$3")"; ln - s / proc / self "$(dirname " $3 ")") ");
-        EXPECT_THAT(failureOfMove(), testing::StartsWith("Verification failed: "));
+    world.withDitto(R"sh(cp -a "$2" "$3"; rm -rf "$(dirname "$3")"; ln -s /proc/self "$(dirname "$3")")sh");
+    EXPECT_THAT(failureOfMove(), testing::StartsWith("Verification failed: "));
     EXPECT_EQ(pictureOf(source), picture);
 }
 

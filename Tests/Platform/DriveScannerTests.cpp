@@ -75,9 +75,15 @@ TEST(DriveScanner, PutsInternalVolumesFirstAndThenSortsByPlainBytes) {
 }
 
 TEST(DriveScanner, KeepsTheSystemsOrderOfVolumesWithOneName) {
-    const auto drives = scanned({volume("/Volumes/B", "Same", false), volume("/Volumes/A", "Same", false)});
-    ASSERT_EQ(drives.size(), 2U);
-    EXPECT_EQ(drives[0].id, "/Volumes/B");
+    std::vector<Volume> volumes;
+    std::vector<fs::path> expected;
+    for (int number = 99; number > 0; --number) {
+        expected.push_back("/Volumes/Same " + std::to_string(number));
+        volumes.push_back(volume(expected.back(), "Same", false));
+    }
+    std::vector<fs::path> found;
+    for (const DriveInfo& drive : scanned(volumes)) found.push_back(drive.mountPath);
+    EXPECT_EQ(found, expected);
 }
 
 TEST(DriveScanner, NamesAVolumeWithoutANameAfterItsMountPath) {

@@ -1,16 +1,19 @@
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
 #include "Platform/Host.h"
+#include "Support/EnvironmentVariable.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
 #include <gtest/gtest.h>
 
+#include <pwd.h>
 #include <unistd.h>
 
 namespace tarvik {
 namespace {
 
+using test::EnvironmentVariable;
 using test::makeFile;
 using test::makeFolder;
 using test::makeLink;
@@ -25,15 +28,27 @@ std::string refusalOf(const std::optional<fs::path>& root, const std::optional<f
     return "no refusal";
 }
 
-TEST(Host, OfThisMachineStandsAtTheRoot) {
+TEST(Host, OfThisMachineStandsAtTheRootWithTheUsersHome) {
+    const TemporaryFolder world;
+    makeLink(world / "link", world.path());
+    const EnvironmentVariable home("HOME", (world / "link").native());
     const Host host = Host::thisMachine();
     EXPECT_EQ(host.root, "/");
-    EXPECT_TRUE(fs::is_directory(host.home));
-    EXPECT_EQ(host.home, fs::canonical(host.home));
+    EXPECT_EQ(host.home, world.path());
     EXPECT_TRUE(fs::is_directory(host.temporary));
     EXPECT_EQ(host.tools, systemTools());
     EXPECT_TRUE(host.volumes && host.trash);
     EXPECT_GT(host.now().time_since_epoch().count(), 0);
+}
+
+TEST(Host, AsksTheAccountWhenTheEnvironmentNamesNoHome) {
+    for (const auto& value :
+         {std::optional<std::string>(), std::optional<std::string>(""), std::optional<std::string>("relative/home")}) {
+        const EnvironmentVariable home("HOME", value);
+        const passwd* account = ::getpwuid(::getuid());
+        ASSERT_TRUE(account);
+        EXPECT_EQ(Host::thisMachine().home, fs::weakly_canonical(account->pw_dir));
+    }
 }
 
 TEST(Host, OfThisMachineTakesAnotherHome) {

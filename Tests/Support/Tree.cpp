@@ -41,7 +41,7 @@ void addLines(const fs::path& item, const std::string& relative, std::vector<std
 }  // namespace
 
 void makeFile(const fs::path& path, std::string_view content) {
-    fs::create_directories(path.parent_path());
+    if (path.has_parent_path()) fs::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
     if (!file.flush()) throw std::runtime_error("cannot write " + path.native());

@@ -1,0 +1,77 @@
+#include "Platform/VolumeList.h"
+
+#import <Foundation/Foundation.h>
+#include <string>
+
+namespace tarvik {
+
+namespace {
+
+std::optional<std::string> text(NSDictionary<NSURLResourceKey, id>* values, NSURLResourceKey key) {
+    NSString* value = values[key];
+    const char* characters = value.UTF8String;  // Null also for what has no UTF-8 form.
+    return characters ? std::optional<std::string>(characters) : std::nullopt;
+}
+
+std::optional<std::int64_t> bytes(NSDictionary<NSURLResourceKey, id>* values, NSURLResourceKey key) {
+    NSNumber* value = values[key];
+    return value ? std::optional<std::int64_t>(value.longLongValue) : std::nullopt;
+}
+
+std::optional<bool> flag(NSDictionary<NSURLResourceKey, id>* values, NSURLResourceKey key) {
+    NSNumber* value = values[key];
+    return value ? std::optional<bool>(value.boolValue) : std::nullopt;
+}
+
+NSArray<NSURLResourceKey>* volumeKeys() {
+    return @[
+        NSURLVolumeNameKey, NSURLVolumeTotalCapacityKey, NSURLVolumeAvailableCapacityForImportantUsageKey,
+        NSURLVolumeIsInternalKey, NSURLVolumeIsBrowsableKey, NSURLVolumeIsReadOnlyKey,
+        NSURLVolumeLocalizedFormatDescriptionKey
+    ];
+}
+
+/// The volumes as the file manager knows them. It asks network volumes itself and gives up on dead ones.
+class MacVolumeList final : public VolumeList {
+public:
+    std::vector<Volume> mounted() const override {
+        std::vector<Volume> volumes;
+        @autoreleasepool {
+            NSArray<NSURLResourceKey>* keys = volumeKeys();
+            NSArray<NSURL*>* places = [[NSFileManager defaultManager]
+                mountedVolumeURLsIncludingResourceValuesForKeys:keys
+                                                        options:NSVolumeEnumerationSkipHiddenVolumes];
+            for (NSURL* place in places) {
+                NSDictionary<NSURLResourceKey, id>* values = [place resourceValuesForKeys:keys error:nil];
+                if (!values) continue;
+                volumes.push_back({.mountPath = place.fileSystemRepresentation,
+                                   .name = text(values, NSURLVolumeNameKey),
+                                   .totalBytes = bytes(values, NSURLVolumeTotalCapacityKey),
+                                   .availableBytes = bytes(values, NSURLVolumeAvailableCapacityForImportantUsageKey),
+                                   .isInternal = flag(values, NSURLVolumeIsInternalKey),
+                                   .isBrowsable = flag(values, NSURLVolumeIsBrowsableKey),
+                                   .isReadOnly = flag(values, NSURLVolumeIsReadOnlyKey),
+                                   .formatDescription = text(values, NSURLVolumeLocalizedFormatDescriptionKey)});
+            }
+        }
+        return volumes;
+    }
+
+    std::optional<std::int64_t> availableBytes(const fs::path& path) const override {
+        @autoreleasepool {
+            NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
+            NSNumber* value = nil;
+            NSURLResourceKey key = NSURLVolumeAvailableCapacityForImportantUsageKey;
+            if (![url getResourceValue:&value forKey:key error:nil] || !value) return std::nullopt;
+            return value.longLongValue;
+        }
+    }
+};
+
+}  // namespace
+
+std::shared_ptr<const VolumeList> makeSystemVolumeList(const fs::path&) {
+    return std::make_shared<MacVolumeList>();
+}
+
+}  // namespace tarvik

@@ -1,0 +1,41 @@
+#include "CommandLine/CommandWorld.h"
+
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+namespace tarvik::test {
+
+CommandWorld::CommandWorld()
+    : machine(Practice::build(folder / "machine", {.apps = 1, .files = 60})),
+      command(programOfThisBuild("tarvik")),
+      library(machine.home / "Music/Logic Pro Library.bundle"),
+      drive(machine.root / "Volumes/Studio Drive"),
+      moved(drive / "ExternalTarvik/Folders/Logic Pro Library.bundle") {}
+
+CommandWorld::CommandWorld(const std::string& ditto) : CommandWorld() {
+    // Tools are looked for beside the program that runs.
+    const auto programs = folder / "programs";
+    makeFolder(programs / "stand-ins");
+    fs::copy_file(command, programs / "tarvik");
+    command = programs / "tarvik";
+    makeFile(programs / "stand-ins/ditto", "#!/bin/sh\n" + ditto + "\n");
+    fs::permissions(programs / "stand-ins/ditto", fs::perms::owner_all);
+}
+
+std::vector<std::string> CommandWorld::onMachine(const std::vector<std::string>& arguments) const {
+    std::vector<std::string> all = {"--root", machine.root.native()};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return all;
+}
+
+Finished CommandWorld::run(const std::vector<std::string>& arguments, RunningProgram::Streams streams) const {
+    return runProgram(command, onMachine(arguments), streams);
+}
+
+std::vector<std::string> CommandWorld::moveOfLibrary(const std::vector<std::string>& more) const {
+    std::vector<std::string> arguments = {"move", "folder", library.native(), "--drive", "Studio Drive"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return onMachine(arguments);
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "CommandLine/RunningProgram.h"
+#include "Practice/PracticeMachine.h"
+#include "Support/TemporaryFolder.h"
+
+namespace tarvik::test {
+
+/// A practice machine and the command that works on it.
+struct CommandWorld {
+    CommandWorld();
+    /// The same with a copy tool that is a shell script; its arguments are --rsrc, the source and the destination.
+    explicit CommandWorld(const std::string& ditto);
+
+    /// The command's arguments, put behind --root.
+    std::vector<std::string> onMachine(const std::vector<std::string>& arguments) const;
+    Finished run(const std::vector<std::string>& arguments,
+                 RunningProgram::Streams streams = RunningProgram::Streams::pipes) const;
+    /// The arguments that move the library to the drive.
+    std::vector<std::string> moveOfLibrary(const std::vector<std::string>& more = {}) const;
+
+    TemporaryFolder folder;
+    Practice::Machine machine;
+    fs::path command;
+    /// A folder in the home with files, folders and links.
+    fs::path library;
+    fs::path drive;
+    /// Where the library stands after its move.
+    fs::path moved;
+};
+
+}  // namespace tarvik::test

@@ -1,0 +1,172 @@
+#include "CommandLine/CommandWorld.h"
+#include "CommandLine/Terminal.h"
+#include "Support/Tree.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace tarvik {
+
+namespace {
+
+using test::CommandWorld;
+using test::RunningProgram;
+using testing::HasSubstr;
+using Streams = RunningProgram::Streams;
+
+/// Copies, then waits until the test has ended everything: a copy that is caught in the middle.
+constexpr auto endlessDitto = R"(mkdir "$3"; echo part > "$3/part"; echo caught > "${0%/*}/caught"; exec sleep 600)";
+
+/// Waits until the copy tool of `world` stands in the middle of its work.
+void waitUntilCaught(const CommandWorld& world) {
+    const auto sign = world.command.parent_path() / "stand-ins/caught";
+    for (int tenths = 0; tenths < 600 && !fs::exists(sign); ++tenths) ::usleep(100000);
+    ASSERT_TRUE(fs::exists(sign));
+}
+
+}  // namespace
+
+TEST(CommandOnATerminal, AsksAndMovesOnYes) {
+    const CommandWorld world;
+    RunningProgram program(world.command, world.moveOfLibrary(), Streams::terminal);
+    ASSERT_TRUE(program.waitForOutput("Move? [y/N] "));
+    EXPECT_FALSE(fs::is_symlink(world.library));
+    program.type("y\n");
+    const auto finished = program.finish();
+    EXPECT_THAT(finished.output, HasSubstr("Move Logic Pro Library.bundle to Studio Drive?"));
+    EXPECT_THAT(finished.output, HasSubstr("Original location will become a symlink to " + world.moved.native()));
+    EXPECT_THAT(finished.output, HasSubstr("Moved 1 item."));
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_TRUE(fs::is_symlink(world.library));
+}
+
+TEST(CommandOnATerminal, ChangesNothingOnAnyOtherAnswer) {
+    const CommandWorld world;
+    const auto picture = test::pictureOf(world.machine.root);
+    for (const auto* answer : {"n\n", "\n", "\x04", "maybe\n", "cancel\n"}) {
+        RunningProgram program(world.command, world.moveOfLibrary(), Streams::terminal);
+        ASSERT_TRUE(program.waitForOutput("Move? [y/N] "));
+        program.type(answer);
+        const auto finished = program.finish();
+        EXPECT_EQ(finished.status, 1);
+        EXPECT_THAT(finished.output, HasSubstr("Cancelled. Nothing was changed."));
+    }
+    EXPECT_EQ(test::pictureOf(world.machine.root), picture);
+}
+
+TEST(CommandOnATerminal, TakesTheButtonsOwnNameForYes) {
+    const CommandWorld world;
+    ASSERT_EQ(test::runProgram(world.command, world.moveOfLibrary({"--yes"})).status, 0);
+    RunningProgram program(world.command, world.onMachine({"move", "restore", world.library.native()}),
+                           Streams::terminal);
+    ASSERT_TRUE(program.waitForOutput("Move Back? [y/N] "));
+    program.type("move back\n");
+    EXPECT_EQ(program.finish().status, 0);
+    EXPECT_FALSE(fs::is_symlink(world.library));
+}
+
+TEST(CommandOnATerminal, EndsAtTheQuestionOnControlC) {
+    const CommandWorld world;
+    RunningProgram program(world.command, world.moveOfLibrary(), Streams::terminal);
+    ASSERT_TRUE(program.waitForOutput("Move? [y/N] "));
+    program.type("\x03");
+    EXPECT_EQ(program.finish().status, 128 + SIGINT);
+    EXPECT_FALSE(fs::is_symlink(world.library));
+}
+
+TEST(CommandOnATerminal, ShowsABarOnOneLineAndTakesItOff) {
+    const CommandWorld world;
+    const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::terminal);
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_THAT(finished.output, HasSubstr("\r\x1B[Kcopying Logic Pro Library.bundle"));
+    EXPECT_THAT(finished.output, HasSubstr("\r\x1B[KMoved 1 item."));
+    EXPECT_EQ(finished.output.find('\n'), finished.output.size() - 1) << "the bar must stay on one line";
+}
+
+TEST(CommandOnASignal, CleansUpWhenACopyIsInterrupted) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const CommandWorld world(endlessDitto);
+        const auto picture = test::pictureOf(world.library);
+        RunningProgram program(world.command, world.moveOfLibrary({"--yes"}));
+        waitUntilCaught(world);
+        program.signalGroup(signal);
+        const auto finished = program.finish();
+        EXPECT_EQ(finished.status, 1) << finished.errors;
+        EXPECT_THAT(finished.errors, HasSubstr("Copy failed: ditto failed: "));
+        EXPECT_EQ(test::pictureOf(world.library), picture);
+        EXPECT_FALSE(fs::exists(world.moved)) << "the part of a copy is disposed of";
+    }
+}
+
+TEST(CommandOnASignal, PassesASignalOnThatReachedItAlone) {
+    const CommandWorld world(endlessDitto);
+    RunningProgram program(world.command, world.moveOfLibrary({"--yes"}));
+    waitUntilCaught(world);
+    ::kill(program.process(), SIGTERM);
+    EXPECT_EQ(program.finish().status, 1);
+    EXPECT_FALSE(fs::exists(world.moved));
+    EXPECT_FALSE(fs::is_symlink(world.library));
+}
+
+TEST(CommandOnASignal, FinishesWhatTheCopyIsFollowedBy) {
+    // The copy is whole, and then the signal comes: from here on the original and the link belong together.
+    const CommandWorld world(
+        R"(cp -a "$2" "$3" && trap '' INT TERM HUP && kill -INT $PPID && kill -TERM $PPID && kill -HUP $PPID)");
+    const auto picture = test::pictureOf(world.library);
+    const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
+    EXPECT_EQ(finished.status, 0) << finished.errors;
+    EXPECT_EQ(fs::read_symlink(world.library), world.moved);
+    EXPECT_EQ(test::pictureOf(world.moved), picture);
+}
+
+TEST(CommandOnASignal, LetsItsToolsEndOnSignalsAsUsual) {
+    const CommandWorld world(R"(kill -PIPE $$; cp -a "$2" "$3")");
+    const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
+    EXPECT_EQ(finished.status, 1) << "the tool must not inherit an ignored signal";
+    EXPECT_FALSE(fs::is_symlink(world.library));
+}
+
+TEST(CommandWithoutAReader, FinishesTheMove) {
+    const CommandWorld world;
+    const auto picture = test::pictureOf(world.library);
+    const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::closedPipes);
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(fs::read_symlink(world.library), world.moved);
+    EXPECT_EQ(test::pictureOf(world.moved), picture);
+}
+
+TEST(CommandWithoutAReader, FinishesTheMoveWithEveryStreamClosed) {
+    const CommandWorld world(R"(cp -a "$2" "$3")");
+    const auto picture = test::pictureOf(world.library);
+    EXPECT_EQ(test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::none).status, 1);
+    EXPECT_EQ(fs::read_symlink(world.library), world.moved);
+    EXPECT_EQ(test::pictureOf(world.moved), picture);
+}
+
+TEST(Terminal, KeepsTheNumbersOfClosedStreamsFromFiles) {
+    const test::TemporaryFolder folder;
+    const auto openAFile = [&] {
+        for (const int stream : {0, 1, 2}) ::close(stream);
+        CommandLine::Terminal::occupyClosedStreams();
+        const int file = ::open((folder / "file").c_str(), O_WRONLY | O_CREAT, 0600);
+        const bool canWrite = ::write(1, "x", 1) == 1 || ::write(2, "x", 1) == 1;
+        ::_exit(file > 2 && !canWrite ? 0 : 1);
+    };
+    EXPECT_EXIT(openAFile(), testing::ExitedWithCode(0), "");
+}
+
+TEST(CommandWithoutAReader, SaysWhenResultsCannotBeWritten) {
+    const CommandWorld world;
+    if (!fs::exists("/dev/full")) GTEST_SKIP() << "this system has no device that is always full";
+    for (const auto* format : {"human", "tsv", "toml"}) {
+        const auto finished = world.run({"drives", "--format", format}, Streams::fullDisk);
+        EXPECT_EQ(finished.status, 1);
+        EXPECT_EQ(finished.errors, "Could not write to standard output: No space left on device\n");
+    }
+}
+
+}  // namespace tarvik

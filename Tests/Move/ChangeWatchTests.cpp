@@ -1,0 +1,70 @@
+#include "Move/ChangeWatch.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace tarvik::test {
+
+namespace {
+
+class ChangeWatch : public testing::Test {
+protected:
+    ChangeWatch() {
+        makeFile(tree / "sub/file", "12345");
+        makeLink(tree / "link", "sub");
+    }
+    std::string changed() { return tarvik::ChangeWatch::changedItem(world.host, tree, start).value_or("nothing"); }
+
+    World world;
+    fs::path tree = world.home / "Tree";
+    tarvik::ChangeWatch::Mark start;
+};
+
+}  // namespace
+
+TEST_F(ChangeWatch, FindsNothingInATreeThatWasOnlyRead) {
+    start = tarvik::ChangeWatch::mark();
+    pictureOf(tree);
+    EXPECT_EQ(changed(), "nothing");
+}
+
+TEST_F(ChangeWatch, FindsBytesOfTheSameLength) {
+    start = tarvik::ChangeWatch::mark();
+    makeFile(tree / "sub/file", "54321");
+    EXPECT_EQ(changed(), "Tree/sub/file");
+}
+
+TEST_F(ChangeWatch, IsNotFooledByATimeThatWasSetBack) {
+    struct stat before {};
+    ASSERT_EQ(::stat((tree / "sub/file").c_str(), &before), 0);
+    start = tarvik::ChangeWatch::mark();
+    makeFile(tree / "sub/file", "54321");
+    const timespec times[] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, (tree / "sub/file").c_str(), times, 0), 0);
+    EXPECT_EQ(changed(), "Tree/sub/file");
+}
+
+TEST_F(ChangeWatch, FindsWhatWasMadeAndWhatWasTakenAway) {
+    start = tarvik::ChangeWatch::mark();
+    makeFile(tree / "sub/new", "");
+    EXPECT_EQ(changed(), "Tree/sub");
+    start = tarvik::ChangeWatch::mark();
+    fs::remove(tree / "link");
+    EXPECT_EQ(changed(), "Tree");
+    fs::remove_all(tree);
+    EXPECT_EQ(changed(), "Tree");
+}
+
+TEST_F(ChangeWatch, LooksAtASingleFile) {
+    tree = tree / "sub/file";
+    start = tarvik::ChangeWatch::mark();
+    EXPECT_EQ(changed(), "nothing");
+    makeFile(tree, "54321");
+    EXPECT_EQ(changed(), "file");
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,181 @@
+#include "Move/FolderMove.h"
+#include "Move/MoveRefusal.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "Support/RealVolume.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tarvik::test {
+
+namespace {
+
+class FolderMove : public testing::Test {
+protected:
+    std::string refusal(const fs::path& folder, const DriveInfo& drive) {
+        const std::string before = pictureOf(world.folder.path());
+        std::string sentence = "planned";
+        try {
+            tarvik::FolderMove::plan(world.host, folder, drive);
+        } catch (const Failure& failure) {
+            sentence = failure.description();
+        }
+        EXPECT_EQ(pictureOf(world.folder.path()), before);
+        return sentence;
+    }
+    std::string refusal(const fs::path& folder) { return refusal(folder, world.driveInfo()); }
+
+    std::string refusalOfRestore(const fs::path& link) {
+        try {
+            tarvik::FolderMove::restoreTarget(world.host, link);
+        } catch (const Failure& failure) {
+            return failure.description();
+        }
+        return "planned";
+    }
+
+    World world;
+};
+
+}  // namespace
+
+TEST_F(FolderMove, PlansOneJobWithTheMeasuredSize) {
+    makeFileOfSize(world.home / "Music/song", 100'000);
+    const MoveJob job = tarvik::FolderMove::plan(world.host, world.home / "Music/", world.driveInfo());
+    EXPECT_EQ(job.label, "Music");
+    EXPECT_EQ(job.source, world.home / "Music");
+    EXPECT_EQ(job.destination, world.drive / "ExternalTarvik/Folders/Music");
+    EXPECT_EQ(job.status, JobStatus::pending());
+    EXPECT_GE(job.bytesTotal, 100'000);
+    EXPECT_EQ(job.bytesCopied, 0);
+}
+
+TEST_F(FolderMove, AsksBeforeItMoves) {
+    const MoveJob job("Music", "/home/Music", "/Volumes/Backup/ExternalTarvik/Folders/Music", JobStatus::pending(),
+                      1'500'000, 0);
+    const Dialog dialog = tarvik::FolderMove::confirmMove(job, world.driveInfo());
+    EXPECT_EQ(dialog.title, "Move Music to Backup?");
+    EXPECT_EQ(dialog.text,
+              "Total 1.5 MB. Original location will become a symlink to "
+              "/Volumes/Backup/ExternalTarvik/Folders/Music.");
+    EXPECT_EQ(dialog.buttons, (std::vector<std::string>{"Move", "Cancel"}));
+}
+
+TEST_F(FolderMove, AsksBeforeItMovesBack) {
+    const Dialog dialog = tarvik::FolderMove::confirmRestore("/home/Music", "/Volumes/Backup/Music");
+    EXPECT_EQ(dialog.title, "Move Music back?");
+    EXPECT_EQ(dialog.text, "Moves the contents back from /Volumes/Backup/Music and removes the symlink.");
+    EXPECT_EQ(dialog.buttons, (std::vector<std::string>{"Move Back", "Cancel"}));
+}
+
+TEST_F(FolderMove, PlansAnEmptyFolder) {
+    makeFolder(world.home / "Empty");
+    EXPECT_EQ(tarvik::FolderMove::plan(world.host, world.home / "Empty", world.driveInfo()).bytesTotal, 0);
+}
+
+TEST_F(FolderMove, RefusesWhatIsNotThere) {
+    EXPECT_EQ(refusal(world.home / "missing"), "Source folder doesn't exist.");
+    EXPECT_EQ(refusal(world.home / std::string(5000, 'x')), "Source folder doesn't exist.");
+}
+
+TEST_F(FolderMove, RefusesWhatIsNoFolder) {
+    makeFile(world.home / "notes.txt");
+    EXPECT_EQ(refusal(world.home / "notes.txt"), "notes.txt is not a folder. Choose a folder.");
+    makeFolder(world.home / "real");
+    makeLink(world.home / "link", world.home / "real");
+    EXPECT_EQ(refusal(world.home / "link"), "link is already a symlink to " + (world.home / "real").native() + ".");
+}
+
+TEST_F(FolderMove, RefusesMoreThanTheDriveHasRoomFor) {
+    makeFileOfSize(world.home / "Music/song", 2'000'000);
+    DriveInfo drive = world.driveInfo();
+    drive.freeBytes = 1'000'000;
+    EXPECT_EQ(refusal(world.home / "Music", drive), "Need 2 MB but Backup has 1 MB.");
+}
+
+TEST_F(FolderMove, RefusesADriveThatCannotBeWrittenTo) {
+    makeFolder(world.home / "Music");
+    DriveInfo drive = world.driveInfo();
+    drive.isWritable = false;
+    EXPECT_EQ(refusal(world.home / "Music", drive), "Backup is read-only. Choose a drive that can be written to.");
+}
+
+TEST_F(FolderMove, RefusesTheHomeAndWhatHoldsIt) {
+    EXPECT_EQ(refusal(world.home), "The home folder can't be moved.");
+    EXPECT_EQ(refusal(world.home / "."), "The home folder can't be moved.");
+    const fs::path users = world.home.parent_path();
+    EXPECT_EQ(refusal(users), users.native() + " holds the home folder and can't be moved.");
+    EXPECT_EQ(refusal("/"), "/ holds the home folder and can't be moved.");
+    makeLink(world.folder / "detour", users);
+    EXPECT_EQ(refusal(world.folder / "detour/ada"), "The home folder can't be moved.");
+}
+
+TEST_F(FolderMove, RefusesFoldersOfTheSystem) {
+    for (const char* name : {"Applications", "Library", "System", "System/Library", "Volumes", "usr/bin"}) {
+        makeFolder(world.folder / name);
+        EXPECT_EQ(refusal(world.folder / name),
+                  (world.folder / name).native() + (std::string(name) == "Volumes"
+                                                        ? " belongs to the system and can't be moved."
+                                                        : " belongs to the system and can't be moved."));
+    }
+    makeFolder(world.home / "Library/Caches");
+    EXPECT_EQ(refusal(world.home / "Library"),
+              (world.home / "Library").native() + " belongs to the system and can't be moved.");
+    EXPECT_EQ(refusal(world.home / "Library/Caches"), "planned");
+}
+
+TEST_F(FolderMove, RefusesTheDriveWhatHoldsItAndWhatLiesOnIt) {
+    EXPECT_THAT(refusal(world.drive), testing::HasSubstr("can't be moved"));
+    makeFolder(world.drive / "Stuff");
+    EXPECT_EQ(refusal(world.drive / "Stuff"), "Stuff is on Backup already.");
+    DriveInfo nested = world.driveInfo();
+    nested.mountPath = world.home / "mounts/stick";
+    makeFolder(nested.mountPath);
+    EXPECT_EQ(refusal(world.home / "mounts", nested),
+              (world.home / "mounts").native() + " holds the target drive Backup and can't be moved to it.");
+    EXPECT_EQ(refusal(nested.mountPath, nested), "Backup is the target drive itself and can't be moved to it.");
+}
+
+TEST_F(FolderMove, RefusesAFolderWithAVolumeMountedInside) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    makeFile(world.home / "Music/song");
+    const RealVolume inside = RealVolume::memory(world.home / "Music", 1'000'000);
+    EXPECT_EQ(refusal(world.home / "Music"), "Music can't be moved as a whole. Could not remove the mounted volume " +
+                                                 inside.path().native() + ": Device or resource busy");
+}
+
+TEST_F(FolderMove, FindsWhatALinkWouldBringBack) {
+    makeFile(world.foldersOnDrive() / "Music/song");
+    makeLink(world.home / "Music", world.foldersOnDrive() / "Music");
+    EXPECT_EQ(tarvik::FolderMove::restoreTarget(world.host, world.home / "Music/"), world.foldersOnDrive() / "Music");
+}
+
+TEST_F(FolderMove, RefusesToBringBackWhatIsNoMovedItem) {
+    makeFolder(world.home / "Music");
+    EXPECT_EQ(refusalOfRestore(world.home / "Music"), "Music is not a symlink, so there is nothing to move back.");
+    EXPECT_EQ(refusalOfRestore(world.home / "none"), "Nothing stands at " + (world.home / "none").native() + ".");
+    makeLink(world.home / "gone", world.drive / "gone");
+    EXPECT_EQ(refusalOfRestore(world.home / "gone"), "Source path no longer exists.");
+    makeLink(world.home / "system", "/usr/bin");
+    EXPECT_EQ(refusalOfRestore(world.home / "system"), "/usr/bin belongs to the system and can't be moved.");
+    makeLink(world.home / "Music/up", world.home);
+    EXPECT_EQ(refusalOfRestore(world.home / "Music/up"), "The home folder can't be moved.");
+    makeLink(world.home / "Music/self", world.home / "Music");
+    EXPECT_EQ(refusalOfRestore(world.home / "Music/self"),
+              (world.home / "Music").native() + " holds the symlink itself and can't be moved into its place.");
+}
+
+TEST_F(FolderMove, RefusesToBringBackAWholeVolume) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const RealVolume volume = RealVolume::memory(world.home, 1'000'000);
+    makeLink(world.home / "stick", volume.path());
+    EXPECT_EQ(refusalOfRestore(world.home / "stick"),
+              volume.path().native() + " is a whole volume and can't be moved.");
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,144 @@
+#include "Platform/Failure.h"
+#include "Practice/PracticeMachine.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/Tree.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sys/stat.h>
+
+namespace tarvik {
+
+namespace {
+
+using test::TemporaryFolder;
+
+/// The time of every item below `root`, to the nanosecond.
+std::map<std::string, std::string> timesOf(const fs::path& root) {
+    std::map<std::string, std::string> times;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        struct stat status {};
+        ::lstat(entry.path().c_str(), &status);
+        times[entry.path().lexically_relative(root).native()] =
+            fmt::format("{}.{}", status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
+    }
+    return times;
+}
+
+std::string sentenceOfBuilding(const fs::path& folder) {
+    try {
+        Practice::build(folder);
+    } catch (const Failure& failure) {
+        return failure.description();
+    }
+    return "built";
+}
+
+}  // namespace
+
+TEST(PracticeMachine, IsTheSameForTheSameSeed) {
+    const TemporaryFolder folder;
+    Practice::build(folder / "a", {.seed = 7});
+    const auto before = ::umask(0077);
+    Practice::build(folder / "b", {.seed = 7});
+    ::umask(before);
+    fs::permissions(folder / "b", fs::status(folder / "a").permissions());
+    EXPECT_EQ(test::pictureOf(folder / "a"), test::pictureOf(folder / "b"));
+    EXPECT_EQ(timesOf(folder / "a"), timesOf(folder / "b"));
+}
+
+TEST(PracticeMachine, DiffersForAnotherSeed) {
+    const TemporaryFolder folder;
+    Practice::build(folder / "a", {.seed = 7});
+    Practice::build(folder / "b", {.seed = 8});
+    EXPECT_NE(test::pictureOf(folder / "a"), test::pictureOf(folder / "b"));
+}
+
+TEST(PracticeMachine, CountsWhatItMade) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine");
+    std::int64_t files = 0, folders = 0, links = 0, bytes = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(machine.root)) {
+        if (entry.is_symlink()) {
+            ++links;
+        } else if (entry.is_directory()) {
+            ++folders;
+        } else {
+            ++files;
+            bytes += static_cast<std::int64_t>(entry.file_size());
+        }
+    }
+    EXPECT_EQ(machine.files, files);
+    EXPECT_EQ(machine.folders, folders);
+    EXPECT_EQ(machine.links, links);
+    EXPECT_EQ(machine.bytes, bytes);
+    EXPECT_LT(bytes, 30'000'000);
+}
+
+TEST(PracticeMachine, HoldsAsManyFilesAndAppsAsAskedFor) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine", {.apps = 0, .files = 1234});
+    EXPECT_EQ(machine.files, 1234);
+    const auto withApps = Practice::build(folder / "apps", {.apps = 15, .files = 0});
+    const auto apps = fs::directory_iterator(withApps.root / "Applications");
+    EXPECT_EQ(std::distance(begin(apps), end(apps)), 15);
+}
+
+TEST(PracticeMachine, HasOneUserAndTwoDrives) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine");
+    const auto users = fs::directory_iterator(machine.root / "Users");
+    EXPECT_EQ(std::distance(begin(users), end(users)), 1);
+    EXPECT_EQ(machine.home.parent_path(), machine.root / "Users");
+    ASSERT_EQ(machine.drives.size(), 2U);
+    for (const auto& drive : machine.drives) EXPECT_TRUE(fs::is_directory(drive));
+}
+
+TEST(PracticeMachine, HasSomethingAtEveryCommonCandidate) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine");
+    for (const auto* candidate : {"Music/Logic Pro Library.bundle", "Library/Application Support/Claude", "Downloads",
+                                  "Library/Developer/Xcode/DerivedData"})
+        EXPECT_FALSE(fs::is_empty(machine.home / candidate)) << candidate;
+}
+
+TEST(PracticeMachine, HoldsWhatIsEasilyLostInACopy) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine");
+    bool hidden = false, empty = false, link = false, dangling = false, foreign = false, readOnly = false;
+    for (const auto& entry : fs::recursive_directory_iterator(machine.home)) {
+        const auto name = entry.path().filename().native();
+        hidden = hidden || name.front() == '.';
+        foreign = foreign || std::any_of(name.begin(), name.end(), [](char byte) { return byte < 0; });
+        if (entry.is_symlink()) {
+            link = true;
+            dangling = dangling || !entry.exists();
+        } else if (entry.is_regular_file()) {
+            empty = empty || entry.file_size() == 0;
+            readOnly = readOnly || entry.status().permissions() == fs::perms(0444);
+        }
+    }
+    EXPECT_TRUE(hidden && empty && link && dangling && foreign && readOnly);
+}
+
+TEST(PracticeMachine, IsNotMadeWhereSomethingStands) {
+    const TemporaryFolder folder;
+    test::makeFile(folder / "used/file");
+    const auto before = test::pictureOf(folder.path());
+    EXPECT_EQ(sentenceOfBuilding(folder / "used"),
+              (folder / "used").native() + " is not empty: a practice machine needs a folder of its own.");
+    EXPECT_NE(sentenceOfBuilding(folder / "used/file"), "built");
+    test::makeLink(folder / "gone", "nowhere");
+    EXPECT_EQ(sentenceOfBuilding(folder / "gone"), (folder / "gone").native() + " is a link that leads nowhere.");
+    fs::remove(folder / "gone");
+    EXPECT_EQ(test::pictureOf(folder.path()), before);
+}
+
+TEST(PracticeMachine, IsMadeInAnEmptyFolder) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(Practice::build(folder.path(), {.apps = 1, .files = 1}).root, folder.path());
+}
+
+}  // namespace tarvik

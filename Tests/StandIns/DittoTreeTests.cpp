@@ -1,0 +1,224 @@
+#include "Platform/FileDescriptor.h"
+#include "StandIns/DeepTree.h"
+#include "StandIns/DittoRun.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/Tree.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace tarvik::test {
+namespace {
+
+struct stat statusOf(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+bool isNothing(const fs::path& path) {
+    return !fs::exists(fs::symlink_status(path));
+}
+
+/// A socket as a server leaves it behind. A socket's path is short, so it is made in the current folder and moved.
+void makeSocket(const fs::path& path) {
+    const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    struct sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.native().size(), sizeof(address.sun_path));
+    path.native().copy(address.sun_path, sizeof(address.sun_path) - 1);
+    ASSERT_EQ(::bind(socket.get(), reinterpret_cast<struct sockaddr*>(&address), sizeof(address)), 0);
+}
+
+TEST(DittoTree, MakesTheFoldersAboveTheDestination) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/file");
+    ASSERT_EQ(ditto(folder / "tree", folder / "drive/Apps/New/tree").status, 0);
+    EXPECT_EQ(pictureOf(folder / "drive/Apps/New/tree"), pictureOf(folder / "tree"));
+}
+
+TEST(DittoTree, CopiesWithoutTheOptionToo) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/file");
+    ASSERT_EQ(runDitto({folder / "tree", folder / "copy"}).status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+}
+
+TEST(DittoTree, CopiesAnEmptyFolder) {
+    const TemporaryFolder folder;
+    makeFolder(folder / "tree");
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_TRUE(fs::is_empty(folder / "copy"));
+}
+
+TEST(DittoTree, UnderstandsPathsWithSlashesAtTheEndAndWithoutAny) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/file");
+    ASSERT_EQ(runDitto({"--rsrc", (folder / "tree").native() + "//", (folder / "copy").native() + "/"}).status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+    const auto inFolder = [&] { ::chdir(folder.path().c_str()); };
+    ASSERT_EQ(runDitto({"tree", "near"}, inFolder).status, 0);
+    EXPECT_EQ(pictureOf(folder / "near"), pictureOf(folder / "tree"));
+}
+
+TEST(DittoTree, CopiesLinksAsTheyAre) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/file");
+    makeLink(folder / "tree/relative", "file");
+    makeLink(folder / "tree/dangling", "/nowhere/at all");
+    makeLink(folder / "tree/loop", "loop");
+    makeLink(folder / "tree/up", "..");
+    makeLink(folder / "tree/long", std::string(4000, 'x'));
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+}
+
+TEST(DittoTree, CopiesALinkThatIsTheSource) {
+    const TemporaryFolder folder;
+    makeFile(folder / "real/file");
+    makeLink(folder / "link", "real");
+    makeLink(folder / "dangling", "nowhere");
+    ASSERT_EQ(ditto(folder / "link", folder / "copy").status, 0);
+    ASSERT_EQ(ditto(folder / "dangling", folder / "copy of dangling").status, 0);
+    EXPECT_EQ(fs::read_symlink(folder / "copy"), "real");
+    EXPECT_EQ(fs::read_symlink(folder / "copy of dangling"), "nowhere");
+}
+
+TEST(DittoTree, FollowsALinkThatEndsWithASlash) {
+    const TemporaryFolder folder;
+    makeFile(folder / "real/file");
+    makeLink(folder / "link", "real");
+    ASSERT_EQ(runDitto({"--rsrc", (folder / "link").native() + "/", folder / "copy"}).status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "real"));
+}
+
+TEST(DittoTree, KeepsHardLinksWithinTheTree) {
+    const TemporaryFolder folder;
+    makeFileOfSize(folder / "tree/a/first", 5000);
+    makeFolder(folder / "tree/b/c");
+    fs::create_hard_link(folder / "tree/a/first", folder / "tree/b/c/second");
+    fs::create_hard_link(folder / "tree/a/first", folder / "tree/third");
+    fs::create_hard_link(folder / "tree/a/first", folder / "outside");
+    makeLink(folder / "tree/link", "somewhere");
+    ASSERT_EQ(::link((folder / "tree/link").c_str(), (folder / "tree/b/link").c_str()), 0);
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+    EXPECT_EQ(statusOf(folder / "copy/third").st_nlink, 3U);
+    EXPECT_EQ(statusOf(folder / "copy/third").st_ino, statusOf(folder / "copy/b/c/second").st_ino);
+    EXPECT_EQ(statusOf(folder / "copy/third").st_ino, statusOf(folder / "copy/a/first").st_ino);
+    EXPECT_NE(statusOf(folder / "copy/third").st_ino, statusOf(folder / "tree/third").st_ino);
+    EXPECT_EQ(statusOf(folder / "copy/link").st_nlink, 2U);
+}
+
+TEST(DittoTree, KeepsHardLinksThatSeveralThreadsMeet) {
+    const TemporaryFolder folder;
+    for (int i = 0; i < 300; ++i) {
+        const std::string name = std::to_string(i);
+        makeFile(folder / "tree" / std::to_string(i % 7) / name, name);
+        for (const char* other : {"x", "y"}) {
+            makeFolder(folder / "tree" / other / name);
+            fs::create_hard_link(folder / "tree" / std::to_string(i % 7) / name, folder / "tree" / other / name / "f");
+        }
+    }
+    for (int round = 0; round < 2; ++round) {  // The second time the links are there already.
+        ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+        EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+        for (int i = 0; i < 300; ++i) EXPECT_EQ(statusOf(folder / "copy/y" / std::to_string(i) / "f").st_nlink, 3U);
+    }
+}
+
+TEST(DittoTree, KeepsAnyName) {
+    const TemporaryFolder folder;
+    const std::string names[] = {"line\nbreak", "quo\"te's", "not\xFFutf8\x80", std::string(255, 'n'), " ", "-rf",
+                                 "\\",          "*"};
+    for (const std::string& name : names) {
+        makeFile(folder / "tree" / name, name);
+        makeFile(folder / "tree/folders" / name / name, name);
+    }
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+}
+
+TEST(DittoTree, CopiesATreeDeeperThanAnyPathWithFewHandles) {
+    const TemporaryFolder folder;
+    constexpr int levels = 3000;
+    const DeepTree source(folder / "tree", levels);
+    const DeepTree copy(folder / "copy", levels);
+    source.make();
+    const auto run = ditto(folder / "tree", folder / "copy", [] {
+        const struct rlimit few { 256, 256 };
+        ::setrlimit(RLIMIT_NOFILE, &few);
+    });
+    EXPECT_EQ(run.status, 0) << run.message;
+    EXPECT_EQ(copy.intactLevels(), levels);
+}
+
+TEST(DittoTree, DropsSockets) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/file");
+    makeSocket(folder / "tree/socket");
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_TRUE(fs::exists(folder / "copy/file"));
+    EXPECT_TRUE(isNothing(folder / "copy/socket"));
+}
+
+TEST(DittoTree, MakesPipesAnew) {
+    const TemporaryFolder folder;
+    makeFolder(folder / "tree");
+    ASSERT_EQ(::mkfifo((folder / "tree/pipe").c_str(), 0640), 0);
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(statusOf(folder / "copy/pipe").st_mode, statusOf(folder / "tree/pipe").st_mode);
+    EXPECT_EQ(statusOf(folder / "copy/pipe").st_mtim.tv_nsec, statusOf(folder / "tree/pipe").st_mtim.tv_nsec);
+}
+
+TEST(DittoTree, MakesDevicesWhereAllowed) {
+    const TemporaryFolder folder;
+    makeFolder(folder / "tree");
+    fs::permissions(folder.path(), fs::perms(0777));
+    if (::mknod((folder / "tree/null").c_str(), S_IFCHR | 0600, makedev(1, 3)) != 0)
+        GTEST_SKIP() << "needs the right to make devices";
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(statusOf(folder / "copy/null").st_rdev, makedev(1, 3));
+    EXPECT_TRUE(S_ISCHR(statusOf(folder / "copy/null").st_mode));
+
+    const auto run = ditto(folder / "tree", folder / "other", becomeNobody);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.message,
+              "Could not create the device " + (folder / "other/null").native() + ": Operation not permitted\n");
+}
+
+TEST(DittoTree, MergesIntoWhatIsThere) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/shared/file", "new");
+    makeFile(folder / "copy/shared/file", "old and longer");
+    makeFile(folder / "copy/shared/mine", "stays");
+    makeFile(folder / "copy/other", "stays");
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(contentOf(folder / "copy/shared/file"), "new");
+    EXPECT_EQ(contentOf(folder / "copy/shared/mine"), "stays");
+    EXPECT_EQ(contentOf(folder / "copy/other"), "stays");
+}
+
+TEST(DittoTree, ReplacesWhatIsThereAndNeverWritesThroughIt) {
+    const TemporaryFolder folder;
+    makeFile(folder / "tree/first", "new");
+    makeFile(folder / "tree/second", "new");
+    makeLink(folder / "tree/third", "new target");
+    makeFile(folder / "precious", "mine");
+    makeLink(folder / "copy/first", folder / "precious");
+    fs::create_hard_link(folder / "precious", folder / "copy/second");
+    makeLink(folder / "copy/third", folder / "precious");
+    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
+    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+    EXPECT_EQ(contentOf(folder / "precious"), "mine");
+    EXPECT_EQ(statusOf(folder / "precious").st_nlink, 1U);
+}
+
+}  // namespace
+}  // namespace tarvik::test
