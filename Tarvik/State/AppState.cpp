@@ -82,8 +82,9 @@ void AppState::refreshDrives() {
 
 QCoro::Task<> AppState::scanDrives() {
     // One scan at a time, and another one when somebody asked meanwhile: an answer is never older than the question.
+    const auto look = [host = m_host] { return scan(host); };
     while (std::exchange(m_isDriveScanWanted, false)) {
-        const DriveScan found = co_await inBackground(Priority::userInitiated, [host = m_host] { return scan(host); });
+        const DriveScan found = co_await inBackground(Priority::userInitiated, look);
         takeDrives(found.drives);
         m_bootFree = found.bootFree ? screenText(Text::byteCount(*found.bootFree)) : QString();
         emit bootFreeChanged();
@@ -108,13 +109,13 @@ void AppState::takeDrives(std::vector<DriveInfo> drives) {
 }
 
 QCoro::Task<> AppState::findQuickPicks() {
-    auto picks = co_await inBackground(Priority::utility, [host = m_host] { return QuickPick::suggestions(host); });
-    m_quickPicks.replaceAll(std::move(picks));
+    const auto look = [host = m_host] { return QuickPick::suggestions(host); };
+    m_quickPicks.replaceAll(co_await inBackground(Priority::utility, look));
 }
 
 QCoro::Task<> AppState::checkLinks() {
     const auto asked = jobs();
-    auto look = [asked] {
+    const auto look = [asked] {
         std::vector<bool> standing;
         for (const JobRow& row : asked) standing.push_back(Files::isSymbolicLink(row.job.source));
         return standing;

@@ -56,9 +56,10 @@ QCoro::Task<> AppState::moveFolder(fs::path folder) {
     std::vector<MoveJob> jobs;
     {
         const Raised preparing(m_isPreparing);
-        auto plan = [host = m_host, folder, drive] { return FolderMove::plan(host, folder, drive); };
+        const auto plan = [host = m_host, folder, drive] { return FolderMove::plan(host, folder, drive); };
         jobs.push_back(co_await inBackground(Priority::userInitiated, plan));
-        const int answer = co_await m_dialogs.ask(FolderMove::confirmMove(jobs.front(), drive));
+        const Dialog question = FolderMove::confirmMove(jobs.front(), drive);
+        const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
     runJobs(std::move(jobs), drive.id, drive.mountPath, false);
@@ -131,9 +132,10 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     refuseWhenBusy();
     {
         const Raised preparing(m_isPreparing);
-        auto findTarget = [host = m_host, link] { return FolderMove::restoreTarget(host, link); };
+        const auto findTarget = [host = m_host, link] { return FolderMove::restoreTarget(host, link); };
         const fs::path target = co_await inBackground(Priority::userInitiated, findTarget);
-        const int answer = co_await m_dialogs.ask(FolderMove::confirmRestore(link, target));
+        const Dialog question = FolderMove::confirmRestore(link, target);
+        const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
     m_restore = {};
@@ -146,7 +148,7 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
         state->m_restore.total = std::max(newest.total, state->m_restore.total);
         emit state->restoreChanged();
     });
-    auto restore = [host = m_host, link, progress] {
+    const auto restore = [host = m_host, link, progress] {
         MoverEngine::restore(host, link, [&](std::int64_t copied, std::int64_t total) {
             progress.send({copied, total});
         });

@@ -81,7 +81,8 @@ FolderSource::Findings FolderSource::look(const Host& host, const fs::path& path
 
 QCoro::Task<> FolderSource::measure(QPointer<FolderSource> source, Host host, fs::path path,
                                     Cancellation cancellation) {
-    const Findings findings = co_await inBackground(Priority::userInitiated, [=] { return look(host, path); });
+    const auto lookAtIt = [host, path] { return look(host, path); };
+    const Findings findings = co_await inBackground(Priority::userInitiated, lookAtIt);
     if (!source || cancellation.isCancelled()) co_return;
     source->m_findings = findings;
     if (!findings.problem.empty()) {
@@ -93,8 +94,10 @@ QCoro::Task<> FolderSource::measure(QPointer<FolderSource> source, Host host, fs
     emit source->changed();
 
     const fs::path measured = findings.isLink ? findings.target : path;
-    const auto size =
-        co_await inBackground(Priority::utility, [=] { return SizeCalculator::size(host, measured, cancellation); });
+    const auto measureIt = [host, measured, cancellation] {
+        return SizeCalculator::size(host, measured, cancellation);
+    };
+    const std::int64_t size = co_await inBackground(Priority::utility, measureIt);
     if (!source || cancellation.isCancelled()) co_return;
     source->m_sizeText = screenText(SizeCalculator::format(size));
     source->m_isMeasuring = false;

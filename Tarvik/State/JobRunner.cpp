@@ -38,11 +38,11 @@ void runOne(const Host& host, const std::vector<MoveJob>& jobs, std::size_t inde
 QCoro::Task<> run(std::vector<MoveJob> jobs, fs::path drivePath, QPointer<AppState> state, bool quitRunning) {
     if (!state) co_return;
     // One job at a time is handed to the core, so that the user can leave between two of them.
-    auto work = [host = state->host(), stop = state->stopAfterItem(), jobs, drivePath, state, quitRunning] {
+    const auto work = [host = state->host(), stop = state->stopAfterItem(), jobs, drivePath, state, quitRunning] {
         for (std::size_t index = 0; index < jobs.size() && !stop.isCancelled(); ++index)
             runOne(host, jobs, index, drivePath, state, quitRunning);
     };
-    co_await inBackground(Priority::userInitiated, std::move(work));
+    co_await inBackground(Priority::userInitiated, work);
     // Whatever the callbacks have posted came before this, so that every status is final here.
     if (state) state->finishRun();
 }

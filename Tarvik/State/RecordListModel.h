@@ -68,7 +68,7 @@ public:
     }
 
     QVariant data(const QModelIndex& index, int role) const override {
-        if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid)) return {};
+        if (!index.isValid() || index.row() >= rowCount()) return {};
         const int position = role - roleNumber(0);
         if (position < 0 || position >= static_cast<int>(m_roles.size())) return {};
         return m_roles[static_cast<std::size_t>(position)].value(m_records[static_cast<std::size_t>(index.row())]);

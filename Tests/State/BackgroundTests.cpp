@@ -36,7 +36,8 @@ TEST(InBackground, RunsElsewhereAndGoesOnHere) {
     std::thread::id there;
     std::thread::id after;
     const auto flow = [&]() -> QCoro::Task<> {
-        there = co_await inBackground(Priority::userInitiated, [] { return std::this_thread::get_id(); });
+        const auto threadId = [] { return std::this_thread::get_id(); };
+        there = co_await inBackground(Priority::userInitiated, threadId);
         after = std::this_thread::get_id();
     };
     flow();
@@ -61,7 +62,8 @@ TEST(InBackground, CarriesAnExceptionToTheOneWhoWaits) {
 }
 
 TEST(InBackground, GivesWhatCanOnlyBeMoved) {
-    const auto made = resultOf(inBackground(Priority::utility, [] { return std::make_unique<int>(7); }));
+    const auto make = [] { return std::make_unique<int>(7); };
+    const auto made = resultOf(inBackground(Priority::utility, make));
     EXPECT_EQ(*made, 7);
 }
 
@@ -70,7 +72,8 @@ TEST(InBackground, RunsManyAtOnce) {
     int ended = 0;
     const auto flow = [&](int number) -> QCoro::Task<> {
         const auto priority = number % 2 == 0 ? Priority::userInitiated : Priority::utility;
-        sum += co_await inBackground(priority, [number] { return number; });
+        const auto give = [number] { return number; };
+        sum += co_await inBackground(priority, give);
         ++ended;
     };
     for (int number = 1; number <= 200; ++number) flow(number);
