@@ -35,7 +35,7 @@ QUrl urlOf(const fs::path& path) {
 }  // namespace
 
 WindowUnderTest::WindowUnderTest(const Host& host, QSize size)
-    : m_dialogs(std::make_unique<WindowDialogs>()),
+    : m_dialogs(std::make_unique<WindowDialogs>(nullptr)),
       m_state(std::make_unique<AppState>(host, *m_dialogs)),
       m_engine(std::make_unique<QQmlApplicationEngine>()) {
     QmlModule::attach(*m_engine, *m_state, *m_dialogs);
