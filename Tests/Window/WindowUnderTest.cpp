@@ -69,6 +69,9 @@ QQuickItem& WindowUnderTest::item(const QString& name) const {
 }
 
 void WindowUnderTest::click(const QString& name) {
+    // A dialog stands where it belongs, and takes clicks, once it has taken the keyboard.
+    if (name.startsWith(QLatin1String("alertButton-")))
+        (void)waitUntil([this] { return isShown("alertButton-0") && hasFocus("alertButton-0"); });
     QQuickItem& target = item(name);
     QTest::qWait(0);  // What has just come is laid out first.
     const QPointF centre = target.mapToScene({target.width() / 2, target.height() / 2});
