@@ -60,7 +60,7 @@ void printTimeOfFirstFrame(QQuickWindow& window) {
 }
 
 int runWindow(QGuiApplication& application, const Options& options, const Host& host) {
-    WindowDialogs dialogs;
+    WindowDialogs dialogs{nullptr};
     AppState state(host, dialogs);
     QQmlApplicationEngine engine;
     QmlModule::attach(engine, state, dialogs);

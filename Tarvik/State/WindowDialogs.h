@@ -26,7 +26,8 @@ class WindowDialogs : public QObject, public Dialogs {
     Q_PROPERTY(QStringList buttons READ buttons NOTIFY changed)
 
 public:
-    explicit WindowDialogs(QObject* parent = nullptr);
+    /// No default for the parent: of a class that can be made from nothing, QML would make an object of its own.
+    explicit WindowDialogs(QObject* parent);
     ~WindowDialogs() override;
     /// The one that the engine was given by `QmlModule::attach`.
     static WindowDialogs* create(QQmlEngine* engine, QJSEngine* scripts);

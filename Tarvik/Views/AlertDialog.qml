@@ -6,7 +6,8 @@ import Tarvik
 T.Popup {
     id: dialog
 
-    parent: T.Overlay.overlay
+    readonly property bool isAsked: Alerts.isOpen
+
     x: Math.round((parent.width - width) / 2)
     y: Math.round((parent.height - height) / 3)
     width: Theme.dialogWidth
@@ -16,7 +17,8 @@ T.Popup {
     dim: true
     focus: true
     closePolicy: T.Popup.NoAutoClose
-    visible: Alerts.isOpen
+    onIsAskedChanged: isAsked ? open() : close()
+    Component.onCompleted: if (isAsked) open()
     onOpened: answers.itemAt(0)?.forceActiveFocus(Qt.PopupFocusReason)
 
     T.Overlay.modal: Rectangle { color: Theme.scrim }

@@ -18,7 +18,7 @@ QCoro::Task<> keepAnswer(WindowDialogs& dialogs, Dialog dialog, std::optional<in
 }  // namespace
 
 TEST(WindowDialogs, ShowAQuestionUntilItIsAnswered) {
-    WindowDialogs dialogs;
+    WindowDialogs dialogs{nullptr};
     std::optional<int> answer;
     keepAnswer(dialogs, question, answer);
     EXPECT_TRUE(dialogs.isOpen());
@@ -35,7 +35,7 @@ TEST(WindowDialogs, ShowAQuestionUntilItIsAnswered) {
 }
 
 TEST(WindowDialogs, AskOneQuestionAfterTheOther) {
-    WindowDialogs dialogs;
+    WindowDialogs dialogs{nullptr};
     std::optional<int> first;
     std::optional<int> second;
     keepAnswer(dialogs, {"First?", "", {"Yes", "No"}}, first);
@@ -50,13 +50,13 @@ TEST(WindowDialogs, AskOneQuestionAfterTheOther) {
 }
 
 TEST(WindowDialogs, TakeAnAnswerToNothingCalmly) {
-    WindowDialogs dialogs;
+    WindowDialogs dialogs{nullptr};
     dialogs.answer(0);
     EXPECT_FALSE(dialogs.isOpen());
 }
 
 TEST(WindowDialogs, AnswerCancelToEveryQuestionThatIsTakenAway) {
-    WindowDialogs dialogs;
+    WindowDialogs dialogs{nullptr};
     std::optional<int> first;
     std::optional<int> second;
     keepAnswer(dialogs, question, first);

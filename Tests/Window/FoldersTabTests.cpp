@@ -1,10 +1,19 @@
 #include "Window/WindowTest.h"
 
+#include <algorithm>
+
 namespace tarvik::test {
 
 namespace {
 
 class FoldersTab : public WindowTest {};
+
+bool showsText(QQuickItem* root, const QString& text) {
+    if (!root->isVisible()) return false;
+    if (root->property("text").toString() == text) return true;
+    const auto children = root->childItems();
+    return std::any_of(children.begin(), children.end(), [&](QQuickItem* child) { return showsText(child, text); });
+}
 
 TEST_F(FoldersTab, SaysWhatItIsFor) {
     auto& window = open();
@@ -40,6 +49,12 @@ TEST_F(FoldersTab, ShowsTheChosenFolderAndItsSize) {
     EXPECT_EQ(window.text("sourcePath").toStdString(), photos.native());
     EXPECT_EQ(window.text("sourceHint"), "To Backup, 412 GB free");
     EXPECT_TRUE(window.isEnabled("moveButton"));
+}
+
+TEST_F(FoldersTab, OpensAPanelToChooseFrom) {
+    auto& window = open();
+    window.click("chooseButton");
+    EXPECT_TRUE(window.waitUntil([&] { return showsText(window.window().contentItem(), "Choose a folder to move"); }));
 }
 
 TEST_F(FoldersTab, TakesADroppedFolder) {

@@ -1,3 +1,4 @@
+#include "Platform/Files.h"
 #include "Window/WindowTest.h"
 
 namespace tarvik::test {
@@ -133,6 +134,62 @@ TEST_F(MoveBack, ChangesNothingWhenItIsCancelled) {
     EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
     EXPECT_TRUE(fs::is_symlink(photos));
     EXPECT_FALSE(window.isShown("restoreRow"));
+}
+
+/// A folder on another volume than the made machine's, where the system has one at hand.
+struct OtherVolume {
+    TemporaryFolder otherVolume{fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path()};
+};
+
+/// Moving back from another volume copies, and so it can be watched.
+class MoveBackAcrossVolumes : private OtherVolume, public WindowTest {
+protected:
+    MoveBackAcrossVolumes() : WindowTest(otherVolume / "Backup") {}
+
+    void SetUp() override {
+        const auto here = Files::info(world.home);
+        const auto there = Files::info(backup);
+        if (!here || !there || here->device == there->device) GTEST_SKIP() << "No second volume is at hand.";
+    }
+
+    /// A moved folder on its way back, half there.
+    WindowUnderTest& startMoveBack() {
+        auto& window = open(small);
+        move(makePhotos());
+        holdCopies();
+        window.click("job-Photos/moveBackButton");
+        window.click("alertButton-0");
+        EXPECT_TRUE(window.waitUntilShown("restoreRow"));
+        return window;
+    }
+};
+
+TEST_F(MoveBackAcrossVolumes, ShowsHowFarItIs) {
+    auto& window = startMoveBack();
+    EXPECT_TRUE(window.waitForText("restoreRow/transferBytes", "3 MB of 5 MB"));
+    EXPECT_EQ(window.text("jobsTitle"), "Moving back");
+    EXPECT_EQ(window.text("restoreRow/transferLabel"), "Photos");
+    EXPECT_NEAR(window.item("restoreRow/transferBar").property("value").toDouble(), 0.6, 0.01);
+    EXPECT_FALSE(window.isShown("job-Photos/moveBackButton"));
+    EXPECT_EQ(window.text("sourceHint"), "A folder is being moved back.");
+    window.savePicture("Restoring-900");
+    window.resize(large);
+    window.savePicture("Restoring-1400");
+    letCopyEnd();
+    EXPECT_TRUE(window.waitForText("restoreRow/transferStatus", "Done"));
+    EXPECT_FALSE(fs::is_symlink(world.home / "Photos"));
+}
+
+TEST_F(MoveBackAcrossVolumes, ShowsAFailureInFull) {
+    auto& window = open(small);
+    move(makePhotos());
+    world.withDitto("echo 'ditto: no space left' >&2; exit 1");
+    window.click("job-Photos/moveBackButton");
+    window.click("alertButton-0");
+    EXPECT_TRUE(window.waitForText("restoreRow/transferStatus", "Failed"));
+    EXPECT_EQ(window.text("restoreRow/transferFailure"), window.state().restoreOutcome());
+    EXPECT_TRUE(window.text("restoreRow/transferFailure").contains("no space left"));
+    EXPECT_TRUE(fs::is_symlink(world.home / "Photos"));
 }
 
 }  // namespace

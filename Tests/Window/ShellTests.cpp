@@ -18,7 +18,7 @@ TEST_F(Shell, ListsTheDrivesWithTheirCapacity) {
     auto& window = open();
     EXPECT_EQ(window.text("drive-Backup/driveName"), "Backup");
     EXPECT_EQ(window.text("drive-Backup/driveFree"), "412 GB free");
-    EXPECT_EQ(window.text("drive-Backup/driveTotal"), "1 TB");
+    EXPECT_EQ(window.text("drive-Backup/driveTotal"), "1,000 GB");
     EXPECT_NEAR(window.item("drive-Backup/driveCapacity").property("value").toDouble(), 0.588, 0.001);
     EXPECT_TRUE(window.isShown("drive-Media"));
     EXPECT_FALSE(window.isShown("noDrivesText"));

@@ -40,7 +40,7 @@ public:
 private:
     QObject* object(const char* name) { return m_scene->property(name).value<QObject*>(); }
 
-    WindowDialogs m_dialogs;
+    WindowDialogs m_dialogs{nullptr};
     AppState m_state;
     QQmlEngine m_engine;
     std::unique_ptr<QObject> m_scene;

@@ -19,7 +19,8 @@ Volume driveAt(const fs::path& mountPath, const std::string& name, std::int64_t 
 
 }  // namespace
 
-WindowTest::WindowTest() : backup(world.drive), media(world.folder / "Volumes/Media") {
+WindowTest::WindowTest(const fs::path& drivePath)
+    : world(drivePath), backup(world.drive), media(world.folder / "Volumes/Media") {
     makeFolder(media);
     world.volumes->list = {driveAt(backup, "Backup", 1000 * gigabyte, 412 * gigabyte),
                            driveAt(media, "Media", 4000 * gigabyte, 3111 * gigabyte)};

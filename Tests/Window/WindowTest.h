@@ -20,7 +20,9 @@ inline constexpr QSize small{900, 600};
 /// leaves a picture of its last moment, named after it.
 class WindowTest : public testing::Test {
 protected:
-    WindowTest();
+    WindowTest() : WindowTest(fs::path()) {}
+    /// With the drive "Backup" at `drivePath`.
+    explicit WindowTest(const fs::path& drivePath);
     void TearDown() override;
 
     WindowUnderTest& open(QSize size = large);

@@ -35,7 +35,7 @@ QUrl urlOf(const fs::path& path) {
 }  // namespace
 
 WindowUnderTest::WindowUnderTest(const Host& host, QSize size)
-    : m_dialogs(std::make_unique<WindowDialogs>()),
+    : m_dialogs(std::make_unique<WindowDialogs>(nullptr)),
       m_state(std::make_unique<AppState>(host, *m_dialogs)),
       m_engine(std::make_unique<QQmlApplicationEngine>()) {
     QmlModule::attach(*m_engine, *m_state, *m_dialogs);
@@ -69,6 +69,9 @@ QQuickItem& WindowUnderTest::item(const QString& name) const {
 }
 
 void WindowUnderTest::click(const QString& name) {
+    // A dialog stands where it belongs, and takes clicks, once it has taken the keyboard.
+    if (name.startsWith(QLatin1String("alertButton-")))
+        (void)waitUntil([this] { return isShown("alertButton-0") && hasFocus("alertButton-0"); });
     QQuickItem& target = item(name);
     QTest::qWait(0);  // What has just come is laid out first.
     const QPointF centre = target.mapToScene({target.width() / 2, target.height() / 2});

@@ -50,6 +50,7 @@ public:
 
     void click(const QString& name);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    void resize(QSize size) { m_window->resize(size); }
     /// Takes `path` as the folder panel gives it.
     void chooseFolder(const fs::path& path);
     /// Drops `path` on the named item.
