@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
+#include <QSurfaceFormat>
 #include <QTimer>
 
 #include <cstdio>
@@ -85,6 +86,10 @@ int run(int argc, char** argv) {
 
     prepareToolkit(options);
     int toolkitArgumentCount = 1;
+    // Icons are drawn as shapes: without samples their edges are jagged on a graphics card.
+    QSurfaceFormat surface = QSurfaceFormat::defaultFormat();
+    surface.setSamples(4);
+    QSurfaceFormat::setDefaultFormat(surface);
     QGuiApplication application(toolkitArgumentCount, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Tarvik"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TARVIK_VERSION));

@@ -1,13 +1,32 @@
+#include "Support/RealVolume.h"
+#include "Support/TemporaryFolder.h"
+
 #include <QGuiApplication>
 #include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+/// A warning of the toolkit is a fault in a view.
+void failOnWarnings(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type != QtDebugMsg && type != QtInfoMsg) ADD_FAILURE() << message.toStdString();
+}
+
+}  // namespace
 
 /// Windows without a display, drawn by the software renderer: the same pixels on every machine.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    tarvik::test::RealVolume::prepareProcess();
+    const tarvik::test::TemporaryFolder session;  // The toolkit warns when there is none.
+    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
+        std::filesystem::permissions(session.path(), std::filesystem::perms::owner_all);
+        qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(session.path().native()));
+    }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
-    // The platform asks for a folder of the session, which a test does not need, and says so when it is not set.
-    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) qputenv("QT_LOGGING_RULES", "qt.core.qstandardpaths=false");
+    qInstallMessageHandler(failOnWarnings);
     QGuiApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

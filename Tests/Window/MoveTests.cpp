@@ -1,5 +1,7 @@
-#include "Platform/Files.h"
+#include "Support/RealVolume.h"
 #include "Window/WindowTest.h"
+
+#include <optional>
 
 namespace tarvik::test {
 
@@ -136,21 +138,23 @@ TEST_F(MoveBack, ChangesNothingWhenItIsCancelled) {
     EXPECT_FALSE(window.isShown("restoreRow"));
 }
 
-/// A folder on another volume than the made machine's, where the system has one at hand.
+/// A second volume, made before the window that shows it.
 struct OtherVolume {
-    TemporaryFolder otherVolume{fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path()};
+    OtherVolume() {
+        if (!RealVolume::unavailableReason(RealVolume::Kind::memory))
+            volume.emplace(RealVolume::memory(mounts.path(), 64'000'000));
+    }
+
+    TemporaryFolder mounts;
+    std::optional<RealVolume> volume;
 };
 
 /// Moving back from another volume copies, and so it can be watched.
 class MoveBackAcrossVolumes : private OtherVolume, public WindowTest {
 protected:
-    MoveBackAcrossVolumes() : WindowTest(otherVolume / "Backup") {}
+    MoveBackAcrossVolumes() : WindowTest(volume ? volume->path() : mounts.path()) {}
 
-    void SetUp() override {
-        const auto here = Files::info(world.home);
-        const auto there = Files::info(backup);
-        if (!here || !there || here->device == there->device) GTEST_SKIP() << "No second volume is at hand.";
-    }
+    void SetUp() override { TARVIK_NEEDS_MEMORY_VOLUMES(); }
 
     /// A moved folder on its way back, half there.
     WindowUnderTest& startMoveBack() {

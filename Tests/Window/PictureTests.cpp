@@ -74,6 +74,7 @@ TEST_P(Picture, Failed) {
 TEST_P(Picture, LongNames) {
     addVolume("/Volumes/Long", "A drive with a name that is far longer than any card");
     auto& window = open();
+    window.state().selectDrive(QString::fromStdString(backup.native()));
     const std::string name = "A folder whose name\nhas a line break in it and then goes on " + std::string(120, 'x');
     move(makePhotos(name));
     EXPECT_TRUE(window.waitUntilShown("sourceLink"));

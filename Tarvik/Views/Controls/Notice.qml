@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Tarvik
 
 /// A sentence that stays where it concerns something, with room for a button beside it. Wraps and is shown in full.
@@ -11,36 +10,34 @@ Rectangle {
     property string tone: "neutral"
     default property alias actions: actionRow.data
 
-    implicitHeight: row.implicitHeight + 2 * Theme.small
+    readonly property real lineHeight: message.contentHeight / Math.max(1, message.lineCount)
+
+    implicitHeight: Math.max(message.implicitHeight, actionRow.height) + 2 * Theme.small
     radius: Theme.radius
     color: Theme.tintOf(tone)
 
-    RowLayout {
-        id: row
-        anchors.fill: parent
-        anchors.leftMargin: Theme.medium
-        anchors.rightMargin: actionRow.children.length ? Theme.small : Theme.medium
-        anchors.topMargin: Theme.small
-        anchors.bottomMargin: Theme.small
-        spacing: Theme.small
-
-        Icon {
-            Layout.alignment: Qt.AlignTop
-            Layout.topMargin: (Math.min(row.height, Theme.controlHeight) - height) / 2
-            name: notice.iconName
-            color: message.color
-        }
-        Label {
-            id: message
-            Layout.fillWidth: true
-            Layout.minimumHeight: 16
-            text: notice.text
-            color: notice.tone === "neutral" ? Theme.textSecondary : Theme.colorOf(notice.tone)
-            wrapMode: Text.Wrap
-        }
-        Row {
-            id: actionRow
-            visible: children.length > 0
-        }
+    Icon {
+        id: icon
+        x: Theme.medium
+        y: message.y + (notice.lineHeight - height) / 2
+        name: notice.iconName
+        color: message.color
+    }
+    Label {
+        id: message
+        anchors.left: icon.right
+        anchors.leftMargin: Theme.small
+        anchors.right: actionRow.left
+        anchors.rightMargin: Theme.small
+        y: message.lineCount > 1 ? Theme.small : (notice.height - height) / 2
+        text: notice.text
+        color: notice.tone === "neutral" ? Theme.textSecondary : Theme.colorOf(notice.tone)
+        wrapMode: Text.Wrap
+    }
+    Row {
+        id: actionRow
+        anchors.right: parent.right
+        anchors.rightMargin: children.length > 0 ? Theme.small : 0
+        anchors.verticalCenter: parent.verticalCenter
     }
 }
