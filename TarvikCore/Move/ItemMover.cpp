@@ -1,15 +1,13 @@
 #include "Move/ItemMover.h"
 
 #include "Move/ChangeWatch.h"
+#include "Move/CopyProof.h"
 #include "Move/FileCopier.h"
-#include "Move/MoveVerifier.h"
 #include "Move/MoverError.h"
 #include "Move/ProgressTimer.h"
 #include "Move/SizeCalculator.h"
 #include "Platform/Files.h"
 #include "Platform/Identifier.h"
-
-#include <fmt/format.h>
 
 #include <cerrno>
 #include <optional>
@@ -46,11 +44,8 @@ void copyAcross(const Host& host, const fs::path& from, const fs::path& to, cons
     try {
         const auto start = ChangeWatch::mark();
         copyWithProgress(host, from, temporary, progress);
-        if (auto reason = MoveVerifier::failureReasonByItem(host, from, temporary))
+        if (auto reason = CopyProof::reasonAgainst(host, from, temporary, start, CopyProof::Count::no))
             throw MoverError::verifyFailed(*reason);
-        Files::flushVolume(temporary);
-        if (auto changed = ChangeWatch::changedItem(host, from, start))
-            throw MoverError::verifyFailed(fmt::format("{} was changed while it was copied.", *changed));
         Files::rename(temporary, to);
     } catch (...) {
         ignoringFailure([&] { Files::removeItem(temporary); });  // Our own unfinished copy: the original is whole.

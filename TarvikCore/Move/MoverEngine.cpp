@@ -1,9 +1,9 @@
 #include "Move/MoverEngine.h"
 
 #include "Move/ChangeWatch.h"
+#include "Move/CopyProof.h"
 #include "Move/FileCopier.h"
 #include "Move/ItemMover.h"
-#include "Move/MoveVerifier.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
 #include "Move/ProgressTimer.h"
@@ -42,26 +42,17 @@ void copy(const Host& host, const fs::path& source, const fs::path& destination,
     progress(size, size);
 }
 
-/// Everything that must be true of the copy before its original may go. @throws FileError when it cannot be flushed.
 std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const fs::path& destination,
                                              std::uint64_t driveDevice, const ChangeWatch::Mark& start) {
-    if (auto reason = MoveVerifier::failureReason(host, source, destination)) return reason;
-    if (deviceOf(destination.parent_path()) != driveDevice)
-        return std::string("The target drive was disconnected while it was written to.");
-    Files::flushVolume(destination);
-    if (auto changed = ChangeWatch::changedItem(host, source, start))
-        return fmt::format("{} was changed while it was copied.", *changed);
-    return std::nullopt;
+    auto reason = CopyProof::reasonAgainst(host, source, destination, start, CopyProof::Count::yes);
+    if (!reason && deviceOf(destination.parent_path()) != driveDevice)
+        reason = "The target drive was disconnected while it was written to.";
+    return reason;
 }
 
 void verify(const Host& host, const fs::path& source, const fs::path& destination, std::uint64_t driveDevice,
             const ChangeWatch::Mark& start) {
-    std::optional<std::string> reason;
-    try {
-        reason = reasonAgainstCopy(host, source, destination, driveDevice, start);
-    } catch (const Failure& failure) {
-        reason = failure.description();
-    }
+    const auto reason = reasonAgainstCopy(host, source, destination, driveDevice, start);
     if (!reason) return;
     MoverStasher::stash(host, destination);
     throw MoverError::verifyFailed(*reason);

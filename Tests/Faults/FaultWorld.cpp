@@ -22,6 +22,8 @@ constexpr std::string_view changingCalls =
     "pwrite64,copy_file_range,sendfile,ioctl,fsync,fdatasync,syncfs,chmod,fchmod,fchmodat,chown,fchown,lchown,fchownat,"
     "utimensat,setxattr,lsetxattr,fsetxattr,truncate,ftruncate,fallocate,mknod,mknodat,close";
 
+constexpr const char* flushCall = "syncfs";
+
 bool isChanging(std::string_view call, std::string_view line) {
     if (call == "open" || call == "openat") return line.find("O_CREAT") != std::string_view::npos;
     if (call == "ioctl") return line.find("FICLONE") != std::string_view::npos;
@@ -158,13 +160,19 @@ std::vector<Fault> FaultWorld::points() const {
         const bool isOurs = line.find((m_folder / "root").native()) != std::string::npos;
         if (isOurs && isChanging(call, line)) points.push_back({call, ordinal, ""});
     }
+    // The engine flushes from a thread of its own, which the listing above does not follow.
+    if (m_victim == Victim::engine) points.push_back({flushCall, 1, ""});
     return points;
 }
 
 CommandResult FaultWorld::run(const Fault& fault) const {
     prepare();
-    return runTraced({"-o", "/dev/null", "-e", "trace=" + fault.call, "-e",
-                      "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal)});
+    std::vector<std::string> tracing = {
+        "-o", "/dev/null",
+        "-e", "trace=" + fault.call,
+        "-e", "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal)};
+    if (fault.call == flushCall) tracing.insert(tracing.begin(), "-f");
+    return runTraced(tracing);
 }
 
 bool FaultWorld::isWholeAtHome() const {
