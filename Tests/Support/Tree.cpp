@@ -78,7 +78,9 @@ void makePipe(const fs::path& path) {
     if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make a pipe at " + path.native());
 }
 
-std::string contentOf(const fs::path& path) { return Files::read(path); }
+std::string contentOf(const fs::path& path) {
+    return Files::read(path);
+}
 
 std::string pictureOf(const fs::path& root) {
     std::vector<std::string> lines;
