@@ -3,6 +3,7 @@
 #include "Platform/Text.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <toml++/toml.h>
 
 #include <sstream>

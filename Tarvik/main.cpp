@@ -107,5 +107,8 @@ int main(int argc, char** argv) {
     } catch (const tarvik::Failure& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return failure.domain() == "Options" ? 2 : 1;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return EXIT_FAILURE;
     }
 }

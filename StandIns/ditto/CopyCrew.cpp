@@ -25,7 +25,10 @@ void Batch::add(unsigned char type, std::string_view name) {
 }
 
 CopyCrew::~CopyCrew() {
-    m_stop = true;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
     joinThreads();
 }
 

@@ -10,6 +10,15 @@
 
 namespace tarvik::ditto {
 
+namespace {
+
+/// exFAT and its like have no hard links, and some volumes have few: a second copy holds the same bytes.
+bool knowsNoLinks(int error) {
+    return error == EPERM || error == EOPNOTSUPP || error == EMLINK;
+}
+
+}  // namespace
+
 bool HardLinks::linkOrMake(const Item& item, const struct stat& status, const std::function<void()>& make) {
     const std::lock_guard lock(m_mutex);
     const auto found = m_copies.find({status.st_dev, status.st_ino});
@@ -20,11 +29,18 @@ bool HardLinks::linkOrMake(const Item& item, const struct stat& status, const st
     }
     Copy& copy = found->second;
     const int folder = handleOf(copy.folder);
-    makeFresh(item, "create the link", [&] {
-        return ::linkat(folder, copy.name.c_str(), item.parent.destination.get(), item.destinationName, 0);
-    });
+    bool isLinked = true;
+    try {
+        makeFresh(item, "create the link", [&] {
+            return ::linkat(folder, copy.name.c_str(), item.parent.destination.get(), item.destinationName, 0);
+        });
+    } catch (const FileError& error) {
+        if (!knowsNoLinks(error.code())) throw;
+        make();
+        isLinked = false;
+    }
     if (--copy.namesToCome == 0) m_copies.erase(found);
-    return true;
+    return isLinked;
 }
 
 int HardLinks::handleOf(const std::shared_ptr<Folder>& folder) {

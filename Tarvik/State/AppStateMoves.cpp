@@ -58,6 +58,7 @@ QCoro::Task<> AppState::moveFolder(fs::path folder) {
         const Raised preparing(m_isPreparing);
         const auto plan = [host = m_host, folder, drive] { return FolderMove::plan(host, folder, drive); };
         jobs.push_back(co_await inBackground(Priority::userInitiated, plan));
+        if (m_isClosing) co_return;  // Nobody would answer any more.
         const Dialog question = FolderMove::confirmMove(jobs.front(), drive);
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
@@ -134,6 +135,7 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
         const Raised preparing(m_isPreparing);
         const auto findTarget = [host = m_host, link] { return FolderMove::restoreTarget(host, link); };
         const fs::path target = co_await inBackground(Priority::userInitiated, findTarget);
+        if (m_isClosing) co_return;  // Nobody would answer any more.
         const Dialog question = FolderMove::confirmRestore(link, target);
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;

@@ -4,7 +4,6 @@
 #include "Platform/TreeWalk.h"
 
 #include <chrono>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <thread>
 
@@ -16,7 +15,9 @@ namespace {
 constexpr auto clockTick = std::chrono::milliseconds(10);
 
 bool isAfter(const timespec& time, const timespec& mark) {
-    return time.tv_sec != mark.tv_sec ? time.tv_sec > mark.tv_sec : time.tv_nsec > mark.tv_nsec;
+    if (time.tv_sec != mark.tv_sec) return time.tv_sec > mark.tv_sec;
+    const bool isWholeSecond = time.tv_nsec == 0;
+    return isWholeSecond || time.tv_nsec > mark.tv_nsec;
 }
 
 }  // namespace
@@ -28,17 +29,16 @@ Mark mark() {
     return result;
 }
 
-std::optional<std::string> changedItem(const Host&, const fs::path& root, const Mark& mark) {
+std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {
     struct stat status {};
-    if (::lstat(root.c_str(), &status) != 0) return root.filename();
-    if (isAfter(SystemCalls::statusChangeTime(status), mark.time)) return root.filename();
+    if (::lstat(root.c_str(), &status) != 0 || isAfter(SystemCalls::contentChangeTime(status), mark.time))
+        return fs::path();
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
     TreeWalk walk(root, {.order = TreeWalk::Order::any});
-    if (walk.rootError()) return root.filename();
+    if (walk.rootError()) return fs::path();
     while (walk.next()) {
         const struct stat* entry = walk.event() == TreeWalk::Event::item ? walk.status() : nullptr;
-        if (!entry || isAfter(SystemCalls::statusChangeTime(*entry), mark.time))
-            return root.filename() / walk.relativePath();
+        if (!entry || isAfter(SystemCalls::statusChangeTime(*entry), mark.time)) return fs::path(walk.relativePath());
     }
     return std::nullopt;
 }

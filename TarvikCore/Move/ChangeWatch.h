@@ -5,7 +5,6 @@
 
 #include <ctime>
 #include <optional>
-#include <string>
 
 /// Finds out whether something was written in a tree while it was copied. A copy of a file that changed under the
 /// copier's hands can have the right size and the wrong bytes, so a proof by size is not enough.
@@ -20,8 +19,10 @@ struct Mark {
 /// what is written from then on bears a later time.
 Mark mark();
 
-/// The path, below `root` and with its name in front, of the first item that was written to, made or replaced since the
-/// mark; nothing when all is as it was. It goes by the time of the last status change, which no program can set back.
-std::optional<std::string> changedItem(const Host& host, const fs::path& root, const Mark& mark);
+/// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
+/// itself; nothing when all is as it was. It goes by the time of the last status change, which no program can set back;
+/// the root itself, which may have been renamed since, by the time of its content. On a volume that keeps whole seconds
+/// only, a change within the second of the mark counts.
+std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark);
 
 }  // namespace tarvik::ChangeWatch

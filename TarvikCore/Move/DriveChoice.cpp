@@ -4,6 +4,7 @@
 #include "Platform/Files.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <string>

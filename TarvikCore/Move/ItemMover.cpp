@@ -4,6 +4,7 @@
 #include "Move/CopyProof.h"
 #include "Move/FileCopier.h"
 #include "Move/MoverError.h"
+#include "Move/OriginalRemoval.h"
 #include "Move/ProgressTimer.h"
 #include "Move/SizeCalculator.h"
 #include "Platform/Files.h"
@@ -42,9 +43,8 @@ void copyWithProgress(const Host& host, const fs::path& from, const fs::path& to
 void copyAcross(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
     const fs::path temporary = to.parent_path() / (".tarvik-moving-" + newIdentifier());
     try {
-        const auto start = ChangeWatch::mark();
         copyWithProgress(host, from, temporary, progress);
-        if (auto reason = CopyProof::reasonAgainst(host, from, temporary, start, CopyProof::Count::no))
+        if (auto reason = CopyProof::reasonAgainst(host, from, temporary, CopyProof::Count::no))
             throw MoverError::verifyFailed(*reason);
         Files::rename(temporary, to);
     } catch (...) {
@@ -60,8 +60,12 @@ void move(const Host& host, const fs::path& from, const fs::path& to, const Prog
     if (Files::itemExists(to)) throw FileError("move", from.native() + " to " + to.native(), EEXIST);
     if (renamesWithinVolume(from, to)) return;
     if (auto obstacle = Files::removalObstacle(from)) throw *std::move(obstacle);
+    const auto start = ChangeWatch::mark();
     copyAcross(host, from, to, progress);
-    Files::removeItem(from);
+    if (auto reason = OriginalRemoval::remove(host, from, start)) {
+        ignoringFailure([&] { Files::removeItem(to); });  // The original is whole, and newer than this copy.
+        throw MoverError::verifyFailed(*reason);
+    }
 }
 
 }  // namespace tarvik::ItemMover

@@ -24,9 +24,9 @@ bool isDriveThere(const Host& host, const fs::path& drivePath) {
 
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
-    if (!isDriveThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
-    status(index, JobStatus::copying(0));
     try {
+        if (!isDriveThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
+        status(index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,
             [&](const JobStatus& reached) { status(index, reached); },

@@ -6,7 +6,7 @@
 #include "Move/ItemMover.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
-#include "Move/ProgressTimer.h"
+#include "Move/OriginalRemoval.h"
 #include "Move/SizeCalculator.h"
 #include "Move/VolumeCapacityProbe.h"
 #include "Platform/Files.h"
@@ -27,44 +27,29 @@ std::uint64_t deviceOf(const fs::path& folder) {
     return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
 }
 
-void copy(const Host& host, const fs::path& source, const fs::path& destination, std::int64_t size,
-          const ProgressCallback& progress) {
-    ProgressTimer timer([&](const Cancellation& cancellation) {
-        progress(SizeCalculator::size(host, destination, cancellation), size);
-    });
-    try {
-        FileCopier::runDitto(host, source, destination);
-    } catch (const Failure& failure) {
-        MoverStasher::stash(host, destination);
-        timer.cancel();
-        throw MoverError::copyFailed(failure.description());
-    }
-    progress(size, size);
-}
-
 std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const fs::path& destination,
-                                             std::uint64_t driveDevice, const ChangeWatch::Mark& start) {
-    auto reason = CopyProof::reasonAgainst(host, source, destination, start, CopyProof::Count::yes);
+                                             std::uint64_t driveDevice) {
+    auto reason = CopyProof::reasonAgainst(host, source, destination, CopyProof::Count::yes);
     if (!reason && deviceOf(destination.parent_path()) != driveDevice)
         reason = "The target drive was disconnected while it was written to.";
     return reason;
 }
 
-void verify(const Host& host, const fs::path& source, const fs::path& destination, std::uint64_t driveDevice,
-            const ChangeWatch::Mark& start) {
-    const auto reason = reasonAgainstCopy(host, source, destination, driveDevice, start);
-    if (!reason) return;
+[[noreturn]] void refuseCopy(const Host& host, const fs::path& destination, const std::string& reason) {
     MoverStasher::stash(host, destination);
-    throw MoverError::verifyFailed(*reason);
+    throw MoverError::verifyFailed(reason);
 }
 
-void removeOriginal(const Host& host, const fs::path& source, const fs::path& destination) {
+void removeOriginal(const Host& host, const fs::path& source, const fs::path& destination,
+                    const ChangeWatch::Mark& start) {
+    std::optional<std::string> reasonToKeep;
     try {
-        Files::removeItem(source);
+        reasonToKeep = OriginalRemoval::remove(host, source, start);
     } catch (const Failure& failure) {
         MoverStasher::stash(host, destination);
         throw MoverError::sourceRemoveFailed(failure.description());
     }
+    if (reasonToKeep) refuseCopy(host, destination, *reasonToKeep);
 }
 
 void linkOrRollBack(const Host& host, const fs::path& source, const fs::path& destination) {
@@ -99,12 +84,12 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     const std::int64_t size = SizeCalculator::size(host, source);
     requireSpace(size, VolumeCapacityProbe::freeBytes(host, destinationParent));
 
-    copy(host, source, destination, size, progress);
+    FileCopier::copy(host, source, destination, size, progress);
     status(JobStatus::verifying());
-    verify(host, source, destination, driveDevice, start);
+    if (auto reason = reasonAgainstCopy(host, source, destination, driveDevice)) refuseCopy(host, destination, *reason);
 
     status(JobStatus::linking());
-    removeOriginal(host, source, destination);
+    removeOriginal(host, source, destination, start);
     linkOrRollBack(host, source, destination);
 }
 

@@ -24,6 +24,9 @@ std::optional<FileError> contentsObstacle(int folderHandle, const char* name, co
 }  // namespace
 
 std::optional<FileError> removalObstacle(const fs::path& path) {
+    const fs::path parent = path.parent_path();
+    if (::faccessat(AT_FDCWD, parent.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return FileError("remove what is in", parent, errno);
     if (!isFolder(path)) return std::nullopt;
     if (auto obstacle = mountObstacle(AT_FDCWD, path.c_str(), path)) return obstacle;
     TreeWalk walk(path, {.order = TreeWalk::Order::any});

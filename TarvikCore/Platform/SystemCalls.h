@@ -19,6 +19,8 @@ bool isMountPoint(int folderHandle, const char* name);
 bool hasHiddenFlag(int folderHandle, const char* name);
 /// When the item's content or its status last changed. POSIX.1-2008 names the field, but not every system does.
 timespec statusChangeTime(const struct stat& status);
+/// When its content last changed; for a folder, when an entry came or went.
+timespec contentChangeTime(const struct stat& status);
 /// What the item takes on the disk with all its forks, in bytes.
 std::int64_t allocatedSize(int folderHandle, const char* name, const struct stat& status);
 

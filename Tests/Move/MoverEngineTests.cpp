@@ -208,6 +208,19 @@ TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
     EXPECT_EQ(pictureOf(world.trash->folder / "Music"), picture);
 }
 
+TEST_F(MoverEngine, KeepsWhatWasWrittenInTheLastMomentBeforeTheRemoval) {
+    const auto writes = [this](const JobStatus& status) {
+        if (status == JobStatus::linking()) makeFile(source / "late.txt", "saved just now");
+    };
+    EXPECT_THROW(tarvik::MoverEngine::moveAndLink(world.host, source, world.foldersOnDrive(), false, writes,
+                                                  [](std::int64_t, std::int64_t) {}),
+                 MoverError);
+    EXPECT_EQ(contentOf(source / "late.txt"), "saved just now");
+    EXPECT_EQ(contentOf(source / "song.txt"), "la la");
+    EXPECT_EQ(Files::names(world.home), std::vector<std::string>{"Music"});
+    EXPECT_FALSE(Files::itemExists(destination));
+}
+
 TEST_F(MoverEngine, StashesBesideTheCopyWhenTheTrashRefuses) {
     world.trash->refuses = true;
     world.withDitto(R"(mkdir "$3"; exit 1)");

@@ -134,6 +134,20 @@ TEST(Files, RefusesToRemoveATreeWithAFolderThatMayNotBeEmptied) {
     }
 }
 
+TEST(Files, RefusesToRemoveFromAFolderThatMayNotBeWrittenTo) {
+    if (::geteuid() != 0) GTEST_SKIP() << "Only the administrator can become another user.";
+    const TemporaryFolder folder;
+    makeFile(folder / "opt/app/file");
+    fs::permissions(folder.path(), fs::perms::all);
+    fs::permissions(folder / "opt/app", fs::perms::all);
+    ASSERT_EQ(::seteuid(65534), 0);
+    const auto obstacle = Files::removalObstacle(folder / "opt/app");
+    EXPECT_THROW(Files::removeItem(folder / "opt/app"), FileError);
+    ASSERT_EQ(::seteuid(0), 0);
+    ASSERT_TRUE(obstacle);
+    EXPECT_TRUE(Files::exists(folder / "opt/app/file"));
+}
+
 TEST(Files, WritesWholeFilesAndReadsThemBack) {
     const TemporaryFolder folder;
     Files::writeDurably(folder / "record", "one");

@@ -13,7 +13,7 @@ Host hostOf(const fs::path& root, const fs::path& home) {
 }
 
 const Host thisMachine = hostOf("/", "/Users/anna");
-const Host practice = hostOf("/work/practice", "/work/practice/Users/anna");
+const Host practice = hostOf("/practice", "/practice/Users/anna");
 
 TEST(SystemFolders, AreTheLiteralPathsOnARealMachine) {
     EXPECT_EQ(SystemFolders::applications(thisMachine), "/Applications");
@@ -25,10 +25,10 @@ TEST(SystemFolders, AreTheLiteralPathsOnARealMachine) {
 }
 
 TEST(SystemFolders, StandBelowTheHostsRoot) {
-    EXPECT_EQ(SystemFolders::applications(practice), "/work/practice/Applications");
-    EXPECT_EQ(SystemFolders::volumes(practice), "/work/practice/Volumes");
-    EXPECT_EQ(SystemFolders::below(practice, "/Library/Audio"), "/work/practice/Library/Audio");
-    EXPECT_EQ(SystemFolders::below(practice, "/"), "/work/practice");
+    EXPECT_EQ(SystemFolders::applications(practice), "/practice/Applications");
+    EXPECT_EQ(SystemFolders::volumes(practice), "/practice/Volumes");
+    EXPECT_EQ(SystemFolders::below(practice, "/Library/Audio"), "/practice/Library/Audio");
+    EXPECT_EQ(SystemFolders::below(practice, "/"), "/practice");
 }
 
 TEST(SystemFolders, StayWhereTheSystemLooksForThem) {
@@ -142,13 +142,13 @@ TEST(SystemFolders, HoldWhatCanBeMoved) {
 }
 
 TEST(SystemFolders, AreJudgedBelowTheHostsRoot) {
-    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work/practice"));
-    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work/practice/Applications"));
-    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work/practice/System/Library"));
-    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work/practice/Volumes/Backup"));
-    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work/practice/Users/anna/Library"));
-    EXPECT_FALSE(SystemFolders::isImmovable(practice, "/work/practice/Applications/Editor.app"));
-    EXPECT_FALSE(SystemFolders::isImmovable(practice, "/work/practice/Users/anna/Music"));
+    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice"));
+    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice/Applications"));
+    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice/System/Library"));
+    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice/Volumes/Backup"));
+    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice/Users/anna/Library"));
+    EXPECT_FALSE(SystemFolders::isImmovable(practice, "/practice/Applications/Editor.app"));
+    EXPECT_FALSE(SystemFolders::isImmovable(practice, "/practice/Users/anna/Music"));
 }
 
 TEST(SystemFolders, OfTheRunningMachineStayForEveryHost) {
@@ -158,7 +158,7 @@ TEST(SystemFolders, OfTheRunningMachineStayForEveryHost) {
 }
 
 TEST(SystemFolders, StayAboveTheHomeAndTheRoot) {
-    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/work"));
+    EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice"));
     EXPECT_TRUE(SystemFolders::isImmovable(hostOf("/data/disk", "/home/anna"), "/data"));
     EXPECT_TRUE(SystemFolders::isImmovable(hostOf("/", "/data/people/anna"), "/data/people"));
     EXPECT_FALSE(SystemFolders::isImmovable(hostOf("/", "/data/people/anna"), "/data/people/anna's"));

@@ -16,6 +16,15 @@ int resultOf(int callResult) {
     return callResult == 0 ? 0 : errno;
 }
 
+/// What can be told of a mount point where the kernel is too old to name it: bind mounts of one volume stay unseen.
+bool isOnAnotherDevice(int folderHandle, const char* name) {
+    const FileDescriptor item(::openat(folderHandle, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat own {};
+    struct stat above {};
+    if (!item || ::fstat(item.get(), &own) != 0 || ::fstatat(item.get(), "..", &above, 0) != 0) return false;
+    return own.st_dev != above.st_dev;
+}
+
 }  // namespace
 
 int renameExclusively(const fs::path& from, const fs::path& to) {
@@ -35,9 +44,9 @@ int flushVolume(const fs::path& path) {
 
 bool isMountPoint(int folderHandle, const char* name) {
     struct statx status {};
-    if (::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE, &status) != 0) return false;
-    return (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0 &&
-           (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+    const bool isKnown = ::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE, &status) == 0 &&
+                         (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
+    return isKnown ? (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 : isOnAnotherDevice(folderHandle, name);
 }
 
 bool hasHiddenFlag(int, const char*) {
@@ -46,6 +55,10 @@ bool hasHiddenFlag(int, const char*) {
 
 timespec statusChangeTime(const struct stat& status) {
     return status.st_ctim;
+}
+
+timespec contentChangeTime(const struct stat& status) {
+    return status.st_mtim;
 }
 
 std::int64_t allocatedSize(int, const char*, const struct stat& status) {

@@ -1,5 +1,7 @@
 #include "Platform/SystemCalls.h"
 
+#include "Platform/FileDescriptor.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -34,11 +36,11 @@ int flushVolume(const fs::path& path) {
 }
 
 bool isMountPoint(int folderHandle, const char* name) {
-    struct stat item {
-    }, folder{};
-    if (::fstatat(folderHandle, name, &item, AT_SYMLINK_NOFOLLOW) != 0 || ::fstat(folderHandle, &folder) != 0)
-        return false;
-    return item.st_dev != folder.st_dev;
+    const FileDescriptor item(::openat(folderHandle, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat own {
+    }, above{};
+    if (!item || ::fstat(item.get(), &own) != 0 || ::fstatat(item.get(), "..", &above, 0) != 0) return false;
+    return own.st_dev != above.st_dev;
 }
 
 bool hasHiddenFlag(int folderHandle, const char* name) {
@@ -48,6 +50,10 @@ bool hasHiddenFlag(int folderHandle, const char* name) {
 
 timespec statusChangeTime(const struct stat& status) {
     return status.st_ctimespec;
+}
+
+timespec contentChangeTime(const struct stat& status) {
+    return status.st_mtimespec;
 }
 
 std::int64_t allocatedSize(int folderHandle, const char* name, const struct stat& status) {
