@@ -59,8 +59,9 @@ std::string tomlLines(const Record& record) {
         std::visit(TomlInserter{one, name}, value);
         std::ostringstream text;
         // Line breaks are escaped: a key stays one line, whatever the names of files hold.
-        text << toml::toml_formatter{
-            one, toml::toml_formatter::default_flags & ~toml::format_flags::allow_multi_line_strings};
+        text << toml::toml_formatter{one, toml::toml_formatter::default_flags &
+                                              ~toml::format_flags::allow_multi_line_strings &
+                                              ~toml::format_flags::allow_literal_strings};
         lines += text.str() + "\n";
     }
     return lines;

@@ -4,6 +4,7 @@
 
 #include <QThreadPool>
 
+#include <algorithm>
 #include <deque>
 #include <mutex>
 
@@ -33,6 +34,8 @@ public:
 
 private:
     Pool() {
+        // A move holds a thread for as long as it takes: scans and plans must not wait for it.
+        m_threads.setMaxThreadCount(std::max(4, QThread::idealThreadCount()));
         if (priority == Priority::utility) m_threads.setThreadPriority(QThread::LowPriority);
     }
 

@@ -69,7 +69,7 @@ Rectangle {
             Layout.leftMargin: Theme.small
             Layout.topMargin: Theme.medium
             Layout.bottomMargin: Theme.medium
-            text: "Boot: " + AppState.bootFree + " free"
+            text: AppState.bootFree === "" ? "" : "Boot: " + AppState.bootFree + " free"
             color: Theme.textSecondary
             size: Theme.captionSize
         }

@@ -1,5 +1,6 @@
 #include "Move/MoveRefusal.h"
 
+#include "Platform/AppStorageNames.h"
 #include "Platform/Files.h"
 #include "Platform/SystemFolders.h"
 
@@ -23,10 +24,13 @@ Refusal byKind(const fs::path& folder) {
 Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveInfo& drive) {
     const std::string name = folder.filename();
     if (!drive.isWritable) return fmt::format("{} is read-only. Choose a drive that can be written to.", drive.name);
-    if (folder == mountPath) return fmt::format("{} is the target drive itself and can't be moved to it.", drive.name);
     if (Files::isAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
     if (Files::isAtOrBelow(mountPath, folder))
         return fmt::format("{} holds the target drive {} and can't be moved to it.", folder.native(), drive.name);
+    const auto goal = Files::resolved(AppStorageNames::foldersRootOn(drive.mountPath));
+    if (goal && !Files::isAtOrBelow(*goal, mountPath))
+        return fmt::format("What is moved to {} would land in {}, which is not on that drive.", drive.name,
+                           goal->native());
     return std::nullopt;
 }
 
@@ -52,6 +56,8 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (auto refusal = byKind(folder)) return refusal;
     const fs::path resolved = Files::resolved(folder).value_or(folder);
     const fs::path mountPath = Files::resolved(drive.mountPath).value_or(drive.mountPath);
+    if (resolved == mountPath)
+        return fmt::format("{} is the target drive itself and can't be moved to it.", drive.name);
     if (auto refusal = bySystem(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
     return byContents(folder);

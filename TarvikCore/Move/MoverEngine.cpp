@@ -27,6 +27,17 @@ std::uint64_t deviceOf(const fs::path& folder) {
     return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
 }
 
+/// Of two moves to one place at the same time, only one may ever write there or dispose of what stands there.
+void claimDestination(const fs::path& source, const fs::path& destination) {
+    try {
+        const auto info = Files::info(source);
+        if (!Files::claim(destination, info ? info->type : Files::ItemType::folder))
+            throw MoverError::destinationExists();
+    } catch (const FileError& error) {
+        throw MoverError::copyFailed(error.description());
+    }
+}
+
 std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const fs::path& destination,
                                              std::uint64_t driveDevice) {
     auto reason = CopyProof::reasonAgainst(host, source, destination, CopyProof::Count::yes);
@@ -84,6 +95,7 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     const std::int64_t size = SizeCalculator::size(host, source);
     requireSpace(size, VolumeCapacityProbe::freeBytes(host, destinationParent));
 
+    claimDestination(source, destination);
     FileCopier::copy(host, source, destination, size, progress);
     status(JobStatus::verifying());
     if (auto reason = reasonAgainstCopy(host, source, destination, driveDevice)) refuseCopy(host, destination, *reason);
@@ -97,12 +109,16 @@ void restore(const Host& host, const fs::path& link, const ProgressCallback& pro
     const fs::path goal = Files::standardized(link);
     const fs::path target = Files::readLink(goal);
     if (!Files::exists(target)) throw MoverError::sourceMissing();
-    Files::removeLink(goal);
+    bool isLinkGone = false;
+    const auto makeWay = [&] {
+        Files::removeLink(goal);
+        isLinkGone = true;
+    };
     try {
-        ItemMover::move(host, target, goal, progress);
+        ItemMover::move(host, target, goal, progress, makeWay);
     } catch (...) {
-        // The target is still whole: with its link back, everything works as before.
-        ignoringFailure([&] { Files::createSymbolicLink(goal, target); });
+        // Unless the item has arrived, the target is whole: with its link back, everything works as before.
+        if (isLinkGone) ignoringFailure([&] { Files::createSymbolicLink(goal, target); });
         throw;
     }
     verifyInternalized(goal);

@@ -24,7 +24,8 @@ using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t to
 void moveAndLink(const Host& host, const fs::path& source, const fs::path& destinationParent, bool quitRunning,
                  const StatusCallback& status, const ProgressCallback& progress);
 
-/// Puts what the link at `link` leads to back in the link's place. When the move back fails, the link is put back.
+/// Puts what the link at `link` leads to back in the link's place. The link stands until the item is there to take its
+/// place, and again when the move back fails.
 /// `progress` may be empty.
 /// @throws MoverError when the target is gone or the item is not what it should be afterwards; FileError otherwise.
 void restore(const Host& host, const fs::path& link, const ProgressCallback& progress = {});

@@ -69,6 +69,7 @@ fs::path standardized(const fs::path& path) {
     if (path.is_relative()) {
         std::error_code error;
         absolute = fs::current_path(error) / path;
+        if (error) throw FileError("find the working directory of", path, error.value());
     }
     fs::path result = absolute.lexically_normal();
     if (!result.has_filename() && result.has_parent_path()) result = result.parent_path();
@@ -144,6 +145,16 @@ void createFolder(const fs::path& folder) {
     fs::create_directories(folder, error);
     if (!error && !fs::is_directory(folder, error) && !error) error = std::make_error_code(std::errc::not_a_directory);
     if (error) throw FileError("create the folder", folder, error.value());
+}
+
+bool claim(const fs::path& path, ItemType type) {
+    const bool isFolder = type == ItemType::folder;
+    const int result = isFolder ? ::mkdir(path.c_str(), 0700)
+                       : FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) ? 0
+                                                                                                             : -1;
+    if (result == 0) return true;
+    if (errno == EEXIST) return false;
+    throw FileError(isFolder ? "create the folder" : "create", path, errno);
 }
 
 void createSymbolicLink(const fs::path& link, const fs::path& target) {

@@ -34,7 +34,7 @@ ItemType typeOfMode(mode_t mode);
 ItemInfo infoOfStatus(const struct stat& status);
 
 /// Absolute, with ".", "..", doubled and trailing slashes taken out of the text. Nothing is resolved.
-/// A relative path is taken from the working directory.
+/// A relative path is taken from the working directory. @throws FileError when that is needed and gone.
 fs::path standardized(const fs::path& path);
 /// True when `path` is `ancestor` itself or lies below it, by their text. Both must be standardized.
 bool isAtOrBelow(const fs::path& path, const fs::path& ancestor);
@@ -61,6 +61,9 @@ std::vector<std::string> names(const fs::path& folder);
 fs::path readLink(const fs::path& path);
 /// Makes the folder and those above it that are missing. An existing folder is fine.
 void createFolder(const fs::path& folder);
+/// Takes a place for the caller alone, by an empty folder, or by an empty file for every other type. False when
+/// something stands there already. @throws FileError when nothing can be made there.
+bool claim(const fs::path& path, ItemType type);
 /// Makes a link at `link` that holds `target` as it stands. @throws FileError also when something is there.
 void createSymbolicLink(const fs::path& link, const fs::path& target);
 /// Removes a symbolic link. @throws FileError also when something else stands there, which stays.

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 using Streams = RunningProgram::Streams;
 
 /// Copies, then waits until the test has ended everything: a copy that is caught in the middle.
-constexpr auto endlessDitto = R"(mkdir "$3"; echo part > "$3/part"; echo caught > "${0%/*}/caught"; exec sleep 600)";
+constexpr auto endlessDitto = R"(mkdir -p "$3"; echo part > "$3/part"; echo caught > "${0%/*}/caught"; exec sleep 600)";
 
 /// Waits until the copy tool of `world` stands in the middle of its work.
 void waitUntilCaught(const CommandWorld& world) {
@@ -115,7 +115,7 @@ TEST(CommandOnASignal, PassesASignalOnThatReachedItAlone) {
 TEST(CommandOnASignal, FinishesWhatTheCopyIsFollowedBy) {
     // The copy is whole, and then the signal comes: from here on the original and the link belong together.
     const CommandWorld world(
-        R"(cp -a "$2" "$3" && trap '' INT TERM HUP && kill -INT $PPID && kill -TERM $PPID && kill -HUP $PPID)");
+        R"(cp -aT "$2" "$3" && trap '' INT TERM HUP && kill -INT $PPID && kill -TERM $PPID && kill -HUP $PPID)");
     const auto picture = test::pictureOf(world.library);
     const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
     EXPECT_EQ(finished.status, 0) << finished.errors;
@@ -124,7 +124,7 @@ TEST(CommandOnASignal, FinishesWhatTheCopyIsFollowedBy) {
 }
 
 TEST(CommandOnASignal, LetsItsToolsEndOnSignalsAsUsual) {
-    const CommandWorld world(R"(kill -PIPE $$; cp -a "$2" "$3")");
+    const CommandWorld world(R"(kill -PIPE $$; cp -aT "$2" "$3")");
     const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
     EXPECT_EQ(finished.status, 1) << "the tool must not inherit an ignored signal";
     EXPECT_FALSE(fs::is_symlink(world.library));
@@ -140,7 +140,7 @@ TEST(CommandWithoutAReader, FinishesTheMove) {
 }
 
 TEST(CommandWithoutAReader, FinishesTheMoveWithEveryStreamClosed) {
-    const CommandWorld world(R"(cp -a "$2" "$3")");
+    const CommandWorld world(R"(cp -aT "$2" "$3")");
     const auto picture = test::pictureOf(world.library);
     EXPECT_EQ(test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::none).status, 1);
     EXPECT_EQ(fs::read_symlink(world.library), world.moved);

@@ -36,6 +36,8 @@ void expectKnownState(const FaultWorld& world, Act act, const Fault& fault, cons
     } else {
         EXPECT_EQ(result.status, 1) << fault.text();
         EXPECT_THAT(result.stderr, testing::ContainsRegex(statedMessage(act))) << fault.text();
+        // A link that could not be made is rolled back.
+        EXPECT_TRUE(fault.call != "symlink" || act == Act::restore || world.isWholeAtHome()) << world.picture();
     }
 }
 
@@ -49,6 +51,7 @@ void tryEveryPoint(Act act, Victim victim) {
         for (const char* effect : failures) {
             point.effect = effect;
             const CommandResult result = world.run(point);
+            EXPECT_TRUE(world.hasStruck()) << point.text();
             expectNothingLost(world, point);
             expectKnownState(world, act, point, result);
         }

@@ -168,11 +168,15 @@ std::vector<Fault> FaultWorld::points() const {
 CommandResult FaultWorld::run(const Fault& fault) const {
     prepare();
     std::vector<std::string> tracing = {
-        "-o", "/dev/null",
+        "-o", (m_folder / "log").native(),
         "-e", "trace=" + fault.call,
         "-e", "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal)};
     if (fault.call == flushCall) tracing.insert(tracing.begin(), "-f");
     return runTraced(tracing);
+}
+
+bool FaultWorld::hasStruck() const {
+    return contentOf(m_folder / "log").find("(INJECTED)") != std::string::npos;
 }
 
 bool FaultWorld::isWholeAtHome() const {

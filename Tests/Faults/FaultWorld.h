@@ -36,6 +36,8 @@ public:
     /// Runs the act with one fault.
     CommandResult run(const Fault& fault) const;
 
+    /// Whether the fault of the last run met its call.
+    bool hasStruck() const;
     /// The tree stands whole at its place in the home folder, as a folder.
     bool isWholeAtHome() const;
     /// The tree stands whole somewhere on the drive, be it disposed of.

@@ -64,7 +64,7 @@ TEST(FileCopier, ReportsProgressWhileItCopiesAndAtTheEnd) {
 
 TEST(FileCopier, DisposesOfAPartialCopy) {
     World world;
-    world.withDitto(R"(mkdir "$3"; echo half > "$3/file"; echo broken >&2; exit 1)");
+    world.withDitto(R"(mkdir -p "$3"; echo half > "$3/file"; echo broken >&2; exit 1)");
     try {
         FileCopier::copy(world.host, world.home, world.drive / "copy", 1, [](std::int64_t, std::int64_t) {});
         FAIL() << "the tool failed";

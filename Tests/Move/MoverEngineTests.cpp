@@ -116,6 +116,26 @@ TEST_F(MoverEngine, LeavesADanglingLinkAtTheDestinationAlone) {
     EXPECT_TRUE(Files::isSymbolicLink(destination));
 }
 
+/// Another move takes the destination in the moment between the look and the copy.
+class RivalVolumes : public MadeVolumes {
+public:
+    explicit RivalVolumes(fs::path place) : m_place(std::move(place)) {}
+    std::optional<std::int64_t> availableBytes(const fs::path&) const override {
+        makeFile(m_place / "song.txt", "other");
+        return std::nullopt;
+    }
+
+private:
+    fs::path m_place;
+};
+
+TEST_F(MoverEngine, LeavesThePlaceToAnotherMoveThatWasFaster) {
+    world.host.volumes = std::make_shared<RivalVolumes>(destination);
+    EXPECT_EQ(failureOfMove(), "Destination already exists.");
+    EXPECT_EQ(pictureOf(source), picture);
+    EXPECT_EQ(contentOf(destination / "song.txt"), "other");
+}
+
 TEST_F(MoverEngine, RefusesASecondMoveOfTheSameItem) {
     move();
     const std::string first = pictureOf(destination);
@@ -153,7 +173,7 @@ TEST_F(MoverEngine, MovesWhenTheFreeSpaceIsExactlyTheSize) {
 }
 
 TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyFails) {
-    world.withDitto(R"(mkdir "$3"; echo partial > "$3/song.txt"; echo "the drive is tired" >&2; exit 3)");
+    world.withDitto(R"(mkdir -p "$3"; echo partial > "$3/song.txt"; echo "the drive is tired" >&2; exit 3)");
     EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: the drive is tired");
     EXPECT_EQ(pictureOf(source), picture);
     EXPECT_FALSE(Files::itemExists(destination));
@@ -167,7 +187,7 @@ TEST_F(MoverEngine, KeepsTheOriginalWhenTheToolIsMissing) {
 }
 
 TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyIsIncomplete) {
-    world.withDitto(R"(cp -a "$2" "$3"; rm "$3/song.txt")");
+    world.withDitto(R"(cp -aT "$2" "$3"; rm "$3/song.txt")");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music copied with 7 of 8 entries — 1 missing.");
     EXPECT_EQ(pictureOf(source), picture);
     EXPECT_FALSE(Files::itemExists(destination));
@@ -175,7 +195,7 @@ TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyIsIncomplete) {
 }
 
 TEST_F(MoverEngine, KeepsWhatWasWrittenWhileItWasCopied) {
-    world.withDitto(R"(cp -a "$2" "$3"; printf 'ha ha' > "$2/song.txt")");
+    world.withDitto(R"(cp -aT "$2" "$3"; printf 'ha ha' > "$2/song.txt")");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music/song.txt was changed while it was copied.");
     EXPECT_EQ(contentOf(source / "song.txt"), "ha ha");
     EXPECT_FALSE(Files::itemExists(destination));
@@ -183,7 +203,7 @@ TEST_F(MoverEngine, KeepsWhatWasWrittenWhileItWasCopied) {
 
 TEST_F(MoverEngine, KeepsTheOriginalWhenTheDriveGoesAwayAndLeavesItsFolder) {
     // What was written to the drive's folder is not on the drive: the folder now belongs to another volume.
-    world.withDitto(R"sh(cp -a "$2" "$3"; rm -rf "$(dirname "$3")"; ln -s /proc/self "$(dirname "$3")")sh");
+    world.withDitto(R"sh(cp -aT "$2" "$3"; rm -rf "$(dirname "$3")"; ln -s /proc/self "$(dirname "$3")")sh");
     EXPECT_THAT(failureOfMove(), testing::StartsWith("Verification failed: "));
     EXPECT_EQ(pictureOf(source), picture);
 }
@@ -191,7 +211,7 @@ TEST_F(MoverEngine, KeepsTheOriginalWhenTheDriveGoesAwayAndLeavesItsFolder) {
 TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
     // A full folder in the place of the source's parent cannot be emptied: the source is a mount point in real life.
     // Here the source vanishes under the engine's hands, which is as good a reason.
-    world.withDitto(R"(cp -a "$2" "$3")");
+    world.withDitto(R"(cp -aT "$2" "$3")");
     tarvik::MoverEngine::StatusCallback removesSource = [this](const JobStatus& status) {
         if (status == JobStatus::linking()) fs::remove_all(source);
     };
@@ -223,14 +243,14 @@ TEST_F(MoverEngine, KeepsWhatWasWrittenInTheLastMomentBeforeTheRemoval) {
 
 TEST_F(MoverEngine, StashesBesideTheCopyWhenTheTrashRefuses) {
     world.trash->refuses = true;
-    world.withDitto(R"(mkdir "$3"; exit 1)");
+    world.withDitto(R"(mkdir -p "$3"; exit 1)");
     EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: exit 1");
     EXPECT_FALSE(Files::itemExists(destination));
     EXPECT_TRUE(Files::isFolder(world.foldersOnDrive() / ".TarvikTrash" / ("Music-" + std::to_string(madeNow))));
 }
 
 TEST_F(MoverEngine, FailsForASocketThatTheCopyDrops) {
-    world.withDitto(R"(cp -a "$2" "$3"; rm "$3/socket")");
+    world.withDitto(R"(cp -aT "$2" "$3"; rm "$3/socket")");
     makeSocket(source / "socket");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music copied with 8 of 9 entries — 1 missing.");
     EXPECT_TRUE(Files::itemExists(source / "socket"));

@@ -195,7 +195,7 @@ TEST(RealVolumes, KeepWhatWasWrittenWhileItWasMovedBack) {
     const fs::path onDrive = world.foldersOnDrive() / "Music";
     makeMusic(onDrive);
     makeLink(world.home / "Music", onDrive);
-    world.withDitto(R"(cp -a "$2" "$3"; printf 'lo' > "$2/.hidden/notes")");
+    world.withDitto(R"(cp -aT "$2" "$3"; printf 'lo' > "$2/.hidden/notes")");
     EXPECT_EQ(failureOf([&] { MoverEngine::restore(world.host, world.home / "Music"); }),
               "Verification failed: Music/.hidden/notes was changed while it was copied.");
     EXPECT_EQ(Files::linkText(world.home / "Music"), onDrive);
@@ -222,7 +222,7 @@ TEST(ItemMover, ReportsProgressOnlyAcrossVolumes) {
     const TemporaryFolder mounts;
     const RealVolume volume = RealVolume::memory(mounts.path(), 20 * megabyte);
     World world(volume.path());
-    world.withDitto(R"(cp -a "$2" "$3"; sleep 0.7)");
+    world.withDitto(R"(cp -aT "$2" "$3"; sleep 0.7)");
     makeFileOfSize(world.home / "tree/file", 1'000'000);
     std::int64_t reportedTotal = -1;
     const auto progress = [&](std::int64_t, std::int64_t total) { reportedTotal = total; };

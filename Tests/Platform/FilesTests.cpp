@@ -1,4 +1,5 @@
 #include "Platform/Files.h"
+#include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -77,6 +78,26 @@ TEST(Files, RenameNeverReplaces) {
     EXPECT_EQ(contentOf(folder / "c"), "A");
 }
 
+TEST(Files, ClaimsAPlaceOnce) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(Files::claim(folder / "a", Files::ItemType::folder));
+    EXPECT_TRUE(Files::isFolder(folder / "a"));
+    EXPECT_FALSE(Files::claim(folder / "a", Files::ItemType::folder));
+    EXPECT_TRUE(Files::claim(folder / "b", Files::ItemType::regular));
+    EXPECT_FALSE(Files::claim(folder / "b", Files::ItemType::regular));
+    EXPECT_THROW(Files::claim(folder / "missing/c", Files::ItemType::folder), FileError);
+}
+
+TEST(Files, RefusesToGuessTheWorkingDirectory) {
+    const fs::path before = fs::current_path();
+    {
+        const TemporaryFolder gone;
+        fs::current_path(gone.path());
+    }
+    EXPECT_THROW(Files::standardized("../name"), FileError);
+    fs::current_path(before);
+}
+
 TEST(Files, RemovesATreeButNothingThatItsLinksLeadTo) {
     const TemporaryFolder folder;
     makeFile(folder / "kept/file");
@@ -135,7 +156,7 @@ TEST(Files, RefusesToRemoveATreeWithAFolderThatMayNotBeEmptied) {
 }
 
 TEST(Files, RefusesToRemoveFromAFolderThatMayNotBeWrittenTo) {
-    if (::geteuid() != 0) GTEST_SKIP() << "Only the administrator can become another user.";
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
     const TemporaryFolder folder;
     makeFile(folder / "opt/app/file");
     fs::permissions(folder.path(), fs::perms::all);

@@ -1,5 +1,6 @@
 #include "StandIns/DittoRun.h"
 #include "StandIns/SmallVolume.h"
+#include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -128,7 +129,7 @@ TEST(DittoAttributes, LeavesNoTraceInTheSource) {
 }
 
 TEST(DittoAttributes, KeepsOwnersWhereAllowed) {
-    if (!isSuperuser()) GTEST_SKIP() << "needs the superuser";
+    if (!isSuperuser()) TARVIK_SKIP_BECAUSE("needs the superuser");
     const TemporaryFolder folder;
     makeFile(folder / "tree/file");
     makeLink(folder / "tree/link", "nowhere");
@@ -144,7 +145,7 @@ TEST(DittoAttributes, KeepsOwnersWhereAllowed) {
 }
 
 TEST(DittoAttributes, PassesOverOwnersThatMayNotBeGiven) {
-    if (!isSuperuser()) GTEST_SKIP() << "needs the superuser";
+    if (!isSuperuser()) TARVIK_SKIP_BECAUSE("needs the superuser");
     const TemporaryFolder folder;
     fs::permissions(folder.path(), fs::perms(0777));
     makeFile(folder / "tree/program");
@@ -158,7 +159,7 @@ TEST(DittoAttributes, PassesOverOwnersThatMayNotBeGiven) {
 TEST(DittoAttributes, KeepsExtendedAttributes) {
     const TemporaryFolder folder;
     makeFile(folder / "tree/file");
-    if (!setAttribute(folder / "tree/file", "user.colour", "red")) GTEST_SKIP() << "needs extended attributes";
+    if (!setAttribute(folder / "tree/file", "user.colour", "red")) TARVIK_SKIP_BECAUSE("needs extended attributes");
     setAttribute(folder / "tree/file", "user.empty", "");
     setAttribute(folder / "tree", "user.bytes", std::string("\0\xFF\n", 3));
     ASSERT_EQ(::chmod((folder / "tree/file").c_str(), 0444), 0);
@@ -178,7 +179,7 @@ TEST(DittoAttributes, KeepsAttributesOfLinksAndRights) {
                                  20);
     if (!setAttribute(folder / "tree/link", "trusted.mark", "kept") ||
         !setAttribute(folder / "tree/program", "security.capability", capability))
-        GTEST_SKIP() << "needs the superuser";
+        TARVIK_SKIP_BECAUSE("needs the superuser");
     ASSERT_EQ(::lchown((folder / "tree/program").c_str(), 1234, 1234), 0);
     setAttribute(folder / "tree/program", "security.capability", capability);
     ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
@@ -192,7 +193,7 @@ TEST(DittoAttributes, KeepsAttributesOfLinksAndRights) {
 }
 
 TEST(DittoAttributes, PassesOverAttributesThatTheDestinationCannotHold) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     makeFile(folder / "tree/file");
     setAttribute(folder / "tree/file", "user.colour", "red");
@@ -211,7 +212,7 @@ TEST(DittoAttributes, KeepsAccessLists) {
     makeFile(folder / "tree/inner/file");
     ASSERT_EQ(::mkfifo((folder / "tree/pipe").c_str(), 0644), 0);
     if (!setAttribute(folder / "tree/inner/file", "system.posix_acl_access", accessList()))
-        GTEST_SKIP() << "needs access lists";
+        TARVIK_SKIP_BECAUSE("needs access lists");
     setAttribute(folder / "tree/pipe", "system.posix_acl_access", accessList());
     setAttribute(folder / "tree", "system.posix_acl_default", accessList());
     ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
@@ -229,7 +230,7 @@ TEST(DittoAttributes, TakesNoAccessListFromTheFolderCopiedInto) {
     makeFolder(folder / "drive/merged");
     for (const char* name : {"drive", "drive/merged"}) {
         if (!setAttribute(folder / name, "system.posix_acl_default", accessList()))
-            GTEST_SKIP() << "needs access lists";
+            TARVIK_SKIP_BECAUSE("needs access lists");
     }
     ASSERT_EQ(ditto(folder / "tree", folder / "drive/tree").status, 0);
     ASSERT_EQ(ditto(folder / "tree", folder / "drive/merged").status, 0);

@@ -1,5 +1,6 @@
 #include "StandIns/DittoRun.h"
 #include "StandIns/SmallVolume.h"
+#include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -44,7 +45,7 @@ TEST(DittoContent, CopiesAFileToThePathOfTheDestination) {
 }
 
 TEST(DittoContent, CopiesFilesOfEverySizeBetweenFileSystems) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     for (const std::size_t size : {0, 1, 4095, 4096, 262143, 262144, 262145, 700001})
         makeFileOfSize(folder / "tree" / std::to_string(size), size);
@@ -70,7 +71,7 @@ TEST(DittoContent, KeepsHolesAsHoles) {
 }
 
 TEST(DittoContent, KeepsHolesOnAnotherFileSystem) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     makeSparseFile(folder / "tree/middle", megabyte, megabyte / 2, "island");
     const SmallVolume drive("tmpfs", "size=256k");

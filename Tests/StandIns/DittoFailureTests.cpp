@@ -2,6 +2,7 @@
 #include "StandIns/DeepTree.h"
 #include "StandIns/DittoRun.h"
 #include "StandIns/SmallVolume.h"
+#include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -73,7 +74,7 @@ TEST(DittoFailure, SaysWhichFolderItMayNotRead) {
 }
 
 TEST(DittoFailure, SaysThatTheDriveIsFull) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     makeFileOfSize(folder / "tree/large", 3000000);
     const SmallVolume drive("tmpfs", "size=1m");
@@ -82,7 +83,7 @@ TEST(DittoFailure, SaysThatTheDriveIsFull) {
 }
 
 TEST(DittoFailure, SaysOnceThatTheDriveIsFullWhenSeveralThreadsNotice) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     for (int i = 0; i < 600; ++i) makeFileOfSize(folder / "tree" / std::to_string(i % 9) / std::to_string(i), 9000);
     const SmallVolume drive("tmpfs", "size=2m");
@@ -93,7 +94,7 @@ TEST(DittoFailure, SaysOnceThatTheDriveIsFullWhenSeveralThreadsNotice) {
 }
 
 TEST(DittoFailure, SaysThatTheDriveHasNoPlaceForMoreFiles) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     for (int i = 0; i < 200; ++i) makeFolder(folder / "tree" / std::to_string(i));
     const SmallVolume drive("tmpfs", "nr_inodes=100");
@@ -103,7 +104,7 @@ TEST(DittoFailure, SaysThatTheDriveHasNoPlaceForMoreFiles) {
 }
 
 TEST(DittoFailure, SaysThatTheDriveCannotBeWritten) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const TemporaryFolder folder;
     makeFile(folder / "tree/file");
     SmallVolume drive;
@@ -160,7 +161,7 @@ TEST(DittoFailure, RefusesToMergeIntoTheSourceFromAbove) {
 }
 
 TEST(DittoFailure, NeverTakesTwoNamesForOne) {
-    if (!SmallVolume::isPossible()) GTEST_SKIP() << "needs the right to mount";
+    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
     const SmallVolume drive("tmpfs", "casefold");
     if (!drive.isMounted()) GTEST_SKIP() << "needs a file system that ignores case";
     makeFolder(drive / "copy");

@@ -107,7 +107,7 @@ void StateWorld::holdCopyOf(const std::string& name) {
     const auto scriptFolder = world.folder / "hold";
     makeFolder(scriptFolder);
     world.withDitto(fmt::format(
-        R"(if [ "${{2##*/}}" = "{}" ]; then : > "{}/waiting"; while [ ! -e "{}/go" ]; do sleep 0.01; done; fi; cp -a "$2" "$3")",
+        R"(if [ "${{2##*/}}" = "{}" ]; then : > "{}/waiting"; while [ ! -e "{}/go" ]; do sleep 0.01; done; fi; cp -aT "$2" "$3")",
         name, scriptFolder.native(), scriptFolder.native()));
 }
 

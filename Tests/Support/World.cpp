@@ -36,7 +36,7 @@ World::World(const fs::path& drivePath)
     host.volumes = volumes;
     host.trash = trash;
     host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(madeNow)); };
-    withDitto(R"(cp -a "$2" "$3")");
+    withDitto(R"(cp -aT "$2" "$3")");
 }
 
 World& World::withRealDitto() {

@@ -55,7 +55,7 @@ void WindowTest::holdCopies() {
     world.withDitto(R"(mkdir -p "$3" && cp -a "$2"/2024 "$3"/ 2>/dev/null
 while [ ! -e ")" + (world.folder / "copies-may-end").native() +
                     R"(" ]; do sleep 0.02; done
-rm -rf "$3" && cp -a "$2" "$3")");
+rm -rf "$3" && cp -aT "$2" "$3")");
 }
 
 void WindowTest::letCopyEnd() {

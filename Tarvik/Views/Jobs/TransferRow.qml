@@ -56,7 +56,6 @@ Item {
             }
             Figures {
                 objectName: "transferBytes"
-                visible: row.phase !== "failed"
                 text: row.bytes
                 color: Theme.textSecondary
                 size: Theme.captionSize
@@ -81,7 +80,6 @@ Item {
             objectName: "transferBar"
             Layout.fillWidth: true
             Layout.leftMargin: Theme.iconSize + Theme.small
-            visible: row.isActive
             Layout.topMargin: Theme.tiny
             value: row.fraction
             tone: row.tone
