@@ -62,11 +62,15 @@ void FileContent::copyData(int source, int destination, off_t size, const Item& 
         }
         if (data >= size) break;
         end = ::lseek(source, data, SEEK_HOLE);
+        if (end < 0 && errno == ENXIO) break;  // The file has become shorter meanwhile.
         if (end < 0) throw FileError("read", sourcePath(item), errno);
         end = std::min(end, size);
         if (!copyRange(source, destination, data, end - data, item)) return;
     }
-    if (::ftruncate(destination, size) != 0) throw FileError("write", destinationPath(item), errno);
+    struct stat present {};
+    if (::fstat(source, &present) != 0) throw FileError("read", sourcePath(item), errno);
+    // A hole at the end is made by the length alone; what has been cut off meanwhile is no hole.
+    if (::ftruncate(destination, std::min(size, present.st_size)) != 0) throw FileError("write", destinationPath(item), errno);
 }
 
 /// @returns false when the source ended before the range did.
