@@ -55,6 +55,8 @@ TEST_F(FoldersTab, OpensAPanelToChooseFrom) {
     auto& window = open();
     window.click("chooseButton");
     EXPECT_TRUE(window.waitUntil([&] { return showsText(window.window().contentItem(), "Choose a folder to move"); }));
+    window.press(Qt::Key_Escape);
+    EXPECT_TRUE(window.waitUntil([&] { return !showsText(window.window().contentItem(), "Choose a folder to move"); }));
 }
 
 TEST_F(FoldersTab, TakesADroppedFolder) {
