@@ -70,7 +70,8 @@ void FileContent::copyData(int source, int destination, off_t size, const Item& 
     struct stat present {};
     if (::fstat(source, &present) != 0) throw FileError("read", sourcePath(item), errno);
     // A hole at the end is made by the length alone; what has been cut off meanwhile is no hole.
-    if (::ftruncate(destination, std::min(size, present.st_size)) != 0) throw FileError("write", destinationPath(item), errno);
+    if (::ftruncate(destination, std::min(size, present.st_size)) != 0)
+        throw FileError("write", destinationPath(item), errno);
 }
 
 /// @returns false when the source ended before the range did.

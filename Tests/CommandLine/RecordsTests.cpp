@@ -19,8 +19,8 @@ TEST(Records, EscapesWhatWouldBreakALineOfTsv) {
 }
 
 TEST(Records, WritesTomlThatReadsBackTheSame) {
-    for (const std::string name :
-         {"plain", "", "a\nb", "\nx", "x\n", "a\tb\nc\\d\"e'f", "'''", "\"\"\"", "\x01\x7F", "写真 é 🎹", "true", "12", "[x]"}) {
+    for (const std::string name : {"plain", "", "a\nb", "\nx", "x\n", "a\tb\nc\\d\"e'f", "'''", "\"\"\"", "\x01\x7F",
+                                   "写真 é 🎹", "true", "12", "[x]"}) {
         const Record record = {
             {"name", name}, {"bytes", std::numeric_limits<std::int64_t>::max()}, {"writable", false}};
         const auto table = toml::parse(toml(record));
