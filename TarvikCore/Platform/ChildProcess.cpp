@@ -8,6 +8,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -88,19 +89,33 @@ void setOrdinarySignals(Attributes& attributes, const Check& check) {
     check(::posix_spawnattr_setsigdefault(&attributes.value, &restored));
 }
 
-/// The argument list as the system wants it. A text with a NUL inside would arrive cut off, so it is refused.
-std::vector<char*> argumentList(const fs::path& program, const std::vector<std::string>& arguments,
-                                const Check& check) {
+/// Texts as the system wants them, ended by a null. A text with a NUL inside would arrive cut off, so it is refused.
+std::vector<char*> listOf(const std::vector<std::string>& texts, const Check& check) {
     std::vector<char*> list;
-    list.reserve(arguments.size() + 2);
-    const auto add = [&](const std::string& text) {
+    list.reserve(texts.size() + 1);
+    for (const std::string& text : texts) {
         if (text.find('\0') != std::string::npos) check(EINVAL);
         list.push_back(const_cast<char*>(text.c_str()));
-    };
-    add(program.native());
-    for (const auto& argument : arguments) add(argument);
+    }
     list.push_back(nullptr);
     return list;
+}
+
+std::vector<std::string> commandLine(const fs::path& program, const std::vector<std::string>& arguments) {
+    std::vector<std::string> texts{program.native()};
+    texts.insert(texts.end(), arguments.begin(), arguments.end());
+    return texts;
+}
+
+std::vector<std::string> changedEnvironment(const EnvironmentChange& change) {
+    std::vector<std::string> variables;
+    for (char** variable = environ; variable && *variable; ++variable) {
+        const std::string_view text = *variable;
+        if (!change.contains(std::string(text.substr(0, text.find('='))))) variables.emplace_back(text);
+    }
+    for (const auto& [name, value] : change)
+        if (value) variables.push_back(name + '=' + *value);
+    return variables;
 }
 
 int statusOf(int waitStatus) {
@@ -109,9 +124,13 @@ int statusOf(int waitStatus) {
 
 }  // namespace
 
-ChildProcess ChildProcess::start(const fs::path& program, const std::vector<std::string>& arguments) {
+ChildProcess ChildProcess::start(const fs::path& program, const std::vector<std::string>& arguments,
+                                 const EnvironmentChange& change) {
     const Check check(program);
-    const auto list = argumentList(program, arguments, check);
+    const auto texts = commandLine(program, arguments);
+    const auto list = listOf(texts, check);
+    const auto variables = changedEnvironment(change);
+    const auto environment = listOf(variables, check);
     Pipe output = makePipe(check);
     Pipe error = makePipe(check);
 
@@ -125,7 +144,7 @@ ChildProcess ChildProcess::start(const fs::path& program, const std::vector<std:
     check(::posix_spawnattr_setflags(&attributes.value, flags));
 
     pid_t process = -1;
-    check(::posix_spawn(&process, program.c_str(), &actions.value, &attributes.value, list.data(), environ));
+    check(::posix_spawn(&process, program.c_str(), &actions.value, &attributes.value, list.data(), environment.data()));
     return {process, std::move(output.readEnd), std::move(error.readEnd)};
 }
 

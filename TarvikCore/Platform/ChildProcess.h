@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/EnvironmentChange.h"
 #include "Platform/FileDescriptor.h"
 #include "Platform/Path.h"
 
@@ -11,15 +12,17 @@
 
 namespace tarvik {
 
-/// One running tool, with a pipe on its standard output and one on its standard error. It inherits the environment, the
-/// working directory and standard input, and no other descriptor. There is no shell in between and no search of PATH.
+/// One running tool, with a pipe on its standard output and one on its standard error. It inherits the environment,
+/// changed where the caller says so, the working directory and standard input, and no other descriptor. There is no
+/// shell in between and no search of PATH.
 ///
 /// Belongs to one thread, except that the two pipes may be read by others. Whoever starts it waits for it: a child that
 /// is still running at the end of the object's life is killed and waited for.
 class ChildProcess {
 public:
     /// @throws FileError with the verb "start" when the program cannot be run.
-    static ChildProcess start(const fs::path& program, const std::vector<std::string>& arguments);
+    static ChildProcess start(const fs::path& program, const std::vector<std::string>& arguments,
+                              const EnvironmentChange& change = {});
     ChildProcess(ChildProcess&&) noexcept;
     ChildProcess& operator=(ChildProcess&&) noexcept;
     ~ChildProcess();

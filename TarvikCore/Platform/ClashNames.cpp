@@ -33,4 +33,8 @@ std::string numbered(std::string_view name, int number, char separator, std::siz
     return std::string(cut(stem, limit - tail)) + mark + std::string(extension);
 }
 
+std::string suffixed(std::string_view name, std::string_view suffix, std::size_t limit) {
+    return std::string(cut(name, limit - std::min(limit, suffix.size()))) + std::string(suffix);
+}
+
 }  // namespace tarvik::ClashNames

@@ -17,6 +17,8 @@ struct CommandResult {
     /// The time limit ran out and the tool had to be stopped.
     bool timedOut = false;
 
+    static constexpr std::int32_t notLaunched = 127;
+
     bool succeeded() const { return status == 0 && !timedOut; }
     bool operator==(const CommandResult&) const = default;
 };

@@ -17,7 +17,6 @@ using Seconds = std::chrono::duration<double>;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr std::int32_t notLaunched = 127;
 constexpr Seconds graceAfterTermination{2.0};
 constexpr milliseconds longestSleep{50};
 constexpr milliseconds shortestSleep{1};
@@ -69,9 +68,10 @@ bool stopsAfter(Seconds timeout, ChildProcess& child, StreamReader& output) {
 }  // namespace
 
 CommandResult CommandRunner::run(const fs::path& path, const std::vector<std::string>& arguments,
-                                 std::optional<std::chrono::duration<double>> timeout) {
+                                 std::optional<std::chrono::duration<double>> timeout,
+                                 const EnvironmentChange& change) {
     try {
-        ChildProcess child = ChildProcess::start(path, arguments);
+        ChildProcess child = ChildProcess::start(path, arguments, change);
         Output output(child);
         CommandResult result;
         if (timeout) result.timedOut = stopsAfter(*timeout, child, output.reader);
@@ -83,7 +83,7 @@ CommandResult CommandRunner::run(const fs::path& path, const std::vector<std::st
         return result;
     } catch (const Failure& failure) {
         CommandResult result;
-        result.status = notLaunched;
+        result.status = CommandResult::notLaunched;
         result.stderr = failure.description();
         return result;
     }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "Platform/FieldHash.h"
 #include "Platform/Path.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -31,3 +34,11 @@ struct DriveInfo {
 };
 
 }  // namespace tarvik
+
+template <>
+struct std::hash<tarvik::DriveInfo> {
+    std::size_t operator()(const tarvik::DriveInfo& drive) const noexcept {
+        return tarvik::FieldHash::of(drive.id, drive.name, drive.mountPath, drive.totalBytes, drive.freeBytes,
+                                     drive.isInternal, drive.isWritable, drive.filesystem);
+    }
+};

@@ -4,10 +4,9 @@
 #include "Platform/FolderListing.h"
 #include "Platform/SystemCalls.h"
 
-#include <climits>
-
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <fcntl.h>
 #include <system_error>
@@ -100,6 +99,15 @@ std::optional<ItemInfo> infoFollowingLinks(const fs::path& path) {
     return infoOfStatus(status);
 }
 
+std::optional<std::chrono::system_clock::time_point> modifiedAt(const fs::path& path) {
+    using namespace std::chrono;
+    const auto status = statusOf(path);
+    if (!status) return std::nullopt;
+    const timespec time = SystemCalls::contentChangeTime(*status);
+    return system_clock::time_point(
+        duration_cast<system_clock::duration>(seconds(time.tv_sec) + nanoseconds(time.tv_nsec)));
+}
+
 bool isFolder(const fs::path& path) {
     const auto status = statusOf(path);
     return status && S_ISDIR(status->st_mode);
@@ -171,6 +179,23 @@ void rename(const fs::path& from, const fs::path& to) {
         throw FileError("move", from.native() + " to " + to.native(), error);
 }
 
+void exchange(const fs::path& first, const fs::path& second, const fs::path& between) {
+    const int error = SystemCalls::exchangeNames(first, second);
+    if (error == 0) return;
+    if (error != ENOTSUP) throw FileError("exchange", first.native() + " and " + second.native(), error);
+    Files::rename(second, between);
+    bool hasFirstMoved = false;
+    try {
+        Files::rename(first, second);
+        hasFirstMoved = true;
+        Files::rename(between, first);
+    } catch (...) {
+        if (hasFirstMoved) ignoringFailure([&] { Files::rename(second, first); });
+        ignoringFailure([&] { Files::rename(between, second); });
+        throw;
+    }
+}
+
 void writeDurably(const fs::path& path, std::string_view bytes) {
     std::string temporary = path.native() + ".XXXXXX";
     const FileDescriptor file(::mkstemp(temporary.data()));
@@ -187,9 +212,14 @@ void writeDurably(const fs::path& path, std::string_view bytes) {
     if (folder) ::fsync(folder.get());  // Not every file system can flush a folder; the file itself is safe by now.
 }
 
-std::string read(const fs::path& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file) throw FileError("read", path, errno);
+std::string read(const fs::path& path, std::int64_t limit) {
+    // Opening never waits, as it would for a pipe that nobody writes to.
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) != 0) throw FileError("read", path, errno);
+    if (S_ISDIR(status.st_mode)) throw FileError("read", path, EISDIR);
+    if (!S_ISREG(status.st_mode)) throw FileError("read", path, ENOTSUP);
+    if (status.st_size > limit) throw FileError("read", path, EFBIG);
     std::string bytes;
     char buffer[64 * 1024];
     while (true) {
@@ -197,6 +227,8 @@ std::string read(const fs::path& path) {
         if (length < 0 && errno == EINTR) continue;
         if (length < 0) throw FileError("read", path, errno);
         if (length == 0) return bytes;
+        // The file may have grown meanwhile, and files that the system makes up tell no size.
+        if (length > limit - static_cast<std::int64_t>(bytes.size())) throw FileError("read", path, EFBIG);
         bytes.append(buffer, static_cast<std::size_t>(length));
     }
 }

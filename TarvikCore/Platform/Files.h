@@ -3,7 +3,9 @@
 #include "Platform/FileError.h"
 #include "Platform/Path.h"
 
+#include <chrono>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -47,6 +49,8 @@ bool itemExists(const fs::path& path);
 std::optional<ItemInfo> info(const fs::path& path);
 /// The item that a link leads to.
 std::optional<ItemInfo> infoFollowingLinks(const fs::path& path);
+/// When the content of the item itself last changed, a link not followed.
+std::optional<std::chrono::system_clock::time_point> modifiedAt(const fs::path& path);
 /// Whether the item itself is a folder; a link to one is not.
 bool isFolder(const fs::path& path);
 bool isSymbolicLink(const fs::path& path);
@@ -68,19 +72,38 @@ bool claim(const fs::path& path, ItemType type);
 void createSymbolicLink(const fs::path& link, const fs::path& target);
 /// Removes a symbolic link. @throws FileError also when something else stands there, which stays.
 void removeLink(const fs::path& link);
-/// Why an item could not be removed as a whole, found out before anything is: another volume is mounted inside it, or a
-/// folder in it may not be written to. Nothing when no obstacle can be seen.
-std::optional<FileError> removalObstacle(const fs::path& path);
+/// What keeps an item from being removed as a whole.
+struct RemovalObstacle {
+    enum class Kind {
+        mountedVolume,  ///< another volume is mounted at `path`
+        sealedFolder,   ///< nothing may be taken out of the folder at `path`
+        unreadable,     ///< the folder at `path` cannot be listed
+    };
+    Kind kind;
+    fs::path path;
+    int errorNumber;
+
+    /// The failure of a removal that meets it.
+    FileError error() const;
+};
+/// Why an item could not be removed as a whole, found out before anything is. Nothing when no obstacle can be seen.
+std::optional<RemovalObstacle> removalObstacle(const fs::path& path);
 /// Removes an item, a folder with its contents, through directory handles and without following links. Removes nothing
 /// when there is a `removalObstacle`.
 void removeItem(const fs::path& path);
 /// Renames within one volume and never replaces what stands at `to`.
 /// @throws FileError with EEXIST when `to` is taken, with EXDEV when `to` is on another volume.
 void rename(const fs::path& from, const fs::path& to);
+/// Lets two items of one volume take each other's name. On nearly all file systems that is one step, and nobody ever
+/// finds one of the names free. Where it takes three, `second` stands at `between`, a free name beside it, for a
+/// moment.
+/// @throws FileError, with EXDEV when they are on two volumes; both then stand where they stood.
+void exchange(const fs::path& first, const fs::path& second, const fs::path& between);
 /// Writes through a temporary file beside the goal that is flushed and renamed: readers see the old bytes or the new.
 void writeDurably(const fs::path& path, std::string_view bytes);
-/// The bytes of a file. @throws FileError
-std::string read(const fs::path& path);
+/// The bytes of a regular file. @throws FileError also for a pipe or a device, which may have no end, and with EFBIG
+/// for a file of more than `limit` bytes, of which no more than that is read.
+std::string read(const fs::path& path, std::int64_t limit = std::numeric_limits<std::int64_t>::max());
 /// Waits until everything written so far on the volume that holds `path` has reached the drive.
 void flushVolume(const fs::path& path);
 

@@ -10,36 +10,53 @@ namespace tarvik::Files {
 
 namespace {
 
-std::optional<FileError> mountObstacle(int folderHandle, const char* name, const fs::path& path) {
-    if (!SystemCalls::isMountPoint(folderHandle, name)) return std::nullopt;
-    return FileError("remove the mounted volume", path, EBUSY);
-}
+using Kind = RemovalObstacle::Kind;
 
-/// Counts only for a folder that holds something: an empty one is its parent's to remove.
-std::optional<FileError> contentsObstacle(int folderHandle, const char* name, const fs::path& path) {
-    if (::faccessat(folderHandle, name, W_OK | X_OK, AT_EACCESS) == 0) return std::nullopt;
-    return FileError("remove what is in", path, errno);
+/// The obstacle that a folder itself is, before one looks at what is in it.
+struct FolderObstacles {
+    bool isMountPoint = false;
+    /// Counts only for a folder that holds something: an empty one is its parent's to remove.
+    int sealedBy = 0;
+};
+
+FolderObstacles obstaclesOf(int parentHandle, const char* name) {
+    const bool isOpen = ::faccessat(parentHandle, name, W_OK | X_OK, AT_EACCESS) == 0;
+    const int sealedBy = isOpen ? 0 : errno;
+    return {SystemCalls::isMountPoint(parentHandle, name), sealedBy};
 }
 
 }  // namespace
 
-std::optional<FileError> removalObstacle(const fs::path& path) {
+FileError RemovalObstacle::error() const {
+    switch (kind) {
+        case Kind::mountedVolume:
+            return FileError("remove the mounted volume", path, errorNumber);
+        case Kind::sealedFolder:
+            return FileError("remove what is in", path, errorNumber);
+        case Kind::unreadable:
+            break;
+    }
+    return FileError("read", path, errorNumber);
+}
+
+std::optional<RemovalObstacle> removalObstacle(const fs::path& path) {
     const fs::path parent = path.parent_path();
     if (::faccessat(AT_FDCWD, parent.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
-        return FileError("remove what is in", parent, errno);
+        return RemovalObstacle{Kind::sealedFolder, parent, errno};
     if (!isFolder(path)) return std::nullopt;
-    if (auto obstacle = mountObstacle(AT_FDCWD, path.c_str(), path)) return obstacle;
+    FolderObstacles folder = obstaclesOf(AT_FDCWD, path.c_str());
+    if (folder.isMountPoint) return RemovalObstacle{Kind::mountedVolume, path, EBUSY};
     TreeWalk walk(path, {.order = TreeWalk::Order::any});
-    if (walk.rootError()) return FileError("read", path, walk.rootError());
-    std::optional<FileError> unlessEmpty = contentsObstacle(AT_FDCWD, path.c_str(), path);
+    if (walk.rootError()) return RemovalObstacle{Kind::unreadable, path, walk.rootError()};
     int depthOfContents = 0;
     while (walk.next()) {
-        const fs::path entry = path / walk.relativePath();
-        if (walk.event() == TreeWalk::Event::unreadable) return FileError("read", entry, walk.errorNumber());
-        if (unlessEmpty && walk.depth() == depthOfContents) return unlessEmpty;
+        if (walk.event() == TreeWalk::Event::unreadable)
+            return RemovalObstacle{Kind::unreadable, path / walk.relativePath(), walk.errorNumber()};
+        if (folder.sealedBy && walk.depth() == depthOfContents)
+            return RemovalObstacle{Kind::sealedFolder, (path / walk.relativePath()).parent_path(), folder.sealedBy};
         if (walk.type() != ItemType::folder) continue;
-        if (auto obstacle = mountObstacle(walk.folderHandle(), walk.name(), entry)) return obstacle;
-        unlessEmpty = contentsObstacle(walk.folderHandle(), walk.name(), entry);
+        folder = obstaclesOf(walk.folderHandle(), walk.name());
+        if (folder.isMountPoint) return RemovalObstacle{Kind::mountedVolume, path / walk.relativePath(), EBUSY};
         depthOfContents = walk.depth() + 1;
     }
     return std::nullopt;
@@ -50,7 +67,7 @@ void removeItem(const fs::path& path) {
         if (::unlink(path.c_str()) != 0) throw FileError("remove", path, errno);
         return;
     }
-    if (auto obstacle = removalObstacle(path)) throw *std::move(obstacle);
+    if (const auto obstacle = removalObstacle(path)) throw obstacle->error();
     TreeWalk walk(path, {.order = TreeWalk::Order::any, .givesLeave = true});
     if (walk.rootError()) throw FileError("remove", path, walk.rootError());
     while (walk.next()) {

@@ -2,6 +2,7 @@
 
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Platform/RunningApplications.h"
 #include "Platform/TrashCan.h"
 #include "Platform/VolumeList.h"
 
@@ -86,6 +87,7 @@ Host Host::thisMachine(const std::optional<fs::path>& home) {
             .tools = systemTools(),
             .volumes = makeSystemVolumeList(real),
             .trash = makeSystemTrashCan(real),
+            .runningApplications = makeSystemRunningApplications(),
             .now = std::chrono::system_clock::now};
 }
 
@@ -96,6 +98,7 @@ Host Host::rootedAt(const fs::path& root, const fs::path& home) {
             .tools = systemTools(),
             .volumes = makeRootedVolumeList(root),
             .trash = makeRootedTrashCan(home),
+            .runningApplications = makeProcessTableApplications({root, home}),
             .now = std::chrono::system_clock::now};
 }
 
@@ -103,6 +106,14 @@ Host Host::fromOptions(const std::optional<fs::path>& root, const std::optional<
     const fs::path realRoot = root ? realFolder(*root, "root") : fs::path("/");
     if (realRoot == "/") return thisMachine(home ? std::optional(realFolder(*home, "home folder")) : std::nullopt);
     return rootedAt(realRoot, home ? realFolder(*home, "home folder") : onlyHomeOf(realRoot));
+}
+
+void Host::guideTools() const {
+    if (root == "/") {
+        ::unsetenv("TARVIK_ROOT");  // Whatever the program was started with: the machine is this one.
+    } else {
+        ::setenv("TARVIK_ROOT", root.c_str(), 1);
+    }
 }
 
 }  // namespace tarvik

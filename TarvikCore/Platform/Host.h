@@ -10,6 +10,7 @@
 
 namespace tarvik {
 
+class RunningApplications;
 class TrashCan;
 class VolumeList;
 
@@ -29,6 +30,7 @@ struct Host {
     ToolTable tools;
     std::shared_ptr<const VolumeList> volumes;
     std::shared_ptr<const TrashCan> trash;
+    std::shared_ptr<const RunningApplications> runningApplications;
     Clock now;
 
     /// The machine that this program runs on, with the user's home folder, or another one. Without one, HOME names it,
@@ -41,6 +43,10 @@ struct Host {
     /// the only folder under its `Users`, where `Shared` and hidden ones do not count. Links in both are resolved.
     /// @throws Failure when `root` is no folder or the home cannot be told.
     static Host fromOptions(const std::optional<fs::path>& root, const std::optional<fs::path>& home);
+
+    /// Makes every tool that this program starts from now on work on this machine too. A program calls it once, while
+    /// it has only one thread.
+    void guideTools() const;
 };
 
 }  // namespace tarvik

@@ -107,16 +107,19 @@ std::string Json::textOfPath(const fs::path& path) {
 fs::path Json::pathOfText(std::string_view text) {
     std::string bytes;
     bytes.reserve(text.size());
-    for (;;) {
-        const std::size_t length = std::min(text.find(escape), text.size());
-        bytes += text.substr(0, length);
-        text.remove_prefix(length);
-        if (text.empty()) return bytes;
-        const auto byte = text.size() < 3 ? std::nullopt : number(text.substr(1, 2), 16);
-        if (!byte) refuse("a path");
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t length = std::min(rest.find(escape), rest.size());
+        bytes += rest.substr(0, length);
+        rest.remove_prefix(length);
+        if (rest.empty()) break;
+        const auto byte = rest.size() < 3 ? std::nullopt : number(rest.substr(1, 2), 16);
+        if (byte.value_or(0) == 0) refuse("a path");
         bytes += static_cast<char>(*byte);
-        text.remove_prefix(3);
+        rest.remove_prefix(3);
     }
+    // Each path has one text: whatever else would give the same bytes is a damaged one.
+    if (textOfPath(bytes) != text) refuse("a path");
+    return bytes;
 }
 
 std::optional<std::chrono::system_clock::time_point> Json::instantOfIsoDate(std::string_view text) {

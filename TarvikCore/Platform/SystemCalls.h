@@ -11,6 +11,9 @@ namespace tarvik::SystemCalls {
 
 /// Renames within one volume; EEXIST when something stands at `to`, which is never replaced.
 int renameExclusively(const fs::path& from, const fs::path& to);
+/// Lets two items of one volume take each other's name in one step, so that neither name is ever free.
+/// ENOTSUP when the file system cannot.
+int exchangeNames(const fs::path& first, const fs::path& second);
 /// Waits until everything written to the volume that holds `path` has reached the drive.
 int flushVolume(const fs::path& path);
 /// Whether `name` in the open folder is the top folder of a mounted volume.

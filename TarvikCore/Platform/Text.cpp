@@ -83,6 +83,13 @@ std::size_t validPrefix(std::string_view bytes) {
     }
 }
 
+std::string lowerCasedAscii(std::string_view text) {
+    std::string lower(text);
+    for (char& letter : lower)
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    return lower;
+}
+
 /// `text` itself when it is valid, else its displayable form, kept in `storage`.
 std::string_view valid(std::string_view text, std::string& storage) {
     if (Text::isValidUtf8(text)) return text;
@@ -95,7 +102,7 @@ icu::BreakIterator& charactersOf(std::string_view text) {
     UErrorCode status = U_ZERO_ERROR;
     thread_local const std::unique_ptr<icu::BreakIterator> iterator(
         icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    throwUnicodeFailure(status);
+    throwUnicodeFailure(iterator ? status : U_MISSING_RESOURCE_ERROR);  // It failed in an earlier call.
     UText view = UTEXT_INITIALIZER;
     utext_openUTF8(&view, text.data(), static_cast<std::int64_t>(text.size()), &status);
     iterator->setText(&view, status);
@@ -203,6 +210,12 @@ std::int64_t Text::characterCount(std::string_view text) {
     return count;
 }
 
+std::string Text::firstCharacters(std::string_view text, std::int64_t count) {
+    std::string storage;
+    text = valid(text, storage);
+    return std::string(text.substr(0, text.size() - droppingCharacters(text, count).size()));
+}
+
 std::string Text::droppingCharacters(std::string_view text, std::int64_t count) {
     std::string storage;
     text = valid(text, storage);
@@ -218,13 +231,8 @@ std::string Text::droppingCharacters(std::string_view text, std::int64_t count) 
 }
 
 std::string Text::caseFolded(std::string_view text) {
+    if (isAscii(text)) return lowerCasedAscii(text);
     std::string folded;
-    if (isAscii(text)) {
-        folded = text;
-        for (char& letter : folded)
-            if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-        return folded;
-    }
     std::string storage;
     text = valid(text, storage);
     icu::StringByteSink<std::string> sink(&folded);
@@ -233,6 +241,35 @@ std::string Text::caseFolded(std::string_view text) {
                            sink, nullptr, status);
     throwUnicodeFailure(status);
     return folded;
+}
+
+std::string Text::upperCased(std::string_view text) {
+    std::string storage;
+    text = valid(text, storage);
+    std::string upper;
+    icu::StringByteSink<std::string> sink(&upper);
+    UErrorCode status = U_ZERO_ERROR;
+    icu::CaseMap::utf8ToUpper("", 0, icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())), sink,
+                              nullptr, status);
+    throwUnicodeFailure(status);
+    return upper;
+}
+
+std::string Text::lowerCased(std::string_view text) {
+    if (isAscii(text)) return lowerCasedAscii(text);
+    std::string lower;
+    for (;;) {
+        const std::string_view piece = text.substr(0, validPrefix(text));
+        icu::StringByteSink<std::string> sink(&lower);
+        UErrorCode status = U_ZERO_ERROR;
+        icu::CaseMap::utf8ToLower("", 0, icu::StringPiece(piece.data(), static_cast<std::int32_t>(piece.size())), sink,
+                                  nullptr, status);
+        throwUnicodeFailure(status);
+        text.remove_prefix(piece.size());
+        if (text.empty()) return lower;
+        lower += text.front();
+        text.remove_prefix(1);
+    }
 }
 
 bool Text::localizedContains(std::string_view text, std::string_view needle) {

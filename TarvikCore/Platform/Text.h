@@ -16,10 +16,15 @@ bool isValidUtf8(std::string_view bytes);
 std::string displayable(std::string_view bytes);
 /// The number of characters as a user counts them (extended grapheme clusters).
 std::int64_t characterCount(std::string_view text);
-/// `text` without its first `count` characters.
+/// The first `count` characters of `text`, and `text` without them.
+std::string firstCharacters(std::string_view text, std::int64_t count);
 std::string droppingCharacters(std::string_view text, std::int64_t count);
 /// Lower case without regard to locale (Unicode default case folding), for comparisons.
 std::string caseFolded(std::string_view text);
+/// Upper case without regard to locale, for names that are shown.
+std::string upperCased(std::string_view text);
+/// Lower case without regard to locale, for names of files: bytes that are no valid UTF-8 stay as they are.
+std::string lowerCased(std::string_view text);
 /// Whether `needle` occurs in `text`, case and accents as the user's locale sees them ignored. An empty one does.
 bool localizedContains(std::string_view text, std::string_view needle);
 /// Below, at or above 0: the order of two texts in the user's locale, case ignored. The C locale counts as English.

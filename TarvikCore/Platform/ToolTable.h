@@ -9,6 +9,10 @@ namespace tarvik {
 struct ToolTable {
     fs::path ditto;
     fs::path find;
+    fs::path codesign;
+    fs::path xcrun;
+    fs::path spctl;
+    fs::path ps;
 
     bool operator==(const ToolTable&) const = default;
 };

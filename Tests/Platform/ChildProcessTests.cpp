@@ -1,5 +1,6 @@
 #include "Platform/ChildProcess.h"
 #include "Platform/FileError.h"
+#include "Support/EnvironmentVariable.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -7,6 +8,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <optional>
 #include <pthread.h>
@@ -55,6 +57,21 @@ TEST(ChildProcess, PassesArgumentsAsTheyStand) {
     ChildProcess child =
         ChildProcess::start("/bin/sh", {"-c", "printf '%s|' \"$@\"", "sh", "two words", "$HOME;*", "", "\xFF"});
     EXPECT_EQ(ChildProcess::readToEnd(child.standardOutput()), "two words|$HOME;*||\xFF|");
+}
+
+TEST(ChildProcess, InheritsTheEnvironmentButForTheChanges) {
+    const test::EnvironmentVariable kept("TARVIK_TEST", "kept");
+    const test::EnvironmentVariable longer("TARVIK_TEST_LONGER", "kept too");
+    const test::EnvironmentVariable absent("TARVIK_TEST_ABSENT", std::nullopt);
+    const auto told = [](const EnvironmentChange& change) {
+        ChildProcess child = ChildProcess::start("/bin/sh", {"-c", "set | grep ^TARVIK_TEST | sort"}, change);
+        return ChildProcess::readToEnd(child.standardOutput());
+    };
+    EXPECT_EQ(told({}), "TARVIK_TEST='kept'\nTARVIK_TEST_LONGER='kept too'\n");
+    EXPECT_EQ(told({{"TARVIK_TEST", std::nullopt}}), "TARVIK_TEST_LONGER='kept too'\n");
+    EXPECT_EQ(told({{"TARVIK_TEST", "a=b"}, {"TARVIK_TEST_ABSENT", ""}, {"TARVIK_TEST_LONGER", std::nullopt}}),
+              "TARVIK_TEST='a=b'\nTARVIK_TEST_ABSENT=''\n");
+    EXPECT_STREQ(std::getenv("TARVIK_TEST"), "kept");
 }
 
 TEST(ChildProcess, GivesTheNumberOfTheSignalThatEndedIt) {

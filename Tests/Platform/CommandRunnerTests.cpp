@@ -1,4 +1,5 @@
 #include "Platform/CommandRunner.h"
+#include "Platform/Files.h"
 #include "Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
@@ -20,6 +21,18 @@ using std::chrono::steady_clock;
 
 CommandResult shell(const std::string& script, std::optional<Seconds> timeout = std::nullopt) {
     return CommandRunner::run("/bin/sh", {"-c", script}, timeout);
+}
+
+/// Runs a script with longer and longer limits until it was quick enough to make the file `ready` in its working folder
+/// within one, so that a slow machine changes nothing. It begins anew each time, in an empty folder.
+CommandResult shellThatGetsReady(const std::string& script) {
+    CommandResult result;
+    for (double limit = 0.2; limit < 60; limit *= 2) {
+        const test::TemporaryFolder folder;
+        result = shell("cd '" + folder.path().native() + "'; " + script, Seconds(limit));
+        if (Files::exists(folder / "ready")) break;
+    }
+    return result;
 }
 
 /// "1\n2\n...", each number padded to 500 digits: far more than a pipe holds.
@@ -76,23 +89,28 @@ TEST(CommandRunner, AnEndlessLimitIsNone) {
 
 TEST(CommandRunner, AToolThatIsSeenEndedAfterTheLimitIsInTime) {
     // A process that is stopped until the limit has passed looks at the tool too late, and finds it ended. The helper
-    // learns from the end of the fifo that the tool has gone.
-    const test::TemporaryFolder folder;
-    const std::string script = "cd " + folder.path().native() +
-                               "; mkfifo gone; (exec >/dev/null 2>&1 <gone; read line; sleep 1.2; kill -CONT $PPID) & "
-                               "exec 9>gone; kill -STOP $PPID";
+    // learns from the end of the fifo that the tool has gone. A tool that is too slow to stop it gets more time.
+    const auto isSeenLateAndInTime = [](double limit) {
+        const test::TemporaryFolder folder;
+        const std::string script = fmt::format(
+            "cd {}; mkfifo gone; (exec >/dev/null 2>&1 <gone; read line; sleep {}; "
+            "kill -CONT $PPID) & exec 9>gone; kill -STOP $PPID",
+            folder.path().native(), limit * 1.2);
+        const auto start = steady_clock::now();
+        const auto result = shell(script, Seconds(limit));
+        return steady_clock::now() - start > Seconds(limit) && result.succeeded();
+    };
     EXPECT_EXIT(
         {
-            const auto start = steady_clock::now();
-            const auto result = shell(script, Seconds(1));
-            const bool wasLate = steady_clock::now() - start > Seconds(1);
-            ::_exit(wasLate && result.succeeded() ? 0 : 1);
+            double limit = 0.5;
+            while (limit < 10 && !isSeenLateAndInTime(limit)) limit *= 2;
+            ::_exit(limit < 10 ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
 
 TEST(CommandRunner, AToolThatEndsWellWhenAskedToStopHasStillFailed) {
-    const auto result = shell("trap 'echo stopping; exit 0' TERM; while :; do sleep 0.01; done", Seconds(1));
+    const auto result = shellThatGetsReady("trap 'echo stopping; exit 0' TERM; : >ready; while :; do sleep 0.01; done");
     EXPECT_EQ(result, (CommandResult{0, "stopping\n", "", true}));
     EXPECT_FALSE(result.succeeded());
 }
@@ -108,7 +126,8 @@ TEST(CommandRunner, AToolThatWillNotListenIsKilledTwoSecondsLater) {
 }
 
 TEST(CommandRunner, KeepsWhatAStoppedToolHadPrinted) {
-    EXPECT_EQ(shell("echo begun; exec sleep 100", Seconds(1)), (CommandResult{SIGTERM, "begun\n", "", true}));
+    EXPECT_EQ(shellThatGetsReady("echo begun; : >ready; exec sleep 100"),
+              (CommandResult{SIGTERM, "begun\n", "", true}));
 }
 
 TEST(CommandRunner, GivesNoTextForBytesThatAreNoUtf8) {
@@ -128,11 +147,19 @@ TEST(CommandRunner, WaitsForAProcessLeftBehindThatHoldsThePipes) {
 }
 
 TEST(CommandRunner, TheLimitDoesNotCoverAProcessLeftBehind) {
-    EXPECT_EQ(shell("(sleep 1.3; echo late) & echo early", Seconds(1)), (CommandResult{0, "early\nlate\n", "", false}));
+    // The process that is left behind ends when the limit, which the tool has kept, is long over.
+    CommandResult result;
+    for (double limit = 0.2; limit < 10; limit *= 2) {
+        result = shell(fmt::format("(sleep {}; echo late) & echo early", limit * 1.5), Seconds(limit));
+        if (!result.timedOut) break;
+    }
+    EXPECT_EQ(result, (CommandResult{0, "early\nlate\n", "", false}));
 }
 
 TEST(CommandRunner, DrainsAfterAStoppedToolToo) {
-    EXPECT_EQ(shell("(sleep 1.3; echo late) & exec sleep 100", Seconds(1)),
+    // The process that is left behind learns from the end of the fifo that the tool has been stopped.
+    EXPECT_EQ(shellThatGetsReady("mkfifo gone; (exec <gone; read line; echo late) & exec 9>gone; : >ready; "
+                                 "exec sleep 100"),
               (CommandResult{SIGTERM, "late\n", "", true}));
 }
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -149,7 +150,7 @@ TEST(Files, RefusesToRemoveATreeWithAFolderThatMayNotBeEmptied) {
         EXPECT_THROW(Files::removeItem(folder / "tree"), FileError);
         ASSERT_EQ(::seteuid(0), 0);
         ASSERT_TRUE(obstacle);
-        EXPECT_EQ(obstacle->description(),
+        EXPECT_EQ(obstacle->error().description(),
                   "Could not remove what is in " + (folder / "tree/locked").native() + ": Permission denied");
         EXPECT_TRUE(Files::exists(folder / "tree/a"));
     }
@@ -167,6 +168,45 @@ TEST(Files, RefusesToRemoveFromAFolderThatMayNotBeWrittenTo) {
     ASSERT_EQ(::seteuid(0), 0);
     ASSERT_TRUE(obstacle);
     EXPECT_TRUE(Files::exists(folder / "opt/app/file"));
+}
+
+TEST(Files, ReadsRegularFilesAloneAndNeverWaits) {
+    const TemporaryFolder folder;
+    makePipe(folder / "pipe");
+    makeFolder(folder / "folder");
+    makeLink(folder / "endless", "/dev/zero");
+    for (const char* name : {"pipe", "folder", "endless"}) EXPECT_THROW(Files::read(folder / name), FileError) << name;
+}
+
+TEST(Files, ReadsNoMoreThanALimit) {
+    const TemporaryFolder folder;
+    makeFile(folder / "ten", "0123456789");
+    EXPECT_EQ(Files::read(folder / "ten", 10), "0123456789");
+    makeFile(folder / "sparse", "");
+    fs::resize_file(folder / "sparse", std::uintmax_t{1} << 40);
+    for (const char* name : {"ten", "sparse"}) {
+        try {
+            Files::read(folder / name, 9);
+            ADD_FAILURE() << name;
+        } catch (const FileError& error) {
+            EXPECT_EQ(error.code(), EFBIG) << name;
+        }
+    }
+}
+
+TEST(Files, TellWhenAnItemWasModified) {
+    const TemporaryFolder folder;
+    makeFile(folder / "old");
+    fs::last_write_time(folder / "old", fs::file_time_type::clock::now() - std::chrono::hours(50));
+    makeLink(folder / "link", "old");
+    const auto now = std::chrono::system_clock::now();
+    const auto old = Files::modifiedAt(folder / "old");
+    const auto link = Files::modifiedAt(folder / "link");
+    ASSERT_TRUE(old && link);
+    EXPECT_GE(now - *old, std::chrono::hours(49));
+    EXPECT_LT(now - *old, std::chrono::hours(51));
+    EXPECT_LT(now - *link, std::chrono::hours(1));
+    EXPECT_FALSE(Files::modifiedAt(folder / "missing"));
 }
 
 TEST(Files, WritesWholeFilesAndReadsThemBack) {

@@ -37,8 +37,18 @@ TEST(Host, OfThisMachineStandsAtTheRootWithTheUsersHome) {
     EXPECT_EQ(host.home, world.path());
     EXPECT_TRUE(fs::is_directory(host.temporary));
     EXPECT_EQ(host.tools, systemTools());
-    EXPECT_TRUE(host.volumes && host.trash);
+    EXPECT_TRUE(host.volumes && host.trash && host.runningApplications);
     EXPECT_GT(host.now().time_since_epoch().count(), 0);
+}
+
+TEST(Host, GuidesItsToolsToTheSameMachine) {
+    const TemporaryFolder world;
+    makeFolder(world / "Users/ada");
+    const EnvironmentVariable root("TARVIK_ROOT", "/elsewhere");
+    Host::fromOptions(world.path(), std::nullopt).guideTools();
+    EXPECT_EQ(std::string(std::getenv("TARVIK_ROOT")), world.path().native());
+    Host::thisMachine().guideTools();
+    EXPECT_EQ(std::getenv("TARVIK_ROOT"), nullptr);
 }
 
 TEST(Host, AsksTheAccountWhenTheEnvironmentNamesNoHome) {

@@ -73,6 +73,31 @@ TEST(Text, DropsWholeCharacters) {
     EXPECT_EQ(Text::droppingCharacters("\xFFz", 1), "z");
 }
 
+TEST(Text, TakesWholeCharacters) {
+    EXPECT_EQ(Text::firstCharacters("abc", 2), "ab");
+    EXPECT_EQ(Text::firstCharacters("abc", 3), "abc");
+    EXPECT_EQ(Text::firstCharacters("abc", 4), "abc");
+    EXPECT_EQ(Text::firstCharacters("abc", 0), "");
+    EXPECT_EQ(Text::firstCharacters("", 1), "");
+    EXPECT_EQ(Text::firstCharacters("\r\nb", 1), "\r\n");
+    EXPECT_EQ(Text::firstCharacters("e\u0301e\u0301", 1), "e\u0301");
+    EXPECT_EQ(Text::firstCharacters("\xFFz", 1), "\uFFFD");
+}
+
+TEST(Text, WritesUpperCaseWithoutRegardToLocale) {
+    EXPECT_EQ(Text::upperCased("aZ9-i"), "AZ9-I");
+    EXPECT_EQ(Text::upperCased("\u00E9\u00DF"), "\u00C9SS");
+    EXPECT_EQ(Text::upperCased("\xFFz"), "\uFFFDZ");
+    EXPECT_EQ(Text::upperCased(""), "");
+}
+
+TEST(Text, LowersCaseWithoutRegardToLocaleAndKeepsBadBytes) {
+    EXPECT_EQ(Text::lowerCased("Finder AZ@[`{"), "finder az@[`{");
+    EXPECT_EQ(Text::lowerCased("\u00C9T\u00C9 Stra\u00DFe"), "\u00E9t\u00E9 stra\u00DFe");
+    EXPECT_EQ(Text::lowerCased("I\u00C9\xFF\xC3Z"), "i\u00E9\xFF\xC3z");
+    EXPECT_EQ(Text::lowerCased(""), "");
+}
+
 TEST(Text, FoldsCaseWithoutRegardToLocale) {
     EXPECT_EQ(Text::caseFolded("Finder AZ@[`{"), "finder az@[`{");
     EXPECT_EQ(Text::caseFolded("\u00C9T\u00C9"), "\u00E9t\u00E9");

@@ -23,6 +23,12 @@ public:
     static RealVolume ext4(const fs::path& parent, std::int64_t sizeBytes, std::string_view label = {});
     /// Mounts an empty memory file system of `sizeBytes` on a new folder in `parent`.
     static RealVolume memory(const fs::path& parent, std::int64_t sizeBytes);
+    /// Mounts a file system that needs no device, by the system's own words for its kind and its options. Nothing where
+    /// the system knows no such one.
+    static std::optional<RealVolume> ofKind(const fs::path& parent, std::string_view kind,
+                                            std::string_view options = {});
+    /// Shows `folder` a second time, on a new folder in `parent`. Nothing where the system knows no such thing.
+    static std::optional<RealVolume> viewOf(const fs::path& folder, const fs::path& parent);
 
     ~RealVolume();
     RealVolume(RealVolume&& other) noexcept;
@@ -30,6 +36,7 @@ public:
 
     /// The mount point, without links.
     const fs::path& path() const { return m_path; }
+    fs::path operator/(const fs::path& name) const { return m_path / name; }
     /// Makes the whole file system read-only. Fails while a file on it is open for writing.
     void remountReadOnly();
     /// Unplugs it: the mount point goes, files on it that are open stay usable until they are closed.

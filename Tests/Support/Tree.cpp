@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <fstream>
 #include <stdexcept>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -22,8 +21,7 @@ std::string digestOf(const std::string& bytes) {
 }
 
 void addLines(const fs::path& item, const std::string& relative, std::vector<std::string>& lines) {
-    struct stat status {};
-    if (::lstat(item.c_str(), &status) != 0) throw std::runtime_error("cannot look at " + item.native());
+    const struct stat status = statusOf(item);
     const unsigned permissions = status.st_mode & 07777U;
     if (S_ISLNK(status.st_mode)) {
         lines.push_back(fmt::format("link {} -> {}", relative, fs::read_symlink(item).native()));
@@ -76,6 +74,12 @@ void makeSocket(const fs::path& path) {
 void makePipe(const fs::path& path) {
     fs::create_directories(path.parent_path());
     if (::mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("cannot make a pipe at " + path.native());
+}
+
+struct stat statusOf(const fs::path& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) throw std::runtime_error("cannot look at " + path.native());
+    return status;
 }
 
 std::string contentOf(const fs::path& path) {

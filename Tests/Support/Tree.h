@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 
 /// The shared vocabulary of made worlds: short words for files and folders.
 namespace tarvik::test {
@@ -17,6 +18,8 @@ void makeFolder(const fs::path& path);
 void makeLink(const fs::path& link, const fs::path& target);
 void makeSocket(const fs::path& path);
 void makePipe(const fs::path& path);
+/// The status of the item itself, a link not followed. @throws std::runtime_error when nothing stands there.
+struct stat statusOf(const fs::path& path);
 std::string contentOf(const fs::path& path);
 /// Everything that a tree holds, an entry a line in byte order: kind, permissions, path, size and a digest of the
 /// content or a link's text. Two trees with equal pictures are the same to a user. Times are left out.

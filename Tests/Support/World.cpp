@@ -2,6 +2,7 @@
 
 #include "Platform/AppStorageNames.h"
 #include "Platform/FileError.h"
+#include "Platform/Files.h"
 #include "Platform/ProgramLocation.h"
 #include "Support/Tree.h"
 
@@ -24,7 +25,8 @@ World::World(const fs::path& drivePath)
     : home(folder / "Users/ada"),
       drive(drivePath.empty() ? folder / "Volumes/Backup" : drivePath),
       volumes(std::make_shared<MadeVolumes>()),
-      trash(std::make_shared<MadeTrash>(folder / "Trash")) {
+      trash(std::make_shared<MadeTrash>(folder / "Trash")),
+      applications(std::make_shared<MadeApplications>()) {
     makeFolder(home);
     makeFolder(drive);
     volumes->list.push_back({.mountPath = drive, .name = "Backup", .totalBytes = 0, .availableBytes = 0});
@@ -35,6 +37,7 @@ World::World(const fs::path& drivePath)
     host.tools.find = "/usr/bin/find";
     host.volumes = volumes;
     host.trash = trash;
+    host.runningApplications = applications;
     host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(madeNow)); };
     withDitto(R"(cp -aT "$2" "$3")");
 }
@@ -45,10 +48,15 @@ World& World::withRealDitto() {
 }
 
 World& World::withDitto(const std::string& script) {
-    host.tools.ditto = folder / "tools/ditto";
-    makeFile(host.tools.ditto, "#!/bin/sh\n" + script + "\n");
-    fs::permissions(host.tools.ditto, fs::perms::owner_all);
+    host.tools.ditto = tool("ditto", script);
     return *this;
+}
+
+fs::path World::tool(const std::string& name, const std::string& script) {
+    const fs::path path = folder / "tools" / name;
+    makeFile(path, "#!/bin/sh\n" + script + "\n");
+    fs::permissions(path, fs::perms::owner_all);
+    return path;
 }
 
 DriveInfo World::driveInfo() const {
@@ -62,8 +70,19 @@ DriveInfo World::driveInfo() const {
             .filesystem = std::nullopt};
 }
 
+std::vector<std::string> World::namesAtHome() const {
+    auto names = Files::names(home);
+    std::erase(names, "Library");
+    return names;
+}
+
 fs::path World::foldersOnDrive() const {
     return AppStorageNames::foldersRootOn(drive);
+}
+
+std::string waitFor(const fs::path& path) {
+    return "turns=0; until [ -e '" + path.native() +
+           "' ]; do turns=$((turns+1)); [ $turns -lt 6000 ] || exit 99; sleep 0.01; done\n";
 }
 
 fs::path programOfThisBuild(const std::string& name) {

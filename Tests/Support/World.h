@@ -2,6 +2,7 @@
 
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
+#include "Platform/RunningApplications.h"
 #include "Platform/TrashCan.h"
 #include "Platform/VolumeList.h"
 #include "Support/TemporaryFolder.h"
@@ -34,8 +35,25 @@ public:
     bool refuses = false;
 };
 
-/// A small machine in a temporary folder: a home, one drive (a plain folder), a Trash, a clock that stands still, and a
-/// copy tool that is a shell script.
+/// Running applications as a test wants them, which notes what it is asked.
+class MadeApplications : public RunningApplications {
+public:
+    std::vector<RunningApplication> running() const override { return list; }
+    void terminate(const RunningApplication& application) const override {
+        terminated.push_back(application);
+        if (quitsWhenAsked) list.clear();
+    }
+    void forceTerminate(const RunningApplication& application) const override { forced.push_back(application); }
+
+    mutable std::vector<RunningApplication> list;
+    /// All of them, at the first request.
+    bool quitsWhenAsked = false;
+    mutable std::vector<RunningApplication> terminated;
+    mutable std::vector<RunningApplication> forced;
+};
+
+/// A small machine in a temporary folder: a home, one drive (a plain folder), a Trash, a clock that stands still, a
+/// copy tool that is a shell script, and no running applications.
 class World {
 public:
     World();
@@ -46,17 +64,25 @@ public:
     World& withRealDitto();
     /// Replaces the copy tool by a shell script; its arguments are --rsrc, the source and the destination.
     World& withDitto(const std::string& script);
+    /// A shell script as the tool `name`. @returns its path.
+    fs::path tool(const std::string& name, const std::string& script);
 
     DriveInfo driveInfo() const;
     fs::path foldersOnDrive() const;
+    /// The names in the home, hidden ones too, without the Library, where the program keeps records of its own.
+    std::vector<std::string> namesAtHome() const;
 
     TemporaryFolder folder;
     fs::path home;
     fs::path drive;
     std::shared_ptr<MadeVolumes> volumes;
     std::shared_ptr<MadeTrash> trash;
+    std::shared_ptr<MadeApplications> applications;
     Host host;
 };
+
+/// A shell line for a copy tool: waits until something stands at `path`, and fails after a minute without it.
+std::string waitFor(const fs::path& path);
 
 /// The program `name` of this build, such as "stand-ins/ditto".
 fs::path programOfThisBuild(const std::string& name);

@@ -3,8 +3,8 @@
 #include "Platform/Files.h"
 
 #include <fmt/format.h>
-
 #include <libudev.h>
+
 #include <memory>
 #include <string_view>
 #include <sys/sysmacros.h>

@@ -36,6 +36,11 @@ int renameExclusively(const fs::path& from, const fs::path& to) {
     return resultOf(::rename(from.c_str(), to.c_str()));
 }
 
+int exchangeNames(const fs::path& first, const fs::path& second) {
+    const int result = resultOf(::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE));
+    return result == EINVAL || result == ENOSYS ? ENOTSUP : result;
+}
+
 int flushVolume(const fs::path& path) {
     const FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!item) return errno;

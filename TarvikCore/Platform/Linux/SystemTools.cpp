@@ -5,7 +5,12 @@ namespace tarvik {
 
 ToolTable systemTools() {
     const fs::path standIns = ProgramLocation::folder() / "stand-ins";
-    return {.ditto = standIns / "ditto", .find = "/usr/bin/find"};
+    return {.ditto = standIns / "ditto",
+            .find = "/usr/bin/find",
+            .codesign = standIns / "codesign",
+            .xcrun = standIns / "xcrun",
+            .spctl = standIns / "spctl",
+            .ps = "/bin/ps"};
 }
 
 }  // namespace tarvik

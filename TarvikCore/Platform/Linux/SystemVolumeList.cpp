@@ -4,8 +4,9 @@
 #include "Platform/Linux/VolumeRules.h"
 #include "Platform/VolumeList.h"
 
-#include <chrono>
 #include <libmount/libmount.h>
+
+#include <chrono>
 #include <sys/stat.h>
 #include <utility>
 

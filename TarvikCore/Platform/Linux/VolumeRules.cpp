@@ -2,9 +2,10 @@
 
 #include "Platform/Files.h"
 
+#include <libmount/libmount.h>
+
 #include <algorithm>
 #include <iterator>
-#include <libmount/libmount.h>
 #include <map>
 #include <string_view>
 #include <tuple>

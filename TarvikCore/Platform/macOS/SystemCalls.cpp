@@ -29,6 +29,10 @@ int renameExclusively(const fs::path& from, const fs::path& to) {
     return resultOf(::rename(from.c_str(), to.c_str()));
 }
 
+int exchangeNames(const fs::path& first, const fs::path& second) {
+    return resultOf(::renamex_np(first.c_str(), second.c_str(), RENAME_SWAP));
+}
+
 int flushVolume(const fs::path& path) {
     struct statfs volume {};
     if (::statfs(path.c_str(), &volume) != 0) return errno;

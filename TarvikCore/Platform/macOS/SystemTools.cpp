@@ -3,7 +3,12 @@
 namespace tarvik {
 
 ToolTable systemTools() {
-    return {.ditto = "/usr/bin/ditto", .find = "/usr/bin/find"};
+    return {.ditto = "/usr/bin/ditto",
+            .find = "/usr/bin/find",
+            .codesign = "/usr/bin/codesign",
+            .xcrun = "/usr/bin/xcrun",
+            .spctl = "/usr/sbin/spctl",
+            .ps = "/bin/ps"};
 }
 
 }  // namespace tarvik

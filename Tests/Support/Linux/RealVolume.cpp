@@ -118,6 +118,16 @@ FileDescriptor attach(const FileDescriptor& image, std::string& devicePath) {
     }
 }
 
+/// Mounts on `path`, or takes that folder away again and leaves the reason in errno.
+bool isMounted(const fs::path& path, const std::string& source, const std::string& kind, unsigned long flags,
+               const std::string& options = {}) {
+    if (::mount(source.c_str(), path.c_str(), kind.c_str(), flags, options.c_str()) == 0) return true;
+    const int error = errno;
+    ::rmdir(path.c_str());
+    errno = error;
+    return false;
+}
+
 }  // namespace
 
 void RealVolume::prepareProcess() {
@@ -152,9 +162,20 @@ RealVolume RealVolume::ext4(const fs::path& parent, std::int64_t sizeBytes, std:
 }
 
 RealVolume RealVolume::memory(const fs::path& parent, std::int64_t sizeBytes) {
+    auto volume = ofKind(parent, "tmpfs", fmt::format("size={},mode=0755", sizeBytes));
+    if (!volume) fail("cannot mount a memory file system");
+    return std::move(*volume);
+}
+
+std::optional<RealVolume> RealVolume::ofKind(const fs::path& parent, std::string_view kind, std::string_view options) {
     const fs::path path = newFolder(parent);
-    if (::mount("tmpfs", path.c_str(), "tmpfs", 0, fmt::format("size={},mode=0755", sizeBytes).c_str()) != 0)
-        fail("cannot mount a memory file system");
+    if (!isMounted(path, std::string(kind), std::string(kind), 0, std::string(options))) return std::nullopt;
+    return RealVolume(path);
+}
+
+std::optional<RealVolume> RealVolume::viewOf(const fs::path& folder, const fs::path& parent) {
+    const fs::path path = newFolder(parent);
+    if (!isMounted(path, folder, "none", MS_BIND)) fail("cannot show " + folder.native() + " twice");
     return RealVolume(path);
 }
 

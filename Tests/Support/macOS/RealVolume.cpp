@@ -67,6 +67,14 @@ RealVolume RealVolume::memory(const fs::path& parent, std::int64_t sizeBytes) {
     return RealVolume(attachImage(parent, sizeBytes, "HFS+", "untitled"));
 }
 
+std::optional<RealVolume> RealVolume::ofKind(const fs::path&, std::string_view, std::string_view) {
+    return std::nullopt;
+}
+
+std::optional<RealVolume> RealVolume::viewOf(const fs::path&, const fs::path&) {
+    return std::nullopt;
+}
+
 void RealVolume::remountReadOnly() {
     if (!run({"/sbin/mount", "-u", "-o", "rdonly", m_path.native()}))
         throw std::runtime_error("cannot make read-only " + m_path.native());

@@ -1,4 +1,4 @@
-#include "StandIns/DeepTree.h"
+#include "Support/DeepTree.h"
 
 #include <array>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "Move/SizingService.h"
+#include "Platform/SizingService.h"
 
 #include "Platform/TreeWalk.h"
 

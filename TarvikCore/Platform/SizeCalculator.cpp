@@ -1,4 +1,4 @@
-#include "Move/SizeCalculator.h"
+#include "Platform/SizeCalculator.h"
 
 #include "Platform/SystemCalls.h"
 #include "Platform/Text.h"

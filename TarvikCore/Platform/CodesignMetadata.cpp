@@ -1,0 +1,53 @@
+#include "Platform/CodesignMetadata.h"
+
+#include "Platform/CommandRunner.h"
+#include "Platform/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace tarvik::CodesignMetadata {
+
+namespace {
+
+/// What a tool answers: both tools do so on standard error. Empty when it could not be launched.
+std::string answerOf(const fs::path& tool, const std::vector<std::string>& arguments) {
+    auto result = CommandRunner::run(tool, arguments);
+    return result.status == CommandResult::notLaunched ? std::string() : std::move(result.stderr);
+}
+
+}  // namespace
+
+std::string teamName(const Host& host, const fs::path& path) {
+    constexpr std::string_view developer = "Authority=Developer ID Application: ";
+    constexpr std::string_view store = "Authority=Apple Mac OS Application Signing";
+    const std::string answer = answerOf(host.tools.codesign, {"-dvv", path.native()});
+    std::string_view rest = answer;
+    while (!rest.empty()) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        if (line.starts_with(developer)) {
+            const std::string_view name = line.substr(developer.size());
+            return Text::trimmed(name.substr(0, name.find('(')));
+        }
+        if (line.starts_with(store)) return "Apple (Mac App Store)";
+    }
+    return "Unsigned / Ad-hoc";
+}
+
+std::string notarizationStatus(const Host& host, const fs::path& path) {
+    using Meaning = std::pair<std::string_view, std::string_view>;
+    constexpr std::array<Meaning, 4> meanings = {{{"source=Notarized Developer ID", "Notarized"},
+                                                  {"source=Mac App Store", "Mac App Store"},
+                                                  {"rejected", "Not signed"},
+                                                  {"accepted", "Accepted"}}};
+    const std::string answer = answerOf(host.tools.spctl, {"-a", "-vv", path.native()});
+    for (const auto& [found, meaning] : meanings)
+        if (answer.find(found) != std::string::npos) return std::string(meaning);
+    return "Unknown";
+}
+
+}  // namespace tarvik::CodesignMetadata

@@ -1,0 +1,9 @@
+#include "Platform/RunningApplications.h"
+
+namespace tarvik {
+
+std::shared_ptr<const RunningApplications> makeSystemRunningApplications() {
+    return makeProcessTableApplications({});
+}
+
+}  // namespace tarvik

@@ -1,0 +1,310 @@
+#include "Platform/PropertyList.h"
+
+#include "Platform/FileDescriptor.h"
+#include "Platform/PropertyListCheck.h"
+#include "Platform/Text.h"
+
+#include <plist/plist.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fcntl.h>
+#include <limits>
+#include <memory>
+#include <new>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tarvik {
+
+namespace {
+
+/// What describes an application is some KB, a tool's answer a few MB. Whatever is larger is no such thing, and would
+/// take many times its size in memory.
+constexpr std::size_t largestSize = std::size_t{32} << 20;
+
+/// How an archive's reference to another of its objects is written in XML, where there is no type for it.
+constexpr const char* referenceKey = "CF$UID";
+
+/// What counts the seconds of dates: the beginning of 2001.
+constexpr std::chrono::sys_days firstDay = std::chrono::year{2001} / 1 / 1;
+using Seconds = std::chrono::seconds;
+
+/// Thrown and caught inside this file, where a list holds what has no meaning.
+class Unreadable : public std::exception {};
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+using OwnedText = std::unique_ptr<char, Free>;
+
+/// Owns a node and all that is below it.
+class Node {
+public:
+    explicit Node(plist_t node) : m_node(node) {
+        if (!m_node) throw std::bad_alloc();
+    }
+    Node(Node&& other) noexcept : m_node(std::exchange(other.m_node, nullptr)) {}
+    Node& operator=(Node&&) = delete;
+    ~Node() { ::plist_free(m_node); }
+
+    plist_t get() const { return m_node; }
+    plist_t release() { return std::exchange(m_node, nullptr); }
+
+private:
+    plist_t m_node;
+};
+
+/// What one of the library's writers makes of a node. Its versions differ in what the writers give back.
+template <auto write>
+std::string written(plist_t node) {
+    char* bytes = nullptr;
+    std::uint32_t length = 0;
+    write(node, &bytes, &length);
+    const OwnedText owner(bytes);
+    return bytes ? std::string(bytes, length) : std::string();
+}
+
+std::string checkedText(std::string text) {
+    if (!Text::isValidUtf8(text) || text.find('\0') != std::string::npos) throw Unreadable();
+    return text;
+}
+
+/// The library gives unsigned integers, whose upper half may stand for negative ones. What is too large for a signed
+/// one becomes a real number.
+PropertyList integerOf(plist_t node) {
+    std::uint64_t value = 0;
+    ::plist_get_uint_val(node, &value);
+    const auto asSigned = static_cast<std::int64_t>(value);
+    if (asSigned >= 0) return asSigned;
+    const bool isNegative = written<plist_to_xml>(node).find("<integer>-") != std::string::npos;
+    return isNegative ? PropertyList(asSigned) : PropertyList(static_cast<double>(value));
+}
+
+/// An instant in seconds since 1970, or the nearest one that a date can hold.
+PropertyList::Date dateAt(Seconds sinceEpoch) {
+    using Date = PropertyList::Date;
+    constexpr auto earliest = std::chrono::ceil<Seconds>(Date::min().time_since_epoch());
+    constexpr auto latest = std::chrono::floor<Seconds>(Date::max().time_since_epoch());
+    return Date(std::clamp(sinceEpoch, earliest, latest));
+}
+
+/// The library's number of seconds has 32 bits and reaches from 1932 to 2069; any other date is given as one of its
+/// ends. Its text of a date reaches further.
+PropertyList dateOf(plist_t node) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    std::int32_t seconds = 0;
+    std::int32_t microseconds = 0;
+    ::plist_get_date_val(node, &seconds, &microseconds);
+    if (seconds != Limits::min() && seconds != Limits::max())
+        return dateAt(firstDay.time_since_epoch() + Seconds(seconds));
+    const std::string text = written<plist_to_xml>(node);
+    const std::size_t start = text.find("<date>");
+    int year = 0;
+    unsigned month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    constexpr int fields = 6;
+    if (start == std::string::npos || std::sscanf(text.c_str() + start, "<date>%6d-%2u-%2uT%2u:%2u:%2uZ", &year, &month,
+                                                  &day, &hour, &minute, &second) != fields)
+        throw Unreadable();
+    const std::chrono::sys_days date = std::chrono::year(year) / month / day;
+    return dateAt(date.time_since_epoch() + std::chrono::hours(hour) + std::chrono::minutes(minute) + Seconds(second));
+}
+
+PropertyList dataOf(plist_t node) {
+    char* bytes = nullptr;
+    std::uint64_t length = 0;
+    ::plist_get_data_val(node, &bytes, &length);
+    const OwnedText owner(bytes);
+    return PropertyList::Data{bytes ? std::string(bytes, length) : std::string()};
+}
+
+PropertyList valueOf(plist_t node);
+
+PropertyList listOf(plist_t node) {
+    PropertyList::List list;
+    list.reserve(::plist_array_get_size(node));
+    plist_array_iter iterator = nullptr;
+    ::plist_array_new_iter(node, &iterator);
+    const std::unique_ptr<void, Free> owner(iterator);
+    while (true) {
+        plist_t item = nullptr;
+        ::plist_array_next_item(node, iterator, &item);
+        if (!item) return list;
+        list.push_back(valueOf(item));
+    }
+}
+
+PropertyList dictionaryOf(plist_t node) {
+    PropertyList::Dictionary dictionary;
+    plist_dict_iter iterator = nullptr;
+    ::plist_dict_new_iter(node, &iterator);
+    const std::unique_ptr<void, Free> owner(iterator);
+    while (true) {
+        char* key = nullptr;
+        plist_t item = nullptr;
+        ::plist_dict_next_item(node, iterator, &key, &item);
+        const OwnedText keyOwner(key);
+        if (!item || !key) return dictionary;
+        dictionary.insert_or_assign(checkedText(key), valueOf(item));
+    }
+}
+
+/// By recursion: what is read here has been checked for how deep it nests.
+PropertyList valueOf(plist_t node) {
+    switch (::plist_get_node_type(node)) {
+        case PLIST_BOOLEAN: {
+            std::uint8_t value = 0;
+            ::plist_get_bool_val(node, &value);
+            return value != 0;
+        }
+        case PLIST_UINT:
+            return integerOf(node);
+        case PLIST_REAL: {
+            double value = 0;
+            ::plist_get_real_val(node, &value);
+            return value;
+        }
+        case PLIST_STRING: {
+            std::uint64_t length = 0;
+            const char* text = ::plist_get_string_ptr(node, &length);
+            return checkedText(text ? std::string(text, length) : std::string());
+        }
+        case PLIST_DATE:
+            return dateOf(node);
+        case PLIST_DATA:
+            return dataOf(node);
+        case PLIST_UID: {
+            std::uint64_t value = 0;
+            ::plist_get_uid_val(node, &value);
+            return PropertyList::Dictionary{{referenceKey, static_cast<std::int64_t>(value)}};
+        }
+        case PLIST_ARRAY:
+            return listOf(node);
+        case PLIST_DICT:
+            return dictionaryOf(node);
+        default:
+            throw Unreadable();
+    }
+}
+
+/// A text as both forms can hold it.
+std::string writableText(const std::string& text) {
+    std::string writable = Text::displayable(text);
+    std::erase(writable, '\0');
+    return writable;
+}
+
+Node nodeOf(PropertyList::Date date) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    const Seconds sinceFirstDay =
+        std::chrono::floor<Seconds>(date.time_since_epoch()) - Seconds(firstDay.time_since_epoch());
+    const auto seconds = std::clamp<std::int64_t>(sinceFirstDay.count(), Limits::min() + 1, Limits::max() - 1);
+    return Node(::plist_new_date(static_cast<std::int32_t>(seconds), 0));
+}
+
+Node nodeOf(const PropertyList& value) {
+    if (const auto* boolean = value.as<bool>()) return Node(::plist_new_bool(*boolean ? 1 : 0));
+    if (const auto* integer = value.as<std::int64_t>())
+        return Node(::plist_new_uint(static_cast<std::uint64_t>(*integer)));
+    if (const auto* real = value.as<double>()) return Node(::plist_new_real(*real));
+    if (const auto* text = value.as<std::string>()) return Node(::plist_new_string(writableText(*text).c_str()));
+    if (const auto* data = value.as<PropertyList::Data>())
+        return Node(::plist_new_data(data->bytes.data(), data->bytes.size()));
+    if (const auto* date = value.as<PropertyList::Date>()) return nodeOf(*date);
+    if (const auto* list = value.as<PropertyList::List>()) {
+        Node node(::plist_new_array());
+        for (const auto& item : *list) ::plist_array_append_item(node.get(), nodeOf(item).release());
+        return node;
+    }
+    Node node(::plist_new_dict());
+    if (const auto* dictionary = value.as<PropertyList::Dictionary>())
+        for (const auto& [key, item] : *dictionary)
+            ::plist_dict_set_item(node.get(), writableText(key).c_str(), nodeOf(item).release());
+    return node;
+}
+
+/// What the library's reader makes of bytes that were found sound.
+template <auto read>
+PropertyList decoded(std::string_view bytes) {
+    plist_t node = nullptr;
+    read(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &node);
+    if (!node) throw Unreadable();
+    const Node owner(node);
+    return valueOf(node);
+}
+
+std::string_view withoutByteOrderMark(std::string_view bytes) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    return bytes.starts_with(mark) ? bytes.substr(mark.size()) : bytes;
+}
+
+/// The bytes of an ordinary file of a size that a property list may have. Opening never waits, as it would for a pipe
+/// without a writer.
+std::optional<std::string> bytesOfOrdinaryFile(const fs::path& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    if (status.st_size < 0 || static_cast<std::uintmax_t>(status.st_size) > largestSize) return std::nullopt;
+    std::string bytes;
+    char buffer[16 * 1024];
+    while (bytes.size() <= largestSize) {
+        const ssize_t length = ::read(file.get(), buffer, sizeof buffer);
+        if (length < 0 && errno == EINTR) continue;
+        if (length < 0) return std::nullopt;
+        if (length == 0) return bytes;
+        bytes.append(buffer, static_cast<std::size_t>(length));
+    }
+    return std::nullopt;  // It grew meanwhile.
+}
+
+}  // namespace
+
+std::optional<PropertyList> PropertyList::parsed(std::string_view bytes) {
+    if (bytes.size() > largestSize) return std::nullopt;
+    try {
+        if (PropertyListCheck::isSoundBinary(bytes)) return decoded<plist_from_bin>(bytes);
+        const std::string_view text = withoutByteOrderMark(bytes);
+        if (PropertyListCheck::isSoundXml(text)) return decoded<plist_from_xml>(text);
+    } catch (const std::exception&) {  // No meaning, or no memory: there is no property list to be had.
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<PropertyList> PropertyList::at(const fs::path& file) {
+    const auto bytes = bytesOfOrdinaryFile(file);
+    return bytes ? parsed(*bytes) : std::nullopt;
+}
+
+PropertyList PropertyList::dictionaryAt(const fs::path& file) {
+    auto list = at(file);
+    return list && list->as<Dictionary>() ? std::move(*list) : PropertyList();
+}
+
+const PropertyList* PropertyList::find(std::string_view key) const {
+    const auto* dictionary = as<Dictionary>();
+    if (!dictionary) return nullptr;
+    const auto found = dictionary->find(key);
+    return found == dictionary->end() ? nullptr : &found->second;
+}
+
+std::optional<std::string> PropertyList::text(std::string_view key) const {
+    const auto* value = find(key);
+    const auto* text = value ? value->as<std::string>() : nullptr;
+    return text ? std::optional(*text) : std::nullopt;
+}
+
+std::string PropertyList::xml() const {
+    return written<plist_to_xml>(nodeOf(*this).get());
+}
+
+std::string PropertyList::binary() const {
+    return written<plist_to_bin>(nodeOf(*this).get());
+}
+
+}  // namespace tarvik
