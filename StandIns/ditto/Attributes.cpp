@@ -33,9 +33,9 @@ bool isForbidden(int error) {
     return error == EPERM || error == EINVAL;
 }
 
-/// Only "user" attributes are the user's; the others are the system's to give.
+/// Only "user" attributes are the user's, and none of them may be lost; the others are the system's to give.
 bool mayBePassedOver(std::string_view name, int error) {
-    return isUnsupported(error) || (!name.starts_with("user.") && (isForbidden(error) || error == EACCES));
+    return !name.starts_with("user.") && (isUnsupported(error) || isForbidden(error) || error == EACCES);
 }
 
 /// Copies each attribute that `list` names by `get` and `set`, which are the system's calls with the item filled in.
@@ -74,7 +74,7 @@ int copyExtendedAttributesByName(const Item& item) {
     const auto destination = fmt::format("/proc/self/fd/{}/{}", item.parent.destination.get(), item.destinationName);
     if (item.parent.folder->handsDownAccessList) ::lremovexattr(destination.c_str(), accessList);
     return copyExtendedAttributes(
-        [&](char* names, std::size_t size) { return std::max<ssize_t>(0, ::llistxattr(source.c_str(), names, size)); },
+        [&](char* names, std::size_t size) { return ::llistxattr(source.c_str(), names, size); },
         [&](const char* name, char* value, std::size_t size) { return ::lgetxattr(source.c_str(), name, value, size); },
         [&](const char* name, const char* value, std::size_t size) {
             return ::lsetxattr(destination.c_str(), name, value, size, 0);

@@ -1,6 +1,7 @@
 #include "ditto/CopyCrew.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace tarvik::ditto {
@@ -68,7 +69,11 @@ void CopyCrew::finish() {
 
 void CopyCrew::startThreads() {
     const unsigned count = std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
-    for (unsigned i = 0; i < count; ++i) m_threads.emplace_back([this] { work(); });
+    try {
+        while (m_threads.size() < count) m_threads.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+        if (m_threads.empty()) throw;  // Fewer threads than wished for do the work as well.
+    }
 }
 
 void CopyCrew::work() {

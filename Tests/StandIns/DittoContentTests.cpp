@@ -1,5 +1,4 @@
 #include "StandIns/DittoRun.h"
-#include "StandIns/SmallVolume.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
@@ -17,12 +16,6 @@ namespace tarvik::test {
 namespace {
 
 constexpr std::int64_t megabyte = 1024 * 1024;
-
-struct stat statusOf(const fs::path& path) {
-    struct stat status {};
-    EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
-    return status;
-}
 
 /// A file of zeros that take no room, with `text` at `offset`.
 void makeSparseFile(const fs::path& path, std::int64_t size, std::int64_t offset, const std::string& text) {
@@ -45,11 +38,11 @@ TEST(DittoContent, CopiesAFileToThePathOfTheDestination) {
 }
 
 TEST(DittoContent, CopiesFilesOfEverySizeBetweenFileSystems) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     for (const std::size_t size : {0, 1, 4095, 4096, 262143, 262144, 262145, 700001})
         makeFileOfSize(folder / "tree" / std::to_string(size), size);
-    const SmallVolume drive;
+    const RealVolume drive = RealVolume::memory(folder.path(), 10 * megabyte);
     ASSERT_EQ(ditto(folder / "tree", drive / "tree").status, 0);
     EXPECT_EQ(pictureOf(drive / "tree"), pictureOf(folder / "tree"));
     ASSERT_EQ(ditto(drive / "tree", folder / "back").status, 0);
@@ -71,10 +64,10 @@ TEST(DittoContent, KeepsHolesAsHoles) {
 }
 
 TEST(DittoContent, KeepsHolesOnAnotherFileSystem) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     makeSparseFile(folder / "tree/middle", megabyte, megabyte / 2, "island");
-    const SmallVolume drive("tmpfs", "size=256k");
+    const RealVolume drive = RealVolume::memory(folder.path(), megabyte / 4);
     ASSERT_EQ(ditto(folder / "tree", drive / "copy").status, 0);
     EXPECT_EQ(pictureOf(drive / "copy"), pictureOf(folder / "tree"));
 }
@@ -137,7 +130,9 @@ TEST(DittoContent, TakesLittleMemoryForManyFiles) {
 }
 
 TEST(DittoContent, CopiesTwentyThousandFilesSideBySide) {
-    const SmallVolume drive;  // Where it cannot be mounted, a folder like any other: slower.
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder mounts;
+    const RealVolume drive = RealVolume::memory(mounts.path(), 400 * megabyte);
     for (unsigned i = 0; i < 20000; ++i)
         makeFile(drive / "tree" / std::to_string(i % 37) / std::to_string(i % 11) / std::to_string(i),
                  std::to_string(i));

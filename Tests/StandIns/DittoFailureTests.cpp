@@ -1,7 +1,7 @@
 #include "Platform/FileDescriptor.h"
-#include "StandIns/DeepTree.h"
+#include "Platform/Files.h"
 #include "StandIns/DittoRun.h"
-#include "StandIns/SmallVolume.h"
+#include "Support/DeepTree.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
@@ -18,10 +18,6 @@
 namespace tarvik::test {
 namespace {
 
-bool isNothing(const fs::path& path) {
-    return !fs::exists(fs::symlink_status(path));
-}
-
 void expectFailure(const DittoRun& run, const std::string& message) {
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.message, message + "\n");
@@ -31,7 +27,7 @@ TEST(DittoFailure, SaysThatTheSourceIsMissing) {
     const TemporaryFolder folder;
     expectFailure(ditto(folder / "none", folder / "new/copy"),
                   "Could not read " + (folder / "none").native() + ": No such file or directory");
-    EXPECT_TRUE(isNothing(folder / "new"));
+    EXPECT_FALSE(Files::itemExists(folder / "new"));
 }
 
 TEST(DittoFailure, WantsTwoPathsAndKnowsNoOtherOption) {
@@ -74,19 +70,19 @@ TEST(DittoFailure, SaysWhichFolderItMayNotRead) {
 }
 
 TEST(DittoFailure, SaysThatTheDriveIsFull) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     makeFileOfSize(folder / "tree/large", 3000000);
-    const SmallVolume drive("tmpfs", "size=1m");
+    const RealVolume drive = RealVolume::memory(folder.path(), 1'000'000);
     expectFailure(ditto(folder / "tree", drive / "copy"),
                   "Could not write " + (drive / "copy/large").native() + ": No space left on device");
 }
 
 TEST(DittoFailure, SaysOnceThatTheDriveIsFullWhenSeveralThreadsNotice) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     for (int i = 0; i < 600; ++i) makeFileOfSize(folder / "tree" / std::to_string(i % 9) / std::to_string(i), 9000);
-    const SmallVolume drive("tmpfs", "size=2m");
+    const RealVolume drive = RealVolume::memory(folder.path(), 2'000'000);
     const auto run = ditto(folder / "tree", drive / "copy");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(std::count(run.message.begin(), run.message.end(), '\n'), 1);
@@ -94,21 +90,22 @@ TEST(DittoFailure, SaysOnceThatTheDriveIsFullWhenSeveralThreadsNotice) {
 }
 
 TEST(DittoFailure, SaysThatTheDriveHasNoPlaceForMoreFiles) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     for (int i = 0; i < 200; ++i) makeFolder(folder / "tree" / std::to_string(i));
-    const SmallVolume drive("tmpfs", "nr_inodes=100");
-    const auto run = ditto(folder / "tree", drive / "copy");
+    const auto drive = RealVolume::ofKind(folder.path(), "tmpfs", "nr_inodes=100");
+    ASSERT_TRUE(drive);
+    const auto run = ditto(folder / "tree", *drive / "copy");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.message.find("Could not create the folder " + (drive / "copy/").native()), 0U) << run.message;
+    EXPECT_EQ(run.message.find("Could not create the folder " + (*drive / "copy/").native()), 0U) << run.message;
 }
 
 TEST(DittoFailure, SaysThatTheDriveCannotBeWritten) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     makeFile(folder / "tree/file");
-    SmallVolume drive;
-    drive.makeReadOnly();
+    RealVolume drive = RealVolume::memory(folder.path(), 1'000'000);
+    drive.remountReadOnly();
     expectFailure(ditto(folder / "tree", drive / "copy"),
                   "Could not create the folder " + (drive / "copy").native() + ": Read-only file system");
     expectFailure(ditto(folder / "tree/file", drive / "copy"),
@@ -161,17 +158,17 @@ TEST(DittoFailure, RefusesToMergeIntoTheSourceFromAbove) {
 }
 
 TEST(DittoFailure, NeverTakesTwoNamesForOne) {
-    if (!SmallVolume::isPossible()) TARVIK_SKIP_BECAUSE("needs the right to mount");
-    const SmallVolume drive("tmpfs", "casefold");
-    if (!drive.isMounted()) GTEST_SKIP() << "needs a file system that ignores case";
-    makeFolder(drive / "copy");
-    const FileDescriptor copy(::open((drive / "copy").c_str(), O_RDONLY | O_CLOEXEC));
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder folder;
+    const auto drive = RealVolume::ofKind(folder.path(), "tmpfs", "casefold");
+    if (!drive) GTEST_SKIP() << "needs a file system that ignores case";
+    makeFolder(*drive / "copy");
+    const FileDescriptor copy(::open((*drive / "copy").c_str(), O_RDONLY | O_CLOEXEC));
     int flags = FS_CASEFOLD_FL;
     ASSERT_EQ(::ioctl(copy.get(), FS_IOC_SETFLAGS, &flags), 0);
-    const TemporaryFolder folder;
     makeFile(folder / "tree/inner/name", "one");
     makeFile(folder / "tree/inner/NAME", "other");
-    const auto run = ditto(folder / "tree", drive / "copy");
+    const auto run = ditto(folder / "tree", *drive / "copy");
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.message.find(": File exists"), std::string::npos) << run.message;
 }
@@ -185,7 +182,9 @@ TEST(DittoFailure, PrintsWhatEveryReaderUnderstands) {
 }
 
 TEST(DittoFailure, KeepsAMessageShorterThanAPipe) {
-    const SmallVolume drive;
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder mounts;
+    const RealVolume drive = RealVolume::memory(mounts.path(), 10'000'000);
     constexpr int levels = 400;
     const DeepTree source(drive / "tree", levels);
     const DeepTree copy(drive / "copy", levels);
