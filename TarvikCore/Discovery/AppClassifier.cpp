@@ -1,0 +1,79 @@
+#include "Discovery/AppClassifier.h"
+
+#include "Discovery/AppFlags.h"
+#include "Platform/AppStorageNames.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "Platform/SystemFolders.h"
+#include "Platform/Text.h"
+
+#include <fmt/format.h>
+
+#include <string_view>
+
+namespace tarvik {
+
+namespace {
+
+/// Holds the path that a launcher opens.
+constexpr std::string_view launcherTargetFile = "Contents/Resources/ExternalAppTarget.txt";
+/// Far more than any path takes, in bytes.
+constexpr std::int64_t longestLauncherTarget = 64 * 1024;
+
+std::string without(std::string text, std::string_view word) {
+    for (auto place = text.find(word); place != text.npos; place = text.find(word, place))
+        text.erase(place, word.size());
+    return text;
+}
+
+std::string cleanedNotice(const std::string& notice) {
+    constexpr std::int64_t longest = 80;
+    const std::string words = without(without(Text::displayable(notice), "Copyright"), "\u00A9");
+    return Text::firstCharacters(Text::trimmed(words), longest);
+}
+
+}  // namespace
+
+AppClassifier::Classification AppClassifier::classify(const Host& host, const fs::path& bundle,
+                                                      const PropertyList& plist, bool isSymlink,
+                                                      const std::optional<fs::path>& symlinkTarget) {
+    const std::string_view path = bundle.native();
+    if (path.starts_with(SystemFolders::system(host).native() + "/")) return {.kind = AppRecordKind::systemRisky};
+    if (isSymlink) return {.kind = AppRecordKind::symlink, .externalTargetPath = symlinkTarget};
+    if (detectTarvikLauncher(bundle, plist))
+        return {.kind = AppRecordKind::tarvikLauncher,
+                .isTarvikLauncher = true,
+                .externalTargetPath = readLauncherTarget(bundle)};
+    if (path.find(fmt::format("/{}/", AppStorageNames::externalRoot)) != path.npos)
+        return {.kind = AppRecordKind::externalTarget};
+    if (path.starts_with((host.home / "Applications").native())) return {.kind = AppRecordKind::userApplications};
+    if (AppFlags::isMacAppStore(bundle)) return {.kind = AppRecordKind::macAppStore};
+    return {};
+}
+
+std::optional<std::string> AppClassifier::developer(const PropertyList& plist) {
+    for (const std::string_view key : {"CFBundleGetInfoString", "NSHumanReadableCopyright"}) {
+        const auto notice = plist.text(key);
+        if (notice && !notice->empty()) return cleanedNotice(*notice);
+    }
+    return std::nullopt;
+}
+
+bool AppClassifier::detectTarvikLauncher(const fs::path& bundle, const PropertyList& plist) {
+    const auto identifier = plist.text("CFBundleIdentifier");
+    return (identifier && identifier->ends_with(".externallauncher")) ||
+           plist.text("CFBundleExecutable") == "ExternalAppLauncher" || Files::exists(bundle / launcherTargetFile);
+}
+
+std::optional<fs::path> AppClassifier::readLauncherTarget(const fs::path& bundle) {
+    try {
+        const std::string text = Files::read(bundle / launcherTargetFile, longestLauncherTarget);
+        // What comes after a zero byte would be lost on the way to the system: such a text names no path.
+        if (text.find('\0') != text.npos) return std::nullopt;
+        return Text::trimmed(text);
+    } catch (const Failure&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace tarvik

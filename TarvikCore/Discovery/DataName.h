@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string_view>
+
+/// The names by which an application's data is found are whatever its maker wrote, or nothing at all. In a pattern like
+/// Library/Caches/NAME, a name such as "" or ".." would stand for a folder that belongs to everybody.
+namespace tarvik::DataName {
+
+/// Whether a folder joined with `name` is an item of its own below that folder. Pure.
+bool isUsable(std::string_view name);
+
+}  // namespace tarvik::DataName

@@ -1,0 +1,16 @@
+#include "Discovery/SlugDataEligibility.h"
+
+#include "Discovery/CuratedDomains.h"
+#include "Platform/Text.h"
+
+namespace tarvik {
+
+bool SlugDataEligibility::includesDotfileAndNodeCaches(const AppIdentity& identity) {
+    if (!identity.bundleIdentifier) return true;
+    const OwnedPaths* const known = CuratedDomains::entry(identity.bundleIdentifier);
+    if (known && known->excludesDotfileAndNodeCaches) return false;
+    const std::string identifier = Text::lowerCased(*identity.bundleIdentifier);
+    return identifier.find("url-handler") == identifier.npos && identifier.find("urlhandler") == identifier.npos;
+}
+
+}  // namespace tarvik

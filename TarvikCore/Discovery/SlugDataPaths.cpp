@@ -1,0 +1,14 @@
+#include "Discovery/SlugDataPaths.h"
+
+#include "Discovery/DotfileEntries.h"
+#include "Discovery/NodeCliCacheEntries.h"
+
+namespace tarvik {
+
+std::vector<fs::path> SlugDataPaths::all(const fs::path& home, std::string_view slug) {
+    std::vector<fs::path> result = DotfileEntries::paths(home, slug);
+    for (fs::path& path : NodeCliCacheEntries::paths(home, slug)) result.push_back(std::move(path));
+    return result;
+}
+
+}  // namespace tarvik

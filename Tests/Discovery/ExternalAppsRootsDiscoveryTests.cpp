@@ -1,0 +1,37 @@
+#include "Discovery/ExternalAppsRootsDiscovery.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tarvik {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(ExternalAppsRootsDiscovery, FindsOurFolderOnVolumesAndThenTheExtras) {
+    const test::World world;
+    const fs::path volumes = world.folder / "Volumes";
+    test::makeFolder(volumes / "Two/ExternalTarvik/Apps");
+    test::makeFolder(volumes / "One/ExternalTarvik/Apps");
+    test::makeFolder(volumes / "Other/ExternalTarvik/Data");
+    test::makeFolder(volumes / ".hidden/ExternalTarvik/Apps");
+    test::makeFile(volumes / "file");
+    test::makeFolder(world.folder / "Extra");
+    EXPECT_THAT(ExternalAppsRootsDiscovery::roots(world.host, {world.folder / "missing", world.folder / "Extra",
+                                                               volumes / "One/ExternalTarvik/Apps"}),
+                ElementsAre(volumes / "One/ExternalTarvik/Apps", volumes / "Two/ExternalTarvik/Apps",
+                            world.folder / "Extra", volumes / "One/ExternalTarvik/Apps"));
+}
+
+TEST(ExternalAppsRootsDiscovery, GivesTheExtrasAlsoWithoutVolumes) {
+    const test::World world;
+    fs::remove_all(world.folder / "Volumes");
+    test::makeFolder(world.folder / "Extra");
+    EXPECT_THAT(ExternalAppsRootsDiscovery::roots(world.host, {world.folder / "Extra"}),
+                ElementsAre(world.folder / "Extra"));
+}
+
+}  // namespace
+}  // namespace tarvik
