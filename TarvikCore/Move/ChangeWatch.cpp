@@ -1,8 +1,10 @@
 #include "Move/ChangeWatch.h"
 
+#include "Platform/FileError.h"
 #include "Platform/SystemCalls.h"
 #include "Platform/TreeWalk.h"
 
+#include <cerrno>
 #include <chrono>
 #include <sys/stat.h>
 #include <thread>
@@ -31,14 +33,18 @@ Mark mark() {
 
 std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {
     struct stat status {};
-    if (::lstat(root.c_str(), &status) != 0 || isAfter(SystemCalls::contentChangeTime(status), mark.time))
-        return fs::path();
+    if (::lstat(root.c_str(), &status) != 0) throw FileError("read", root, errno);
+    if (isAfter(SystemCalls::contentChangeTime(status), mark.time)) return fs::path();
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
     TreeWalk walk(root, {.order = TreeWalk::Order::any});
-    if (walk.rootError()) return fs::path();
+    if (walk.rootError()) throw FileError("read", root, walk.rootError());
     while (walk.next()) {
-        const struct stat* entry = walk.event() == TreeWalk::Event::item ? walk.status() : nullptr;
-        if (!entry || isAfter(SystemCalls::statusChangeTime(*entry), mark.time)) return fs::path(walk.relativePath());
+        if (walk.event() == TreeWalk::Event::unreadable)
+            throw FileError("read", root / walk.relativePath(), walk.errorNumber());
+        const struct stat* entry = walk.status();
+        if (!entry && errno != ENOENT) throw FileError("read", root / walk.relativePath(), errno);
+        const bool hasGone = !entry;
+        if (hasGone || isAfter(SystemCalls::statusChangeTime(*entry), mark.time)) return fs::path(walk.relativePath());
     }
     return std::nullopt;
 }

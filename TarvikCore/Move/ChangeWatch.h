@@ -22,7 +22,8 @@ Mark mark();
 /// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
 /// itself; nothing when all is as it was. It goes by the time of the last status change, which no program can set back;
 /// the root itself, which may have been renamed since, by the time of its content. On a volume that keeps whole seconds
-/// only, a change within the second of the mark counts.
+/// only, a change within the second of the mark counts. @throws FileError when something cannot be read: nothing can be
+/// told then.
 std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark);
 
 }  // namespace tarvik::ChangeWatch

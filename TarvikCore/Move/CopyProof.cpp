@@ -10,7 +10,9 @@ namespace tarvik::CopyProof {
 
 std::optional<std::string> reasonAgainst(const Host& host, const fs::path& original, const fs::path& copy,
                                          Count count) {
-    std::future<int> flushed = std::async(std::launch::async, [&copy] { return SystemCalls::flushVolume(copy); });
+    // Where no thread can be had, the flush waits for the comparison to end.
+    std::future<int> flushed =
+        std::async(std::launch::async | std::launch::deferred, [&copy] { return SystemCalls::flushVolume(copy); });
     auto reason = count == Count::yes ? MoveVerifier::failureReason(host, original, copy)
                                       : MoveVerifier::failureReasonByItem(host, original, copy);
     const int flushError = flushed.get();

@@ -1,23 +1,35 @@
 #include "Move/FileCopier.h"
 
 #include "Move/MoverError.h"
-#include "Move/MoverStasher.h"
 #include "Move/ProgressTimer.h"
-#include "Move/SizeCalculator.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/Failure.h"
+#include "Platform/SizeCalculator.h"
 #include "Platform/StreamReader.h"
 #include "Platform/Text.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
 namespace tarvik::FileCopier {
+
+namespace {
+
+constexpr std::size_t longestMessage = 16 * 1024;
+
+}  // namespace
 
 void runDitto(const Host& host, const fs::path& from, const fs::path& to) {
     ChildProcess ditto = ChildProcess::start(host.tools.ditto, {"--rsrc", from.native(), to.native()});
     std::string output;
     StreamReader reader;
-    reader.add(ditto.standardError(), [&output](std::string_view piece) { output += piece; });
+    // The first words tell why; a tool that goes on about millions of files is not listened to.
+    reader.add(ditto.standardError(), [&output](std::string_view piece) {
+        output += piece.substr(0, std::min(piece.size(), longestMessage - output.size()));
+    });
     reader.add(ditto.standardOutput(), [](std::string_view) {});  // Read so that the tool never waits for us.
     reader.readToEnd();
     const int status = ditto.wait();
@@ -34,9 +46,9 @@ void copy(const Host& host, const fs::path& from, const fs::path& to, std::int64
     try {
         runDitto(host, from, to);
     } catch (const Failure& failure) {
-        MoverStasher::stash(host, to);
         throw MoverError::copyFailed(failure.description());
     }
+    timer.cancel();  // No report of a part comes beside or behind that of the whole.
     progress(totalBytes, totalBytes);
 }
 

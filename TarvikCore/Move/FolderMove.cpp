@@ -2,13 +2,14 @@
 
 #include "Move/MoveRefusal.h"
 #include "Move/MoverError.h"
-#include "Move/SizeCalculator.h"
-#include "Move/SizingService.h"
 #include "Platform/AppStorageNames.h"
-#include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Platform/SizeCalculator.h"
+#include "Platform/SizingService.h"
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace tarvik::FolderMove {
 
@@ -20,11 +21,12 @@ Failure refusal(std::string sentence) {
 
 }  // namespace
 
-MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive) {
+MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, const Cancellation& cancellation) {
     const fs::path source = Files::standardized(folder);
     if (!Files::exists(source)) throw refusal("Source folder doesn't exist.");
     if (auto sentence = MoveRefusal::ofFolder(host, source, drive)) throw refusal(*sentence);
-    const std::int64_t size = SizingService::size(host, source);
+    const std::int64_t size = SizingService::size(host, source, cancellation);
+    if (cancellation.isCancelled()) throw cancelled();  // The size is only a part of it.
     if (drive.freeBytes < size)
         throw refusal(fmt::format("Need {} but {} has {}.", SizeCalculator::format(size), drive.name,
                                   SizeCalculator::format(drive.freeBytes)));
@@ -54,6 +56,14 @@ Dialog confirmRestore(const fs::path& link, const fs::path& target) {
     return {fmt::format("Move {} back?", link.filename().native()),
             fmt::format("Moves the contents back from {} and removes the symlink.", target.native()),
             {"Move Back", "Cancel"}};
+}
+
+std::string restored(const fs::path& link) {
+    return "Restored " + link.filename().native();
+}
+
+Failure cancelled() {
+    return refusal("Cancelled. Nothing was changed.");
 }
 
 }  // namespace tarvik::FolderMove

@@ -1,18 +1,23 @@
 #include "Move/ItemMover.h"
 
+#include "Discovery/AppScanner.h"
 #include "Move/ChangeWatch.h"
 #include "Move/CopyProof.h"
 #include "Move/FileCopier.h"
+#include "Move/HiddenPlace.h"
 #include "Move/MoverError.h"
+#include "Move/MoverStasher.h"
 #include "Move/OriginalRemoval.h"
 #include "Move/ProgressTimer.h"
-#include "Move/SizeCalculator.h"
 #include "Platform/Files.h"
-#include "Platform/Identifier.h"
+#include "Platform/SizeCalculator.h"
+
+#include <fmt/format.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <optional>
-#include <utility>
+#include <string>
 
 namespace tarvik::ItemMover {
 
@@ -22,17 +27,6 @@ bool isSameVolume(const fs::path& item, const fs::path& folder) {
     const auto own = Files::info(item);
     const auto other = Files::infoFollowingLinks(folder);
     return own && other && own->device == other->device;
-}
-
-/// Renames, or tells that the goal is on another volume.
-bool renamesWithinVolume(const fs::path& from, const fs::path& to) {
-    try {
-        Files::rename(from, to);
-        return true;
-    } catch (const FileError& error) {
-        if (error.code() == EXDEV) return false;
-        throw;
-    }
 }
 
 void copyWithProgress(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
@@ -46,43 +40,127 @@ void copyWithProgress(const Host& host, const fs::path& from, const fs::path& to
     FileCopier::runDitto(host, from, to);
 }
 
-/// Leaves at `to` a complete copy that has reached the drive, or nothing.
-void copyAcross(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress,
-                const std::function<void()>& makeWay) {
-    const fs::path temporary = to.parent_path() / (".tarvik-moving-" + newIdentifier());
+/// Makes the item take the place of what stands at the goal, which then stands where the item stood.
+void takePlace(const fs::path& item, const fs::path& to, Goal goal) {
+    if (goal == Goal::free) return Files::rename(item, to);
+    Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
+    const bool isExpected =
+        goal == Goal::link ? Files::isSymbolicLink(item) : AppScanner::launcherShimTarget(item).has_value();
+    if (isExpected) return;
+    Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
+    throw FileError("replace", to, EEXIST);
+}
+
+/// The way back of `takePlace`.
+void leavePlace(const fs::path& item, const fs::path& to, Goal goal) {
+    goal == Goal::free ? Files::rename(to, item) : Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
+}
+
+/// Renames, or tells that the goal is on another volume.
+bool renamesWithinVolume(const fs::path& from, const fs::path& to, Goal goal) {
+    try {
+        takePlace(from, to, goal);
+    } catch (const FileError& error) {
+        if (error.code() == EXDEV) return false;
+        throw;
+    }
+    if (goal == Goal::free) return true;
+    try {
+        Files::removeItem(from);
+    } catch (...) {
+        ignoringFailure([&] { leavePlace(from, to, goal); });
+        throw;
+    }
+    return true;
+}
+
+/// Passes on what is being handled; a failure of the copier speaks of the goal then, and not of the hidden name.
+[[noreturn]] void rethrowOnBehalfOf(const fs::path& to, const fs::path& temporary) {
+    try {
+        throw;
+    } catch (const MoverError&) {
+        throw;
+    } catch (const Failure& failure) {
+        std::string description = failure.description();
+        const std::string& hidden = temporary.native();
+        for (std::size_t at = 0; (at = description.find(hidden, at)) != std::string::npos; at += to.native().size())
+            description.replace(at, hidden.size(), to.native());
+        throw Failure(failure.domain(), failure.code(), description);
+    }
+}
+
+/// Leaves at `temporary` a complete copy that has reached the drive, or nothing.
+void copyAcross(const Host& host, const fs::path& from, const fs::path& to, const fs::path& temporary,
+                const ProgressCallback& progress) {
     try {
         copyWithProgress(host, from, temporary, progress);
         if (auto reason = CopyProof::reasonAgainst(host, from, temporary, CopyProof::Count::no))
             throw MoverError::verifyFailed(*reason);
-        makeWay();
-        Files::rename(temporary, to);
     } catch (...) {
         ignoringFailure([&] { Files::removeItem(temporary); });  // Our own unfinished copy: the original is whole.
+        rethrowOnBehalfOf(to, temporary);
+    }
+}
+
+/// Takes the copy out of its place again. Someone may have written to it by now, so it goes to the Trash.
+void giveUpArrival(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
+    ignoringFailure([&] {
+        leavePlace(temporary, to, goal);
+        MoverStasher::stash(host, temporary);
+    });
+}
+
+/// Puts the complete copy at `temporary` in its place, for good, or leaves the place as it was.
+void arrive(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
+    try {
+        takePlace(temporary, to, goal);
+    } catch (...) {
+        ignoringFailure([&] { Files::removeItem(temporary); });  // Nobody has seen the copy yet.
         throw;
     }
-    Files::flushVolume(to.parent_path());
+    try {
+        Files::flushVolume(to.parent_path());
+    } catch (...) {
+        giveUpArrival(host, temporary, to, goal);
+        throw;
+    }
+}
+
+void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal goal,
+                const ProgressCallback& progress) {
+    if (const auto obstacle = Files::removalObstacle(from)) throw obstacle->error();
+    const auto start = ChangeWatch::mark();
+    const fs::path temporary = HiddenPlace::forCopyTo(to);
+    if (!Files::claim(temporary, Files::info(from).value_or(Files::ItemInfo{}).type))
+        throw FileError("create", temporary, EEXIST);
+    const FileDescriptor held = HiddenPlace::hold(temporary);
+    copyAcross(host, from, to, temporary, progress);
+    arrive(host, temporary, to, goal);
+    // What was replaced stands at `temporary` until nothing can go wrong any more.
+    const auto discardReplaced = [&] {
+        if (goal != Goal::free) ignoringFailure([&] { Files::removeItem(temporary); });
+    };
+    try {
+        OriginalRemoval::remove(host, from, start);
+    } catch (const MoverError&) {
+        giveUpArrival(host, temporary, to, goal);
+        throw;
+    } catch (const Failure& failure) {
+        discardReplaced();
+        throw Failure("ItemMover", failure.code(),
+                      fmt::format("{} is in its place again, but what it was copied from could not be removed. {}",
+                                  to.filename().native(), failure.description()));
+    }
+    discardReplaced();
 }
 
 }  // namespace
 
-void move(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress,
-          const std::function<void()>& makeWay) {
-    if (!makeWay && Files::itemExists(to)) throw FileError("move", from.native() + " to " + to.native(), EEXIST);
-    bool hasMadeWay = !makeWay;
-    const auto makeWayOnce = [&] {
-        if (!std::exchange(hasMadeWay, true)) makeWay();
-    };
-    if (isSameVolume(from, to.parent_path())) {
-        makeWayOnce();
-        if (renamesWithinVolume(from, to)) return;
-    }
-    if (auto obstacle = Files::removalObstacle(from)) throw *std::move(obstacle);
-    const auto start = ChangeWatch::mark();
-    copyAcross(host, from, to, progress, makeWayOnce);
-    if (auto reason = OriginalRemoval::remove(host, from, start)) {
-        ignoringFailure([&] { Files::removeItem(to); });  // The original is whole, and newer than this copy.
-        throw MoverError::verifyFailed(*reason);
-    }
+void move(const Host& host, const fs::path& from, const fs::path& to, Goal goal, const ProgressCallback& progress) {
+    if (goal == Goal::free && Files::itemExists(to))
+        throw FileError("move", from.native() + " to " + to.native(), EEXIST);
+    if (isSameVolume(from, to.parent_path()) && renamesWithinVolume(from, to, goal)) return;
+    moveAcross(host, from, to, goal, progress);
 }
 
 }  // namespace tarvik::ItemMover

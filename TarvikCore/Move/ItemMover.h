@@ -12,13 +12,19 @@ namespace tarvik::ItemMover {
 /// Both in bytes; from a background thread while a copy runs. Never called within one volume.
 using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t total)>;
 
-/// Renames where that is possible. To another volume the item is copied under a temporary name beside `to`, checked
-/// entry by entry, flushed to the drive, renamed, and only then removed at `from`. Never replaces what stands at `to`.
-/// Blocks; any thread. `progress` may be empty. `makeWay`, which may be empty too, is called once, right before the
-/// item takes its place, and removes what stands at `to` until then.
-/// @throws FileError, Failure or MoverError. The item then stands whole at `from`, except when its removal there
-/// failed, and then it stands whole at `to`.
-void move(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress = {},
-          const std::function<void()>& makeWay = {});
+/// What stands where the item is to go.
+enum class Goal {
+    free,      ///< nothing: whatever turns up there is never replaced
+    link,      ///< a symbolic link, which the item replaces in one step where the file system can do that
+    launcher,  ///< a generated launcher, which the item replaces in the same way
+};
+
+/// Renames where that is possible. To another volume the item is copied under a hidden name beside `to`, checked entry
+/// by entry, flushed to the drive, put in its place, and only then removed at `from`. Blocks; any thread. `progress`
+/// may be empty.
+/// @throws FileError, Failure or MoverError. The item then stands whole at `from`, and at `to` is what was there
+/// before. The exception is a Failure of the domain "ItemMover": the item stands whole at `to`, and what could not be
+/// removed of it at `from`.
+void move(const Host& host, const fs::path& from, const fs::path& to, Goal goal, const ProgressCallback& progress = {});
 
 }  // namespace tarvik::ItemMover

@@ -15,9 +15,19 @@ using Refusal = std::optional<std::string>;
 Refusal byKind(const fs::path& folder) {
     if (const auto target = Files::linkText(folder))
         return fmt::format("{} is already a symlink to {}.", folder.filename().native(), target->native());
-    if (!Files::isFolder(folder))
-        return fmt::format("{} is not a folder. Choose a folder.", folder.filename().native());
+    if (!Files::isFolder(folder)) return notAFolder(folder);
     return std::nullopt;
+}
+
+/// Where a link or another volume on the drive leads what is moved to it; nothing when it stays on the drive.
+std::optional<fs::path> placeOffDrive(const fs::path& mountPath) {
+    fs::path deepest = AppStorageNames::foldersRootOn(mountPath);
+    while (!Files::itemExists(deepest) && deepest != mountPath) deepest = deepest.parent_path();
+    const fs::path place = Files::resolved(deepest).value_or(deepest);
+    const auto there = Files::info(place);
+    const auto drive = Files::info(mountPath);
+    const bool isOnDrive = Files::isAtOrBelow(place, mountPath) && there && drive && there->device == drive->device;
+    return isOnDrive ? std::nullopt : std::optional(place);
 }
 
 /// `folder` and `mountPath` with all links resolved.
@@ -27,10 +37,9 @@ Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveIn
     if (Files::isAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
     if (Files::isAtOrBelow(mountPath, folder))
         return fmt::format("{} holds the target drive {} and can't be moved to it.", folder.native(), drive.name);
-    const auto goal = Files::resolved(AppStorageNames::foldersRootOn(drive.mountPath));
-    if (goal && !Files::isAtOrBelow(*goal, mountPath))
+    if (const auto elsewhere = placeOffDrive(mountPath))
         return fmt::format("What is moved to {} would land in {}, which is not on that drive.", drive.name,
-                           goal->native());
+                           elsewhere->native());
     return std::nullopt;
 }
 
@@ -47,10 +56,26 @@ Refusal bySystem(const Host& host, const fs::path& folder) {
 Refusal byContents(const fs::path& folder) {
     const auto obstacle = Files::removalObstacle(folder);
     if (!obstacle) return std::nullopt;
-    return fmt::format("{} can't be moved as a whole. {}", folder.filename().native(), obstacle->description());
+    const std::string name = folder.filename();
+    const std::string place = obstacle->path.native();
+    switch (obstacle->kind) {
+        case Files::RemovalObstacle::Kind::mountedVolume:
+            return fmt::format("{} can't be moved: another volume is mounted at {}.", name, place);
+        case Files::RemovalObstacle::Kind::sealedFolder:
+            return fmt::format("{} can't be moved: nothing may be taken out of {} ({}).", name, place,
+                               systemErrorText(obstacle->errorNumber));
+        case Files::RemovalObstacle::Kind::unreadable:
+            break;
+    }
+    return fmt::format("{} can't be moved as a whole: {} can't be read ({}).", name, place,
+                       systemErrorText(obstacle->errorNumber));
 }
 
 }  // namespace
+
+std::string notAFolder(const fs::path& item) {
+    return fmt::format("{} is not a folder. Choose a folder.", item.filename().native());
+}
 
 std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive) {
     if (auto refusal = byKind(folder)) return refusal;

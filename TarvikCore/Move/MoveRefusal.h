@@ -19,4 +19,7 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
 /// whole, a folder of the system, a folder that holds the link. Nothing when it may.
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target);
 
+/// What is said of an item that is no folder where only folders can be moved. Pure.
+std::string notAFolder(const fs::path& item);
+
 }  // namespace tarvik::MoveRefusal

@@ -30,7 +30,9 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,
             [&](const JobStatus& reached) { status(index, reached); },
-            [&](std::int64_t copied, std::int64_t total) { progress(index, copied, total); });
+            [&](std::int64_t copied, std::int64_t total) {
+                progress(index, {copied, total});
+            });
         return JobStatus::done();
     } catch (const std::exception& failure) {
         return JobStatus::failed(failure.what());
@@ -45,11 +47,12 @@ void run(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& dri
         status(index, outcomeOf(host, jobs[index], index, drivePath, quitRunning, status, progress));
 }
 
-void applyProgress(MoveJob& job, std::int64_t copied, std::int64_t total) {
-    const double fraction = total < 1 ? 0 : static_cast<double>(copied) / static_cast<double>(total);
-    job.bytesCopied = copied;
-    job.bytesTotal = std::max(total, job.bytesTotal);
-    job.status = JobStatus::copying(std::min(fraction, 1.0));
+bool applyProgress(MoveJob& job, const ByteProgress& progress) {
+    if (!job.status.is<JobStatus::Pending>() && !job.status.is<JobStatus::Copying>()) return false;
+    job.bytesCopied = progress.copied;
+    job.bytesTotal = std::max(progress.total, job.bytesTotal);
+    job.status = JobStatus::copying(progress.fraction());
+    return true;
 }
 
 Summary summary(const std::vector<MoveJob>& jobs) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Move/ByteProgress.h"
 #include "Move/JobStatus.h"
 #include "Move/MoveJob.h"
 #include "Platform/Host.h"
@@ -15,16 +16,17 @@
 namespace tarvik::MoveRun {
 
 using JobStatusCallback = std::function<void(std::size_t job, const JobStatus&)>;
-/// Bytes; called from a background thread too.
-using JobProgressCallback = std::function<void(std::size_t job, std::int64_t copied, std::int64_t total)>;
+/// Called from a background thread too.
+using JobProgressCallback = std::function<void(std::size_t job, const ByteProgress&)>;
 
 /// Runs every job in list order; a failed one never stops the rest. Before each job the drive must still stand at
 /// `drivePath`. Every outcome is a status; nothing is thrown. Blocks until the last job has ended.
 void run(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& drivePath, bool quitRunning,
          const JobStatusCallback& status, const JobProgressCallback& progress);
 
-/// Takes a progress report into a job: the total never shrinks, the fraction never exceeds 1.
-void applyProgress(MoveJob& job, std::int64_t copied, std::int64_t total);
+/// Takes a progress report into a job: the total never shrinks, the fraction never exceeds 1. A report that comes late,
+/// when the copy is over, must not bring it back: it changes nothing. @returns whether the report was taken.
+bool applyProgress(MoveJob& job, const ByteProgress& progress);
 
 struct Summary {
     bool hasFailures = false;

@@ -5,9 +5,9 @@
 #include "Platform/FolderTrail.h"
 #include "Platform/TreeWalk.h"
 
-#include <climits>
 #include <fmt/format.h>
 
+#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,29 +1,46 @@
 #include "Move/MoverEngine.h"
 
+#include "Discovery/AppScanner.h"
+#include "Discovery/InstallsDB.h"
+#include "Discovery/InstallsDBWriter.h"
 #include "Move/ChangeWatch.h"
 #include "Move/CopyProof.h"
 #include "Move/FileCopier.h"
+#include "Move/HealthManifest.h"
+#include "Move/HiddenPlace.h"
 #include "Move/ItemMover.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
 #include "Move/OriginalRemoval.h"
-#include "Move/SizeCalculator.h"
 #include "Move/VolumeCapacityProbe.h"
+#include "Platform/BundleInfoPlistReader.h"
 #include "Platform/Files.h"
+#include "Platform/RunningAppsDetector.h"
+#include "Platform/SizeCalculator.h"
 
 #include <fmt/format.h>
+
+#include <chrono>
 
 namespace tarvik::MoverEngine {
 
 namespace {
+
+void requireNotRunning(const Host& host, const fs::path& item, bool quitRunning) {
+    if (!item.native().ends_with(".app") || !RunningAppsDetector::isRunning(host, item)) return;
+    if (quitRunning && RunningAppsDetector::quit(host, item, false, quitTimeout)) return;
+    throw MoverError::appIsRunning(item.filename());
+}
 
 void requireSpace(std::int64_t needed, std::int64_t free) {
     const bool isKnown = free >= 1;
     if (isKnown && free < needed) throw MoverError::insufficientSpace(needed, free);
 }
 
-/// A drive that goes away can leave its mount path behind, as a folder of another volume.
-std::uint64_t deviceOf(const fs::path& folder) {
+/// The volume that a folder is or will be on. A drive that goes away can leave its mount path behind, as a folder of
+/// another volume.
+std::uint64_t deviceOf(fs::path folder) {
+    while (!Files::exists(folder) && folder != folder.parent_path()) folder = folder.parent_path();
     return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
 }
 
@@ -46,82 +63,113 @@ std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& s
     return reason;
 }
 
-[[noreturn]] void refuseCopy(const Host& host, const fs::path& destination, const std::string& reason) {
-    MoverStasher::stash(host, destination);
-    throw MoverError::verifyFailed(reason);
+/// What is done with the copy when a move ends in its middle.
+void giveUpCopy(const Host& host, const fs::path& source, const fs::path& destination, bool isOriginalWhole) {
+    // The original could not even be put back: its link leads to the copy, which is all that works.
+    if (Files::linkText(source) == destination) return;
+    if (MoverStasher::stash(host, destination)) return;
+    // A drive that is full takes no folder to set things aside in. The copy must neither fill it nor keep the next move
+    // from the place. When part of the original is gone, it stays wherever it is.
+    if (isOriginalWhole) ignoringFailure([&] { Files::removeItem(destination); });
 }
 
-void removeOriginal(const Host& host, const fs::path& source, const fs::path& destination,
-                    const ChangeWatch::Mark& start) {
-    std::optional<std::string> reasonToKeep;
+void replaceByLink(const Host& host, const fs::path& source, const fs::path& destination,
+                   const ChangeWatch::Mark& start) {
     try {
-        reasonToKeep = OriginalRemoval::remove(host, source, start);
+        OriginalRemoval::replaceByLink(host, source, destination, start);
+    } catch (const MoverError& error) {
+        if (error.kind() == MoverError::Case::symlinkFailed)  // All is to be as it was before the move.
+            ignoringFailure([&] { Files::removeItem(destination); });
+        throw;
     } catch (const Failure& failure) {
-        MoverStasher::stash(host, destination);
         throw MoverError::sourceRemoveFailed(failure.description());
     }
-    if (reasonToKeep) refuseCopy(host, destination, *reasonToKeep);
 }
 
-void linkOrRollBack(const Host& host, const fs::path& source, const fs::path& destination) {
-    try {
-        Files::createSymbolicLink(source, destination);
-    } catch (const Failure& failure) {
-        ignoringFailure([&] { ItemMover::move(host, destination, source); });
-        throw MoverError::symlinkFailed(failure.description());
-    }
+/// What the health check and the tracking database are to know. Never fails the move, which is done by now.
+void recordMove(const Host& host, const fs::path& source, const fs::path& destination, std::int64_t size) {
+    ignoringFailure([&] {
+        const auto bundle = BundleInfoPlistReader::read(host, destination).value_or(BundleInfoPlistReader::Info{});
+        HealthManifest::record(host, {source, destination, bundle.bundleIdentifier, size, host.now()});
+        InstallsDBWriter::recordMove(host, {source, destination, bundle.bundleIdentifier, bundle.version, size, {}},
+                                     InstallsDB::defaultPath(host));
+    });
+}
+
+void recordRestore(const Host& host, const fs::path& item) {
+    ignoringFailure([&] {
+        HealthManifest::forget(host, item);
+        InstallsDBWriter::recordRestore(host, item, InstallsDB::defaultPath(host));
+    });
+}
+
+bool isInternalized(const fs::path& item) {
+    return Files::exists(item) && !Files::isSymbolicLink(item);
+}
+
+MoverError stillALink(const fs::path& item) {
+    return MoverError::verifyFailed(
+        fmt::format("{} is still a symlink after restore — data was not internalized", item.filename().native()));
 }
 
 void verifyInternalized(const fs::path& item) {
-    const std::string name = item.filename();
-    if (!Files::exists(item)) throw MoverError::verifyFailed(fmt::format("{} missing after restore", name));
-    if (Files::isSymbolicLink(item))
-        throw MoverError::verifyFailed(
-            fmt::format("{} is still a symlink after restore — data was not internalized", name));
+    if (!Files::exists(item))
+        throw MoverError::verifyFailed(fmt::format("{} missing after restore", item.filename().native()));
+    if (Files::isSymbolicLink(item)) throw stillALink(item);
 }
 
 }  // namespace
 
-void moveAndLink(const Host& host, const fs::path& item, const fs::path& destinationParent, bool /*quitRunning*/,
+void moveAndLink(const Host& host, const fs::path& item, const fs::path& destinationParent, bool quitRunning,
                  const StatusCallback& status, const ProgressCallback& progress) {
     const fs::path source = Files::standardized(item);
     if (!Files::exists(source)) throw MoverError::sourceMissing();
+    requireNotRunning(host, source, quitRunning);
+    const std::uint64_t driveDevice = deviceOf(destinationParent);
     Files::createFolder(destinationParent);
     const fs::path destination = Files::standardized(destinationParent / source.filename());
     if (Files::itemExists(destination)) throw MoverError::destinationExists();
-    const std::uint64_t driveDevice = deviceOf(destinationParent);
 
     const auto start = ChangeWatch::mark();
     const std::int64_t size = SizeCalculator::size(host, source);
     requireSpace(size, VolumeCapacityProbe::freeBytes(host, destinationParent));
 
+    HiddenPlace::sweep(host, source.parent_path());
+    HiddenPlace::sweep(host, destinationParent);
     claimDestination(source, destination);
-    FileCopier::copy(host, source, destination, size, progress);
-    status(JobStatus::verifying());
-    if (auto reason = reasonAgainstCopy(host, source, destination, driveDevice)) refuseCopy(host, destination, *reason);
-
-    status(JobStatus::linking());
-    removeOriginal(host, source, destination, start);
-    linkOrRollBack(host, source, destination);
+    try {
+        FileCopier::copy(host, source, destination, size, progress);
+        status(JobStatus::verifying());
+        if (auto reason = reasonAgainstCopy(host, source, destination, driveDevice))
+            throw MoverError::verifyFailed(*reason);
+        status(JobStatus::linking());
+        replaceByLink(host, source, destination, start);
+    } catch (const MoverError& error) {
+        giveUpCopy(host, source, destination, error.kind() != MoverError::Case::sourceRemoveFailed);
+        throw;
+    } catch (...) {
+        giveUpCopy(host, source, destination, false);
+        throw;
+    }
+    recordMove(host, source, destination, size);
 }
 
 void restore(const Host& host, const fs::path& link, const ProgressCallback& progress) {
     const fs::path goal = Files::standardized(link);
-    const fs::path target = Files::readLink(goal);
+    const auto launched = Files::isSymbolicLink(goal) ? std::nullopt : AppScanner::launcherShimTarget(goal);
+    const fs::path target = launched ? *launched : Files::readLink(goal);
     if (!Files::exists(target)) throw MoverError::sourceMissing();
-    bool isLinkGone = false;
-    const auto makeWay = [&] {
-        Files::removeLink(goal);
-        isLinkGone = true;
-    };
+    if (Files::isSymbolicLink(target)) throw stillALink(goal);  // One link would only take another's place.
+    HiddenPlace::sweep(host, goal.parent_path());
+    HiddenPlace::sweep(host, target.parent_path());
     try {
-        ItemMover::move(host, target, goal, progress, makeWay);
-    } catch (...) {
-        // Unless the item has arrived, the target is whole: with its link back, everything works as before.
-        if (isLinkGone) ignoringFailure([&] { Files::createSymbolicLink(goal, target); });
+        ItemMover::move(host, target, goal, launched ? ItemMover::Goal::launcher : ItemMover::Goal::link, progress);
+    } catch (const Failure&) {
+        if (isInternalized(goal)) recordRestore(host, goal);  // Only its removal from the drive has failed.
         throw;
     }
     verifyInternalized(goal);
+    recordRestore(host, goal);
 }
 
 }  // namespace tarvik::MoverEngine

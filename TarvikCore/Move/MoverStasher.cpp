@@ -9,10 +9,11 @@
 
 namespace tarvik::MoverStasher {
 
-void stash(const Host& host, const fs::path& path) {
-    if (!Files::exists(path)) return;
+bool stash(const Host& host, const fs::path& path) {
+    if (!Files::exists(path)) return true;
     const auto sinceEpoch = host.now().time_since_epoch();
-    Disposal::dispose(host, path, fmt::format("-{}", std::chrono::floor<std::chrono::seconds>(sinceEpoch).count()));
+    return Disposal::dispose(host, path,
+                             fmt::format("-{}", std::chrono::floor<std::chrono::seconds>(sinceEpoch).count()));
 }
 
 }  // namespace tarvik::MoverStasher

@@ -7,6 +7,7 @@
 namespace tarvik::MoverStasher {
 
 /// Never fails: what can be moved nowhere stays where it is. Nothing happens when nothing stands at `path`. Any thread.
-void stash(const Host& host, const fs::path& path);
+/// @returns whether nothing of it is left at `path`.
+bool stash(const Host& host, const fs::path& path);
 
 }  // namespace tarvik::MoverStasher

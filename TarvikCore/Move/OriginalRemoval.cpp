@@ -1,17 +1,30 @@
 #include "Move/OriginalRemoval.h"
 
+#include "Move/HiddenPlace.h"
+#include "Move/MoverError.h"
 #include "Platform/Files.h"
-#include "Platform/Identifier.h"
 
 #include <fmt/format.h>
+
+#include <functional>
+#include <optional>
+#include <string>
 
 namespace tarvik::OriginalRemoval {
 
 namespace {
 
-/// Runs a step on the original under whatever name; a failure speaks of the original.
-template <typename Step>
-void onBehalfOf(const fs::path& original, const Step& step) {
+/// Why the original, now at `aside`, is to be kept.
+std::optional<std::string> reasonToKeep(const Host& host, const fs::path& original, const fs::path& aside,
+                                        const ChangeWatch::Mark& start) {
+    const auto changed = ChangeWatch::changedBelow(host, aside, start);
+    if (!changed) return std::nullopt;
+    const fs::path item = changed->empty() ? original.filename() : original.filename() / *changed;
+    return fmt::format("{} was changed while it was copied.", item.native());
+}
+
+/// Runs a step on the original under its hidden name; a failure speaks of the original.
+void onBehalfOf(const fs::path& original, const std::function<void()>& step) {
     try {
         step();
     } catch (const FileError& error) {
@@ -19,24 +32,66 @@ void onBehalfOf(const fs::path& original, const Step& step) {
     }
 }
 
-}  // namespace
+void requireNoObstacle(const fs::path& original) {
+    if (const auto obstacle = Files::removalObstacle(original)) throw obstacle->error();
+}
 
-std::optional<std::string> remove(const Host& host, const fs::path& original, const ChangeWatch::Mark& start) {
-    if (auto obstacle = Files::removalObstacle(original)) throw *std::move(obstacle);
-    const fs::path aside = original.parent_path() / (".tarvik-removing-" + newIdentifier());
-    onBehalfOf(original, [&] { Files::rename(original, aside); });
+/// Both callbacks are given by who knows what stands in the original's place meanwhile.
+void removeBy(const Host& host, const fs::path& original, const fs::path& aside, const ChangeWatch::Mark& start,
+              const std::function<void()>& putAside, const std::function<void()>& putBack) {
+    const auto requireUnchanged = [&](const fs::path& place) {
+        std::optional<std::string> reason;
+        onBehalfOf(original, [&] { reason = reasonToKeep(host, original, place, start); });
+        if (reason) throw MoverError::verifyFailed(*reason);
+    };
+    // Most changes are seen here, before a program can have written to the copy by the old path.
+    requireUnchanged(original);
+    const FileDescriptor held = HiddenPlace::hold(original);
+    onBehalfOf(original, putAside);
     try {
-        if (const auto changed = ChangeWatch::changedBelow(host, aside, start)) {
-            Files::rename(aside, original);
-            const fs::path item = changed->empty() ? original.filename() : original.filename() / *changed;
-            return fmt::format("{} was changed while it was copied.", item.native());
-        }
+        requireUnchanged(aside);
         onBehalfOf(original, [&] { Files::removeItem(aside); });
-    } catch (...) {
-        ignoringFailure([&] { Files::rename(aside, original); });
+    } catch (const Failure& failure) {
+        try {
+            putBack();
+        } catch (const Failure&) {
+            throw Failure(failure.domain(), failure.code(),
+                          fmt::format("{} What is left of {} is now {}.", failure.description(),
+                                      original.filename().native(), aside.native()));
+        }
         throw;
     }
-    return std::nullopt;
+}
+
+}  // namespace
+
+void remove(const Host& host, const fs::path& original, const ChangeWatch::Mark& start) {
+    requireNoObstacle(original);
+    const fs::path aside = HiddenPlace::forRemovalOf(original);
+    removeBy(
+        host, original, aside, start, [&] { Files::rename(original, aside); }, [&] { Files::rename(aside, original); });
+}
+
+void replaceByLink(const Host& host, const fs::path& original, const fs::path& target, const ChangeWatch::Mark& start) {
+    requireNoObstacle(original);
+    const fs::path aside = HiddenPlace::forRemovalOf(original);
+    try {
+        Files::createSymbolicLink(aside, target);
+    } catch (const FileError& error) {
+        throw MoverError::symlinkFailed(FileError("create the link", original, error.code()).description());
+    }
+    const auto putBack = [&] {
+        Files::exchange(aside, original, HiddenPlace::forExchangeOf(original));
+        Files::removeLink(aside);
+    };
+    try {
+        removeBy(
+            host, original, aside, start,
+            [&] { Files::exchange(aside, original, HiddenPlace::forExchangeOf(original)); }, putBack);
+    } catch (...) {
+        if (Files::linkText(aside) == target) ignoringFailure([&] { Files::removeLink(aside); });
+        throw;
+    }
 }
 
 }  // namespace tarvik::OriginalRemoval

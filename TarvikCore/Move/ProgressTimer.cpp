@@ -2,12 +2,19 @@
 
 #include "Platform/Failure.h"
 
+#include <system_error>
 #include <utility>
 
 namespace tarvik {
 
 ProgressTimer::ProgressTimer(Tick tick, std::chrono::milliseconds interval)
-    : m_tick(std::move(tick)), m_interval(interval), m_thread([this] { run(); }) {}
+    : m_tick(std::move(tick)), m_interval(interval) {
+    try {
+        m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        return;  // Work without reports is better than none.
+    }
+}
 
 void ProgressTimer::cancel() {
     {

@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <sstream>
 #include <string_view>
 #include <sys/xattr.h>
+#include <utility>
 
 namespace tarvik::test {
 
@@ -22,12 +24,50 @@ constexpr std::string_view changingCalls =
     "pwrite64,copy_file_range,sendfile,ioctl,fsync,fdatasync,syncfs,chmod,fchmod,fchmodat,chown,fchown,lchown,fchownat,"
     "utimensat,setxattr,lsetxattr,fsetxattr,truncate,ftruncate,fallocate,mknod,mknodat,close";
 
-constexpr const char* flushCall = "syncfs";
-
 bool isChanging(std::string_view call, std::string_view line) {
     if (call == "open" || call == "openat") return line.find("O_CREAT") != std::string_view::npos;
     if (call == "ioctl") return line.find("FICLONE") != std::string_view::npos;
     return true;
+}
+
+/// The calls of a tracer's log that change something in `root`, each with its ordinal among its thread's calls.
+std::vector<Fault> changesIn(const fs::path& root, std::istream& log) {
+    std::vector<Fault> changes;
+    std::map<std::pair<std::string, std::string>, int> ordinals;
+    for (std::string line; std::getline(log, line);) {
+        const std::size_t bracket = line.find('(');
+        const bool isEndOfCall = line.find("resumed>") != std::string::npos;
+        if (bracket == std::string::npos || isEndOfCall) continue;
+        const std::size_t space = line.rfind(' ', bracket);
+        const std::size_t begin = space == std::string::npos ? 0 : space + 1;
+        const std::string thread = line.substr(0, line.find(' '));
+        const std::string call = line.substr(begin, bracket - begin);
+        const int ordinal = ++ordinals[{begin == 0 ? "" : thread, call}];
+        if (line.find(root.native()) != std::string::npos && isChanging(call, line))
+            changes.push_back({call, ordinal, begin != 0, ""});
+    }
+    return changes;
+}
+
+/// The first, the last and a few in between of each call.
+std::vector<Fault> someOf(std::vector<Fault> points) {
+    constexpr std::size_t wanted = 4;
+    std::map<std::string, std::set<Fault>> byCall;
+    for (Fault& point : points) byCall[point.call].insert(std::move(point));
+    std::vector<Fault> some;
+    for (const auto& [call, all] : byCall) {
+        const std::vector<Fault> sorted(all.begin(), all.end());
+        const std::size_t count = std::min(wanted, sorted.size());
+        for (std::size_t i = 0; i < count; ++i)
+            some.push_back(sorted[count == 1 ? 0 : i * (sorted.size() - 1) / (count - 1)]);
+    }
+    return some;
+}
+
+/// More items than the copy tool handles on one thread.
+void makeCrowd(const fs::path& tree) {
+    for (int number = 0; number < 80; ++number)
+        makeFileOfSize(tree / std::to_string(number % 6) / std::to_string(number), 500, static_cast<unsigned>(number));
 }
 
 void makeReference(const fs::path& tree) {
@@ -92,10 +132,11 @@ FaultWorld::FaultWorld(Act act, Victim victim)
       m_victim(victim),
       m_drive(makeDrive(m_folder / "root/Volumes")),
       m_home(m_folder / "root/Users/ada"),
-      m_item(m_home / "Music"),
+      m_item(m_home / "Studio/Music"),
       m_destination(m_drive.path() / "ExternalTarvik/Folders/Music"),
       m_reference(m_folder / "reference") {
     makeReference(m_reference);
+    if (victim == Victim::copierThreads) makeCrowd(m_reference / "crowd");
     makeFolder(m_home);
     // The program of this build with a copy tool of our own choice beside it.
     makeFolder(m_folder / "bin/stand-ins");
@@ -145,38 +186,44 @@ CommandResult FaultWorld::runTraced(const std::vector<std::string>& tracing) con
     return CommandRunner::run(program, command);
 }
 
-std::vector<Fault> FaultWorld::points() const {
+CommandResult FaultWorld::list(std::vector<Fault>& points) const {
     prepare();
     const fs::path log = m_folder / "log";
-    runTraced({"-o", log.native(), "-e", "trace=" + std::string(changingCalls)});
-    std::vector<Fault> points;
-    std::map<std::string, int, std::less<>> ordinals;
+    std::vector<std::string> tracing = {"-o", log.native(), "-e", "trace=" + std::string(changingCalls)};
+    if (m_victim == Victim::copierThreads) tracing.emplace_back("-f");
+    CommandResult result = runTraced(tracing);
     std::istringstream lines(contentOf(log));
-    for (std::string line; std::getline(lines, line);) {
-        const std::size_t bracket = line.find('(');
-        if (bracket == std::string::npos) continue;
-        const std::string call = line.substr(0, bracket);
-        const int ordinal = ++ordinals[call];
-        const bool isOurs = line.find((m_folder / "root").native()) != std::string::npos;
-        if (isOurs && isChanging(call, line)) points.push_back({call, ordinal, ""});
-    }
+    points = m_victim == Victim::copierThreads ? someOf(changesIn(m_folder / "root", lines))
+                                               : changesIn(m_folder / "root", lines);
     // The engine flushes from a thread of its own, which the listing above does not follow.
-    if (m_victim == Victim::engine) points.push_back({flushCall, 1, ""});
-    return points;
+    if (m_victim == Victim::engine) points.push_back({"syncfs", 1, true, ""});
+    return result;
 }
 
 CommandResult FaultWorld::run(const Fault& fault) const {
     prepare();
-    std::vector<std::string> tracing = {
-        "-o", (m_folder / "log").native(),
-        "-e", "trace=" + fault.call,
-        "-e", "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal)};
-    if (fault.call == flushCall) tracing.insert(tracing.begin(), "-f");
+    std::vector<std::string> tracing = {"-o",
+                                        (m_folder / "log").native(),
+                                        "-e",
+                                        "trace=" + fault.call,
+                                        "-e",
+                                        "inject=" + fault.call + ":" + fault.effect +
+                                            ":when=" + std::to_string(fault.ordinal) + (fault.isForGood ? "+" : "")};
+    if (fault.isOfAnyThread) tracing.insert(tracing.begin(), "-f");
     return runTraced(tracing);
+}
+
+CommandResult FaultWorld::runAgain() const {
+    return runTraced({"-o", "/dev/null", "-e", "trace=none"});
 }
 
 bool FaultWorld::hasStruck() const {
     return contentOf(m_folder / "log").find("(INJECTED)") != std::string::npos;
+}
+
+bool FaultWorld::isRemembered() const {
+    const fs::path manifest = m_home / "Library/Application Support/Tarvik/health-manifest.json";
+    return Files::exists(manifest) && contentOf(manifest).find(m_item.native()) != std::string::npos;
 }
 
 bool FaultWorld::isWholeAtHome() const {
@@ -185,6 +232,9 @@ bool FaultWorld::isWholeAtHome() const {
 bool FaultWorld::isWholeOnDrive() const {
     return holdsSameTree(m_drive.path(), m_reference);
 }
+bool FaultWorld::isSomethingAtHome() const {
+    return Files::itemExists(m_item);
+}
 bool FaultWorld::isLinkAtHome() const {
     return Files::isSymbolicLink(m_item);
 }
@@ -192,6 +242,26 @@ bool FaultWorld::isLinkAtHome() const {
 bool FaultWorld::isLinkGood() const {
     const auto target = Files::linkText(m_item);
     return target && isSameTree(*target, m_reference);
+}
+
+Stand FaultWorld::standOf(const fs::path& item) const {
+    if (!Files::itemExists(item)) return Stand::nothing;
+    if (Files::linkText(item) == m_destination) return Stand::link;
+    return isSameTree(item, m_reference) ? Stand::whole : Stand::part;
+}
+
+Places FaultWorld::places() const {
+    const fs::path folders = m_destination.parent_path();
+    const fs::path stash = folders / ".TarvikTrash";
+    Places places{standOf(m_item), standOf(m_destination), Stand::nothing, {}};
+    for (const auto& [folder, known] : {std::pair(m_item.parent_path(), ""), std::pair(folders, ".TarvikTrash")})
+        for (const auto& name : Files::names(folder))
+            if (name != m_item.filename() && name != known) places.leftovers.push_back(name);
+    for (const auto& name : Files::names(stash)) {
+        if (places.stash != Stand::nothing) places.leftovers.push_back(name);
+        places.stash = standOf(stash / name);
+    }
+    return places;
 }
 
 std::string FaultWorld::picture() const {

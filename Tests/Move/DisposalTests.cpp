@@ -60,7 +60,7 @@ TEST_F(Disposal, DoesNothingWhenNothingIsThere) {
     MoverStasher::stash(world.host, item);
     FileStash::moveAside(world.host, item, "conflict");
     EXPECT_FALSE(Files::itemExists(world.trash->folder));
-    EXPECT_TRUE(Files::names(world.home).empty());
+    EXPECT_TRUE(world.namesAtHome().empty());
 }
 
 TEST_F(Disposal, CutsANameThatWouldGrowTooLong) {

@@ -48,21 +48,26 @@ TEST(FileCopier, IsNotBlockedByAToolThatTalksMuch) {
 
 TEST(FileCopier, ReportsProgressWhileItCopiesAndAtTheEnd) {
     World world;
-    world.withDitto(R"(head -c 100000 /dev/zero > "$3"; sleep 0.8)");
+    const fs::path isReported = world.folder / "reported";
+    world.withDitto("head -c 100000 /dev/zero > \"$3\"\n" + waitFor(isReported));
     std::mutex mutex;
     std::vector<std::pair<std::int64_t, std::int64_t>> reports;
     FileCopier::copy(world.host, world.home, world.drive / "copy", 200'000,
                      [&](std::int64_t copied, std::int64_t total) {
                          const std::lock_guard lock(mutex);
                          reports.emplace_back(copied, total);
+                         if (copied >= 100'000) makeFile(isReported);
                      });
     ASSERT_GE(reports.size(), 2U);
-    EXPECT_GE(reports.front().first, 100'000);
-    EXPECT_EQ(reports.front().second, 200'000);
-    EXPECT_EQ(reports.back(), (std::pair<std::int64_t, std::int64_t>(200'000, 200'000)));
+    const auto& last = reports.back();
+    const auto& whileCopying = reports[reports.size() - 2];
+    EXPECT_GE(whileCopying.first, 100'000);
+    EXPECT_LT(whileCopying.first, 200'000);
+    EXPECT_EQ(whileCopying.second, 200'000);
+    EXPECT_EQ(last, (std::pair<std::int64_t, std::int64_t>(200'000, 200'000)));
 }
 
-TEST(FileCopier, DisposesOfAPartialCopy) {
+TEST(FileCopier, SaysWhyTheToolFailed) {
     World world;
     world.withDitto(R"(mkdir -p "$3"; echo half > "$3/file"; echo broken >&2; exit 1)");
     try {
@@ -71,8 +76,18 @@ TEST(FileCopier, DisposesOfAPartialCopy) {
     } catch (const MoverError& error) {
         EXPECT_EQ(error.description(), "Copy failed: ditto failed: broken");
     }
-    EXPECT_FALSE(Files::itemExists(world.drive / "copy"));
-    EXPECT_TRUE(Files::exists(world.trash->folder / "copy/file"));
+}
+
+TEST(FileCopier, KeepsTheFirstWordsOfAToolThatSaysTooMuch) {
+    World world;
+    world.withDitto("echo 'the cause' >&2; yes 'and so on' | head -c 1000000 >&2; exit 1");
+    try {
+        FileCopier::runDitto(world.host, world.home, world.drive / "copy");
+        FAIL() << "the tool failed";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.description().find("ditto failed: the cause"), 0U);
+        EXPECT_LT(failure.description().size(), 20'000U);
+    }
 }
 
 }  // namespace tarvik::test

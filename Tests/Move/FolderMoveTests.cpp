@@ -73,6 +73,21 @@ TEST_F(FolderMove, AsksBeforeItMovesBack) {
     EXPECT_EQ(dialog.buttons, (std::vector<std::string>{"Move Back", "Cancel"}));
 }
 
+TEST_F(FolderMove, SaysWhatIsBack) {
+    EXPECT_EQ(tarvik::FolderMove::restored("/home/Music"), "Restored Music");
+}
+
+TEST_F(FolderMove, EndsItsMeasuringWhenItIsCancelled) {
+    makeFileOfSize(world.home / "Music/song", 2'000'000);
+    DriveInfo full = world.driveInfo();
+    full.freeBytes = 0;
+    const Cancellation cancellation;
+    cancellation.cancel();
+    const auto plan = [&] { tarvik::FolderMove::plan(world.host, world.home / "Music", full, cancellation); };
+    EXPECT_THAT(plan,
+                testing::Throws<Failure>(testing::Property(&Failure::description, "Cancelled. Nothing was changed.")));
+}
+
 TEST_F(FolderMove, PlansAnEmptyFolder) {
     makeFolder(world.home / "Empty");
     EXPECT_EQ(tarvik::FolderMove::plan(world.host, world.home / "Empty", world.driveInfo()).bytesTotal, 0);
@@ -148,12 +163,31 @@ TEST_F(FolderMove, RefusesADriveWhoseFolderLeadsElsewhere) {
                                                  ", which is not on that drive.");
 }
 
+TEST_F(FolderMove, RefusesADriveWhoseRootFolderLeadsElsewhereBeforeItHoldsAnything) {
+    makeFolder(world.home / "Music");
+    makeFolder(world.home / "elsewhere");
+    makeLink(world.drive / "ExternalTarvik", world.home / "elsewhere");
+    EXPECT_EQ(refusal(world.home / "Music"), "What is moved to Backup would land in " +
+                                                 (world.home / "elsewhere").native() + ", which is not on that drive.");
+    EXPECT_TRUE(Files::names(world.home / "elsewhere").empty());
+}
+
+TEST_F(FolderMove, RefusesADriveOnWhichAnotherVolumeStandsInTheWay) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    makeFolder(world.home / "Music");
+    makeFolder(world.drive);
+    const RealVolume inside = RealVolume::memory(world.drive, 1'000'000);
+    makeLink(world.drive / "ExternalTarvik", inside.path());
+    EXPECT_EQ(refusal(world.home / "Music"),
+              "What is moved to Backup would land in " + inside.path().native() + ", which is not on that drive.");
+}
+
 TEST_F(FolderMove, RefusesAFolderWithAVolumeMountedInside) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     makeFile(world.home / "Music/song");
     const RealVolume inside = RealVolume::memory(world.home / "Music", 1'000'000);
-    EXPECT_EQ(refusal(world.home / "Music"), "Music can't be moved as a whole. Could not remove the mounted volume " +
-                                                 inside.path().native() + ": Device or resource busy");
+    EXPECT_EQ(refusal(world.home / "Music"),
+              "Music can't be moved: another volume is mounted at " + inside.path().native() + ".");
 }
 
 TEST_F(FolderMove, FindsWhatALinkWouldBringBack) {

@@ -27,7 +27,7 @@ protected:
                 jobs[index].status = status;
                 if (also) also(index, status);
             },
-            [](std::size_t, std::int64_t, std::int64_t) {});
+            [](std::size_t, const ByteProgress&) {});
     }
 
     World world;
@@ -92,16 +92,35 @@ TEST(MoveRunSummary, CountsInWords) {
 
 TEST(MoveRunProgress, NeverExceedsTheWholeNorShrinksTheTotal) {
     MoveJob job("a", "/a", "/b", JobStatus::copying(0), 100, 0);
-    tarvik::MoveRun::applyProgress(job, 30, 0);
+    tarvik::MoveRun::applyProgress(job, {30, 0});
     EXPECT_EQ(job.status, JobStatus::copying(0));
     EXPECT_EQ(job.bytesTotal, 100);
-    tarvik::MoveRun::applyProgress(job, 50, 200);
+    tarvik::MoveRun::applyProgress(job, {50, 200});
     EXPECT_EQ(job.status, JobStatus::copying(0.25));
     EXPECT_EQ(job.bytesTotal, 200);
     EXPECT_EQ(job.bytesCopied, 50);
-    tarvik::MoveRun::applyProgress(job, 150, 100);
+    tarvik::MoveRun::applyProgress(job, {150, 100});
     EXPECT_EQ(job.status, JobStatus::copying(1));
     EXPECT_EQ(job.bytesTotal, 200);
+}
+
+TEST(MoveRunProgress, OfACopyThatIsOverIsIgnored) {
+    for (const auto& status :
+         {JobStatus::verifying(), JobStatus::linking(), JobStatus::done(), JobStatus::failed("Copy failed.")}) {
+        MoveJob job("a", "/a", "/b", status, 100, 100);
+        EXPECT_FALSE(tarvik::MoveRun::applyProgress(job, {50, 200}));
+        EXPECT_EQ(job.status, status);
+        EXPECT_EQ(job.bytesCopied, 100);
+        EXPECT_EQ(job.bytesTotal, 100);
+    }
+}
+
+TEST(ByteProgress, IsAFractionOnlyOfWhatIsKnown) {
+    EXPECT_EQ((ByteProgress{5, 0}).fraction(), 0);
+    EXPECT_EQ((ByteProgress{5, -1}).fraction(), 0);
+    EXPECT_EQ((ByteProgress{5, 20}).fraction(), 0.25);
+    EXPECT_EQ((ByteProgress{40, 20}).fraction(), 1);
+    EXPECT_EQ((ByteProgress{-1, 20}).fraction(), 0);
 }
 
 TEST(MoveJob, MakesItsOwnIdentifier) {

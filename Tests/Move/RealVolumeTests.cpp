@@ -66,7 +66,7 @@ TEST(RealVolumes, TakeAFolderAndGiveItBack) {
         EXPECT_EQ(pictureOf(world.home / "Music"), picture);
         EXPECT_EQ(Files::info(world.home / "Music/song")->inode, Files::info(world.home / "Music/same song")->inode);
         EXPECT_FALSE(Files::itemExists(world.foldersOnDrive() / "Music"));
-        EXPECT_EQ(Files::names(world.home), std::vector<std::string>{"Music"});
+        EXPECT_EQ(world.namesAtHome(), std::vector<std::string>{"Music"});
     }
 }
 
@@ -200,7 +200,7 @@ TEST(RealVolumes, KeepWhatWasWrittenWhileItWasMovedBack) {
               "Verification failed: Music/.hidden/notes was changed while it was copied.");
     EXPECT_EQ(Files::linkText(world.home / "Music"), onDrive);
     EXPECT_EQ(contentOf(onDrive / ".hidden/notes"), "lo");
-    EXPECT_EQ(Files::names(world.home), std::vector<std::string>{"Music"});
+    EXPECT_EQ(world.namesAtHome(), std::vector<std::string>{"Music"});
 }
 
 TEST(RealVolumes, GiveBackAFolderInWhichASocketWasMadeMeanwhile) {
@@ -218,18 +218,22 @@ TEST(RealVolumes, GiveBackAFolderInWhichASocketWasMadeMeanwhile) {
 }
 
 TEST(ItemMover, ReportsProgressOnlyAcrossVolumes) {
-    TARVIK_NEEDS_REAL_VOLUMES();
+    TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder mounts;
     const RealVolume volume = RealVolume::memory(mounts.path(), 20 * megabyte);
     World world(volume.path());
-    world.withDitto(R"(cp -aT "$2" "$3"; sleep 0.7)");
-    makeFileOfSize(world.home / "tree/file", 1'000'000);
+    const fs::path isReported = world.folder / "reported";
+    world.withDitto("cp -aT \"$2\" \"$3\"\n" + waitFor(isReported));
+    makeFileOfSize(world.home / "tree/file", megabyte);
     std::int64_t reportedTotal = -1;
-    const auto progress = [&](std::int64_t, std::int64_t total) { reportedTotal = total; };
-    ItemMover::move(world.host, world.home / "tree", world.home / "renamed", progress);
+    const auto progress = [&](std::int64_t, std::int64_t total) {
+        reportedTotal = total;
+        makeFile(isReported);
+    };
+    ItemMover::move(world.host, world.home / "tree", world.home / "renamed", ItemMover::Goal::free, progress);
     EXPECT_EQ(reportedTotal, -1);
-    ItemMover::move(world.host, world.home / "renamed", world.drive / "tree", progress);
-    EXPECT_GE(reportedTotal, 1'000'000);
+    ItemMover::move(world.host, world.home / "renamed", world.drive / "tree", ItemMover::Goal::free, progress);
+    EXPECT_GE(reportedTotal, megabyte);
     EXPECT_TRUE(Files::exists(world.drive / "tree/file"));
     EXPECT_FALSE(Files::itemExists(world.home / "renamed"));
 }
@@ -238,7 +242,7 @@ TEST(ItemMover, NeverReplacesWhatStandsAtTheGoal) {
     const World world;
     makeFile(world.home / "one", "1");
     makeFile(world.home / "two", "2");
-    EXPECT_THROW(ItemMover::move(world.host, world.home / "one", world.home / "two"), FileError);
+    EXPECT_THROW(ItemMover::move(world.host, world.home / "one", world.home / "two", ItemMover::Goal::free), FileError);
     EXPECT_EQ(contentOf(world.home / "one"), "1");
     EXPECT_EQ(contentOf(world.home / "two"), "2");
 }

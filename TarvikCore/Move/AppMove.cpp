@@ -1,0 +1,95 @@
+#include "Move/AppMove.h"
+
+#include "Discovery/AppScanner.h"
+#include "Move/MovePlanner.h"
+#include "Platform/AppStorageNames.h"
+#include "Platform/Files.h"
+#include "Platform/RunningAppsDetector.h"
+#include "Platform/SizeCalculator.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace tarvik::AppMove {
+
+namespace {
+
+using Jobs = std::vector<MoveJob>;
+
+bool hasBundleJob(const AppEntry& entry, const Jobs& jobs) {
+    return std::any_of(jobs.begin(), jobs.end(), [&](const MoveJob& job) { return job.source == entry.bundlePath; });
+}
+
+bool hasDataJob(const AppEntry& entry, const Jobs& jobs) {
+    return std::any_of(jobs.begin(), jobs.end(), [&](const MoveJob& job) {
+        return std::find(entry.dataPaths.begin(), entry.dataPaths.end(), job.source) != entry.dataPaths.end();
+    });
+}
+
+/// Where an application that has been moved stands now; nothing when its drive is not there.
+std::optional<fs::path> placeOf(const AppEntry& entry) {
+    if (auto target = AppScanner::launcherShimTarget(entry.bundlePath)) return target;
+    return Files::resolved(entry.bundlePath);
+}
+
+/// Why the bundle has no job of its own.
+std::string reasonToStay(const Host& host, const AppEntry& entry, const DriveInfo& drive, const Jobs& jobs) {
+    const bool isThere = Files::itemExists(entry.bundlePath);
+    if (entry.isAlreadySymlinked || (isThere && !MovePlanner::shouldMove(host, entry.bundlePath))) {
+        const auto place = placeOf(entry);
+        return place ? fmt::format("it has been moved already, to {}.", place->native())
+                     : std::string("it has been moved already, to a place that is not there now.");
+    }
+    const auto goal = AppStorageNames::appsRootOn(drive.mountPath) / entry.bundlePath.filename();
+    const auto rival =
+        std::find_if(jobs.begin(), jobs.end(), [&](const MoveJob& job) { return job.destination == goal; });
+    if (rival != jobs.end()) return fmt::format("{} would take its place on the drive.", rival->source.native());
+    return fmt::format("{} is not there any more.", entry.bundlePath.native());
+}
+
+}  // namespace
+
+std::int64_t Plan::totalBytes() const {
+    std::int64_t bytes = 0;
+    for (const auto& job : jobs) bytes += job.bytesTotal;
+    return bytes;
+}
+
+Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData) {
+    std::vector<AppEntry> movable;
+    for (const auto& entry : chosen)
+        if (!entry.isAlreadySymlinked) movable.push_back(entry);
+    Plan plan{.jobs = MovePlanner::buildAppJobs(host, movable, drive, includeData)};
+
+    for (const auto& entry : chosen) {
+        const bool movesData = !entry.isAlreadySymlinked && hasDataJob(entry, plan.jobs);
+        if (entry.isAlreadySymlinked || !hasBundleJob(entry, plan.jobs)) {
+            plan.staying.push_back(
+                (movesData ? "Only data of " + entry.name + " would move: " : entry.name + " stays: ") +
+                reasonToStay(host, entry, drive, plan.jobs));
+            continue;
+        }
+        if (isRisky(entry)) plan.risky.push_back(entry);
+        // Not by the process list: there the command that names an application would count as running it.
+        if (!RunningAppsDetector::runningInstances(host, entry.bundlePath).empty()) plan.running.push_back(entry);
+    }
+    for (const auto& job : plan.jobs)
+        if (Files::itemExists(job.destination))
+            plan.obstructed.push_back(
+                fmt::format("{} would not move: {} is taken already.", job.label, job.destination.native()));
+    return plan;
+}
+
+bool isRisky(const AppEntry& entry) {
+    return entry.riskLevel() != RiskLevel::low;
+}
+
+std::optional<std::string> spaceRefusal(std::int64_t totalBytes, const DriveInfo& drive) {
+    if (totalBytes <= drive.freeBytes) return std::nullopt;
+    return fmt::format("Need {} but {} has {}.", SizeCalculator::format(totalBytes), drive.name,
+                       SizeCalculator::format(drive.freeBytes));
+}
+
+}  // namespace tarvik::AppMove

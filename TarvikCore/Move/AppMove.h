@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Discovery/AppEntry.h"
+#include "Move/MoveJob.h"
+#include "Platform/DriveInfo.h"
+#include "Platform/Host.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The decisions around the move of applications, for every front: what would move, what stays and why, does it fit.
+namespace tarvik::AppMove {
+
+/// What the move of chosen applications to a drive would do.
+struct Plan {
+    std::vector<MoveJob> jobs;
+    /// A sentence for each application that stays, and why: as a whole, or all but its data.
+    std::vector<std::string> staying;
+    /// A sentence for each job whose goal is taken already: it would fail.
+    std::vector<std::string> obstructed;
+    /// The applications that would move although that is risky, and those that are in use and have to be quit first.
+    std::vector<AppEntry> risky;
+    std::vector<AppEntry> running;
+
+    /// In bytes.
+    std::int64_t totalBytes() const;
+};
+
+/// The jobs of those applications that are not on a drive already, and what is to be said of them. Changes nothing.
+/// Measures the data, so it takes as long as that is large; a bundle counts with the size that its entry knows. Any
+/// thread; never fails.
+Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData);
+
+/// Whether a move is more likely to break the application than others; pure.
+bool isRisky(const AppEntry& entry);
+
+/// Nothing when `totalBytes` fit on the drive, also when they fill it; else the sentence for the user. Pure.
+std::optional<std::string> spaceRefusal(std::int64_t totalBytes, const DriveInfo& drive);
+
+}  // namespace tarvik::AppMove

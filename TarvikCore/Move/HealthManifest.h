@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Move/HealthManifestEntry.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
+#include <vector>
+
+/// The program's own memory of what it moved: one JSON file with an entry for each moved path, in the order of
+/// recording. The health check reads it to find moved paths whose link has gone.
+///
+/// It is no ledger. Nothing here fails: a move is not undone because the manifest could not be written, and a damaged
+/// file is overwritten by the next record. There is no lock: of two changes at one time, one may be lost. Every
+/// operation blocks and may be called from any thread.
+namespace tarvik::HealthManifest {
+
+/// Where the file stands, in the user's Library.
+fs::path file(const Host& host);
+
+/// The entries; empty when the file is missing, cannot be read, is not a whole manifest or has more than 64 MB.
+std::vector<HealthManifestEntry> load(const Host& host);
+
+/// Puts `entry` at the end, in the place of what is recorded for its source path.
+void record(const Host& host, const HealthManifestEntry& entry);
+
+/// Removes what is recorded for `sourcePath`, which is compared as exact text. The file is written in any case.
+void forget(const Host& host, const fs::path& sourcePath);
+
+}  // namespace tarvik::HealthManifest
