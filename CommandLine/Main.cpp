@@ -2,12 +2,11 @@
 #include "CommandLine/Options.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
-#include "Platform/Files.h"
 #include "Platform/Host.h"
+#include "Platform/StandardStreams.h"
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <exception>
 #include <string>
 #include <variant>
@@ -25,7 +24,7 @@ Host hostOf(const Options& options) {
     try {
         return Host::fromOptions(options.root, options.home);
     } catch (const Failure& failure) {
-        throw WrongUse(failure.description());
+        throw WrongUse(failure.description(), std::string(usageOf(options.verb)));
     }
 }
 
@@ -34,21 +33,20 @@ void run(const std::vector<std::string>& arguments) {
     if (const auto* information = std::get_if<Information>(&parsed)) return Terminal::writeResult(information->text);
     const auto& options = std::get<Options>(parsed);
     const auto host = hostOf(options);
-    // The tools that stand in for the system's find the same machine by it. No thread runs yet.
-    if (options.root) ::setenv("TARVIK_ROOT", host.root.c_str(), 1);
+    host.guideTools();
     Acts::perform(host, options);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    Terminal::occupyClosedStreams();
+    StandardStreams::occupyClosed();
     surviveClosedPipes();
     try {
         run({argv + 1, argv + argc});
         return done;
     } catch (const WrongUse& use) {
-        Terminal::say(fmt::format("{}\nSee tarvik --help.", use.description()));
+        Terminal::say(fmt::format("{}\nUsage: {}", use.description(), use.usage()));
         return wrongUse;
     } catch (const Failure& failure) {
         Terminal::say(failure.description());

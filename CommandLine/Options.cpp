@@ -2,111 +2,310 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
+#include <array>
+#include <iterator>
 #include <map>
+#include <memory>
+#include <utility>
 
 namespace tarvik::CommandLine {
 
 namespace {
 
+using Arguments = std::vector<std::string>;
+using Verb = Options::Verb;
+
 const std::map<std::string, Format> formats = {{"human", Format::human}, {"tsv", Format::tsv}, {"toml", Format::toml}};
 
-/// An empty path would be taken for the working directory: nobody means that.
-std::optional<fs::path> pathOption(const CLI::Option& option, const std::string& text) {
-    if (option.empty()) return std::nullopt;
-    if (text.empty()) throw WrongUse(fmt::format("{} needs a path that is not empty.", option.get_name()));
-    return fs::path(text);
+/// The options that take a value, and what it is.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 4> valued = {
+    {{"--root", "DIR"}, {"--home", "DIR"}, {"--format", "FORMAT"}, {"--drive", "DRIVE"}}};
+
+/// Each verb by its words, in the order in which they are shown, and how it is used.
+struct VerbEntry {
+    Verb verb;
+    std::string_view words;
+    std::string_view usage;
+};
+constexpr std::array<VerbEntry, 6> verbs = {{
+    {Verb::drives, "drives", "tarvik drives"},
+    {Verb::apps, "apps", "tarvik apps [NAME]"},
+    {Verb::links, "links", "tarvik links"},
+    {Verb::moveApp, "move app", "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]"},
+    {Verb::moveFolder, "move folder", "tarvik move folder PATH --drive DRIVE"},
+    {Verb::moveRestore, "move restore", "tarvik move restore PATH"},
+}};
+
+/// The options that only some verbs take, and which these are.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 3> owned = {
+    {{"--drive", "move app and move folder"}, {"--dry-run", "move app alone"}, {"--no-data", "move app alone"}}};
+
+/// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
+std::string wordsOf(const CLI::App& app) {
+    const auto* parent = app.get_parent();
+    if (!parent) return {};
+    const auto before = wordsOf(*parent);
+    return before.empty() ? app.get_name() : before + " " + app.get_name();
 }
 
-std::string sentenceOf(const CLI::ParseError& error) {
-    std::string text = error.what();
-    if (!text.empty() && text.back() != '.') text += '.';
-    return text;
+/// The verbs that begin with these words.
+std::vector<VerbEntry> verbsOf(const std::string& words) {
+    std::vector<VerbEntry> found;
+    for (const auto& entry : verbs)
+        if (words.empty() || entry.words == words || entry.words.starts_with(words + " ")) found.push_back(entry);
+    return found;
 }
 
-/// Words that no verb took. The mark that ends the options is reported among them, and means nothing.
-std::vector<std::string> leftOver(const CLI::App& app) {
-    auto words = app.remaining(true);
-    std::erase(words, "--");
-    return words;
+std::string usageOf(const CLI::App& app) {
+    std::string lines;
+    for (const auto& entry : verbsOf(wordsOf(app)))
+        lines += fmt::format("{}{}", lines.empty() ? "" : "\n       ", entry.usage);
+    return lines;
 }
 
-void requireVerb(const CLI::App& command, const std::vector<std::string>& words, std::string_view verbs) {
-    if (!command.get_subcommands().empty()) return;
-    const auto prefix = command.get_parent() ? command.get_name() + " " : std::string();
-    throw WrongUse(words.empty() ? fmt::format("What shall be done? Name one of: {}.", verbs)
-                                 : fmt::format("There is no \"{}{}\". There is: {}.", prefix, words.front(), verbs));
-}
+/// The library's help with usage lines that show the whole command.
+class HelpWithUsage : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* app, std::string /*name*/) const override {
+        return fmt::format("\nUsage: {}\n", usageOf(*app));
+    }
+};
+
+/// The command line as the library understands it.
+class Grammar {
+public:
+    Grammar() {
+        const auto help = std::make_shared<HelpWithUsage>();
+        help->label("Positionals", "Arguments");
+        m_app.formatter(help);
+        // Global options may stand before or after the verb.
+        m_app.fallthrough();
+        // What is left over is judged here, in words of our own.
+        m_app.allow_extras();
+        // With a verb chosen, a path may bear the name of one.
+        m_app.require_subcommand(0, 1);
+        m_app.set_help_flag("-h,--help", "Print this help and end");
+        m_app.set_version_flag("--version", "tarvik " TARVIK_VERSION, "Print the version and end");
+        addOption(m_app, "--root", m_root, "Work on the machine in this folder instead of this machine");
+        addOption(m_app, "--home", m_home, "The home folder of the user who is meant");
+        addOption(m_app, "--format", m_format, "How results are written: human, tsv or toml");
+        m_app.add_flag("--yes", m_options.yes, "Go ahead without asking")->disable_flag_override();
+        m_app.footer(
+            "Exit status: 0 done, 1 the act failed, 2 the command line was wrong.\n"
+            "Results go to standard output, everything else to standard error.");
+
+        addVerb(m_app, "drives", "List the drives");
+        m_apps = addVerb(m_app, "apps", "List the applications, or tell all about one");
+        m_apps->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
+            ->type_name("");
+        addVerb(m_app, "links", "List the links that stand where things are moved from");
+        m_move = addVerb(m_app, "move", "Move something to a drive, or back");
+        m_move->require_subcommand(0, 1);
+        m_moveApp = addVerb(*m_move, "app", "Show what the move of applications to a drive would do");
+        // One name only: the library would take a name in brackets for a list. The others are left over.
+        m_moveApp->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
+            ->type_name("...");
+        addOption(*m_moveApp, "--drive", m_drive, "The drive: its mount path or its name");
+        m_moveApp->add_flag("--dry-run", m_options.isDryRun, "Change nothing, only show what would be done")
+            ->disable_flag_override();
+        m_moveApp->add_flag("--no-data", m_leavesData, "Leave the data where it is, move only the applications")
+            ->disable_flag_override();
+        auto* folder = addVerb(*m_move, "folder", "Move a folder to a drive and link its old path to it");
+        folder->add_option("PATH", m_path, "The folder")->type_name("");
+        addOption(*folder, "--drive", m_drive, "The drive: its mount path or its name");
+        auto* restore = addVerb(*m_move, "restore", "Bring back what a link leads to");
+        restore->add_option("PATH", m_path, "The link")->type_name("");
+    }
+
+    std::variant<Options, Information> parse(const Arguments& arguments) {
+        // The library forgets the mark that ends the options where a verb has all it needs: it never sees it.
+        const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+        Arguments marked(mark == arguments.end() ? mark : mark + 1, arguments.end());
+        try {
+            // The parser takes its arguments from the end of the list.
+            m_app.parse(Arguments(std::make_reverse_iterator(mark), arguments.rend()));
+        } catch (const CLI::CallForHelp&) {
+            return Information{m_app.help()};
+        } catch (const CLI::CallForVersion& version) {
+            return Information{std::string(version.what()) + "\n"};
+        } catch (const CLI::ParseError&) {
+            refuseMisusedOption(arguments);
+        }
+        refuseUnclearWords(takeWords(std::move(marked)));
+        takeGlobalOptions();
+        takeVerb();
+        return m_options;
+    }
+
+private:
+    static void addOption(CLI::App& app, const char* name, std::string& value, const char* description) {
+        const auto* entry =
+            std::find_if(valued.begin(), valued.end(), [&](const auto& option) { return option.first == name; });
+        app.add_option(name, value, description)->type_name(std::string(entry->second));
+    }
+
+    static CLI::App* addVerb(CLI::App& parent, const char* name, const char* description) {
+        auto* verb = parent.add_subcommand(name, description)->group("Verbs");
+        verb->footer("Every verb takes the options of \"tarvik --help\" too.");
+        return verb;
+    }
+
+    WrongUse wrong(std::string sentence) const { return {std::move(sentence), usageOf(meant())}; }
+
+    /// The innermost verb that was named, or the command itself.
+    const CLI::App& meant() const {
+        const auto* app = &m_app;
+        while (!app->get_subcommands().empty()) app = app->get_subcommands().front();
+        return *app;
+    }
+
+    void takeVerb() {
+        for (const auto& entry : verbs)
+            if (entry.words == wordsOf(meant())) m_options.verb = entry.verb;
+        m_options.path = m_path;
+        m_options.drive = m_drive;
+        m_options.includesData = !m_leavesData;
+        requireArguments();
+    }
+
+    void requireArguments() const {
+        const auto verb = m_options.verb;
+        const auto& names = m_options.names;
+        if (std::find(names.begin(), names.end(), "") != names.end()) throw wrong("A NAME is empty.");
+        if (verb == Verb::moveApp && names.empty())
+            throw wrong("Name the applications that shall move: a NAME is missing.");
+        if (verb == Verb::moveFolder && m_path.empty())
+            throw wrong("Name the folder that shall move: a PATH is missing.");
+        if (verb == Verb::moveRestore && m_path.empty())
+            throw wrong("Name the link whose folder shall come back: a PATH is missing.");
+        if (verb == Verb::moveFolder && m_drive.empty())
+            throw wrong("Name the drive that the folder shall move to, with --drive DRIVE.");
+        if (verb == Verb::moveApp && m_drive.empty())
+            throw wrong("Name the drive that the applications shall move to, with --drive DRIVE.");
+        if (verb == Verb::moveApp && !m_options.isDryRun) throw wrong("move app only plans yet: add --dry-run.");
+    }
+
+    /// The library has refused an option. Why, is seen in the arguments.
+    [[noreturn]] void refuseMisusedOption(const Arguments& arguments) const {
+        const auto end = std::find(arguments.begin(), arguments.end(), "--");
+        for (const auto& [name, value] : valued) {
+            const auto isIt = [name = name](const std::string& word) {
+                return word == name || word.starts_with(std::string(name) + "=");
+            };
+            if (std::count_if(arguments.begin(), end, isIt) > 1)
+                throw wrong(fmt::format("{} can be given only once.", name));
+        }
+        for (const auto& [name, value] : valued) {
+            const auto at = std::find(arguments.begin(), end, name);
+            if (at != end && (at + 1 == end || (at + 1)->starts_with("--")))
+                throw wrong(fmt::format("{} needs a value: {} {}.", name, name, value));
+        }
+        for (auto word = arguments.begin(); word != end; ++word)
+            for (const std::string flag : {"--yes", "--help", "--version", "--dry-run", "--no-data"})
+                if (word->starts_with(flag + "=")) throw wrong(fmt::format("{} takes no value.", flag));
+        throw wrong("These options do not go together.");
+    }
+
+    /// Takes the words that the library has left over, and those behind the mark, for what the verb still lacks.
+    /// @returns the rest.
+    Arguments takeWords(Arguments marked) {
+        if (m_apps->count("NAME") + m_moveApp->count("NAME") > 0) m_options.names = {m_name};
+        const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
+        Arguments rest;
+        for (auto& word : m_app.remaining(true))
+            if (isOption(word) || !takesWord(word)) rest.push_back(std::move(word));
+        for (auto& word : marked) {
+            if (takesWord(word)) continue;
+            if (isOption(word))
+                throw wrong(fmt::format("\"{}\" is one word too many: behind \"--\" nothing is an option.", word));
+            rest.push_back(std::move(word));
+        }
+        return rest;
+    }
+
+    bool takesWord(const std::string& word) {
+        const auto words = wordsOf(meant());
+        if (words == "move app" || (words == "apps" && m_options.names.empty())) {
+            m_options.names.push_back(word);
+            return true;
+        }
+        if ((words != "move folder" && words != "move restore") || !m_path.empty()) return false;
+        m_path = word;
+        return true;
+    }
+
+    void refuseUnclearWords(const Arguments& words) const {
+        requireVerb(m_app, words);
+        if (m_move->parsed()) requireVerb(*m_move, words);
+        if (words.empty()) return;
+        const auto& word = words.front();
+        for (const auto& [name, owners] : owned)
+            if (word == name || word.starts_with(std::string(name) + "="))
+                throw wrong(fmt::format("{} belongs to {}.", name, owners));
+        if (word.size() > 1 && word.front() == '-') throw wrong(fmt::format("There is no option \"{}\".", word));
+        const auto argument = m_apps->parsed() ? "NAME" : "PATH";
+        throw wrong(m_path.empty() && m_options.names.empty()
+                        ? fmt::format("\"{}\" is one word too many.", word)
+                        : fmt::format("\"{}\" is one word too many: one {} at a time, and in quotes when it holds a "
+                                      "space.",
+                                      word, argument));
+    }
+
+    void requireVerb(const CLI::App& app, const Arguments& words) const {
+        if (!app.get_subcommands().empty()) return;
+        std::vector<std::string_view> choices;
+        for (const auto& entry : verbsOf(wordsOf(app))) choices.push_back(entry.words);
+        const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
+        const auto word = std::find_if_not(words.begin(), words.end(), isOption);
+        if (word == words.end() && !words.empty())
+            throw wrong(fmt::format("There is no option \"{}\".", words.front()));
+        if (words.empty()) throw wrong(fmt::format("What shall be done? Name one of: {}.", fmt::join(choices, ", ")));
+        const auto prefix = app.get_parent() ? app.get_name() + " " : std::string();
+        throw wrong(fmt::format("There is no \"{}{}\". There is: {}.", prefix, *word, fmt::join(choices, ", ")));
+    }
+
+    void takeGlobalOptions() {
+        const auto known = formats.find(m_format);
+        if (known == formats.end())
+            throw wrong(fmt::format("\"{}\" is no format. There is: human, tsv, toml.", m_format));
+        m_options.format = known->second;
+        m_options.root = pathOption("--root", m_root);
+        m_options.home = pathOption("--home", m_home);
+    }
+
+    /// An empty path would be taken for the working directory: nobody means that.
+    std::optional<fs::path> pathOption(const std::string& name, const std::string& text) const {
+        if (m_app.get_option(name)->empty()) return std::nullopt;
+        if (text.empty()) throw wrong(fmt::format("{} needs a path that is not empty.", name));
+        return fs::path(text);
+    }
+
+    Options m_options;
+    std::string m_root, m_home, m_path, m_name, m_drive, m_format = "human";
+    bool m_leavesData = false;
+    CLI::App m_app{"Moves what is large to an external drive and leaves a link, so that everything keeps working.",
+                   "tarvik"};
+    CLI::App* m_apps = nullptr;
+    CLI::App* m_move = nullptr;
+    CLI::App* m_moveApp = nullptr;
+};
 
 }  // namespace
 
-WrongUse::WrongUse(std::string description) : Failure("CommandLine", 2, std::move(description)) {}
+WrongUse::WrongUse(std::string description, std::string usage)
+    : Failure("CommandLine", 2, std::move(description)), m_usage(std::move(usage)) {}
 
-std::variant<Options, Information> parse(const std::vector<std::string>& arguments) {
-    Options options;
-    std::string root, home, path, format = "human";
+std::string_view usageOf(Verb verb) {
+    for (const auto& entry : verbs)
+        if (entry.verb == verb) return entry.usage;
+    return "tarvik";
+}
 
-    CLI::App app("Moves what is large to an external drive and leaves a link, so that everything keeps working.",
-                 "tarvik");
-    // Global options may stand before or after the verb.
-    app.fallthrough();
-    // What is left over is judged here, in words of our own.
-    app.allow_extras();
-    // With a verb chosen, a path may bear the name of one.
-    app.require_subcommand(0, 1);
-    app.set_version_flag("--version", "tarvik " TARVIK_VERSION, "Print the version and end");
-    const auto* rootOption =
-        app.add_option("--root", root, "Work on the machine in this folder instead of this machine")->type_name("DIR");
-    const auto* homeOption =
-        app.add_option("--home", home, "The home folder of the user who is meant")->type_name("DIR");
-    app.add_option("--format", format, "How results are written: human, tsv or toml")->type_name("FORMAT");
-    app.add_flag("--yes", options.yes, "Go ahead without asking");
-    app.footer(
-        "Exit status: 0 done, 1 the act failed, 2 the command line was wrong.\n"
-        "Results go to standard output, everything else to standard error.");
-
-    const auto* drives = app.add_subcommand("drives", "List the drives");
-    auto* move = app.add_subcommand("move", "Move something to a drive, or back");
-    move->require_subcommand(0, 1);
-    const auto addMove = [&](const char* name, const char* description, const char* pathDescription) {
-        auto* command = move->add_subcommand(name, description);
-        command->add_option("PATH", path, pathDescription)->type_name("");
-        return command;
-    };
-    auto* folder = addMove("folder", "Move a folder to a drive and link its old path to it", "The folder");
-    auto* driveOption = folder->add_option("--drive", options.drive, "The drive: its mount path or its name");
-    driveOption->type_name("DRIVE");
-    auto* restore = addMove("restore", "Bring back what a link leads to", "The link");
-
-    try {
-        // The parser takes its arguments from the end of the list.
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    } catch (const CLI::CallForHelp&) {
-        return Information{app.help()};
-    } catch (const CLI::CallForVersion& version) {
-        return Information{std::string(version.what()) + "\n"};
-    } catch (const CLI::ParseError& error) {
-        throw WrongUse(sentenceOf(error));
-    }
-
-    const auto words = leftOver(app);
-    requireVerb(app, words, "drives, move folder, move restore");
-    if (move->parsed()) requireVerb(*move, words, "move folder, move restore");
-    if (!words.empty()) throw WrongUse(fmt::format("What \"{}\" means is not clear.", words.front()));
-
-    const auto known = formats.find(format);
-    if (known == formats.end()) throw WrongUse(fmt::format("\"{}\" is no format. There is: human, tsv, toml.", format));
-    options.format = known->second;
-    options.root = pathOption(*rootOption, root);
-    options.home = pathOption(*homeOption, home);
-    if (drives->parsed()) return options;
-
-    const auto* command = folder->parsed() ? folder : restore;
-    options.verb = folder->parsed() ? Options::Verb::moveFolder : Options::Verb::moveRestore;
-    if (path.empty()) throw WrongUse(fmt::format("move {} needs a PATH.", command->get_name()));
-    options.path = path;
-    if (folder->parsed() && options.drive.empty()) throw WrongUse("move folder needs --drive DRIVE.");
-    return options;
+std::variant<Options, Information> parse(const Arguments& arguments) {
+    return Grammar().parse(arguments);
 }
 
 }  // namespace tarvik::CommandLine

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -13,11 +14,13 @@ namespace tarvik::CommandLine {
 
 /// What a command line asks for.
 struct Options {
-    enum class Verb { drives, moveFolder, moveRestore };
+    enum class Verb { drives, apps, links, moveApp, moveFolder, moveRestore };
 
     Verb verb = Verb::drives;
     /// The item of a move, as it was written.
     fs::path path;
+    /// The applications that are meant, as they were written. `apps` takes one at most; without it, all are meant.
+    std::vector<std::string> names;
     /// A mount path or a volume's name, as it was written.
     std::string drive;
     std::optional<fs::path> root;
@@ -25,6 +28,10 @@ struct Options {
     Format format = Format::human;
     /// Goes ahead without a question.
     bool yes = false;
+    /// What an application keeps outside of its bundle moves with it.
+    bool includesData = true;
+    /// Only shows what would be done.
+    bool isDryRun = false;
 
     bool operator==(const Options&) const = default;
 };
@@ -32,8 +39,16 @@ struct Options {
 /// A command line that cannot be understood. `description()` is one sentence.
 class WrongUse : public Failure {
 public:
-    explicit WrongUse(std::string description);
+    WrongUse(std::string description, std::string usage);
+    /// How it would be right: the whole command, a line for each verb that can be meant.
+    const std::string& usage() const noexcept { return m_usage; }
+
+private:
+    std::string m_usage;
 };
+
+/// How the command is written with this verb: "tarvik move restore PATH".
+std::string_view usageOf(Options::Verb verb);
 
 /// Text to print instead of an act: what --help and --version ask for.
 struct Information {

@@ -24,28 +24,31 @@ std::string bar(double fraction, std::size_t cells) {
     return "[" + std::string(full, '#') + std::string(cells - full, '-') + "]";
 }
 
+std::string amount(std::int64_t count, ProgressUnit unit) {
+    return unit == ProgressUnit::bytes ? Text::byteCount(count) : fmt::to_string(count);
+}
+
 }  // namespace
 
-std::string progressLine(std::string_view step, std::string_view label, std::int64_t copied, std::int64_t total,
-                         std::size_t columns) {
-    const double fraction =
-        total < 1 ? 0 : std::clamp(static_cast<double>(copied) / static_cast<double>(total), 0.0, 1.0);
-    const auto share = total < 1 ? std::string() : fmt::format("{:3} %", static_cast<int>(fraction * 100));
-    const auto bytes =
-        total < 1 ? std::string()
-                  : fmt::format("  {} of {}", Text::byteCount(std::min(copied, total)), Text::byteCount(total));
+std::string progressLine(std::string_view step, std::string_view label, const ByteProgress& progress,
+                         std::size_t columns, ProgressUnit unit) {
     const auto words = fmt::format("{} {}", step, label);
-    if (share.empty()) return Columns::cut(words, columns);
+    if (!progress.isKnown()) return Columns::cut(words, columns);
+    const double fraction = progress.fraction();
+    const auto share = fmt::format("{:3} %", static_cast<int>(fraction * 100));
+    const auto amounts = fmt::format("  {} of {}", amount(std::min(progress.copied, progress.total), unit),
+                                     amount(progress.total, unit));
 
-    // "  [" and "] " stand around the bar; a label keeps a third of the line before the bytes may stand.
+    // "  [" and "] " stand around the bar; a label keeps a third of the line before the amounts may stand.
     const auto room = [&](std::size_t used) { return columns > used ? columns - used : 0; };
-    const auto shownBytes = room(bytes.size() + share.size() + narrowestBar + 5) >= columns / 3 ? bytes : std::string();
-    const auto fixed = share.size() + shownBytes.size();
+    const auto shownAmounts =
+        room(amounts.size() + share.size() + narrowestBar + 5) >= columns / 3 ? amounts : std::string();
+    const auto fixed = share.size() + shownAmounts.size();
     if (room(fixed + narrowestBar + 5) < 8)
         return Columns::cut(fmt::format("{} {}", Text::trimmed(share), words), columns);
     const auto shownWords = Columns::cut(words, room(fixed + narrowestBar + 5));
     const auto cells = std::min(widestBar, room(fixed + Columns::width(shownWords) + 5));
-    return fmt::format("{}  {} {}{}", shownWords, bar(fraction, cells), share, shownBytes);
+    return fmt::format("{}  {} {}{}", shownWords, bar(fraction, cells), share, shownAmounts);
 }
 
 ProgressDisplay::Output ProgressDisplay::standardError() {
@@ -58,8 +61,16 @@ ProgressDisplay::Output ProgressDisplay::silent() {
     return {[](std::string_view) {}, {}, Clock::now};
 }
 
-ProgressDisplay::ProgressDisplay(Output output, std::string label)
-    : m_output(std::move(output)), m_label(Columns::oneLine(label)) {}
+ProgressDisplay::Output ProgressDisplay::outputFor(Format format) {
+    return format == Format::human ? standardError() : silent();
+}
+
+ProgressDisplay::Output ProgressDisplay::outputForQuestion(Format format) {
+    return Terminal::showsMessages() ? outputFor(format) : silent();
+}
+
+ProgressDisplay::ProgressDisplay(Output output, std::string label, ProgressUnit unit)
+    : m_output(std::move(output)), m_label(Columns::oneLine(label)), m_unit(unit) {}
 
 ProgressDisplay::~ProgressDisplay() {
     end();
@@ -75,12 +86,11 @@ void ProgressDisplay::step(std::string_view name) {
         m_output.write(m_step + "\n");
 }
 
-void ProgressDisplay::progress(std::int64_t copied, std::int64_t total) {
+void ProgressDisplay::progress(const ByteProgress& progress) {
     const std::lock_guard lock(m_mutex);
     if (m_hasEnded) return;
-    m_copied = copied;
-    m_total = std::max(m_total, total);
-    if (m_output.columns && (!m_drawnAt || m_output.now() - *m_drawnAt >= shortestInterval)) draw();
+    m_progress = {progress.copied, std::max(m_progress.total, progress.total)};
+    if (m_output.columns && !m_step.empty() && (!m_drawnAt || m_output.now() - *m_drawnAt >= shortestInterval)) draw();
 }
 
 void ProgressDisplay::end() {
@@ -93,7 +103,7 @@ void ProgressDisplay::end() {
 void ProgressDisplay::draw() {
     // The last column stays empty: some terminals break the line when it is filled.
     const auto columns = std::max<std::size_t>(m_output.columns(), 2) - 1;
-    m_output.write(std::string(clearLine) + progressLine(m_step, m_label, m_copied, m_total, columns));
+    m_output.write(std::string(clearLine) + progressLine(m_step, m_label, m_progress, columns, m_unit));
     m_drawnAt = m_output.now();
     m_isDrawn = true;
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "CommandLine/Records.h"
+#include "Move/ByteProgress.h"
+
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -10,6 +12,11 @@
 #include <string_view>
 
 namespace tarvik::CommandLine {
+
+enum class ProgressUnit {
+    bytes,  ///< "1.2 MB of 3 MB"
+    items,  ///< "12 of 40"
+};
 
 /// Shows how far an act has come: on a terminal one line that is redrawn, elsewhere a plain line for each new step.
 /// Every function may be called from any thread.
@@ -27,8 +34,13 @@ public:
     static Output standardError();
     /// An output that shows nothing.
     static Output silent();
+    /// Where an act shows its progress: nowhere when its results are for a program.
+    static Output outputFor(Format format);
+    /// The same for a question, which only looks: nothing but a line on a terminal, and nothing into a pipe.
+    static Output outputForQuestion(Format format);
 
-    ProgressDisplay(Output output, std::string label);
+    /// `unit` is what the figures of a progress count.
+    ProgressDisplay(Output output, std::string label, ProgressUnit unit = ProgressUnit::bytes);
     /// Takes the line off the screen.
     ~ProgressDisplay();
     ProgressDisplay(const ProgressDisplay&) = delete;
@@ -36,8 +48,8 @@ public:
 
     /// A new step begins: "copying". A step that is shown already is not shown anew.
     void step(std::string_view name);
-    /// Bytes. Drawn at most ten times a second.
-    void progress(std::int64_t copied, std::int64_t total);
+    /// Drawn at most ten times a second, and not before the first step. The total never shrinks.
+    void progress(const ByteProgress& progress);
     /// Nothing more is shown, and the line is taken off the screen.
     void end();
 
@@ -48,17 +60,17 @@ private:
     std::mutex m_mutex;
     const Output m_output;
     const std::string m_label;
+    const ProgressUnit m_unit;
     std::string m_step;
-    std::int64_t m_copied = 0;
-    std::int64_t m_total = 0;
+    ByteProgress m_progress;
     std::optional<Clock::time_point> m_drawnAt;
     bool m_isDrawn = false;
     bool m_hasEnded = false;
 };
 
-/// The line of a progress display, at most `columns` wide: step, label, a bar, the share and the bytes, of which the
-/// less important give way where there is little room. `total` 0 means unknown.
-std::string progressLine(std::string_view step, std::string_view label, std::int64_t copied, std::int64_t total,
-                         std::size_t columns);
+/// The line of a progress display, at most `columns` wide: step, label, a bar, the share and the amounts, of which the
+/// less important give way where there is little room.
+std::string progressLine(std::string_view step, std::string_view label, const ByteProgress& progress,
+                         std::size_t columns, ProgressUnit unit = ProgressUnit::bytes);
 
 }  // namespace tarvik::CommandLine

@@ -7,6 +7,7 @@
 #include <toml++/toml.h>
 
 #include <sstream>
+#include <utility>
 
 namespace tarvik::CommandLine {
 
@@ -40,6 +41,9 @@ struct TsvText {
     std::string operator()(const std::string& text) const { return escaped(text); }
     std::string operator()(std::int64_t number) const { return fmt::to_string(number); }
     std::string operator()(bool flag) const { return flag ? "true" : "false"; }
+    std::string operator()(const std::vector<std::string>& texts) const {
+        return escaped(fmt::format("{}", fmt::join(texts, "\n")));
+    }
 };
 
 struct TomlInserter {
@@ -49,6 +53,11 @@ struct TomlInserter {
     void operator()(const std::string& text) const { table.insert(name, Text::displayable(text)); }
     void operator()(std::int64_t number) const { table.insert(name, number); }
     void operator()(bool flag) const { table.insert(name, flag); }
+    void operator()(const std::vector<std::string>& texts) const {
+        toml::array list;
+        for (const auto& text : texts) list.push_back(Text::displayable(text));
+        table.insert(name, std::move(list));
+    }
 };
 
 /// The writer of the library sorts keys; a reader of the text should find them in the order of the record.
@@ -69,6 +78,12 @@ std::string tomlLines(const Record& record) {
 
 }  // namespace
 
+std::vector<std::string> namesOf(const Record& record) {
+    std::vector<std::string> names;
+    for (const auto& [name, value] : record) names.push_back(name);
+    return names;
+}
+
 std::string tsv(const std::vector<std::string>& names, const std::vector<Record>& records) {
     std::string text = fmt::format("{}\n", fmt::join(names, "\t"));
     for (const auto& record : records) {
@@ -80,9 +95,7 @@ std::string tsv(const std::vector<std::string>& names, const std::vector<Record>
 }
 
 std::string tsv(const Record& record) {
-    std::vector<std::string> names;
-    for (const auto& [name, value] : record) names.push_back(name);
-    return tsv(names, {record});
+    return tsv(namesOf(record), {record});
 }
 
 std::string toml(std::string_view name, const std::vector<Record>& records) {

@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <fcntl.h>
 #include <string>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -44,14 +43,6 @@ std::string readLine() {
 }
 
 }  // namespace
-
-void occupyClosedStreams() noexcept {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
-        // The lowest free number is the stream's. Open for the wrong direction, it still fails as a closed one does.
-        ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-    }
-}
 
 void writeResult(std::string_view text) {
     if (const int error = writeAll(STDOUT_FILENO, text)) throw FileError("write to", "standard output", error);

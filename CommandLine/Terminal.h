@@ -8,10 +8,6 @@
 /// The three streams of the command: results on standard output, everything else on standard error.
 namespace tarvik::CommandLine::Terminal {
 
-/// Occupies those of the three streams that were closed when the program began, so that no file that is opened later
-/// gets a stream's number and is written into. Called first.
-void occupyClosedStreams() noexcept;
-
 /// Writes a result. @throws FileError when it cannot be written whole.
 void writeResult(std::string_view text);
 /// Writes to standard error, as it stands. A failure is passed over: there is nobody left to tell.

@@ -1,40 +1,21 @@
 #include "CommandLine/CommandWorld.h"
+#include "CommandLine/Lines.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <toml++/toml.h>
 
-#include <sstream>
-
 namespace tarvik {
 
 namespace {
 
+using test::cellsOf;
 using test::CommandWorld;
-using test::Finished;
+using test::linesOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 using Streams = test::RunningProgram::Streams;
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
-
-/// The cells of one line of a TSV text, without undoing escapes.
-std::vector<std::string> cellsOf(const std::string& line) {
-    std::vector<std::string> cells(1);
-    for (const char byte : line) {
-        if (byte == '\t')
-            cells.emplace_back();
-        else
-            cells.back() += byte;
-    }
-    return cells;
-}
 
 }  // namespace
 
@@ -45,7 +26,7 @@ TEST(Command, ListsTheDrivesForEyes) {
     EXPECT_EQ(finished.errors, "");
     const auto lines = linesOf(finished.output);
     ASSERT_EQ(lines.size(), 3U);
-    EXPECT_THAT(lines[0], testing::ContainsRegex("^Name +Mounted at +Size +Free +Format +Kind +Writable$"));
+    EXPECT_THAT(lines[0], testing::ContainsRegex("^Name +Size +Free +Format +Kind +Writable +Mounted at$"));
     EXPECT_THAT(lines[1], StartsWith("Backup "));
     EXPECT_THAT(lines[2], StartsWith("Studio Drive "));
     for (const auto& line : lines) EXPECT_EQ(line.find("external") == std::string::npos, &line == &lines[0]);
@@ -103,7 +84,7 @@ TEST(Command, MovesAFolderAndBringsItBack) {
     const auto before = test::pictureOf(world.library);
     const auto away = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
     EXPECT_EQ(away.output, "Moved 1 item.\n");
-    EXPECT_EQ(away.errors, "copying\nverifying\nlinking\ndone\n");
+    EXPECT_EQ(away.errors, "copying\nverifying\nlinking\n");
     EXPECT_EQ(away.status, 0);
     EXPECT_EQ(fs::read_symlink(world.library), world.moved);
     EXPECT_EQ(test::pictureOf(world.moved), before);
@@ -196,7 +177,7 @@ TEST(Command, CallsADriveThatIsNotThereAWrongCommandLine) {
         const auto finished = world.run({"move", "folder", world.library.native(), "--yes", "--drive", drive});
         EXPECT_EQ(finished.status, 2);
         EXPECT_THAT(finished.errors, HasSubstr("There is no drive \"" + drive + "\". There is: Backup ("));
-        EXPECT_THAT(finished.errors, HasSubstr("\nSee tarvik --help.\n"));
+        EXPECT_THAT(finished.errors, HasSubstr("\nUsage: tarvik move folder PATH --drive DRIVE\n"));
     }
     const auto inside =
         world.run({"move", "folder", world.library.native(), "--yes", "--drive", (world.drive / "Sessions").native()});
@@ -218,6 +199,9 @@ TEST(Command, EndsWithStatusTwoForEveryWrongUse) {
                                                          {"move"},
                                                          {"move", "folder"},
                                                          {"move", "restore"},
+                                                         {"move", "app"},
+                                                         {"apps", "a", "b"},
+                                                         {"links", "x"},
                                                          {"drives", "--format", "xml"},
                                                          {"drives", "x"},
                                                          {"--nope"},
@@ -227,8 +211,8 @@ TEST(Command, EndsWithStatusTwoForEveryWrongUse) {
         const auto finished = test::runProgram(world.command, arguments);
         EXPECT_EQ(finished.status, 2);
         EXPECT_EQ(finished.output, "");
-        ASSERT_EQ(linesOf(finished.errors).size(), 2U) << finished.errors;
-        EXPECT_EQ(linesOf(finished.errors)[1], "See tarvik --help.");
+        EXPECT_THAT(finished.errors, HasSubstr(".\nUsage: tarvik "));
+        EXPECT_LE(linesOf(finished.errors).size(), 7U) << finished.errors;
     }
 }
 

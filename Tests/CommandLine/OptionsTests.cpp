@@ -21,6 +21,15 @@ std::string sentenceOf(const Arguments& arguments) {
     return "understood";
 }
 
+std::string usageFor(const Arguments& arguments) {
+    try {
+        parse(arguments);
+    } catch (const WrongUse& use) {
+        return use.usage();
+    }
+    return "understood";
+}
+
 }  // namespace
 
 TEST(Options, TakesGlobalOptionsBeforeAndAfterTheVerb) {
@@ -45,6 +54,42 @@ TEST(Options, KnowsTheVerbs) {
     EXPECT_EQ(optionsOf({"drives"}).verb, Options::Verb::drives);
     EXPECT_EQ(optionsOf({"move", "folder", "/f", "--drive", "D"}).verb, Options::Verb::moveFolder);
     EXPECT_EQ(optionsOf({"move", "restore", "/f"}).verb, Options::Verb::moveRestore);
+    EXPECT_EQ(optionsOf({"apps"}).verb, Options::Verb::apps);
+    EXPECT_EQ(optionsOf({"links"}).verb, Options::Verb::links);
+    EXPECT_EQ(optionsOf({"move", "app", "A", "--drive", "D", "--dry-run"}).verb, Options::Verb::moveApp);
+}
+
+TEST(Options, TakesTheNamesOfApplications) {
+    EXPECT_TRUE(optionsOf({"apps"}).names.empty());
+    EXPECT_EQ(optionsOf({"apps", "Logic Pro"}).names, Arguments{"Logic Pro"});
+    const auto options =
+        optionsOf({"move", "app", "A", "--drive", "D", "b c", "--no-data", "--dry-run", "-", "--", "--yes", "--"});
+    EXPECT_EQ(options.names, (Arguments{"A", "b c", "-", "--yes", "--"}));
+    EXPECT_EQ(options.drive, "D");
+    EXPECT_FALSE(options.yes);
+    EXPECT_TRUE(options.isDryRun);
+    EXPECT_FALSE(options.includesData);
+    EXPECT_TRUE(optionsOf({"move", "app", "A", "--drive", "D", "--dry-run"}).includesData);
+    for (const auto* name : {"drives", "apps", "move", "app"}) {
+        EXPECT_EQ(optionsOf({"apps", name}).names, Arguments{name});
+        EXPECT_EQ(optionsOf({"move", "app", name, "--drive", "D", "--dry-run"}).names, Arguments{name});
+    }
+}
+
+TEST(Options, SaysWhatAMoveOfApplicationsLacks) {
+    EXPECT_EQ(sentenceOf({"move", "app", "--drive", "D", "--dry-run"}),
+              "Name the applications that shall move: a NAME is missing.");
+    EXPECT_EQ(sentenceOf({"move", "app", "A", "--dry-run"}),
+              "Name the drive that the applications shall move to, with --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({"move", "app", "A", "--drive", "D"}), "move app only plans yet: add --dry-run.");
+    EXPECT_EQ(sentenceOf({"move", "app", "A", "", "--drive", "D", "--dry-run"}), "A NAME is empty.");
+    EXPECT_EQ(sentenceOf({"apps", ""}), "A NAME is empty.");
+    EXPECT_EQ(sentenceOf({"apps", "Logic", "Pro"}),
+              "\"Pro\" is one word too many: one NAME at a time, and in quotes when it holds a space.");
+    EXPECT_EQ(sentenceOf({"apps", "--dry-run"}), "--dry-run belongs to move app alone.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", "D", "--no-data"}),
+              "--no-data belongs to move app alone.");
+    EXPECT_EQ(sentenceOf({"move", "app", "A", "--drive", "D", "--dry-run=no"}), "--dry-run takes no value.");
 }
 
 TEST(Options, TakesAPathThatBearsTheNameOfAVerb) {
@@ -58,6 +103,8 @@ TEST(Options, TakesEveryNameByteForByte) {
     for (const auto* name : {"a b", " ", "-", "[x]", "{}", "[]", "a,b", "%%", "\"quoted\"", "'", "a=b", "\\n", "é",
                              "\xFF\xFE", "a\nb", "~"}) {
         EXPECT_EQ(optionsOf({"move", "restore", name}).path, name);
+        EXPECT_EQ(optionsOf({"apps", name}).names, Arguments{name});
+        EXPECT_EQ(optionsOf({"move", "app", name, "x", "--drive", "D", "--dry-run"}).names, (Arguments{name, "x"}));
         EXPECT_EQ(optionsOf({"move", "folder", "/f", "--drive", name}).drive, name);
         EXPECT_EQ(optionsOf({"--root", name, "drives"}).root, name);
     }
@@ -65,32 +112,63 @@ TEST(Options, TakesEveryNameByteForByte) {
 }
 
 TEST(Options, SaysWhatIsWrong) {
-    EXPECT_EQ(sentenceOf({}), "What shall be done? Name one of: drives, move folder, move restore.");
-    EXPECT_EQ(sentenceOf({"frobnicate"}), "There is no \"frobnicate\". There is: drives, move folder, move restore.");
-    EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move folder, move restore.");
-    EXPECT_EQ(sentenceOf({"move", "app"}), "There is no \"move app\". There is: move folder, move restore.");
-    EXPECT_EQ(sentenceOf({"move", "folder", "--drive", "D"}), "move folder needs a PATH.");
-    EXPECT_EQ(sentenceOf({"move", "restore"}), "move restore needs a PATH.");
-    EXPECT_EQ(sentenceOf({"move", "folder", "/f"}), "move folder needs --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({}),
+              "What shall be done? Name one of: drives, apps, links, move app, move folder, move restore.");
+    EXPECT_EQ(sentenceOf({"frobnicate"}),
+              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore.");
+    EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
+    EXPECT_EQ(sentenceOf({"move", "file"}),
+              "There is no \"move file\". There is: move app, move folder, move restore.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "--drive", "D"}), "Name the folder that shall move: a PATH is missing.");
+    EXPECT_EQ(sentenceOf({"move", "restore"}), "Name the link whose folder shall come back: a PATH is missing.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "/f"}),
+              "Name the drive that the folder shall move to, with --drive DRIVE.");
     EXPECT_EQ(sentenceOf({"--format", "yaml", "drives"}), "\"yaml\" is no format. There is: human, tsv, toml.");
-    EXPECT_EQ(sentenceOf({"drives", "extra"}), "What \"extra\" means is not clear.");
-    EXPECT_EQ(sentenceOf({"drives", "--quick"}), "What \"--quick\" means is not clear.");
-    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}), "What \"/g\" means is not clear.");
-    EXPECT_EQ(sentenceOf({"drives", "--drive", "D"}), "What \"--drive\" means is not clear.");
+    EXPECT_EQ(sentenceOf({"drives", "extra"}), "\"extra\" is one word too many.");
+    EXPECT_EQ(sentenceOf({"drives", "--quick"}), "There is no option \"--quick\".");
+    EXPECT_EQ(sentenceOf({"-x"}), "There is no option \"-x\".");
+    EXPECT_EQ(sentenceOf({"--quick", "frobnicate"}),
+              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
+              "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
+              "\"--drive\" is one word too many: behind \"--\" nothing is an option.");
+    EXPECT_EQ(sentenceOf({"drives", "--drive", "D"}), "--drive belongs to move app and move folder.");
+    EXPECT_EQ(sentenceOf({"move", "restore", "/f", "--drive=D"}), "--drive belongs to move app and move folder.");
 }
 
 TEST(Options, RefusesEmptyPaths) {
-    EXPECT_EQ(sentenceOf({"move", "restore", ""}), "move restore needs a PATH.");
-    EXPECT_EQ(sentenceOf({"move", "folder", "", "--drive", "D"}), "move folder needs a PATH.");
-    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", ""}), "move folder needs --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({"move", "restore", ""}), sentenceOf({"move", "restore"}));
+    EXPECT_EQ(sentenceOf({"move", "folder", "", "--drive", "D"}), sentenceOf({"move", "folder", "--drive", "D"}));
+    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", ""}), sentenceOf({"move", "folder", "/f"}));
     EXPECT_EQ(sentenceOf({"--root", "", "drives"}), "--root needs a path that is not empty.");
     EXPECT_EQ(sentenceOf({"--home", "", "drives"}), "--home needs a path that is not empty.");
 }
 
 TEST(Options, RefusesAnOptionWithoutItsValueOrGivenTwice) {
-    EXPECT_NE(sentenceOf({"drives", "--root"}), "understood");
-    EXPECT_NE(sentenceOf({"drives", "--root", "/a", "--root", "/b"}), "understood");
-    EXPECT_NE(sentenceOf({"move", "folder", "/f", "--drive", "A", "--drive", "B"}), "understood");
+    EXPECT_EQ(sentenceOf({"drives", "--root"}), "--root needs a value: --root DIR.");
+    EXPECT_EQ(sentenceOf({"drives", "--format"}), "--format needs a value: --format FORMAT.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive"}), "--drive needs a value: --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({"drives", "--root", "/a", "--root=/b"}), "--root can be given only once.");
+    EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", "A", "--drive", "B"}), "--drive can be given only once.");
+    EXPECT_EQ(sentenceOf({"drives", "--yes=maybe"}), "--yes takes no value.");
+    EXPECT_EQ(sentenceOf({"drives", "--yes=1"}), "--yes takes no value.");
+    EXPECT_TRUE(optionsOf({"drives", "--yes", "--yes"}).yes);
+}
+
+TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
+    const std::string app = "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]";
+    const std::string folder = "tarvik move folder PATH --drive DRIVE";
+    const std::string restore = "tarvik move restore PATH";
+    EXPECT_EQ(usageFor({"drives", "x"}), "tarvik drives");
+    EXPECT_EQ(usageFor({"move", "folder"}), folder);
+    EXPECT_EQ(usageFor({"move", "folder", "/f", "--drive"}), folder);
+    EXPECT_EQ(usageFor({"move", "restore", "--format", "xml", "/f"}), restore);
+    EXPECT_EQ(usageFor({"apps", "a", "b"}), "tarvik apps [NAME]");
+    EXPECT_EQ(usageFor({"move", "app", "a", "--drive"}), app);
+    EXPECT_EQ(usageFor({"move"}), app + "\n       " + folder + "\n       " + restore);
+    EXPECT_EQ(usageFor({}), "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       " + app +
+                                "\n       " + folder + "\n       " + restore);
 }
 
 TEST(Options, GivesHelpAndVersionAsText) {
@@ -100,7 +178,9 @@ TEST(Options, GivesHelpAndVersionAsText) {
     EXPECT_EQ(std::get<Information>(parse({"--version"})).text, "tarvik " TARVIK_VERSION "\n");
     const auto verbHelp = std::get<Information>(parse({"move", "folder", "--help"})).text;
     EXPECT_NE(verbHelp.find("--drive"), std::string::npos);
-    EXPECT_NE(verbHelp.find("PATH"), std::string::npos);
+    EXPECT_NE(verbHelp.find("Usage: tarvik move folder PATH --drive DRIVE\n"), std::string::npos) << verbHelp;
+    for (const auto& arguments : {Arguments{"-h"}, {"move", "-h"}, {"drives", "--help"}, {"move", "restore", "--help"}})
+        EXPECT_NE(std::get<Information>(parse(arguments)).text.find("Usage: tarvik "), std::string::npos);
 }
 
 }  // namespace tarvik::CommandLine

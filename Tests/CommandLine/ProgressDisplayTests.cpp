@@ -34,7 +34,7 @@ TEST(ProgressDisplay, WritesAPlainLineForEachStepIntoAPipe) {
     Screen screen;
     ProgressDisplay display(screen.pipe(), "Music");
     display.step("copying");
-    display.progress(1, 2);
+    display.progress({1, 2});
     display.step("copying");
     display.step("verifying");
     display.end();
@@ -47,11 +47,21 @@ TEST(ProgressDisplay, RedrawsOneLineOnATerminalAndTakesItOffAtTheEnd) {
         ProgressDisplay display(screen.terminal(), "Music");
         display.step("copying");
         screen.now += std::chrono::seconds(1);
-        display.progress(500, 1000);
+        display.progress({500, 1000});
     }
     EXPECT_EQ(screen.text.find('\n'), std::string::npos);
     EXPECT_NE(screen.text.find(" 50 %"), std::string::npos);
     EXPECT_TRUE(screen.text.ends_with("\r\x1B[K"));
+}
+
+TEST(ProgressDisplay, ShowsABarFromTheFirstStepOnWhenTheWholeIsKnown) {
+    Screen screen;
+    ProgressDisplay display(screen.terminal(), "Music");
+    display.progress({0, 1'000'000});
+    EXPECT_EQ(screen.text, "");
+    display.step("moving back");
+    EXPECT_NE(screen.text.find("moving back Music  [---"), std::string::npos) << screen.text;
+    EXPECT_NE(screen.text.find("  0 %  Zero KB of 1 MB"), std::string::npos) << screen.text;
 }
 
 TEST(ProgressDisplay, DrawsAtMostTenTimesASecond) {
@@ -60,7 +70,7 @@ TEST(ProgressDisplay, DrawsAtMostTenTimesASecond) {
     display.step("copying");
     for (int millisecond = 1; millisecond <= 1000; ++millisecond) {
         screen.now += std::chrono::milliseconds(1);
-        display.progress(millisecond, 1000);
+        display.progress({millisecond, 1000});
     }
     EXPECT_EQ(screen.drawings(), 11U);  // the step and ten more
 }
@@ -71,7 +81,7 @@ TEST(ProgressDisplay, NeverFillsTheLastColumn) {
         ProgressDisplay display(screen.terminal(), "Logic Pro 写真 Library.bundle");
         display.step("copying");
         screen.now += std::chrono::seconds(1);
-        display.progress(123456789, 987654321000);
+        display.progress({123456789, 987654321000});
         const auto line = screen.text.substr(screen.text.rfind("\r\x1B[K") + 4);
         EXPECT_LT(Columns::width(line), std::max<std::size_t>(columns, 2)) << line;
     }
@@ -84,7 +94,7 @@ TEST(ProgressDisplay, ShowsNothingAfterItsEnd) {
     display.end();
     const auto before = screen.text;
     display.step("linking");
-    display.progress(1, 2);
+    display.progress({1, 2});
     display.end();
     EXPECT_EQ(screen.text, before);
 }
@@ -93,7 +103,7 @@ TEST(ProgressDisplay, TakesReportsFromEveryThread) {
     Screen screen;
     ProgressDisplay display(screen.pipe(), "Music");
     std::thread reporter([&] {
-        for (int part = 0; part < 1000; ++part) display.progress(part, 1000);
+        for (int part = 0; part < 1000; ++part) display.progress({part, 1000});
     });
     for (int part = 0; part < 1000; ++part) display.step(part % 2 ? "verifying" : "copying");
     reporter.join();
@@ -101,14 +111,24 @@ TEST(ProgressDisplay, TakesReportsFromEveryThread) {
 }
 
 TEST(ProgressLine, ShowsTheShareAndTheBytes) {
-    EXPECT_EQ(progressLine("copying", "Music", 500'000, 1'000'000, 60),
+    EXPECT_EQ(progressLine("copying", "Music", {500'000, 1'000'000}, 60),
               "copying Music  [##########-----------]  50 %  500 KB of 1 MB");
-    EXPECT_EQ(progressLine("copying", "Music", 0, 0, 60), "copying Music");
+    EXPECT_EQ(progressLine("copying", "Music", {0, 0}, 60), "copying Music");
+}
+
+TEST(ProgressLine, CountsItemsToo) {
+    EXPECT_EQ(progressLine("measuring", "links", {10, 40}, 60, ProgressUnit::items),
+              "measuring links  [######-------------------]  25 %  10 of 40");
+    Screen screen;
+    ProgressDisplay display(screen.terminal(), "links", ProgressUnit::items);
+    display.progress({0, 3});
+    display.step("measuring");
+    EXPECT_NE(screen.text.find("  0 %  0 of 3"), std::string::npos) << screen.text;
 }
 
 TEST(ProgressLine, StaysWithinItsShare) {
-    EXPECT_NE(progressLine("copying", "Music", 5, 4, 80).find("100 %"), std::string::npos);
-    EXPECT_NE(progressLine("copying", "Music", -5, 4, 80).find("  0 %"), std::string::npos);
+    EXPECT_NE(progressLine("copying", "Music", {5, 4}, 80).find("100 %"), std::string::npos);
+    EXPECT_NE(progressLine("copying", "Music", {-5, 4}, 80).find("  0 %"), std::string::npos);
 }
 
 }  // namespace tarvik::CommandLine

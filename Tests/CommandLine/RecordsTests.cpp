@@ -42,6 +42,16 @@ TEST(Records, KeepsTomlValidWhateverTheBytesAre) {
     EXPECT_EQ(toml::parse(toml({{"name", "a\xFF"}}))["name"].value<std::string>(), "a\xEF\xBF\xBD");
 }
 
+TEST(Records, WritesAListAsLinesInOneCellAndAsAnArray) {
+    const Record record = {{"warnings", std::vector<std::string>{"a\tb", "c\xFF"}},
+                           {"none", std::vector<std::string>{}}};
+    EXPECT_EQ(tsv(record), "warnings\tnone\na\\tb\\nc\xFF\t\n");
+    const auto table = toml::parse(toml(record));
+    EXPECT_EQ(table["warnings"].as_array()->size(), 2U);
+    EXPECT_EQ(table["warnings"][0].value<std::string>(), "a\tb");
+    EXPECT_TRUE(table["none"].as_array()->empty());
+}
+
 TEST(Records, KeepsTheOrderOfKeysInToml) {
     EXPECT_EQ(toml({{"b", std::int64_t{1}}, {"a", true}}), "b = 1\na = true\n");
 }

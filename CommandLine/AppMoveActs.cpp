@@ -1,0 +1,115 @@
+#include "CommandLine/AppMoveActs.h"
+
+#include "CommandLine/Columns.h"
+#include "CommandLine/DriveActs.h"
+#include "CommandLine/FoundApps.h"
+#include "CommandLine/Records.h"
+#include "CommandLine/Terminal.h"
+#include "Discovery/DataPathSize.h"
+#include "Move/AppMove.h"
+#include "Platform/Failure.h"
+#include "Platform/SizeCalculator.h"
+#include "Platform/SizingService.h"
+#include "Platform/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tarvik::CommandLine::AppMoveActs {
+
+namespace {
+
+/// Each once, however often it was named, with the sizes of their bundles.
+std::vector<AppEntry> chosenApps(const Host& host, const Options& options) {
+    const auto entries = findApps(host);
+    std::vector<AppEntry> chosen;
+    for (const auto& name : options.names) {
+        const auto& entry = chosenApp(entries, name, options.verb);
+        const auto isIt = [&](const AppEntry& other) { return other.bundlePath == entry.bundlePath; };
+        if (std::none_of(chosen.begin(), chosen.end(), isIt)) chosen.push_back(entry);
+    }
+    measureEach(chosen.size(), "applications", options.format, [&](std::size_t index) {
+        chosen[index].appSize = SizingService::size(host, chosen[index].bundlePath);
+    });
+    return chosen;
+}
+
+/// What is to be known before the move, a sentence each.
+std::vector<std::string> remarksOf(const AppMove::Plan& plan) {
+    auto remarks = plan.staying;
+    remarks.insert(remarks.end(), plan.obstructed.begin(), plan.obstructed.end());
+    for (const auto& entry : plan.running)
+        remarks.push_back(fmt::format("{} is running: quit it before it moves.", entry.name));
+    for (const auto& entry : plan.risky)
+        for (const auto& warning : entry.warnings()) remarks.push_back(fmt::format("{}: {}", entry.name, warning));
+    return remarks;
+}
+
+std::string tableOf(const std::vector<MoveJob>& jobs, const fs::path& home) {
+    constexpr std::size_t widestLabel = 40;
+    const auto text = [&](const fs::path& path) { return Columns::oneLine(DataPathSize{path}.displayPath(home)); };
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& job : jobs)
+        rows.push_back({Columns::cut(Columns::oneLine(job.label), widestLabel), SizeCalculator::format(job.bytesTotal),
+                        text(job.source), text(job.destination)});
+    return Columns::table({{"What"}, {"Size", Columns::Align::right}, {"From"}, {"To"}}, rows);
+}
+
+std::string sumOf(const AppMove::Plan& plan, const DriveInfo& drive) {
+    const auto total = plan.totalBytes();
+    auto text = fmt::format("{}, {} in all. {} has {} free now", Text::counted(std::ssize(plan.jobs), "item"),
+                            SizeCalculator::format(total), drive.name, SizeCalculator::format(drive.freeBytes));
+    if (total <= drive.freeBytes)
+        text += fmt::format(" and would have {} after", SizeCalculator::format(drive.freeBytes - total));
+    return text + ".";
+}
+
+std::string humanOf(const AppMove::Plan& plan, const DriveInfo& drive, const fs::path& home) {
+    std::string text;
+    if (!plan.jobs.empty()) text = tableOf(plan.jobs, home) + "\n" + Columns::oneLine(sumOf(plan, drive)) + "\n";
+    for (const auto& remark : remarksOf(plan)) text += Columns::oneLine(remark) + "\n";
+    if (!plan.jobs.empty()) text += "Nothing was changed.\n";
+    return text;
+}
+
+std::vector<Record> jobRecordsOf(const std::vector<MoveJob>& jobs) {
+    std::vector<Record> records;
+    for (const auto& job : jobs)
+        records.push_back({{"label", job.label},
+                           {"source", job.source.native()},
+                           {"destination", job.destination.native()},
+                           {"bytes", job.bytesTotal}});
+    return records;
+}
+
+std::string tomlOf(const AppMove::Plan& plan, const DriveInfo& drive) {
+    const auto total = plan.totalBytes();
+    const Record facts = {{"drive", drive.mountPath.native()},
+                          {"totalBytes", total},
+                          {"freeBytes", drive.freeBytes},
+                          {"freeBytesAfter", drive.freeBytes - total},
+                          {"fits", !AppMove::spaceRefusal(total, drive)},
+                          {"remarks", remarksOf(plan)}};
+    return toml(facts) + "\n" + toml("jobs", jobRecordsOf(plan.jobs));
+}
+
+void print(const AppMove::Plan& plan, const DriveInfo& drive, const fs::path& home, Format format) {
+    if (format == Format::human) return Terminal::writeResult(humanOf(plan, drive, home));
+    if (format == Format::toml) return Terminal::writeResult(tomlOf(plan, drive));
+    // A table of jobs has no place for them.
+    for (const auto& remark : remarksOf(plan)) Terminal::say(Columns::oneLine(remark));
+    Terminal::writeResult(tsv({"label", "source", "destination", "bytes"}, jobRecordsOf(plan.jobs)));
+}
+
+}  // namespace
+
+void plan(const Host& host, const Options& options) {
+    const auto drive = DriveActs::chosen(host, options.drive, options.verb);
+    const auto plan = AppMove::plan(host, chosenApps(host, options), drive, options.includesData);
+    print(plan, drive, host.home, options.format);
+    if (plan.jobs.empty()) throw Failure("CommandLine", 1, "Nothing would move.");
+    if (const auto refusal = AppMove::spaceRefusal(plan.totalBytes(), drive)) throw Failure("CommandLine", 1, *refusal);
+}
+
+}  // namespace tarvik::CommandLine::AppMoveActs

@@ -1,0 +1,75 @@
+#include "CommandLine/Parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace tarvik::CommandLine {
+
+namespace {
+
+class Work {
+public:
+    Work(std::size_t count, const std::function<void(std::size_t)>& body) : m_count(count), m_body(body) {}
+
+    /// Takes one index after the other until none is left. One call a thread.
+    void run() {
+        for (auto index = m_next.fetch_add(1); index < m_count; index = m_next.fetch_add(1)) {
+            try {
+                m_body(index);
+            } catch (...) {
+                fail(std::current_exception());
+            }
+        }
+    }
+
+    void rethrow() const {
+        if (m_failure) std::rethrow_exception(m_failure);
+    }
+
+private:
+    void fail(std::exception_ptr failure) {
+        const std::lock_guard lock(m_mutex);
+        if (!m_failure) m_failure = std::move(failure);
+        m_next = m_count;
+    }
+
+    const std::size_t m_count;
+    const std::function<void(std::size_t)>& m_body;
+    std::atomic<std::size_t> m_next = 0;
+    std::mutex m_mutex;
+    std::exception_ptr m_failure;
+};
+
+/// Threads that are waited for, also when one more cannot be started.
+class Crew {
+public:
+    ~Crew() {
+        for (auto& thread : m_threads) thread.join();
+    }
+    template <typename Body>
+    void add(const Body& body) {
+        m_threads.emplace_back(body);
+    }
+
+private:
+    std::vector<std::thread> m_threads;
+};
+
+}  // namespace
+
+void inParallel(std::size_t count, std::size_t threads, const std::function<void(std::size_t)>& body) {
+    Work work(count, body);
+    {
+        Crew crew;
+        // The caller's thread is one of them.
+        for (std::size_t started = 1; started < std::min(count, threads); ++started) crew.add([&] { work.run(); });
+        work.run();
+    }
+    work.rethrow();
+}
+
+}  // namespace tarvik::CommandLine

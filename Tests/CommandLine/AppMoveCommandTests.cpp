@@ -1,0 +1,129 @@
+#include "CommandLine/CommandWorld.h"
+#include "CommandLine/Lines.h"
+#include "Support/RealVolume.h"
+#include "Support/Tree.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <toml++/toml.h>
+
+namespace tarvik {
+
+namespace {
+
+using test::columnOf;
+using test::CommandWorld;
+using test::linesOf;
+using testing::Contains;
+using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+/// The plan for some applications, which changes nothing.
+test::Finished planOf(const CommandWorld& world, std::vector<std::string> arguments,
+                      const std::string& drive = "Studio Drive") {
+    const auto before = test::pictureOf(world.machine.root);
+    arguments.insert(arguments.begin(), {"move", "app", "--drive", drive, "--dry-run"});
+    auto finished = world.run(arguments);
+    EXPECT_EQ(test::pictureOf(world.machine.root), before);
+    return finished;
+}
+
+}  // namespace
+
+TEST(AppMoveCommand, ShowsWhatWouldMoveAndChangesNothing) {
+    const CommandWorld world;
+    const auto finished = planOf(world, {"Full House", "tunnel"});
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.errors, "");
+    const auto lines = linesOf(finished.output);
+    EXPECT_THAT(lines.front(), ContainsRegex("^What +Size +From +To$"));
+    EXPECT_THAT(lines, Contains(ContainsRegex("^Full House +[0-9]+ KB +/.*/Full House.app +/.*/Apps/Full House.app$")));
+    EXPECT_THAT(lines, Contains(ContainsRegex("^Full House — .fullhouse +12 KB +~/.fullhouse +/.*/Data/.fullhouse$")));
+    EXPECT_THAT(lines, Contains(ContainsRegex(
+                           "^[0-9]+ items, [0-9]+ KB in all. Studio Drive has .* free now and would have .* after.$")));
+    EXPECT_THAT(lines, Contains("Tunnel: Has a system extension — do not move"));
+    EXPECT_EQ(lines.back(), "Nothing was changed.");
+}
+
+TEST(AppMoveCommand, LeavesTheDataWhenToldSo) {
+    const CommandWorld world;
+    const auto tsv = planOf(world, {"Full House", "--no-data", "--format", "tsv"});
+    EXPECT_EQ(tsv.status, 0);
+    EXPECT_THAT(columnOf(tsv.output, "source"), ElementsAre(world.machine.root / "Applications/Full House.app"));
+    EXPECT_THAT(columnOf(tsv.output, "destination"), ElementsAre(world.drive / "ExternalTarvik/Apps/Full House.app"));
+}
+
+TEST(AppMoveCommand, TakesAnApplicationOnceHoweverOftenItIsNamed) {
+    const CommandWorld world;
+    const auto path = (world.machine.root / "Applications/Tunnel.app").native();
+    const auto tsv = planOf(world, {"Tunnel", "tunnel.app", "org.example.tunnel", path, "--format", "tsv"});
+    EXPECT_THAT(columnOf(tsv.output, "label"), ElementsAre("Tunnel"));
+    EXPECT_EQ(tsv.errors, "Tunnel: Has a system extension — do not move\n");
+}
+
+TEST(AppMoveCommand, WritesThePlanAsToml) {
+    const CommandWorld world;
+    const auto finished = planOf(world, {"Full House", "Faraway", "--format", "toml"});
+    EXPECT_EQ(finished.errors, "");
+    const auto toml = toml::parse(finished.output);
+    std::int64_t sum = 0;
+    for (const auto& job : *toml["jobs"].as_array()) sum += job.at_path("bytes").value<std::int64_t>().value();
+    EXPECT_GT(sum, 0);
+    EXPECT_EQ(toml["totalBytes"].value<std::int64_t>(), sum);
+    EXPECT_EQ(toml["freeBytes"].value<std::int64_t>().value() - sum, toml["freeBytesAfter"].value<std::int64_t>());
+    EXPECT_EQ(toml["fits"].value<bool>(), true);
+    EXPECT_EQ(toml["drive"].value<std::string>(), world.drive.native());
+    EXPECT_THAT(toml["remarks"][0].value<std::string>().value(), HasSubstr("Faraway stays: it has been moved already"));
+}
+
+TEST(AppMoveCommand, SaysWhyNothingWouldMove) {
+    const CommandWorld world;
+    const auto finished = planOf(world, {"Faraway", "Launched"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "Nothing would move.\n");
+    const auto drives = world.machine.drives;
+    EXPECT_THAT(linesOf(finished.output),
+                ElementsAre("Faraway stays: it has been moved already, to " +
+                                (drives.front() / "ExternalTarvik/Apps/Faraway.app").native() + ".",
+                            "Launched stays: it has been moved already, to " +
+                                (drives.back() / "ExternalTarvik/Apps/Launched.app").native() + "."));
+    const auto toml = planOf(world, {"Faraway", "--format", "toml"});
+    EXPECT_EQ(toml.status, 1);
+    EXPECT_TRUE(toml::parse(toml.output)["jobs"].as_array()->empty());
+}
+
+TEST(AppMoveCommand, SaysWhatIsInTheWay) {
+    const CommandWorld world;
+    test::makeFile(world.drive / "ExternalTarvik/Apps/Tunnel.app");
+    EXPECT_THAT(planOf(world, {"Tunnel"}).output, HasSubstr("\nTunnel would not move: "));
+}
+
+TEST(AppMoveCommand, SaysWhenThePlanDoesNotFit) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const CommandWorld world;
+    const auto volume = test::RealVolume::memory(world.machine.root / "Volumes", 2'000'000);
+    test::makeFileOfSize(world.machine.root / "Applications/Tunnel.app/Contents/large", 5'000'000);
+    const auto finished = planOf(world, {"Tunnel"}, volume.path().native());
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_THAT(finished.errors, ContainsRegex("^Need 5 MB but .* has 2 MB.\n$"));
+    EXPECT_THAT(finished.output, HasSubstr(" has 2 MB free now.\n"));
+    EXPECT_THAT(finished.output, Not(HasSubstr("after")));
+}
+
+TEST(AppMoveCommand, CallsANameOrADriveThatFitsNothingAWrongCommandLine) {
+    const CommandWorld world;
+    const std::string usage = "\nUsage: tarvik move app NAME... --drive DRIVE --dry-run [--no-data]\n";
+    for (const auto& finished : {planOf(world, {"Tunnel", "wonder"}), planOf(world, {"Tunnel"}, "Nope")}) {
+        EXPECT_EQ(finished.status, 2);
+        EXPECT_EQ(finished.output, "");
+        EXPECT_THAT(finished.errors, HasSubstr("There is no "));
+        EXPECT_THAT(finished.errors, HasSubstr(usage));
+    }
+    const auto real = world.run({"move", "app", "Tunnel", "--drive", "Backup", "--yes"});
+    EXPECT_EQ(real.status, 2);
+    EXPECT_EQ(real.errors, "move app only plans yet: add --dry-run." + usage);
+}
+
+}  // namespace tarvik
