@@ -2,6 +2,7 @@
 #include "CloseGuard.h"
 #include "Options.h"
 #include "Platform/Failure.h"
+#include "Platform/StandardStreams.h"
 #include "ProcessAge.h"
 #include "State/AppState.h"
 #include "State/Background.h"
@@ -31,8 +32,6 @@ void prepareToolkit(const Options& options) {
     // Without a card to draw, drawing with the processor at once is quicker than pretending to have one.
     if (isOffscreen || !Appearance::hasGraphicsCard()) setDefault("QT_QUICK_BACKEND", "software");
     setDefault("QT_QUICK_CONTROLS_STYLE", "Basic");
-    // The tools that the core starts find the other disk by this.
-    if (options.root) ::setenv("TARVIK_ROOT", fs::absolute(*options.root).c_str(), 1);
 }
 
 /// Saves a picture once the first refresh is over and what moves in the window has come to rest, then quits.
@@ -84,6 +83,7 @@ int run(int argc, char** argv) {
     if (options.wantsVersion) return std::puts("Tarvik " TARVIK_VERSION), EXIT_SUCCESS;
     const Host host = Host::fromOptions(options.root, options.home);
 
+    host.guideTools();
     prepareToolkit(options);
     int toolkitArgumentCount = 1;
     // Icons are drawn as shapes: without samples their edges are jagged on a graphics card.
@@ -102,6 +102,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    tarvik::StandardStreams::occupyClosed();
     try {
         return run(argc, argv);
     } catch (const tarvik::Failure& failure) {

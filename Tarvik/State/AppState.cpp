@@ -7,9 +7,15 @@
 #include "Platform/Text.h"
 #include "Platform/VolumeList.h"
 #include "State/Background.h"
-#include "State/JobRunner.h"
+#include "State/Dialogs.h"
 #include "State/QmlModule.h"
 #include "State/ScreenText.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace tarvik {
 
@@ -44,6 +50,8 @@ AppState::AppState(Host host, Dialogs& dialogs, QObject* parent)
 AppState::~AppState() {
     m_isClosing = true;
     m_stopAfterItem.cancel();
+    m_stopMeasuring.cancel();
+    m_stopSizingSymlinks.cancel();
     m_dialogs.dismissAll();
     // Every member is still whole here, so that the flows end as they would have ended in the event loop.
     m_flows.waitForAll();
@@ -68,6 +76,7 @@ QString AppState::selectedDriveFree() const {
 void AppState::refreshAll() {
     if (m_isScanningApps || m_isClosing) return;
     refreshDrives();
+    refreshSymlinks();
     m_flows.add(findQuickPicks());
     m_flows.add(checkLinks());
 }
@@ -81,6 +90,10 @@ void AppState::refreshDrives() {
 }
 
 QCoro::Task<> AppState::scanDrives() {
+    const auto end = qScopeGuard([this] {
+        m_isScanningDrives = false;
+        emit isScanningDrivesChanged();
+    });
     // One scan at a time, and another one when somebody asked meanwhile: an answer is never older than the question.
     const auto look = [host = m_host] { return scan(host); };
     while (std::exchange(m_isDriveScanWanted, false)) {
@@ -89,8 +102,6 @@ QCoro::Task<> AppState::scanDrives() {
         m_bootFree = found.bootFree ? screenText(Text::byteCount(*found.bootFree)) : QString();
         emit bootFreeChanged();
     }
-    m_isScanningDrives = false;
-    emit isScanningDrivesChanged();
 }
 
 void AppState::takeDrives(std::vector<DriveInfo> drives) {
@@ -98,6 +109,7 @@ void AppState::takeDrives(std::vector<DriveInfo> drives) {
     std::copy_if(drives.begin(), drives.end(), std::back_inserter(targets), DriveChoice::canBeTarget);
     m_drives.replaceAll(std::move(drives));
     m_targetDrives.replaceAll(std::move(targets));
+    emit targetDrivesChanged();
 
     const auto& all = m_drives.records();
     const auto wanted = std::find_if(all.begin(), all.end(), [this](const DriveInfo& drive) {
@@ -115,14 +127,15 @@ QCoro::Task<> AppState::findQuickPicks() {
 
 QCoro::Task<> AppState::checkLinks() {
     const auto asked = jobs();
+    const int round = ++m_linkChanges;
     const auto look = [asked] {
         std::vector<bool> standing;
         for (const JobRow& row : asked) standing.push_back(Files::isSymbolicLink(row.job.source));
         return standing;
     };
     const std::vector<bool> standing = co_await inBackground(Priority::utility, look);
+    if (round != m_linkChanges) co_return;  // What was seen may be untrue by now.
     for (std::size_t i = 0; i < asked.size(); ++i) {
-        if (i >= jobs().size() || jobs()[i].job.id != asked[i].job.id) co_return;  // A new run has begun.
         JobRow row = jobs()[i];
         row.isLinked = standing[i];
         m_jobs.update(i, std::move(row));

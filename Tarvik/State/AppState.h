@@ -1,16 +1,18 @@
 #pragma once
 
+#include "Discovery/SymlinkEntry.h"
+#include "Move/ByteProgress.h"
 #include "Move/MoveJob.h"
 #include "Platform/Cancellation.h"
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
-#include "State/Dialogs.h"
 #include "State/DriveRow.h"
 #include "State/FilePath.h"
 #include "State/JobRow.h"
 #include "State/QuickPick.h"
 #include "State/RecordListModel.h"
+#include "State/SymlinkRow.h"
 #include "State/TaskGroup.h"
 
 #include <QAbstractItemModel>
@@ -18,7 +20,6 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,6 +28,8 @@ class QJSEngine;
 class QQmlEngine;
 
 namespace tarvik {
+
+class Dialogs;
 
 /// What the whole window observes: every list on the screen, every flag that says that something is under way, and the
 /// two message lines. Every long operation is started here and brings its result back here.
@@ -41,10 +44,13 @@ class AppState : public QObject {
     Q_PROPERTY(QAbstractItemModel* drives READ drivesModel CONSTANT)
     /// The drives that something can be moved to.
     Q_PROPERTY(QAbstractItemModel* targetDrives READ targetDrivesModel CONSTANT)
+    /// The links that moves have left.
+    Q_PROPERTY(QAbstractItemModel* symlinks READ symlinksModel CONSTANT)
     /// The jobs of the current or last run.
     Q_PROPERTY(QAbstractItemModel* jobs READ jobsModel CONSTANT)
     Q_PROPERTY(QAbstractItemModel* quickPicks READ quickPicksModel CONSTANT)
 
+    Q_PROPERTY(bool hasTargetDrives READ hasTargetDrives NOTIFY targetDrivesChanged)
     Q_PROPERTY(bool hasSelectedDrive READ hasSelectedDrive NOTIFY selectedDriveChanged)
     Q_PROPERTY(QString selectedDriveId READ selectedDriveId NOTIFY selectedDriveChanged)
     Q_PROPERTY(QString selectedDriveName READ selectedDriveName NOTIFY selectedDriveChanged)
@@ -91,6 +97,7 @@ public:
     const Host& host() const { return m_host; }
     const std::vector<DriveInfo>& drives() const { return m_drives.records(); }
     const std::vector<DriveInfo>& targetDrives() const { return m_targetDrives.records(); }
+    const std::vector<SymlinkEntry>& symlinks() const { return m_symlinks.records(); }
     const std::vector<JobRow>& jobs() const { return m_jobs.records(); }
     const std::vector<QuickPick>& quickPicks() const { return m_quickPicks.records(); }
     /// The target of all moves. It stays when its drive is gone; a run then fails with plain words.
@@ -98,9 +105,11 @@ public:
 
     QAbstractItemModel* drivesModel() { return &m_drives; }
     QAbstractItemModel* targetDrivesModel() { return &m_targetDrives; }
+    QAbstractItemModel* symlinksModel() { return &m_symlinks; }
     QAbstractItemModel* jobsModel() { return &m_jobs; }
     QAbstractItemModel* quickPicksModel() { return &m_quickPicks; }
 
+    bool hasTargetDrives() const { return !targetDrives().empty(); }
     bool hasSelectedDrive() const { return m_selectedDrive.has_value(); }
     QString selectedDriveId() const;
     QString selectedDriveName() const;
@@ -113,7 +122,8 @@ public:
     QString jobsSummary() const;
     bool isRestoring() const { return m_isRestoring; }
     QString restoreLabel() const { return m_restore.label; }
-    double restoreFraction() const;
+    /// The last item that came back is whole, however quick it was.
+    double restoreFraction() const { return hasRestored() ? 1 : m_restore.progress.fraction(); }
     QString restoreBytes() const;
     QString restoreOutcome() const { return m_restore.outcome; }
     bool restoreFailed() const { return m_restore.hasFailed; }
@@ -124,6 +134,8 @@ public:
     Q_INVOKABLE void refreshAll();
     /// Looks at the drives anew, and selects a target when none is selected.
     Q_INVOKABLE void refreshDrives();
+    /// Lists the links anew, and then measures what they lead to; until then each keeps the size that it had.
+    Q_INVOKABLE void refreshSymlinks();
     /// Makes a drive of the list the target of all moves. An unknown id changes nothing.
     Q_INVOKABLE void selectDrive(const QString& driveId);
     /// Moves a folder to the selected drive once the user has agreed.
@@ -148,12 +160,13 @@ public:
 
     /// What `JobRunner` tells. An index past the end of the list is passed over.
     void setJobStatus(std::size_t index, const JobStatus& status);
-    void setJobProgress(std::size_t index, std::int64_t copied, std::int64_t total);
+    void setJobProgress(std::size_t index, const ByteProgress& progress);
     void finishRun();
     /// Cancelled when a run shall end after its current item.
     Cancellation stopAfterItem() const { return m_stopAfterItem; }
 
 signals:
+    void targetDrivesChanged();
     void selectedDriveChanged();
     void bootFreeChanged();
     void isScanningAppsChanged();
@@ -171,13 +184,13 @@ private:
     /// The item that is being moved back, or was last.
     struct Restore {
         QString label;
-        std::int64_t copied = 0;
-        std::int64_t total = 0;
+        ByteProgress progress;
         QString outcome;
         bool hasFailed = false;
     };
 
     QCoro::Task<> scanDrives();
+    QCoro::Task<> scanSymlinks();
     QCoro::Task<> findQuickPicks();
     QCoro::Task<> checkLinks();
     QCoro::Task<> moveFolder(fs::path folder);
@@ -189,7 +202,10 @@ private:
     void refuseWhenBusy() const;
     void endRestore(const QString& outcome, bool hasFailed);
     void updateJob(std::size_t index, JobRow row);
+    /// Those of `jobs` that are done or have failed.
+    std::vector<MoveJob> endedJobs() const;
     void closeWhenReady();
+    bool hasRestored() const { return !m_isRestoring && !m_restore.outcome.isEmpty() && !m_restore.hasFailed; }
 
     void setSelectedDrive(std::optional<DriveInfo> drive);
     void setRunning(bool isRunning);
@@ -202,6 +218,7 @@ private:
 
     RecordListModel<DriveInfo> m_drives{DriveRow::roles(), DriveRow::key};
     RecordListModel<DriveInfo> m_targetDrives{DriveRow::roles(), DriveRow::key};
+    RecordListModel<SymlinkEntry> m_symlinks{SymlinkRow::roles(), SymlinkRow::key};
     RecordListModel<JobRow> m_jobs{JobRow::roles(), JobRow::key};
     RecordListModel<QuickPick> m_quickPicks{QuickPick::roles(), QuickPick::key};
     std::optional<DriveInfo> m_selectedDrive;
@@ -211,6 +228,9 @@ private:
     bool m_isScanningDrives = false;
     /// Somebody has asked for the drives since the scan that is under way began.
     bool m_isDriveScanWanted = false;
+    /// The same two for the links.
+    bool m_isScanningSymlinks = false;
+    bool m_isSymlinkScanWanted = false;
     bool m_isRunning = false;
     bool m_isRestoring = false;
     /// A move or a restore is between its request and its start: measuring, or asking.
@@ -218,6 +238,12 @@ private:
     bool m_isAskingToClose = false;
     bool m_isClosing = false;
     Cancellation m_stopAfterItem;
+    /// Cancelled when nobody waits any more for what is being measured.
+    Cancellation m_stopMeasuring;
+    /// The same for what the links lead to; a new one for each scan.
+    Cancellation m_stopSizingSymlinks;
+    /// Counts what could make an earlier look at the links of the jobs untrue.
+    int m_linkChanges = 0;
 
     Restore m_restore;
     QString m_lastError;

@@ -4,12 +4,18 @@
 #include "Move/MoveRun.h"
 #include "Move/MoverEngine.h"
 #include "Platform/Failure.h"
-#include "Platform/Text.h"
 #include "State/AppState.h"
 #include "State/Background.h"
+#include "State/Dialogs.h"
 #include "State/JobRunner.h"
 #include "State/NewestValue.h"
 #include "State/ScreenText.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace tarvik {
 
@@ -33,11 +39,6 @@ private:
     bool& m_flag;
 };
 
-struct RestoreProgress {
-    std::int64_t copied = 0;
-    std::int64_t total = 0;
-};
-
 }  // namespace
 
 void AppState::refuseWhenBusy() const {
@@ -56,7 +57,9 @@ QCoro::Task<> AppState::moveFolder(fs::path folder) {
     std::vector<MoveJob> jobs;
     {
         const Raised preparing(m_isPreparing);
-        const auto plan = [host = m_host, folder, drive] { return FolderMove::plan(host, folder, drive); };
+        const auto plan = [host = m_host, folder, drive, cancellation = m_stopMeasuring] {
+            return FolderMove::plan(host, folder, drive, cancellation);
+        };
         jobs.push_back(co_await inBackground(Priority::userInitiated, plan));
         if (m_isClosing) co_return;  // Nobody would answer any more.
         const Dialog question = FolderMove::confirmMove(jobs.front(), drive);
@@ -69,6 +72,7 @@ QCoro::Task<> AppState::moveFolder(fs::path folder) {
 void AppState::runJobs(std::vector<MoveJob> jobs, const std::string&, const fs::path& drivePath, bool quitRunning) {
     std::vector<JobRow> rows;
     for (const MoveJob& job : jobs) rows.push_back({job, false});
+    ++m_linkChanges;
     m_jobs.replaceAll(std::move(rows));
     m_restore = {};
     emit restoreChanged();
@@ -82,16 +86,14 @@ void AppState::setJobStatus(std::size_t index, const JobStatus& status) {
     JobRow row = jobs()[index];
     row.job.status = status;
     row.isLinked = status.is<JobStatus::Done>();
+    ++m_linkChanges;
     updateJob(index, std::move(row));
 }
 
-void AppState::setJobProgress(std::size_t index, std::int64_t copied, std::int64_t total) {
+void AppState::setJobProgress(std::size_t index, const ByteProgress& progress) {
     if (index >= jobs().size()) return;
     JobRow row = jobs()[index];
-    // A report that was on its way when the job ended must not bring the job back to life.
-    if (row.job.status.isFinal()) return;
-    MoveRun::applyProgress(row.job, copied, total);
-    updateJob(index, std::move(row));
+    if (MoveRun::applyProgress(row.job, progress)) updateJob(index, std::move(row));
 }
 
 void AppState::updateJob(std::size_t index, JobRow row) {
@@ -101,13 +103,11 @@ void AppState::updateJob(std::size_t index, JobRow row) {
 
 void AppState::finishRun() {
     // When the user leaves in the middle of a run, the jobs behind the current one have not ended.
-    std::vector<MoveJob> ended;
-    for (const JobRow& row : jobs())
-        if (row.job.status.isFinal()) ended.push_back(row.job);
+    const std::vector<MoveJob> ended = endedJobs();
     const MoveRun::Summary summary = MoveRun::summary(ended);
     if (summary.hasFailures) {
         setError(screenText(summary.text));
-    } else {
+    } else if (!ended.empty()) {
         setInfo(screenText(summary.text));
     }
     setRunning(false);
@@ -115,14 +115,24 @@ void AppState::finishRun() {
     closeWhenReady();
 }
 
+std::vector<MoveJob> AppState::endedJobs() const {
+    std::vector<MoveJob> ended;
+    for (const JobRow& row : jobs())
+        if (row.job.status.isFinal()) ended.push_back(row.job);
+    return ended;
+}
+
 QString AppState::jobsSummary() const {
-    if (jobs().empty()) return {};
-    std::vector<MoveJob> all;
-    for (const JobRow& row : jobs()) all.push_back(row.job);
-    if (!m_isRunning) return screenText(MoveRun::summary(all).text);
-    const auto ended = static_cast<std::size_t>(
-        std::count_if(all.begin(), all.end(), [](const MoveJob& job) { return job.status.isFinal(); }));
-    return QStringLiteral("%1 of %2").arg(std::min(ended + 1, all.size())).arg(all.size());
+    const auto& rows = jobs();
+    if (rows.empty()) return {};
+    if (m_isRunning) {
+        const auto ended =
+            std::count_if(rows.begin(), rows.end(), [](const JobRow& row) { return row.job.status.isFinal(); });
+        const auto count = std::ssize(rows);
+        return QStringLiteral("%1 of %2").arg(std::min<qint64>(ended + 1, count)).arg(count);
+    }
+    const std::vector<MoveJob> ended = endedJobs();
+    return ended.empty() ? QString() : screenText(MoveRun::summary(ended).text);
 }
 
 void AppState::restoreSymlink(const FilePath& link) {
@@ -144,10 +154,10 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     m_restore.label = screenPath(link.filename());
     setRestoring(true);
 
-    const NewestValue<RestoreProgress> progress([state = QPointer(this)](const RestoreProgress& newest) {
+    const NewestValue<ByteProgress> progress([state = QPointer(this)](const ByteProgress& newest) {
         if (!state) return;
-        state->m_restore.copied = newest.copied;
-        state->m_restore.total = std::max(newest.total, state->m_restore.total);
+        auto& known = state->m_restore.progress;
+        known = {newest.copied, std::max(newest.total, known.total)};
         emit state->restoreChanged();
     });
     const auto restore = [host = m_host, link, progress] {
@@ -162,7 +172,7 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
         failure = screenText(thrown.what());
     }
     if (failure.isEmpty()) {
-        endRestore(QStringLiteral("Restored ") + m_restore.label, false);
+        endRestore(screenText(FolderMove::restored(link)), false);
     } else {
         endRestore(failure, true);
     }
@@ -174,6 +184,8 @@ void AppState::endRestore(const QString& outcome, bool hasFailed) {
     setRestoring(false);
     if (hasFailed) {
         setError(outcome);
+        // It may have failed at any step: what is at the old path now is seen only there.
+        if (!m_isClosing) m_flows.add(checkLinks());
     } else {
         setInfo(outcome);
         refreshAll();
@@ -181,14 +193,8 @@ void AppState::endRestore(const QString& outcome, bool hasFailed) {
     closeWhenReady();
 }
 
-double AppState::restoreFraction() const {
-    if (!m_isRestoring && !m_restore.outcome.isEmpty() && !m_restore.hasFailed) return 1;
-    if (m_restore.total < 1) return 0;
-    return std::min(1.0, static_cast<double>(m_restore.copied) / static_cast<double>(m_restore.total));
-}
-
 QString AppState::restoreBytes() const {
-    return m_restore.total < 1 ? QString() : bytesText(m_restore.copied, m_restore.total);
+    return m_restore.progress.isKnown() ? bytesText(m_restore.progress) : QString();
 }
 
 }  // namespace tarvik

@@ -1,9 +1,10 @@
 #include "State/FolderSource.h"
 
 #include "Move/FolderMove.h"
-#include "Move/SizeCalculator.h"
+#include "Move/MoveRefusal.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Platform/SizeCalculator.h"
 #include "State/AppState.h"
 #include "State/Background.h"
 #include "State/QmlModule.h"
@@ -74,7 +75,7 @@ FolderSource::Findings FolderSource::look(const Host& host, const fs::path& path
             findings.problem = failure.description();
         }
     } else if (info->type != Files::ItemType::folder) {
-        findings.problem = "Only folders can be moved here, and this is none.";
+        findings.problem = MoveRefusal::notAFolder(path);
     }
     return findings;
 }

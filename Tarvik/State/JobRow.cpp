@@ -30,11 +30,15 @@ QString statusText(const JobStatus& status) {
 double progress(const MoveJob& job) {
     if (const auto* copying = job.status.get<JobStatus::Copying>()) return copying->progress;
     if (job.status.is<JobStatus::Pending>()) return 0;
-    if (job.status.is<JobStatus::Failed>())
-        return job.bytesTotal < 1
-                   ? 0
-                   : std::min(1.0, static_cast<double>(job.bytesCopied) / static_cast<double>(job.bytesTotal));
+    if (job.status.is<JobStatus::Failed>()) return ByteProgress{job.bytesCopied, job.bytesTotal}.fraction();
     return 1;
+}
+
+/// How much has come of how much; of what has not begun, or is done, only how much it is.
+QString bytesOf(const MoveJob& job) {
+    if (job.status.is<JobStatus::Pending>() || job.status.is<JobStatus::Done>())
+        return screenText(Text::byteCount(job.bytesTotal));
+    return bytesText({job.bytesCopied, job.bytesTotal});
 }
 
 }  // namespace
@@ -48,7 +52,7 @@ std::vector<Role<JobRow>> JobRow::roles() {
         {"state", [](const JobRow& row) -> QVariant { return stateName(row.job.status); }},
         {"statusText", [](const JobRow& row) -> QVariant { return statusText(row.job.status); }},
         {"progress", [](const JobRow& row) -> QVariant { return progress(row.job); }},
-        {"bytesText", [](const JobRow& row) -> QVariant { return bytesText(row.job.bytesCopied, row.job.bytesTotal); }},
+        {"bytesText", [](const JobRow& row) -> QVariant { return bytesOf(row.job); }},
         {"canMoveBack",
          [](const JobRow& row) -> QVariant { return row.job.status.is<JobStatus::Done>() && row.isLinked; }},
     };
@@ -67,8 +71,8 @@ double overallProgress(const std::vector<JobRow>& rows) {
     return done / all;
 }
 
-QString bytesText(std::int64_t done, std::int64_t total) {
-    return screenText(Text::byteCount(done) + " of " + Text::byteCount(total));
+QString bytesText(const ByteProgress& progress) {
+    return screenText(Text::byteCount(progress.copied) + " of " + Text::byteCount(progress.total));
 }
 
 }  // namespace tarvik

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Move/ByteProgress.h"
 #include "Move/MoveJob.h"
 #include "State/RecordListModel.h"
 
@@ -21,6 +22,6 @@ struct JobRow {
 double overallProgress(const std::vector<JobRow>& rows);
 
 /// "1.2 MB of 3 MB".
-QString bytesText(std::int64_t done, std::int64_t total);
+QString bytesText(const ByteProgress& progress);
 
 }  // namespace tarvik

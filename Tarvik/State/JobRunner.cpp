@@ -6,20 +6,17 @@
 #include "State/NewestValue.h"
 #include "State/UiThread.h"
 
+#include <QScopeGuard>
+
 namespace tarvik::JobRunner {
 
 namespace {
 
-struct Progress {
-    std::int64_t copied = 0;
-    std::int64_t total = 0;
-};
-
 /// Runs one job of the list. Blocks; background thread.
 void runOne(const Host& host, const std::vector<MoveJob>& jobs, std::size_t index, const fs::path& drivePath,
             const QPointer<AppState>& state, bool quitRunning) {
-    const NewestValue<Progress> progress([state, index](const Progress& newest) {
-        if (state) state->setJobProgress(index, newest.copied, newest.total);
+    const NewestValue<ByteProgress> progress([state, index](const ByteProgress& newest) {
+        if (state) state->setJobProgress(index, newest);
     });
     MoveRun::run(
         host, {jobs[index]}, drivePath, quitRunning,
@@ -28,9 +25,7 @@ void runOne(const Host& host, const std::vector<MoveJob>& jobs, std::size_t inde
                 if (state) state->setJobStatus(index, status);
             });
         },
-        [progress](std::size_t, std::int64_t copied, std::int64_t total) {
-            progress.send({copied, total});
-        });
+        [progress](std::size_t, const ByteProgress& report) { progress.send(report); });
 }
 
 }  // namespace
@@ -42,9 +37,12 @@ QCoro::Task<> run(std::vector<MoveJob> jobs, fs::path drivePath, QPointer<AppSta
         for (std::size_t index = 0; index < jobs.size() && !stop.isCancelled(); ++index)
             runOne(host, jobs, index, drivePath, state, quitRunning);
     };
+    // However the run ends, it ends: a state that took it for running for ever would refuse everything else.
+    const auto finish = qScopeGuard([state] {
+        if (state) state->finishRun();
+    });
+    // Whatever the callbacks have posted comes before its end, so that every status is final then.
     co_await inBackground(Priority::userInitiated, work);
-    // Whatever the callbacks have posted came before this, so that every status is final here.
-    if (state) state->finishRun();
 }
 
 }  // namespace tarvik::JobRunner

@@ -1,6 +1,6 @@
 #include "State/SizeAsync.h"
 
-#include "Move/SizingService.h"
+#include "Platform/SizingService.h"
 
 namespace tarvik {
 

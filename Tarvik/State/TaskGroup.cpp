@@ -2,6 +2,11 @@
 
 #include "State/UiThread.h"
 
+#include <QScopeGuard>
+
+#include <stdexcept>
+#include <utility>
+
 namespace tarvik {
 
 TaskGroup::TaskGroup(FailureHandler onFailure) : m_onFailure(std::move(onFailure)) {}
@@ -20,12 +25,14 @@ void TaskGroup::waitForAll() {
 
 QCoro::Task<> TaskGroup::follow(QCoro::Task<> flow) {
     ++m_running;
+    const auto end = qScopeGuard([this] { --m_running; });
     try {
         co_await flow;
     } catch (const std::exception& failure) {
         m_onFailure(failure);
+    } catch (...) {
+        m_onFailure(std::runtime_error("Something went wrong without saying what it was."));
     }
-    --m_running;
 }
 
 }  // namespace tarvik

@@ -40,9 +40,15 @@ T.Popup {
         Accessible.role: Accessible.Dialog
         Accessible.name: Alerts.title
         Accessible.description: Alerts.text
-        Keys.onReturnPressed: Alerts.answer(0)
-        Keys.onEnterPressed: Alerts.answer(0)
-        Keys.onEscapePressed: Alerts.answer(Alerts.buttons.length - 1)
+        Keys.onReturnPressed: event => answerOnce(event, 0)
+        Keys.onEnterPressed: event => answerOnce(event, 0)
+        Keys.onEscapePressed: event => answerOnce(event, Alerts.buttons.length - 1)
+
+        /// The key that opened the dialog may still be held down: it answers nothing.
+        function answerOnce(event, button) {
+            if (!event.isAutoRepeat)
+                Alerts.answer(button);
+        }
 
         Label {
             id: title

@@ -45,6 +45,7 @@ ListRow {
             RowLayout {
                 spacing: 6
                 Icon {
+                    objectName: "driveIcon"
                     name: "drive"
                     color: card.highlighted ? Theme.accent : Theme.textSecondary
                 }

@@ -11,6 +11,7 @@ ColumnLayout {
         spacing: Theme.tiny
 
         SectionTitle {
+            objectName: "drivesTitle"
             Layout.fillWidth: true
             text: "Target Drive"
         }

@@ -19,6 +19,7 @@ FocusScope {
     Shortcut {
         sequences: ["Ctrl+R", "F5"]
         enabled: !Alerts.isOpen
+        autoRepeat: false
         onActivated: AppState.refreshAll()
     }
     Instantiator {

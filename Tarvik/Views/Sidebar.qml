@@ -26,6 +26,7 @@ Rectangle {
         spacing: 0
 
         Label {
+            objectName: "appName"
             Layout.preferredHeight: Theme.toolbarHeight
             Layout.leftMargin: Theme.small
             verticalAlignment: Text.AlignVCenter

@@ -24,6 +24,7 @@ Rectangle {
     Accessible.name: text
 
     Timer {
+        objectName: "toastTimer"
         running: toast.isShown
         interval: toast.duration
         onTriggered: toast.expired()

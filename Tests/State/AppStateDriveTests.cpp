@@ -123,6 +123,18 @@ TEST_F(AppStateDrives, AreLookedAtOnceMoreWhenSomebodyAsksDuringAScan) {
     EXPECT_FALSE(state->isScanningDrives());
 }
 
+TEST_F(AppStateDrives, CanBeLookedAtAgainAfterALookThatBrokeDown) {
+    volumes->breakDown();
+    begin();
+    EXPECT_FALSE(state->isScanningDrives());
+    EXPECT_NE(state->lastError(), "");
+    EXPECT_FALSE(state->hasTargetDrives());
+    volumes->set({backup()});
+    begin();
+    EXPECT_EQ(state->drives().size(), 1U);
+    EXPECT_TRUE(state->hasTargetDrives());
+}
+
 TEST_F(AppStateDrives, TellWhatIsFreeOnTheBootVolume) {
     begin();
     EXPECT_EQ(state->bootFree(), "1,099.51 GB") << "where no volume is at /, the one with the home";

@@ -1,14 +1,46 @@
 #include "Platform/Files.h"
+#include "State/Background.h"
 #include "State/EventLoop.h"
 #include "State/JobRunner.h"
 #include "State/StateWorld.h"
+#include "State/WindowDialogs.h"
 #include "Support/Tree.h"
+
+#include <QThread>
+
+#include <algorithm>
+#include <future>
+#include <utility>
 
 namespace tarvik::test {
 
 namespace {
 
 using AppStateMoves = StateWorld;
+
+/// Keeps threads for checks busy.
+class Busy {
+public:
+    explicit Busy(int threads) {
+        const auto untilTheEnd = m_end.get_future().share();
+        for (int thread = 0; thread < threads; ++thread)
+            Background::run(Priority::utility, [untilTheEnd] { untilTheEnd.wait(); });
+    }
+    ~Busy() { end(); }
+    /// Blocks until the thread that is left has done all that it was given.
+    static void waitForTheLastThread() {
+        std::promise<void> done;
+        Background::run(Priority::utility, [&] { done.set_value(); });
+        done.get_future().wait();
+    }
+    void end() {
+        if (!std::exchange(m_hasEnded, true)) m_end.set_value();
+    }
+
+private:
+    std::promise<void> m_end;
+    bool m_hasEnded = false;
+};
 
 constexpr const char* busy = "Another item is being moved. Try again when it is done.";
 
@@ -124,12 +156,12 @@ TEST_F(AppStateMoves, ShowNoProgressOfATotalOfZero) {
     begin();
     runJobs(makeFolders({"One"}));
     waitForHeldCopy();
-    state->setJobProgress(0, 5, 0);
+    state->setJobProgress(0, {5, 0});
     EXPECT_EQ(statusOf(0), JobStatus::copying(0));
-    state->setJobProgress(0, 5, 20);
+    state->setJobProgress(0, {5, 20});
     EXPECT_EQ(statusOf(0), JobStatus::copying(0.25));
     EXPECT_EQ(state->jobsFraction(), 0.25);
-    state->setJobProgress(0, 40, 20);
+    state->setJobProgress(0, {40, 20});
     EXPECT_EQ(statusOf(0), JobStatus::copying(1));
     letGo();
     settle();
@@ -139,9 +171,9 @@ TEST_F(AppStateMoves, AreNotBroughtBackToLifeByALateReport) {
     begin();
     runJobs(makeFolders({"One"}));
     settle();
-    state->setJobProgress(0, 1, 2);
+    state->setJobProgress(0, {1, 2});
     EXPECT_EQ(statusOf(0), JobStatus::done());
-    state->setJobProgress(7, 1, 2);
+    state->setJobProgress(7, {1, 2});
     state->setJobStatus(7, JobStatus::pending());
     EXPECT_EQ(state->jobs().size(), 1U);
 }
@@ -174,6 +206,57 @@ TEST_F(AppStateMoves, AreRefusedWhileAnotherOneIsBeingPrepared) {
     EXPECT_EQ(dialogs.asked.size(), 1U);
     EXPECT_TRUE(Files::isSymbolicLink(world.home / "One"));
     EXPECT_TRUE(Files::isFolder(world.home / "Two"));
+}
+
+TEST_F(AppStateMoves, DoNotAskAfterTheWindowHasClosedWhileTheyWerePrepared) {
+    WindowDialogs window{nullptr};  // A question to it would wait for ever.
+    makeFolders({"One"});
+    makeLink(world.home / "Link", world.foldersOnDrive() / "Two");
+    makeFile(world.foldersOnDrive() / "Two/file");
+    const auto prepareAndClose = [&](const auto& prepare) {
+        state = std::make_unique<AppState>(world.host, window);
+        begin();
+        prepare();
+        state.reset();
+        EXPECT_FALSE(window.isOpen());
+    };
+    prepareAndClose([&] { state->moveArbitraryFolder(FilePath(world.home / "One")); });
+    prepareAndClose([&] { state->restoreSymlink(FilePath(world.home / "Link")); });
+    EXPECT_TRUE(Files::isFolder(world.home / "One"));
+    EXPECT_TRUE(Files::isSymbolicLink(world.home / "Link"));
+}
+
+TEST_F(AppStateMoves, EndEvenWhenTheRunItselfBreaksDown) {
+    begin();
+    volumes->breakDown();
+    runJobs(makeFolders({"One"}));
+    settle();
+    EXPECT_FALSE(state->isRunning());
+    EXPECT_EQ(state->lastInfo(), "");
+    EXPECT_NE(state->lastError(), "");
+    EXPECT_EQ(state->jobsSummary(), "");
+    volumes->set({backup()});
+    runJobs(makeFolders({"Two"}));
+    settle();
+    EXPECT_EQ(statusOf(0), JobStatus::done());
+}
+
+TEST_F(AppStateMoves, AreNotContradictedByAnOlderLookAtTheirLinks) {
+    holdCopyOf("One");
+    begin();
+    runJobs(makeFolders({"One"}));
+    waitForHeldCopy();
+    // With one thread left for checks, they are made in order: once the last one is over, the look at the links is too.
+    Busy busyThreads(std::max(4, QThread::idealThreadCount()) - 1);
+    state->refreshAll();
+    busyThreads.waitForTheLastThread();
+    EXPECT_FALSE(Files::isSymbolicLink(world.home / "One"));
+    state->setJobStatus(0, JobStatus::done());
+    spinOnce();
+    EXPECT_TRUE(state->jobs().at(0).isLinked);
+    letGo();
+    busyThreads.end();
+    settle();
 }
 
 TEST_F(AppStateMoves, CanFollowOneAnother) {
@@ -269,6 +352,7 @@ TEST_F(AppStateMoves, AreShownToTheViewsInRoles) {
     EXPECT_EQ(value(0, "source").value<FilePath>().path, world.home / "One");
     EXPECT_EQ(value(0, "state"), "done");
     EXPECT_EQ(value(0, "statusText"), "Done");
+    EXPECT_EQ(value(0, "bytesText"), "4 KB");
     EXPECT_EQ(value(0, "progress"), 1.0);
     EXPECT_EQ(value(0, "canMoveBack"), true);
     EXPECT_EQ(value(1, "state"), "failed");

@@ -74,7 +74,33 @@ TEST_F(AppStateRestore, SaysWhenTheDriveIsNotThere) {
     EXPECT_EQ(volumes->askedCount(), scans);
 }
 
-TEST_F(AppStateRestore, ThatFailsTellsWhyAndRefreshesNothing) {
+TEST_F(AppStateRestore, ThatFailsShowsWhatIsAtTheOldPathNow) {
+    // The link goes between the question and the act, so that the act fails and nothing can be moved back any more.
+    class Meddler : public ScriptedDialogs {
+    public:
+        explicit Meddler(fs::path path) : m_path(std::move(path)) {}
+        QCoro::Task<int> ask(Dialog dialog) override {
+            if (dialog.buttons.front() == "Move Back") fs::remove(m_path);
+            co_return 0;
+        }
+
+    private:
+        fs::path m_path;
+    } meddler(world.home / "Other");
+    state = std::make_unique<AppState>(world.host, meddler);
+    begin();
+    makeFolders({"Other"});
+    state->moveArbitraryFolder(FilePath(world.home / "Other"));
+    settle();
+    ASSERT_TRUE(canMoveBack());
+    state->restoreSymlink(FilePath(world.home / "Other"));
+    settle();
+    EXPECT_TRUE(state->restoreFailed());
+    EXPECT_FALSE(canMoveBack());
+    state.reset();
+}
+
+TEST_F(AppStateRestore, ThatFailsTellsWhyAndRefreshesNoDrives) {
     // The link goes between the question and the act.
     class Meddler : public ScriptedDialogs {
     public:

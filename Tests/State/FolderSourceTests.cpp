@@ -47,7 +47,7 @@ TEST_F(FolderSource, MeasuresAFolder) {
 TEST_F(FolderSource, SaysWhatCannotBeMoved) {
     makeFile(world.home / "letter");
     show(world.home / "letter");
-    EXPECT_EQ(source->problem(), "Only folders can be moved here, and this is none.");
+    EXPECT_EQ(source->problem(), "letter is not a folder. Choose a folder.");
     EXPECT_EQ(source->sizeText(), "");
     show(world.home / "gone");
     EXPECT_EQ(source->problem(), "Nothing stands at this path any more.");

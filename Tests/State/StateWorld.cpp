@@ -12,6 +12,7 @@ std::vector<Volume> ChangingVolumes::mounted() const {
     std::unique_lock lock(m_mutex);
     ++m_askedCount;
     m_changed.wait(lock, [this] { return !m_isHeld; });
+    if (m_isBroken) throw "broken";
     return m_volumes;
 }
 
@@ -23,6 +24,12 @@ std::optional<std::int64_t> ChangingVolumes::availableBytes(const fs::path&) con
 void ChangingVolumes::set(std::vector<Volume> volumes) {
     const std::scoped_lock lock(m_mutex);
     m_volumes = std::move(volumes);
+    m_isBroken = false;
+}
+
+void ChangingVolumes::breakDown() {
+    const std::scoped_lock lock(m_mutex);
+    m_isBroken = true;
 }
 
 void ChangingVolumes::setAvailable(std::optional<std::int64_t> bytes) {

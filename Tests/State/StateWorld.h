@@ -21,6 +21,8 @@ public:
     std::optional<std::int64_t> availableBytes(const fs::path&) const override;
 
     void set(std::vector<Volume> volumes);
+    /// From now on whoever asks for the volumes is thrown what is no exception of the library, until `set`.
+    void breakDown();
     void setAvailable(std::optional<std::int64_t> bytes);
     /// From now on whoever asks for the volumes waits until `release`; then it gets the list of that time.
     void hold();
@@ -35,6 +37,7 @@ private:
     std::vector<Volume> m_volumes;
     std::optional<std::int64_t> m_available;
     bool m_isHeld = false;
+    bool m_isBroken = false;
 };
 
 /// A state object over a small made machine with one external drive, "Backup".

@@ -1,5 +1,8 @@
 #include "Window/WindowTest.h"
 
+#include <QKeyEvent>
+#include <QSignalSpy>
+
 namespace tarvik::test {
 
 namespace {
@@ -68,9 +71,36 @@ TEST_F(AlertDialog, KeepsThePointerFromWhatIsBehind) {
 
 TEST_F(AlertDialog, KeepsShortcutsFromWhatIsBehind) {
     auto& window = ask();
-    addVolume("/Volumes/Late", "Late");
+    QSignalSpy scans(&window.state(), &AppState::isScanningDrivesChanged);
+    for (const auto key : {Qt::Key_R, Qt::Key_1}) window.press(key, Qt::ControlModifier);
+    window.press(Qt::Key_F5);
+    EXPECT_EQ(scans.count(), 0);
+    EXPECT_TRUE(window.isShown("alertDialog"));
+
+    window.press(Qt::Key_Escape);
+    ASSERT_TRUE(window.waitUntilHidden("alertDialog"));
     window.press(Qt::Key_R, Qt::ControlModifier);
-    EXPECT_FALSE(window.state().isScanningDrives());
+    EXPECT_GT(scans.count(), 0) << "the same key works when nothing is asked";
+}
+
+TEST_F(AlertDialog, IsNotAnsweredByTheKeyThatOpenedIt) {
+    auto& window = open(small);
+    window.chooseFolder(makePhotos());
+    ASSERT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    window.item("moveButton").forceActiveFocus(Qt::TabFocusReason);
+    window.holdDown(Qt::Key_Return, 0);
+    ASSERT_TRUE(window.waitUntil([&] { return window.isShown("alertDialog") && window.hasFocus("alertButton-0"); }));
+    for (const bool onButton : {true, false}) {
+        if (!onButton) window.item("alertDialog").forceActiveFocus();
+        for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+            QKeyEvent repetition(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+            QCoreApplication::sendEvent(&window.window(), &repetition);
+        }
+    }
+    window.letUp(Qt::Key_Return);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window.isShown("alertDialog"));
+    EXPECT_FALSE(window.isShown("jobsPanel"));
 }
 
 }  // namespace

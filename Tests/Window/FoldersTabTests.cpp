@@ -21,6 +21,8 @@ TEST_F(FoldersTab, SaysWhatItIsFor) {
     EXPECT_EQ(window.text("foldersText"),
               "Relocate any folder to the target drive and replace it with a symlink. Use for Logic Pro Library, "
               "Application Support data, or any path the Apps tab can't handle.");
+    EXPECT_EQ(window.text("sourceTitle"), "Source folder");
+    EXPECT_EQ(window.text("quickPicksTitle"), "Common candidates");
     EXPECT_EQ(window.text("sourceName"), "No folder selected");
     EXPECT_EQ(window.text("chooseButton"), "Choose");
     EXPECT_EQ(window.text("moveButton"), "Move & Symlink");
@@ -36,8 +38,19 @@ TEST_F(FoldersTab, NeedsATargetDrive) {
     world.volumes->list.clear();
     auto& window = open(small);
     window.chooseFolder(makePhotos());
+    EXPECT_TRUE(window.waitForText("sourceHint", "Connect a drive to move it to."));
+    EXPECT_FALSE(window.isEnabled("moveButton"));
+}
+
+TEST_F(FoldersTab, NeedsAChoiceOfDrive) {
+    world.volumes->list.clear();
+    addVolume("/Volumes/Second", "Second").isInternal = true;
+    auto& window = open(small);
+    window.chooseFolder(makePhotos());
     EXPECT_TRUE(window.waitForText("sourceHint", "Pick a target drive in the sidebar."));
     EXPECT_FALSE(window.isEnabled("moveButton"));
+    window.click("drive-Second");
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
 }
 
 TEST_F(FoldersTab, ShowsTheChosenFolderAndItsSize) {

@@ -2,7 +2,8 @@
 
 #include <QAccessible>
 #include <QSignalSpy>
-#include <QTest>
+
+#include <algorithm>
 
 namespace tarvik::test {
 
@@ -87,12 +88,43 @@ TEST_F(Keyboard, FindsANameOnEveryControl) {
     }
 }
 
-TEST_F(Keyboard, LeavesTheWindowStillWhenNothingHappens) {
+TEST_F(Keyboard, PressesOnceWhileAKeyIsHeldDown) {
+    makeFolder(world.home / "Downloads");
     auto& window = open();
-    QTest::qWait(500);
-    QSignalSpy frames(&window.window(), &QQuickWindow::afterFrameEnd);
-    QTest::qWait(500);
-    EXPECT_EQ(frames.count(), 0);
+    const auto pressesOf = [&](const QString& pressed, Qt::Key key) {
+        QSignalSpy clicks(&window.item(pressed), SIGNAL(clicked()));
+        window.holdDown(key, 3);
+        window.letUp(key);
+        return clicks.count();
+    };
+    for (const char* button : {"refreshAllButton", "refreshDrivesButton"}) {
+        window.item(button).forceActiveFocus(Qt::TabFocusReason);
+        for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space})
+            EXPECT_EQ(pressesOf(button, key), 1) << button << " " << key;
+    }
+    tabTo("quickPickList");
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space})
+        EXPECT_EQ(pressesOf("quickPick-Downloads", key), 1) << key;
+}
+
+/// What would draw the window anew without a cause: animations and timers that run.
+int runningIn(const QQuickWindow& window) {
+    const auto objects = window.findChildren<QObject*>();
+    return static_cast<int>(std::count_if(objects.begin(), objects.end(), [](const QObject* object) {
+        const bool moves = object->inherits("QQuickAbstractAnimation") || object->inherits("QQmlTimer");
+        return moves && object->property("running").toBool();
+    }));
+}
+
+TEST_F(Keyboard, LeavesTheWindowStillWhenNothingHappens) {
+    holdCopies();
+    auto& window = open();
+    startMove(makePhotos());
+    EXPECT_TRUE(window.waitUntil([&] { return runningIn(window.window()) > 0; })) << "a spinner shows that it works";
+    letCopyEnd();
+    window.item("infoToast");
+    window.state().clearInfo();
+    EXPECT_TRUE(window.waitUntil([&] { return runningIn(window.window()) == 0; }));
 }
 
 }  // namespace

@@ -1,5 +1,9 @@
 #include "Window/WindowTest.h"
 
+#include <QColor>
+#include <QImage>
+#include <QTest>
+
 namespace tarvik::test {
 
 namespace {
@@ -23,6 +27,19 @@ protected:
         return test.substr(0, test.find('/'));
     }
     WindowUnderTest& open() { return WindowTest::open(GetParam()); }
+
+    /// The points that are not blank in the blank strip of the jobs panel between the icons and the names of its rows.
+    int strayColours() {
+        QTest::qWait(300);  // Until what moves has come to rest.
+        const QImage picture = opened->window().grabWindow();
+        const int top = static_cast<int>(opened->item("jobList").mapToScene({}).y());
+        const int right = static_cast<int>(opened->item("jobList/transferLabel").mapToScene({}).x());
+        int count = 0;
+        for (int y = top; y < picture.height(); ++y)
+            for (int x = right - 6; x < right - 1; ++x)
+                if (picture.pixelColor(x, y) != QColor(Qt::white)) ++count;
+        return count;
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Sizes, Picture, testing::Values(small, large),
@@ -78,6 +95,42 @@ TEST_P(Picture, LongNames) {
     const std::string name = "A folder whose name\nhas a line break in it and then goes on " + std::string(120, 'x');
     move(makePhotos(name));
     EXPECT_TRUE(window.waitUntilShown("sourceLink"));
+    EXPECT_EQ(strayColours(), 0) << "what the panel hides must not shine through";
+}
+
+TEST_P(Picture, ManyJobs) {
+    holdCopies();
+    auto& window = open();
+    std::vector<MoveJob> jobs;
+    for (int number = 1; number <= 1000; ++number) {
+        const auto name = "Project " + std::to_string(number);
+        jobs.emplace_back(name, world.home / name, world.foldersOnDrive() / name, JobStatus::pending(),
+                          std::int64_t{number} * 12'345'678, 0);
+    }
+    makePhotos("Project 2");
+    window.state().runJobs(std::move(jobs), backup.native(), backup, false);
+    EXPECT_TRUE(window.waitForText("job-Project 2/transferStatus", "Copying"));
+    EXPECT_EQ(window.text("job-Project 1/transferStatus"), "Failed");
+    EXPECT_EQ(window.text("job-Project 3/transferBytes"), "37 MB");
+    EXPECT_EQ(window.text("jobsSummary"), "2 of 1000");
+    EXPECT_LE(window.item("jobsPanel").height(), GetParam().height() * 0.45 + 1);
+    EXPECT_LT(window.item("jobList").property("contentItem").value<QQuickItem*>()->childItems().size(), 50)
+        << "only the rows that are seen are made";
+}
+
+TEST_P(Picture, NothingFound) {
+    fs::remove_all(world.home);
+    makeFolder(world.home);
+    world.volumes->list.clear();
+    EXPECT_TRUE(open().waitUntilShown("noQuickPicks"));
+}
+
+TEST_P(Picture, QuitQuestion) {
+    holdCopies();
+    auto& window = open();
+    startMove(makePhotos());
+    EXPECT_FALSE(window.state().mayClose());
+    EXPECT_TRUE(window.waitUntilShown("alertDialog"));
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include "Window/WindowTest.h"
 
+#include <QColor>
+#include <QImage>
+
 namespace tarvik::test {
 
 namespace {
@@ -12,6 +15,13 @@ TEST_F(Shell, ListsTheTabsThatExist) {
     EXPECT_EQ(window.item("tabList").property("count").toInt(), 1);
     EXPECT_TRUE(window.item("tab-folders").property("isSelected").toBool());
     EXPECT_TRUE(window.isShown("foldersTab"));
+}
+
+TEST_F(Shell, NamesItsParts) {
+    auto& window = open();
+    EXPECT_EQ(window.text("appName"), "Tarvik");
+    EXPECT_EQ(window.text("drivesTitle"), "Target Drive");
+    EXPECT_EQ(window.item("refreshAllButton").property("help"), "Refresh all");
 }
 
 TEST_F(Shell, ListsTheDrivesWithTheirCapacity) {
@@ -35,6 +45,27 @@ TEST_F(Shell, SelectsADriveByAClick) {
     window.click("drive-Media");
     EXPECT_TRUE(window.isShown("drive-Media/driveCheckMark"));
     EXPECT_FALSE(window.isShown("drive-Backup/driveCheckMark"));
+}
+
+TEST_F(Shell, DrawsTheIconOfTheSelectedDriveInColour) {
+    addVolume("/Volumes/First", "A first");
+    auto& window = open(small);
+    const auto isColoured = [&](const QString& drive) {
+        const QQuickItem& icon = window.item(drive + "/driveIcon");
+        const QRect place = icon.mapRectToScene(icon.boundingRect()).toRect();
+        const QImage picture = window.window().grabWindow().copy(place);
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x) {
+                const QColor colour = picture.pixelColor(x, y);
+                if (colour.blue() - colour.red() > 80) return true;
+            }
+        return false;
+    };
+    window.state().selectDrive(QString::fromStdString(backup.native()));
+    move(makePhotos());
+    EXPECT_TRUE(window.waitUntil([&] { return isColoured("drive-Backup") && !isColoured("drive-A first"); }));
+    window.state().selectDrive(QString::fromStdString(media.native()));
+    EXPECT_TRUE(window.waitUntil([&] { return !isColoured("drive-Backup") && isColoured("drive-Media"); }));
 }
 
 TEST_F(Shell, SelectsADriveByTheKeyboard) {

@@ -5,6 +5,7 @@
 
 #include <QDropEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QTest>
 #include <QUrl>
@@ -80,6 +81,23 @@ void WindowUnderTest::click(const QString& name) {
 
 void WindowUnderTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(m_window, key, modifiers);
+}
+
+void WindowUnderTest::holdDown(Qt::Key key, int repetitions) {
+    const auto send = [&](QEvent::Type type, bool isRepetition) {
+        QKeyEvent event(type, key, Qt::NoModifier, QString(), isRepetition);
+        QCoreApplication::sendEvent(m_window, &event);
+    };
+    send(QEvent::KeyPress, false);
+    for (int repetition = 0; repetition < repetitions; ++repetition) {
+        send(QEvent::KeyRelease, true);  // Window systems send both.
+        send(QEvent::KeyPress, true);
+    }
+}
+
+void WindowUnderTest::letUp(Qt::Key key) {
+    QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_window, &event);
 }
 
 void WindowUnderTest::chooseFolder(const fs::path& path) {

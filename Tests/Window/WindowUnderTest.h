@@ -19,18 +19,18 @@ namespace tarvik::test {
 ///
 /// Things are found by their `objectName`; "a/b" is the b inside a. Only what is shown is found. The names:
 ///
-/// | Where        | Names |
-/// |---|---|
-/// | shell        | rootView, toolbarTitle, refreshAllButton, tabContent, infoToast, errorToast (each: toastText) |
-/// | sidebar      | tabList, tab-NAME, refreshDrivesButton, driveSpinner, noDrivesText, driveList, bootFree |
-/// | a drive      | drive-NAME: driveName, driveFree, driveTotal, driveCapacity, driveCheckMark |
-/// | Folders tab  | foldersTab, foldersHeading, foldersText |
-/// | source card  | sourceCard, sourceDropArea, sourceName, sourcePath, sourceSize, sourceSpinner, clearSourceButton,
-/// sourceProblem, |              | sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton | | quick
-/// picks  | quickPickList, quickPick-LABEL, noQuickPicks | | jobs panel   | jobsPanel, jobsTitle, jobsSummary, jobsBar,
-/// foldButton, jobList, job-LABEL, restoreRow | | a job, or the restore | transferLabel, transferDetail, transferBytes,
-/// transferStatus, transferBar, transferFailure, moveBackButton | | dialog       | alertDialog, alertTitle, alertText,
-/// alertButton-INDEX |
+/// - shell: rootView, toolbarTitle, refreshAllButton, tabContent, infoToast, errorToast (each: toastText, toastTimer)
+/// - sidebar: appName, tabList, tab-NAME, drivesTitle, refreshDrivesButton, driveSpinner, noDrivesText, driveList,
+///   bootFree
+/// - a drive, drive-NAME: driveIcon, driveName, driveFree, driveTotal, driveCapacity, driveCheckMark
+/// - Folders tab: foldersTab, foldersHeading, foldersText
+/// - source card: sourceCard, sourceDropArea, sourceTitle, sourceName, sourcePath, sourceSize, sourceSpinner,
+///   clearSourceButton, sourceProblem, sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton
+/// - quick picks: quickPicksTitle, quickPickList, quickPick-LABEL, noQuickPicks
+/// - jobs panel: jobsPanel, jobsTitle, jobsSummary, jobsBar, foldButton, jobList, job-LABEL, restoreRow
+/// - a job, or the restore: transferLabel, transferDetail, transferBytes, transferStatus, transferBar, transferFailure,
+///   moveBackButton
+/// - dialog: alertDialog, alertTitle, alertText, alertButton-INDEX
 class WindowUnderTest {
 public:
     explicit WindowUnderTest(const Host& host, QSize size = {1400, 900});
@@ -50,6 +50,9 @@ public:
 
     void click(const QString& name);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    /// Presses a key and keeps it down: its repetitions come, as many as asked for, and no release.
+    void holdDown(Qt::Key key, int repetitions);
+    void letUp(Qt::Key key);
     void resize(QSize size) { m_window->resize(size); }
     /// Takes `path` as the folder panel gives it.
     void chooseFolder(const fs::path& path);

@@ -38,8 +38,15 @@ T.Button {
     hoverEnabled: true
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: button.clicked()
-    Keys.onEnterPressed: button.clicked()
+    Keys.onSpacePressed: event => pressOnce(event)
+    Keys.onReturnPressed: event => pressOnce(event)
+    Keys.onEnterPressed: event => pressOnce(event)
+
+    /// A key that is held down presses once.
+    function pressOnce(event) {
+        if (!event.isAutoRepeat)
+            button.clicked();
+    }
 
     contentItem: Item {
         implicitWidth: row.implicitWidth

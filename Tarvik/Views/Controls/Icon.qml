@@ -11,6 +11,13 @@ Item {
     property color color: Theme.textSecondary
     property int size: Theme.iconSize
 
+    property bool keepsPicture: true
+
+    function renewPicture() {
+        keepsPicture = false;
+        keepsPicture = true;
+    }
+
     readonly property var drawings: ({
         "folder": "M1.5 4.5a1.5 1.5 0 0 1 1.5-1.5h3l1.8 2h5.2a1.5 1.5 0 0 1 1.5 1.5v5a1.5 1.5 0 0 1-1.5 1.5h-10a1.5 1.5 0 0 1-1.5-1.5z",
         "drive": "M3.6 3h8.8l2.1 6v2.5a1.5 1.5 0 0 1-1.5 1.5h-10a1.5 1.5 0 0 1-1.5-1.5v-2.5z M1.7 9h12.6 M11.2 11h1",
@@ -30,6 +37,11 @@ Item {
     implicitWidth: size
     implicitHeight: size
     Accessible.ignored: true
+    // Drawn with the processor, a shape that moves paints over what hides it; the picture of one does not. But the
+    // picture does not follow a change of the shape: it is made anew.
+    layer.enabled: keepsPicture && GraphicsInfo.api === GraphicsInfo.Software
+    onColorChanged: renewPicture()
+    onNameChanged: renewPicture()
 
     Shape {
         width: Theme.iconSize

@@ -15,8 +15,15 @@ T.Button {
     hoverEnabled: true
     Accessible.role: Accessible.Button
     Accessible.name: help
-    Keys.onReturnPressed: button.clicked()
-    Keys.onEnterPressed: button.clicked()
+    Keys.onSpacePressed: event => pressOnce(event)
+    Keys.onReturnPressed: event => pressOnce(event)
+    Keys.onEnterPressed: event => pressOnce(event)
+
+    /// A key that is held down presses once.
+    function pressOnce(event) {
+        if (!event.isAutoRepeat)
+            button.clicked();
+    }
 
     contentItem: Item {
         Icon {

@@ -22,6 +22,8 @@ T.ItemDelegate {
     Accessible.role: Accessible.ListItem
     Accessible.selectable: true
     Accessible.selected: highlighted
+    // On its own it would take each repetition of the key for a press.
+    Keys.onSpacePressed: event => list.pressCurrent(event)
 
     onPressed: {
         list.currentIndex = index;

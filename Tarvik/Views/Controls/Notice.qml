@@ -1,7 +1,8 @@
 import QtQuick
 import Tarvik
 
-/// A sentence that stays where it concerns something, with room for a button beside it. Wraps and is shown in full.
+/// A sentence that stays where it concerns something, with room for a button beside it. Wraps and is shown in full; line
+/// breaks of its own, from names of files, are shown as spaces.
 Rectangle {
     id: notice
 
@@ -30,7 +31,7 @@ Rectangle {
         anchors.right: actionRow.left
         anchors.rightMargin: Theme.small
         y: message.lineCount > 1 ? Theme.small : (notice.height - height) / 2
-        text: notice.text
+        text: notice.text.replace(/[\n\r\u0085\u2028\u2029]+/g, " ")
         color: notice.tone === "neutral" ? Theme.textSecondary : Theme.colorOf(notice.tone)
         wrapMode: Text.Wrap
     }

@@ -9,8 +9,10 @@ ListView {
     /// True while the keyboard is the one who walks, so that rows show their ring.
     property bool showsFocus: false
 
-    function pressCurrent() {
-        (currentItem as ListRow)?.clicked();
+    /// A key that is held down presses once.
+    function pressCurrent(event) {
+        if (!event.isAutoRepeat)
+            (currentItem as ListRow)?.clicked();
     }
 
     activeFocusOnTab: count > 0
@@ -24,9 +26,9 @@ ListView {
     T.ScrollBar.vertical: ScrollBar {}
 
     Accessible.role: Accessible.List
-    Keys.onSpacePressed: pressCurrent()
-    Keys.onReturnPressed: pressCurrent()
-    Keys.onEnterPressed: pressCurrent()
+    Keys.onSpacePressed: event => pressCurrent(event)
+    Keys.onReturnPressed: event => pressCurrent(event)
+    Keys.onEnterPressed: event => pressCurrent(event)
     Keys.onPressed: event => {
         showsFocus = true;
         event.accepted = false;

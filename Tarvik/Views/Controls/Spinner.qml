@@ -16,6 +16,9 @@ Item {
     Shape {
         anchors.fill: parent
         antialiasing: true
+        // As in `Icon`.
+        layer.enabled: GraphicsInfo.api === GraphicsInfo.Software
+        layer.smooth: true
 
         ShapePath {
             strokeColor: spinner.color

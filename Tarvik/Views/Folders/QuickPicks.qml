@@ -11,7 +11,10 @@ Column {
 
     spacing: Theme.small
 
-    SectionTitle { text: "Common candidates" }
+    SectionTitle {
+        objectName: "quickPicksTitle"
+        text: "Common candidates"
+    }
     Card {
         width: parent.width
         padding: Theme.tiny

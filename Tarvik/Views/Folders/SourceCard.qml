@@ -22,7 +22,7 @@ Card {
         if (source.problem !== "" || source.isLink)
             return "";
         if (!AppState.hasSelectedDrive)
-            return "Pick a target drive in the sidebar.";
+            return AppState.hasTargetDrives ? "Pick a target drive in the sidebar." : "Connect a drive to move it to.";
         return "To " + AppState.selectedDriveName + ", " + AppState.selectedDriveFree + " free";
     }
 
@@ -42,7 +42,10 @@ Card {
         }
     }
 
-    SectionTitle { text: "Source folder" }
+    SectionTitle {
+        objectName: "sourceTitle"
+        text: "Source folder"
+    }
 
     SourceWell {
         width: parent.width
