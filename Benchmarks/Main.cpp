@@ -1,14 +1,18 @@
 // Holds Tarvik against what a user would pick instead, side by side in one run, and prints a table of ratios.
 //   tarvik-benchmark [FILES] [ROUNDS]
+//   tarvik-benchmark discovery [ROUNDS]     only how quickly applications and links are found
+#include "Discovery.h"
 #include "Measure.h"
 #include "Move/MoveVerifier.h"
-#include "Move/SizingService.h"
 #include "Platform/Files.h"
 #include "Platform/Host.h"
 #include "Platform/ProgramLocation.h"
+#include "Platform/RunningAppsDetector.h"
+#include "Platform/SizingService.h"
 #include "Practice/PracticeMachine.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
+#include "Table.h"
 
 #include <fmt/format.h>
 
@@ -17,8 +21,12 @@
 #include <exception>
 #include <functional>
 #include <iostream>
+#include <iterator>
 #include <optional>
+#include <regex>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -32,36 +40,6 @@ struct Sizes {
     std::size_t files = 60'000;
     int rounds = 5;
 };
-
-/// Prints a line as soon as its figures are there.
-void printLine(const std::string& figure, const std::string& ours, const std::string& peer, const std::string& theirs,
-               const std::string& ratio, const std::string& aim) {
-    fmt::print("{:<38} {:>10}   {:<22} {:>10} {:>7} {:>9}\n", figure, ours, peer, theirs, ratio, aim);
-    std::cout.flush();
-}
-
-void printRatio(const std::string& figure, const std::vector<double>& ours, const std::string& peer,
-                const std::vector<double>& theirs, const std::string& aim) {
-    const double us = Measure::median(ours);
-    const double them = Measure::median(theirs);
-    printLine(figure, fmt::format("{:.3f} s", us), peer, fmt::format("{:.3f} s", them),
-              fmt::format("{:.2f}", us / them), aim);
-}
-
-/// Runs both alternately, after one round that only warms the caches.
-void compare(const std::string& figure, const std::function<void()>& ours, const std::string& peer,
-             const std::function<void()>& theirs, int rounds, const std::string& aim) {
-    std::vector<double> us;
-    std::vector<double> them;
-    for (int round = 0; round <= rounds; ++round) {
-        const double our = Measure::seconds(ours);
-        const double their = Measure::seconds(theirs);
-        if (round == 0) continue;
-        us.push_back(our);
-        them.push_back(their);
-    }
-    printRatio(figure, us, peer, them, aim);
-}
 
 /// An internal volume and two kinds of drive, below a home folder.
 class Machine {
@@ -120,34 +98,67 @@ void compareMoves(const Machine& machine, const fs::path& drive, const std::stri
         theirs.push_back(Measure::program({"mv", source.native(), (drive / "Tree").native()}).seconds);
         theirsFlushed.push_back(theirs.back() + Measure::seconds([&] { Files::flushVolume(drive); }));
     }
-    printRatio(figure, ours, "mv, nothing proved", theirs, aim);
-    printRatio("", ours, "mv, then flushed", theirsFlushed, "");
+    Table::ratio(figure, ours, "mv, nothing proved", theirs, aim);
+    Table::ratio("", ours, "mv, then flushed", theirsFlushed, "");
 }
 
-void run(const Sizes& sizes) {
-    RealVolume::prepareProcess();
-    if (const auto reason = RealVolume::unavailableReason()) throw std::runtime_error(*reason);
+/// Lines of a busy machine's process list: a third of them are applications, some of which name their program twice.
+std::vector<std::string> processLines() {
+    constexpr int count = 2000;
+    std::vector<std::string> lines;
+    for (int number = 0; number < count; ++number) {
+        const std::string app = fmt::format("/Applications/Some Editor {}.app", number);
+        const std::string program = app + "/Contents/MacOS/Some Editor";
+        lines.push_back(number % 3 == 0 ? program + " " + program + " --type=renderer --enable-features=a,b,c"
+                        : number % 3 == 1
+                            ? fmt::format("/usr/libexec/daemon{0} /usr/libexec/daemon{0} -x /var/db", number)
+                            : fmt::format("worker{0} /opt/tools/lib/worker{0} --config=\"/etc/a\"", number));
+    }
+    return lines;
+}
+
+/// How long it takes to find the bundles that the lines of a process list name.
+void compareProcessLines(int rounds) {
+    const auto lines = processLines();
+    const std::vector<std::string_view> views(lines.begin(), lines.end());
+    const std::regex expression(R"((/[^"\n]+?\.app)(?:/Contents/|\s|$))");
+    std::size_t found = 0;
+    Table::compare(
+        "bundles in 2,000 process lines", [&] { found += RunningAppsDetector::bundlePathsIn(views).size(); },
+        "std::regex",
+        [&] {
+            for (const auto& line : lines)
+                found += static_cast<std::size_t>(
+                    std::distance(std::sregex_iterator(line.begin(), line.end(), expression), {}));
+        },
+        rounds, "10 ms");
+    if (found == 0) throw std::runtime_error("no bundle was found");
+}
+
+void measureMoves(const Sizes& sizes) {
     const Machine machine;
     const Host host = Host::thisMachine(machine.home());
-    const auto practice = Practice::build(machine.internal() / "practice", {.apps = 0, .files = sizes.files});
+    const auto practice =
+        Practice::build(machine.internal() / "practice", {.apps = 0, .specialApps = false, .files = sizes.files});
     const fs::path tree = practice.home;
-    fmt::print("{} files, {} folders, {:.1f} GB, medians of {} rounds; ext4 in image files on the disk\n\n",
-               practice.files, practice.folders, static_cast<double>(practice.bytes) / gigabyte, sizes.rounds);
-    printLine("figure", "Tarvik", "peer", "", "ratio", "aim");
+    Table::heading(fmt::format("{} files, {} folders, {:.1f} GB, medians of {} rounds; ext4 in image files on the disk",
+                               practice.files, practice.folders, static_cast<double>(practice.bytes) / gigabyte,
+                               sizes.rounds));
 
     {
         const Measure::OneCore oneCore;
-        compare(
+        Table::compare(
             "size of the tree, one core", [&] { SizingService::size(host, tree); }, "du -s",
             [&] {
                 Measure::program({"du", "-s", tree.native()});
             },
             sizes.rounds, "<= 0.85");
     }
+    compareProcessLines(sizes.rounds);
     const auto copyTree = [&](const fs::path& to) { Measure::program({"cp", "-a", tree.native(), to.native()}); };
     const fs::path copy = machine.diskDrive() / "Copy";
     copyTree(copy);
-    compare(
+    Table::compare(
         "verification of a copy",
         [&] {
             if (MoveVerifier::failureReason(host, tree, copy)) throw std::runtime_error("the copy is not good");
@@ -170,8 +181,8 @@ void run(const Sizes& sizes) {
         compareMoves(machine, drive, "move of one 4 GB file, " + kind, makeBigFile, sizes.rounds, "<= 1.05",
                      peakMemory);
     }
-    printLine("peak memory of a move", fmt::format("{:.1f} MB", static_cast<double>(peakMemory) / 1e6), "", "", "",
-              "<= 48 MB");
+    Table::line("peak memory of a move", fmt::format("{:.1f} MB", static_cast<double>(peakMemory) / 1e6), "", "", "",
+                "<= 48 MB");
 
     std::vector<double> frames;
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
@@ -180,17 +191,24 @@ void run(const Sizes& sizes) {
                                                     practice.root.native(), "--time-to-first-frame"});
         if (round > 0) frames.push_back(std::strtod(text.c_str(), nullptr));
     }
-    printLine("window, start to first frame", fmt::format("{:.0f} ms", Measure::median(frames)), "", "", "", "400 ms");
+    Table::line("window, start to first frame", fmt::format("{:.0f} ms", Measure::median(frames)), "", "", "",
+                "400 ms");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
+        RealVolume::prepareProcess();
+        if (const auto reason = RealVolume::unavailableReason()) throw std::runtime_error(*reason);
         Sizes sizes;
-        if (argc > 1) sizes.files = std::strtoul(argv[1], nullptr, 10);
+        const bool onlyDiscovery = argc > 1 && argv[1] == std::string_view("discovery");
+        if (argc > 1 && !onlyDiscovery) sizes.files = std::strtoul(argv[1], nullptr, 10);
         if (argc > 2) sizes.rounds = std::max(1, std::atoi(argv[2]));
-        run(sizes);
+        Discovery::measure(sizes.rounds);
+        if (onlyDiscovery) return 0;
+        fmt::print("\n");
+        measureMoves(sizes);
         return 0;
     } catch (const std::exception& failure) {
         fmt::print(stderr, "{}\n", failure.what());

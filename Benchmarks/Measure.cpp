@@ -25,6 +25,18 @@ cpu_set_t allCores() {
     return cores;
 }
 
+/// Of this program and of all programs that it has waited for, since its start.
+double processorSeconds() {
+    double sum = 0;
+    for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+        struct rusage usage {};
+        ::getrusage(who, &usage);
+        for (const timeval& time : {usage.ru_utime, usage.ru_stime})
+            sum += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    }
+    return sum;
+}
+
 }  // namespace
 
 Run program(const std::vector<std::string>& command) {
@@ -60,6 +72,12 @@ double seconds(const std::function<void()>& act) {
     const auto start = std::chrono::steady_clock::now();
     act();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+Cost cost(const std::function<void()>& act) {
+    const double before = processorSeconds();
+    const double bySeconds = seconds(act);
+    return {bySeconds, processorSeconds() - before};
 }
 
 double median(std::vector<double> values) {

@@ -21,6 +21,13 @@ Run program(const std::vector<std::string>& command);
 std::string outputOf(const std::vector<std::string>& command);
 /// Seconds that a function takes.
 double seconds(const std::function<void()>& act);
+/// What an act takes by the clock, and of the processors' time in this program and in those that it has waited for: on
+/// a busy machine only the second is worth comparing.
+struct Cost {
+    double seconds = 0;
+    double processorSeconds = 0;
+};
+Cost cost(const std::function<void()>& act);
 double median(std::vector<double> values);
 /// Keeps this program, and what it starts, on one core while the object lives.
 class OneCore {

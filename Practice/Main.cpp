@@ -27,11 +27,15 @@ int main(int argc, char** argv) {
             return isNumber ? std::string() : fmt::format("{} is not a number from 0 up", text);
         },
         "");
-    app.add_option("--apps", options.apps, "How many applications")
+    app.add_option("--apps", options.apps, "How many plain applications, besides those of every special kind")
         ->type_name("N")
         ->check(digits)
         ->capture_default_str();
     app.add_option("--files", options.files, "How many files in the home and on the drives")
+        ->type_name("N")
+        ->check(digits)
+        ->capture_default_str();
+    app.add_option("--app-files", options.appFiles, "How many files in the plain applications and their data")
         ->type_name("N")
         ->check(digits)
         ->capture_default_str();

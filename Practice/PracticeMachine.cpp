@@ -2,14 +2,18 @@
 
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Practice/Bundle.h"
 #include "Practice/Dice.h"
+#include "Practice/SpecialApps.h"
 #include "Practice/TreeWriter.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarvik::Practice {
 
@@ -24,6 +28,7 @@ struct Place {
     std::size_t share;      ///< of all files, in parts of the sum of all shares
     bool holdsSounds = false;
     bool isNested = true;
+    bool holdsSmallFiles = false;
 };
 
 constexpr std::array<Place, 10> places = {{
@@ -38,6 +43,11 @@ constexpr std::array<Place, 10> places = {{
     {"/Volumes/Backup/Archive 2024", 6},
     {"/Volumes/Studio Drive/Sessions", 3, true},
 }};
+
+/// Where an application's own files are: below its bundle, or below the home by its name or its identifier.
+constexpr Place inBundle = {"Contents/Resources", 12, false, true, true};
+constexpr Place inSupport = {"Library/Application Support", 6, false, true, true};
+constexpr Place inCaches = {"Library/Caches", 2, false, true, true};
 
 constexpr std::array<std::string_view, 24> words = {
     "Invoice", "Notes", "Draft",  "Résumé",          "Größe", "写真",   "Проект", "naïve",
@@ -58,6 +68,8 @@ std::int64_t fileSize(Dice& dice) {
     const std::size_t power = std::size_t{1} << exponent;
     return static_cast<std::int64_t>(power + dice.below(power));
 }
+
+constexpr std::int64_t smallFileLimit = 8192;
 
 mode_t fileMode(Dice& dice) {
     constexpr std::array<mode_t, 8> modes = {0644, 0644, 0644, 0644, 0600, 0755, 0444, 0664};
@@ -87,7 +99,7 @@ void fill(TreeWriter& writer, Dice& dice, const fs::path& base, const Place& pla
         }
         const auto name =
             fmt::format("{}{} {}{}", dice.onceIn(12) ? "." : "", dice.oneOf(words), number, dice.oneOf(endings));
-        const auto size = fileSize(dice);
+        const auto size = place.holdsSmallFiles ? std::min(fileSize(dice), smallFileLimit) : fileSize(dice);
         writer.noise(folder / name, size, {}, fileMode(dice));
         // Relative, so that a machine is the same wherever it stands; now and then one that leads nowhere.
         if (dice.onceIn(15))
@@ -95,36 +107,59 @@ void fill(TreeWriter& writer, Dice& dice, const fs::path& base, const Place& pla
     }
 }
 
-void addApp(TreeWriter& writer, Dice& dice, const fs::path& applications, std::size_t number) {
-    const auto name = number < appNames.size()
-                          ? std::string(appNames[number])
-                          : fmt::format("{} {}", appNames[number % appNames.size()], number / appNames.size() + 1);
-    const auto program = fmt::format("practice{}", number + 1);
-    const auto contents = applications / (name + ".app") / "Contents";
-    writer.file(contents / "Info.plist", fmt::format(R"(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
-<plist version="1.0">
-<dict>
-    <key>CFBundleExecutable</key>
-    <string>{0}</string>
-    <key>CFBundleIdentifier</key>
-    <string>org.example.{0}</string>
-    <key>CFBundleName</key>
-    <string>{1}</string>
-    <key>CFBundlePackageType</key>
-    <string>APPL</string>
-    <key>CFBundleShortVersionString</key>
-    <string>{2}.{3}</string>
-</dict>
-</plist>
-)",
-                                                     program, name, 1 + dice.below(9), dice.below(20)));
-    writer.file(contents / "PkgInfo", "APPL????");
-    writer.file(contents / "MacOS" / program, fmt::format("#!/bin/sh\necho 'This is {}.'\n", name), 0755);
+/// What the plain application of a number is called.
+struct PlainApp {
+    explicit PlainApp(std::size_t number)
+        : name(number < appNames.size()
+                   ? std::string(appNames[number])
+                   : fmt::format("{} {}", appNames[number % appNames.size()], number / appNames.size() + 1)),
+          program(fmt::format("practice{}", number + 1)),
+          identifier("org.example." + program) {}
+
+    std::string name;
+    std::string program;
+    std::string identifier;
+};
+
+void addApp(TreeWriter& writer, Dice& dice, const fs::path& applications, const PlainApp& app) {
+    const auto path = applications / (app.name + ".app");
+    const auto major = 1 + dice.below(9);
+    const auto minor = dice.below(20);
+    write(writer, {path, app.identifier, fmt::format("{}.{}", major, minor), {}, app.program});
+    const auto contents = path / "Contents";
     writer.noise(contents / "Resources" / "Assets.car", fileSize(dice));
     writer.noise(contents / "Frameworks" / "Core.framework" / "Versions" / "A" / "Core", fileSize(dice), {}, 0755);
     writer.link(contents / "Frameworks" / "Core.framework" / "Versions" / "Current", "A");
     writer.link(contents / "Frameworks" / "Core.framework" / "Core", "Versions/Current/Core");
+}
+
+/// A folder to fill.
+struct Part {
+    fs::path base;
+    const Place* place;
+};
+
+std::vector<Part> partsOfApps(const Machine& machine, std::size_t apps) {
+    std::vector<Part> parts;
+    for (std::size_t number = 0; number < apps; ++number) {
+        const PlainApp app(number);
+        parts.push_back({machine.root / "Applications" / (app.name + ".app") / inBundle.path, &inBundle});
+        parts.push_back({machine.home / inSupport.path / app.name, &inSupport});
+        parts.push_back({machine.home / inCaches.path / app.identifier, &inCaches});
+    }
+    return parts;
+}
+
+void spread(TreeWriter& writer, Dice& dice, const std::vector<Part>& parts, std::size_t files) {
+    std::size_t shares = 0;
+    for (const auto& part : parts) shares += part.place->share;
+    std::size_t sharesBefore = 0;
+    for (const auto& part : parts) {
+        // Cut at the same points for every part: what rounding takes from one falls to the next.
+        const auto first = files * sharesBefore / shares;
+        sharesBefore += part.place->share;
+        fill(writer, dice, part.base, *part.place, files * sharesBefore / shares - first);
+    }
 }
 
 }  // namespace
@@ -149,18 +184,15 @@ Machine build(const fs::path& folder, const Options& options) {
     for (const auto& drive : machine.drives) writer.folder(drive);
     for (const auto* name : {"Desktop", "Library/Caches", "Library/Preferences"}) writer.folder(machine.home / name);
     for (std::size_t number = 0; number < options.apps; ++number)
-        addApp(writer, dice, machine.root / "Applications", number);
+        addApp(writer, dice, machine.root / "Applications", PlainApp(number));
+    if (options.specialApps) addSpecialApps(writer, machine);
 
-    std::size_t shares = 0;
-    for (const auto& place : places) shares += place.share;
-    std::size_t sharesBefore = 0;
-    for (const auto& place : places) {
-        const auto base = place.path.front() == '/' ? machine.root / place.path.substr(1) : machine.home / place.path;
-        // Cut at the same points for every place: what rounding takes from one falls to the next.
-        const auto first = options.files * sharesBefore / shares;
-        sharesBefore += place.share;
-        fill(writer, dice, base, place, options.files * sharesBefore / shares - first);
-    }
+    std::vector<Part> parts;
+    for (const auto& place : places)
+        parts.push_back(
+            {place.path.front() == '/' ? machine.root / place.path.substr(1) : machine.home / place.path, &place});
+    spread(writer, dice, parts, options.files);
+    if (options.appFiles > 0) spread(writer, dice, partsOfApps(machine, options.apps), options.appFiles);
     writer.finish();
     return machine;
 }

@@ -11,10 +11,15 @@
 namespace tarvik::Practice {
 
 struct Options {
-    /// Applications in the machine's Applications folder.
+    /// Plain applications in the machine's Applications folder.
     std::size_t apps = 6;
+    /// Some forty more, of every kind and at every place that the system tells apart, with their data.
+    bool specialApps = true;
     /// Files in the user's home and on the drives together, without what belongs to applications.
     std::size_t files = 300;
+    /// Files of the plain applications together, in their bundles and among the user's data, beyond the few that every
+    /// application has. Small ones.
+    std::size_t appFiles = 0;
     /// The same seed gives the same names, bytes, permissions and times.
     std::uint64_t seed = 1;
 };

@@ -1,11 +1,14 @@
+#include "Discovery/AppScanner.h"
 #include "Platform/Failure.h"
 #include "Practice/PracticeMachine.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
 #include <fmt/format.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <sys/stat.h>
 
@@ -40,13 +43,19 @@ std::string sentenceOfBuilding(const fs::path& folder) {
 
 TEST(PracticeMachine, IsTheSameForTheSameSeed) {
     const TemporaryFolder folder;
-    Practice::build(folder / "a", {.seed = 7});
+    // At one place, because links and launchers hold absolute paths.
+    const fs::path place = folder / "machine";
+    Practice::build(place, {.seed = 7});
+    const auto picture = test::pictureOf(place);
+    const auto times = timesOf(place);
+    const auto permissions = fs::status(place).permissions();
+    fs::remove_all(place);
     const auto before = ::umask(0077);
-    Practice::build(folder / "b", {.seed = 7});
+    Practice::build(place, {.seed = 7});
     ::umask(before);
-    fs::permissions(folder / "b", fs::status(folder / "a").permissions());
-    EXPECT_EQ(test::pictureOf(folder / "a"), test::pictureOf(folder / "b"));
-    EXPECT_EQ(timesOf(folder / "a"), timesOf(folder / "b"));
+    fs::permissions(place, permissions);  // The folder itself is the user's.
+    EXPECT_EQ(test::pictureOf(place), picture);
+    EXPECT_EQ(timesOf(place), times);
 }
 
 TEST(PracticeMachine, DiffersForAnotherSeed) {
@@ -79,11 +88,28 @@ TEST(PracticeMachine, CountsWhatItMade) {
 
 TEST(PracticeMachine, HoldsAsManyFilesAndAppsAsAskedFor) {
     const TemporaryFolder folder;
-    const auto machine = Practice::build(folder / "machine", {.apps = 0, .files = 1234});
+    const auto machine = Practice::build(folder / "machine", {.apps = 0, .specialApps = false, .files = 1234});
     EXPECT_EQ(machine.files, 1234);
-    const auto withApps = Practice::build(folder / "apps", {.apps = 15, .files = 0});
+    const auto withApps = Practice::build(folder / "apps", {.apps = 15, .specialApps = false, .files = 0});
     const auto apps = fs::directory_iterator(withApps.root / "Applications");
     EXPECT_EQ(std::distance(begin(apps), end(apps)), 15);
+}
+
+TEST(PracticeMachine, SpreadsTheFilesOfApplicationsOverBundlesAndData) {
+    const TemporaryFolder folder;
+    const Practice::Options without{.apps = 4, .specialApps = false, .files = 10};
+    Practice::Options with = without;
+    with.appFiles = 201;
+    const auto before = Practice::build(folder / "without", without);
+    const auto after = Practice::build(folder / "with", with);
+    EXPECT_EQ(after.files, before.files + 201);
+    for (const auto& app : fs::directory_iterator(after.root / "Applications")) {
+        EXPECT_FALSE(fs::is_empty(app.path() / "Contents/Resources")) << app;
+        EXPECT_FALSE(fs::is_empty(after.home / "Library/Application Support" / app.path().stem())) << app;
+    }
+    EXPECT_FALSE(fs::is_empty(after.home / "Library/Caches/org.example.practice4"));
+    // The rest of the machine is what it is without them.
+    EXPECT_EQ(test::pictureOf(after.home / "Documents"), test::pictureOf(before.home / "Documents"));
 }
 
 TEST(PracticeMachine, HasOneUserAndTwoDrives) {
@@ -102,6 +128,45 @@ TEST(PracticeMachine, HasSomethingAtEveryCommonCandidate) {
     for (const auto* candidate : {"Music/Logic Pro Library.bundle", "Library/Application Support/Claude", "Downloads",
                                   "Library/Developer/Xcode/DerivedData"})
         EXPECT_FALSE(fs::is_empty(machine.home / candidate)) << candidate;
+}
+
+TEST(PracticeMachine, HasDataOfApplicationsThatOnlyATableOrTheTrackingDatabaseKnows) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine");
+    const Host host = Host::rootedAt(machine.root, machine.home);
+    const auto entries = AppScanner::discoverMetadata(host);
+    const auto dataOf = [&](const std::string& name) {
+        const auto entry =
+            std::find_if(entries.begin(), entries.end(), [&](const AppEntry& each) { return each.name == name; });
+        return entry == entries.end() ? std::vector<fs::path>() : entry->dataPaths;
+    };
+    const fs::path support = machine.root / "Library/Application Support";
+    using testing::ElementsAre;
+    EXPECT_THAT(dataOf("Logic Pro"), ElementsAre(support / "Logic", support / "GarageBand"));
+    EXPECT_THAT(dataOf("Final Cut Pro"), ElementsAre(support / "ProApps"));
+    EXPECT_THAT(dataOf("Adobe Photoshop 2026"), ElementsAre(support / "Adobe"));
+    EXPECT_THAT(dataOf("Guitar Pro 8"), ElementsAre(support / "Arobas Music"));
+    EXPECT_THAT(dataOf("FL Studio 2025"), ElementsAre(support / "Image-Line"));
+    EXPECT_THAT(dataOf("SpectraLayers 12"), ElementsAre(support / "Steinberg"));
+    EXPECT_THAT(dataOf("Nameless"), ElementsAre(machine.home / "Documents/Nameless Drawings"));
+    EXPECT_THAT(dataOf("Claude"), testing::Not(testing::Contains(machine.home / ".claude.json")));
+    const auto handler = std::find_if(entries.begin(), entries.end(),
+                                      [](const AppEntry& entry) { return entry.name == "Claude Code URL Handler"; });
+    ASSERT_NE(handler, entries.end());
+    EXPECT_THAT(handler->dataPaths, testing::IsEmpty()) << "the dotfiles belong to the command";
+}
+
+TEST(PracticeMachine, HasABundleWithoutAnIdentifierAndTwoCopiesOfAnother) {
+    const TemporaryFolder folder;
+    const auto machine = Practice::build(folder / "machine");
+    const Host host = Host::rootedAt(machine.root, machine.home);
+    const auto nameless = AppScanner::metadataEntry(host, machine.root / "Applications/Nameless.app");
+    EXPECT_EQ(nameless->bundleIdentifier, std::nullopt);
+    EXPECT_EQ(nameless->version, "0.9");
+    const fs::path copies[] = {machine.root / "Applications/Twice.app",
+                               machine.drives.front() / "ExternalTarvik/Apps/Twice.app"};
+    for (const fs::path& copy : copies)
+        EXPECT_EQ(AppScanner::metadataEntry(host, copy)->bundleIdentifier, "org.example.twice") << copy;
 }
 
 TEST(PracticeMachine, HoldsWhatIsEasilyLostInACopy) {

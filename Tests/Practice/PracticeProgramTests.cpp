@@ -18,7 +18,8 @@ CommandResult practice(const std::vector<std::string>& arguments) {
 
 TEST(PracticeProgram, MakesAMachineAndSaysSo) {
     const test::TemporaryFolder folder;
-    const auto result = practice({(folder / "machine").native(), "--apps", "2", "--files", "10", "--seed", "3"});
+    const auto result =
+        practice({(folder / "machine").native(), "--apps", "2", "--files", "10", "--app-files", "20", "--seed", "3"});
     EXPECT_EQ(result.status, 0) << result.stderr;
     EXPECT_THAT(result.stdout,
                 testing::StartsWith("Made a practice machine in " + (folder / "machine").native() + ": "));
