@@ -1,3 +1,4 @@
+#include "State/Background.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 
@@ -28,5 +29,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QUICK_BACKEND", "software");
     qInstallMessageHandler(failOnWarnings);
     QGuiApplication application(argc, argv);
-    return RUN_ALL_TESTS();
+    const int status = RUN_ALL_TESTS();
+    tarvik::Background::finish();  // A window may close while a folder is measured.
+    return status;
 }
