@@ -51,6 +51,7 @@ AppState::~AppState() {
     m_isClosing = true;
     m_stopAfterItem.cancel();
     m_stopMeasuring.cancel();
+    m_stopSizingApps.cancel();
     m_stopSizingSymlinks.cancel();
     m_dialogs.dismissAll();
     // Every member is still whole here, so that the flows end as they would have ended in the event loop.
@@ -76,6 +77,7 @@ QString AppState::selectedDriveFree() const {
 void AppState::refreshAll() {
     if (m_isScanningApps || m_isClosing) return;
     refreshDrives();
+    refreshApps();
     refreshSymlinks();
     m_flows.add(findQuickPicks());
     m_flows.add(checkLinks());
@@ -180,12 +182,6 @@ QCoro::Task<> AppState::askToClose() {
 
 void AppState::closeWhenReady() {
     if (m_isClosing && !m_isRunning && !m_isRestoring) emit readyToClose();
-}
-
-void AppState::setScanningApps(bool isScanning) {
-    if (m_isScanningApps == isScanning) return;
-    m_isScanningApps = isScanning;
-    emit isScanningAppsChanged();
 }
 
 void AppState::setSelectedDrive(std::optional<DriveInfo> drive) {

@@ -7,9 +7,11 @@
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
+#include "State/AppRow.h"
 #include "State/DriveRow.h"
 #include "State/FilePath.h"
 #include "State/JobRow.h"
+#include "State/NewestValue.h"
 #include "State/QuickPick.h"
 #include "State/RecordListModel.h"
 #include "State/SymlinkRow.h"
@@ -20,7 +22,10 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
+#include <cstdint>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,6 +46,8 @@ class AppState : public QObject {
     QML_ELEMENT
     QML_SINGLETON
 
+    /// The applications, largest first once all are measured.
+    Q_PROPERTY(QAbstractItemModel* apps READ appsModel CONSTANT)
     Q_PROPERTY(QAbstractItemModel* drives READ drivesModel CONSTANT)
     /// The drives that something can be moved to.
     Q_PROPERTY(QAbstractItemModel* targetDrives READ targetDrivesModel CONSTANT)
@@ -59,7 +66,17 @@ class AppState : public QObject {
     /// What is free on the volume that the user's home is on, "80 GB".
     Q_PROPERTY(QString bootFree READ bootFree NOTIFY bootFreeChanged)
 
+    /// True from the start of a scan of the applications to the end of its sizing; the other two tell how many are
+    /// measured.
     Q_PROPERTY(bool isScanningApps READ isScanningApps NOTIFY isScanningAppsChanged)
+    Q_PROPERTY(int sizeProgress READ sizeProgress NOTIFY sizeProgressChanged)
+    Q_PROPERTY(int sizeTotal READ sizeTotal NOTIFY sizeProgressChanged)
+    /// Whether a move also takes the data of an application.
+    Q_PROPERTY(bool includeAppData READ includeAppData WRITE setIncludeAppData NOTIFY includeAppDataChanged)
+    /// How many of the ticked applications can move, and how many can come back; what the former take, "1.2 GB".
+    Q_PROPERTY(int selectedMovableCount READ selectedMovableCount NOTIFY selectionChanged)
+    Q_PROPERTY(int selectedRestorableCount READ selectedRestorableCount NOTIFY selectionChanged)
+    Q_PROPERTY(QString selectedTotalText READ selectedTotalText NOTIFY selectionChanged)
     Q_PROPERTY(bool isScanningDrives READ isScanningDrives NOTIFY isScanningDrivesChanged)
 
     /// Whether a run of jobs is under way.
@@ -95,6 +112,14 @@ public:
     const fs::path foldersTargetFolderName;
 
     const Host& host() const { return m_host; }
+    const std::vector<AppRow>& apps() const { return m_apps.records(); }
+    /// The ticked applications, in the order of `apps`, and those of them that can move or come back.
+    std::vector<AppEntry> selectedApps() const;
+    std::vector<AppEntry> selectedMovableApps() const;
+    std::vector<AppEntry> selectedRestorableApps() const;
+    /// What a move of the ticked applications would take, in bytes: a bundle that is on a drive already counts nothing.
+    std::int64_t selectedTotalBytes() const;
+    const std::set<std::string>& selectedAppIDs() const { return m_selectedAppIDs; }
     const std::vector<DriveInfo>& drives() const { return m_drives.records(); }
     const std::vector<DriveInfo>& targetDrives() const { return m_targetDrives.records(); }
     const std::vector<SymlinkEntry>& symlinks() const { return m_symlinks.records(); }
@@ -103,6 +128,7 @@ public:
     /// The target of all moves. It stays when its drive is gone; a run then fails with plain words.
     const std::optional<DriveInfo>& selectedDrive() const { return m_selectedDrive; }
 
+    QAbstractItemModel* appsModel() { return &m_apps; }
     QAbstractItemModel* drivesModel() { return &m_drives; }
     QAbstractItemModel* targetDrivesModel() { return &m_targetDrives; }
     QAbstractItemModel* symlinksModel() { return &m_symlinks; }
@@ -116,6 +142,13 @@ public:
     QString selectedDriveFree() const;
     QString bootFree() const { return m_bootFree; }
     bool isScanningApps() const { return m_isScanningApps; }
+    int sizeProgress() const { return m_sizeProgress; }
+    int sizeTotal() const { return m_sizeTotal; }
+    bool includeAppData() const { return m_includeAppData; }
+    void setIncludeAppData(bool includes);
+    int selectedMovableCount() const { return static_cast<int>(selectedMovableApps().size()); }
+    int selectedRestorableCount() const { return static_cast<int>(selectedRestorableApps().size()); }
+    QString selectedTotalText() const;
     bool isScanningDrives() const { return m_isScanningDrives; }
     bool isRunning() const { return m_isRunning; }
     double jobsFraction() const { return overallProgress(jobs()); }
@@ -132,6 +165,20 @@ public:
 
     /// Looks at everything anew. Dropped, and not made up for, while applications are scanned.
     Q_INVOKABLE void refreshAll();
+    /// Lists the applications anew, and then measures them. Dropped while that is under way.
+    Q_INVOKABLE void refreshApps();
+    /// Ticks or opens the row of a bundle, and with it those of the same identifier.
+    Q_INVOKABLE void setAppSelected(const tarvik::FilePath& bundle, bool isSelected);
+    Q_INVOKABLE void setAppExpanded(const tarvik::FilePath& bundle, bool isExpanded);
+    void setAppsSelected(const std::vector<fs::path>& bundles, bool areSelected);
+    Q_INVOKABLE void clearSelection();
+    /// Moves the ticked applications to the selected drive once the user has agreed.
+    Q_INVOKABLE void confirmAndMove();
+    /// Brings back the application at the path, with the folder that was moved when it stands in one, once the user has
+    /// agreed.
+    Q_INVOKABLE void restoreApp(const tarvik::FilePath& bundle);
+    /// The same for all that are ticked.
+    Q_INVOKABLE void restoreSelectedApps();
     /// Looks at the drives anew, and selects a target when none is selected.
     Q_INVOKABLE void refreshDrives();
     /// Lists the links anew, and then measures what they lead to; until then each keeps the size that it had.
@@ -152,9 +199,6 @@ public:
     /// Whether nothing is under way that the destructor would wait for.
     bool isIdle() const { return m_flows.isEmpty(); }
 
-    /// The gate of `refreshAll`: true from the start of a scan of the applications to the end of its sizing.
-    void setScanningApps(bool isScanning);
-
     /// Starts a run of planned jobs on a drive. Nothing must be under way.
     void runJobs(std::vector<MoveJob> jobs, const std::string& driveId, const fs::path& drivePath, bool quitRunning);
 
@@ -170,6 +214,9 @@ signals:
     void selectedDriveChanged();
     void bootFreeChanged();
     void isScanningAppsChanged();
+    void sizeProgressChanged();
+    void includeAppDataChanged();
+    void selectionChanged();
     void isScanningDrivesChanged();
     void isRunningChanged();
     void jobsProgressChanged();
@@ -189,6 +236,15 @@ private:
         bool hasFailed = false;
     };
 
+    /// One pass of measuring, shared by those who work at it.
+    struct Sizing;
+
+    QCoro::Task<> scanApps();
+    QCoro::Task<> computeSizes(std::vector<AppEntry> entries);
+    QCoro::Task<> sizeOneAfterAnother(std::shared_ptr<Sizing> sizing);
+    QCoro::Task<> moveSelectedApps();
+    QCoro::Task<> restoreOneApp(fs::path bundle);
+    QCoro::Task<> restoreApps();
     QCoro::Task<> scanDrives();
     QCoro::Task<> scanSymlinks();
     QCoro::Task<> findQuickPicks();
@@ -197,9 +253,22 @@ private:
     QCoro::Task<> restoreLink(fs::path link);
     QCoro::Task<> askToClose();
 
+    void takeApps(std::vector<AppEntry> entries);
+    void takeSizes(AppEntry entry);
+    void sortAppsBySize();
+    void setScanningApps(bool isScanning);
+    void setSizeProgress(int progress, int total);
+    void setInSet(std::set<std::string>& ids, const FilePath& bundle, bool isIn);
+    /// Puts the changed ticks into the rows.
+    void updateAppRows();
+    /// Null when the list has none at this path.
+    const AppEntry* appAt(const fs::path& bundle) const;
     void takeDrives(std::vector<DriveInfo> drives);
     /// @throws Failure when something else is under way.
     void refuseWhenBusy() const;
+    void beginRestore(const QString& label);
+    /// Takes the bytes of the item that is being moved back, from any thread.
+    NewestValue<ByteProgress> restoreProgressTaker();
     void endRestore(const QString& outcome, bool hasFailed);
     void updateJob(std::size_t index, JobRow row);
     /// Those of `jobs` that are done or have failed.
@@ -216,6 +285,9 @@ private:
     const Host m_host;
     Dialogs& m_dialogs;
 
+    RecordListModel<AppRow> m_apps{AppRow::roles(), AppRow::key};
+    std::set<std::string> m_selectedAppIDs;
+    std::set<std::string> m_expandedAppIDs;
     RecordListModel<DriveInfo> m_drives{DriveRow::roles(), DriveRow::key};
     RecordListModel<DriveInfo> m_targetDrives{DriveRow::roles(), DriveRow::key};
     RecordListModel<SymlinkEntry> m_symlinks{SymlinkRow::roles(), SymlinkRow::key};
@@ -225,6 +297,11 @@ private:
     QString m_bootFree;
 
     bool m_isScanningApps = false;
+    int m_sizeProgress = 0;
+    int m_sizeTotal = 0;
+    bool m_includeAppData = true;
+    /// Cancelled when nobody waits any more for the sizes of the applications; a new one for each scan.
+    Cancellation m_stopSizingApps;
     bool m_isScanningDrives = false;
     /// Somebody has asked for the drives since the scan that is under way began.
     bool m_isDriveScanWanted = false;

@@ -9,6 +9,7 @@
 #include "State/Dialogs.h"
 #include "State/JobRunner.h"
 #include "State/NewestValue.h"
+#include "State/Preparing.h"
 #include "State/ScreenText.h"
 
 #include <QPointer>
@@ -18,28 +19,6 @@
 #include <utility>
 
 namespace tarvik {
-
-namespace {
-
-/// A wish that cannot be followed now, with the sentence for the user.
-class Refusal : public Failure {
-public:
-    explicit Refusal(std::string sentence) : Failure("AppState", 0, std::move(sentence)) {}
-};
-
-/// Sets a flag for as long as it lives.
-class Raised {
-public:
-    explicit Raised(bool& flag) : m_flag(flag) { m_flag = true; }
-    ~Raised() { m_flag = false; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-
-private:
-    bool& m_flag;
-};
-
-}  // namespace
 
 void AppState::refuseWhenBusy() const {
     if (m_isRunning || m_isRestoring || m_isPreparing || m_isClosing)
@@ -111,6 +90,7 @@ void AppState::finishRun() {
         setInfo(screenText(summary.text));
     }
     setRunning(false);
+    clearSelection();
     refreshAll();
     closeWhenReady();
 }
@@ -150,16 +130,8 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
-    m_restore = {};
-    m_restore.label = screenPath(link.filename());
-    setRestoring(true);
-
-    const NewestValue<ByteProgress> progress([state = QPointer(this)](const ByteProgress& newest) {
-        if (!state) return;
-        auto& known = state->m_restore.progress;
-        known = {newest.copied, std::max(newest.total, known.total)};
-        emit state->restoreChanged();
-    });
+    beginRestore(screenPath(link.filename()));
+    const auto progress = restoreProgressTaker();
     const auto restore = [host = m_host, link, progress] {
         MoverEngine::restore(host, link, [&](std::int64_t copied, std::int64_t total) {
             progress.send({copied, total});
@@ -176,6 +148,21 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     } else {
         endRestore(failure, true);
     }
+}
+
+void AppState::beginRestore(const QString& label) {
+    m_restore = {};
+    m_restore.label = label;
+    setRestoring(true);
+}
+
+NewestValue<ByteProgress> AppState::restoreProgressTaker() {
+    return NewestValue<ByteProgress>([state = QPointer(this)](const ByteProgress& newest) {
+        if (!state) return;
+        auto& known = state->m_restore.progress;
+        known = {newest.copied, std::max(newest.total, known.total)};
+        emit state->restoreChanged();
+    });
 }
 
 void AppState::endRestore(const QString& outcome, bool hasFailed) {

@@ -1,8 +1,11 @@
 #include "Move/AppMove.h"
 
 #include "Discovery/AppScanner.h"
+#include "Move/MoveDialogs.h"
 #include "Move/MovePlanner.h"
 #include "Platform/AppStorageNames.h"
+#include "Platform/DriveScanner.h"
+#include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/RunningAppsDetector.h"
 #include "Platform/SizeCalculator.h"
@@ -10,6 +13,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tarvik::AppMove {
@@ -17,6 +21,37 @@ namespace tarvik::AppMove {
 namespace {
 
 using Jobs = std::vector<MoveJob>;
+
+std::int64_t bytesOf(const Jobs& jobs) {
+    std::int64_t bytes = 0;
+    for (const auto& job : jobs) bytes += job.bytesTotal;
+    return bytes;
+}
+
+std::vector<AppEntry> movableOf(const std::vector<AppEntry>& chosen) {
+    std::vector<AppEntry> movable;
+    for (const auto& entry : chosen)
+        if (!entry.isAlreadySymlinked) movable.push_back(entry);
+    return movable;
+}
+
+std::vector<std::string> namesOf(const std::vector<AppEntry>& entries) {
+    std::vector<std::string> names;
+    for (const auto& entry : entries) names.push_back(entry.name);
+    return names;
+}
+
+/// The drive as it is now, or as it was known when it has gone: the run itself finds out and says so.
+DriveInfo refreshed(const Host& host, const DriveInfo& known) {
+    const auto drives = DriveScanner::scan(host);
+    const auto same =
+        std::find_if(drives.begin(), drives.end(), [&](const DriveInfo& drive) { return drive.id == known.id; });
+    return same == drives.end() ? known : *same;
+}
+
+Failure refusal(std::string sentence) {
+    return {"AppMove", 0, std::move(sentence)};
+}
 
 bool hasBundleJob(const AppEntry& entry, const Jobs& jobs) {
     return std::any_of(jobs.begin(), jobs.end(), [&](const MoveJob& job) { return job.source == entry.bundlePath; });
@@ -52,16 +87,15 @@ std::string reasonToStay(const Host& host, const AppEntry& entry, const DriveInf
 }  // namespace
 
 std::int64_t Plan::totalBytes() const {
-    std::int64_t bytes = 0;
-    for (const auto& job : jobs) bytes += job.bytesTotal;
-    return bytes;
+    return bytesOf(jobs);
+}
+
+std::int64_t Proposal::totalBytes() const {
+    return bytesOf(jobs);
 }
 
 Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData) {
-    std::vector<AppEntry> movable;
-    for (const auto& entry : chosen)
-        if (!entry.isAlreadySymlinked) movable.push_back(entry);
-    Plan plan{.jobs = MovePlanner::buildAppJobs(host, movable, drive, includeData)};
+    Plan plan{.jobs = MovePlanner::buildAppJobs(host, movableOf(chosen), drive, includeData)};
 
     for (const auto& entry : chosen) {
         const bool movesData = !entry.isAlreadySymlinked && hasDataJob(entry, plan.jobs);
@@ -90,6 +124,34 @@ std::optional<std::string> spaceRefusal(std::int64_t totalBytes, const DriveInfo
     if (totalBytes <= drive.freeBytes) return std::nullopt;
     return fmt::format("Need {} but {} has {}.", SizeCalculator::format(totalBytes), drive.name,
                        SizeCalculator::format(drive.freeBytes));
+}
+
+Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const std::optional<DriveInfo>& drive,
+                 bool includeData) {
+    if (!drive) throw refusal("Select a target drive first.");
+    if (chosen.empty()) throw refusal("Select at least one app.");
+    Proposal proposal{.movable = movableOf(chosen)};
+    if (proposal.movable.empty()) throw refusal("Selected apps are already moved. Use Move Back.");
+    proposal.drive = refreshed(host, *drive);
+    proposal.jobs = MovePlanner::buildAppJobs(host, proposal.movable, proposal.drive, includeData);
+    if (proposal.jobs.empty()) throw refusal("Everything selected is already symlinked.");
+    if (auto sentence = spaceRefusal(proposal.totalBytes(), proposal.drive)) throw refusal(std::move(*sentence));
+    return proposal;
+}
+
+Dialog confirmMove(const Proposal& proposal) {
+    std::vector<AppEntry> risky;
+    std::copy_if(proposal.movable.begin(), proposal.movable.end(), std::back_inserter(risky), isRisky);
+    return MoveDialogs::confirmAppMove(std::ssize(proposal.movable), proposal.totalBytes(), proposal.drive.name,
+                                       AppStorageNames::appsRootOn(proposal.drive.mountPath), namesOf(risky));
+}
+
+std::vector<std::string> runningApps(const Host& host, const std::vector<AppEntry>& movable) {
+    const auto inUse = RunningAppsDetector::bundlePaths(host);
+    std::vector<AppEntry> running;
+    std::copy_if(movable.begin(), movable.end(), std::back_inserter(running),
+                 [&](const AppEntry& entry) { return inUse.contains(Files::standardized(entry.bundlePath)); });
+    return namesOf(running);
 }
 
 }  // namespace tarvik::AppMove

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Discovery/AppEntry.h"
+#include "Move/Dialog.h"
 #include "Move/MoveJob.h"
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
@@ -10,7 +11,8 @@
 #include <string>
 #include <vector>
 
-/// The decisions around the move of applications, for every front: what would move, what stays and why, does it fit.
+/// The decisions around the move of applications, for every front: what would move, what stays and why, does it fit,
+/// what is asked.
 namespace tarvik::AppMove {
 
 /// What the move of chosen applications to a drive would do.
@@ -38,5 +40,27 @@ bool isRisky(const AppEntry& entry);
 
 /// Nothing when `totalBytes` fit on the drive, also when they fill it; else the sentence for the user. Pure.
 std::optional<std::string> spaceRefusal(std::int64_t totalBytes, const DriveInfo& drive);
+
+/// A move that nothing speaks against but the user.
+struct Proposal {
+    /// As it is now: its free space was read anew.
+    DriveInfo drive;
+    /// Those of the chosen applications that are not on a drive already, and their jobs.
+    std::vector<AppEntry> movable;
+    std::vector<MoveJob> jobs;
+
+    /// In bytes.
+    std::int64_t totalBytes() const;
+};
+
+/// Makes the move of chosen applications to a drive ready. Blocks like `plan`; changes nothing.
+/// @throws Failure with the sentence for the user when it is refused: no drive, nothing chosen, nothing to move, not
+/// enough space.
+Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const std::optional<DriveInfo>& drive,
+                 bool includeData);
+/// Asks whether it shall be run, and warns of the risky ones. Pure.
+Dialog confirmMove(const Proposal& proposal);
+/// The names of the movable applications that are in use now. Blocks for one look at the processes.
+std::vector<std::string> runningApps(const Host& host, const std::vector<AppEntry>& movable);
 
 }  // namespace tarvik::AppMove

@@ -1,5 +1,6 @@
 #include "Move/FolderMove.h"
 
+#include "Discovery/AppScanner.h"
 #include "Move/MoveRefusal.h"
 #include "Move/MoverError.h"
 #include "Platform/AppStorageNames.h"
@@ -44,7 +45,8 @@ Dialog confirmMove(const MoveJob& job, const DriveInfo& drive) {
 fs::path restoreTarget(const Host& host, const fs::path& path) {
     const fs::path link = Files::standardized(path);
     if (!Files::itemExists(link)) throw refusal(fmt::format("Nothing stands at {}.", link.native()));
-    const auto target = Files::linkText(link);
+    auto target = Files::linkText(link);
+    if (!target) target = AppScanner::launcherShimTarget(link);
     if (!target)
         throw refusal(fmt::format("{} is not a symlink, so there is nothing to move back.", link.filename().native()));
     if (!Files::exists(*target)) throw MoverError::sourceMissing();

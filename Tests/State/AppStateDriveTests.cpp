@@ -91,13 +91,11 @@ TEST_F(AppStateDrives, CanBeSelectedByTheirId) {
 }
 
 TEST_F(AppStateDrives, AreNotRefreshedWhileApplicationsAreScanned) {
-    state->setScanningApps(true);
+    state->refreshApps();
     state->refreshAll();
     EXPECT_FALSE(state->isScanningDrives());
     settle();
     EXPECT_EQ(volumes->askedCount(), 0);
-
-    state->setScanningApps(false);
     spinOnce();
     EXPECT_EQ(volumes->askedCount(), 0) << "a dropped refresh is not made up for";
     begin();
@@ -105,7 +103,7 @@ TEST_F(AppStateDrives, AreNotRefreshedWhileApplicationsAreScanned) {
 }
 
 TEST_F(AppStateDrives, AreRefreshedOnTheirOwnEvenWhileApplicationsAreScanned) {
-    state->setScanningApps(true);
+    state->refreshApps();
     state->refreshDrives();
     settle();
     EXPECT_EQ(state->drives().size(), 1U);

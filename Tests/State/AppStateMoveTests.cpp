@@ -1,9 +1,11 @@
 #include "Platform/Files.h"
 #include "State/Background.h"
+#include "State/BusyThreads.h"
 #include "State/EventLoop.h"
 #include "State/JobRunner.h"
 #include "State/StateWorld.h"
 #include "State/WindowDialogs.h"
+#include "Support/Bundles.h"
 #include "Support/Tree.h"
 
 #include <QThread>
@@ -17,30 +19,6 @@ namespace tarvik::test {
 namespace {
 
 using AppStateMoves = StateWorld;
-
-/// Keeps threads for checks busy.
-class Busy {
-public:
-    explicit Busy(int threads) {
-        const auto untilTheEnd = m_end.get_future().share();
-        for (int thread = 0; thread < threads; ++thread)
-            Background::run(Priority::utility, [untilTheEnd] { untilTheEnd.wait(); });
-    }
-    ~Busy() { end(); }
-    /// Blocks until the thread that is left has done all that it was given.
-    static void waitForTheLastThread() {
-        std::promise<void> done;
-        Background::run(Priority::utility, [&] { done.set_value(); });
-        done.get_future().wait();
-    }
-    void end() {
-        if (!std::exchange(m_hasEnded, true)) m_end.set_value();
-    }
-
-private:
-    std::promise<void> m_end;
-    bool m_hasEnded = false;
-};
 
 constexpr const char* busy = "Another item is being moved. Try again when it is done.";
 
@@ -247,7 +225,7 @@ TEST_F(AppStateMoves, AreNotContradictedByAnOlderLookAtTheirLinks) {
     runJobs(makeFolders({"One"}));
     waitForHeldCopy();
     // With one thread left for checks, they are made in order: once the last one is over, the look at the links is too.
-    Busy busyThreads(std::max(4, QThread::idealThreadCount()) - 1);
+    BusyThreads busyThreads(BusyThreads::all() - 1);
     state->refreshAll();
     busyThreads.waitForTheLastThread();
     EXPECT_FALSE(Files::isSymbolicLink(world.home / "One"));
@@ -281,8 +259,16 @@ TEST_F(AppStateMoves, RefreshAtTheEndUnlessApplicationsAreScanned) {
         return volumes->askedCount() - before;
     };
     EXPECT_EQ(scansOf("One"), 2) << "the run's own look at the drive, and the refresh";
-    state->setScanningApps(true);
-    EXPECT_EQ(scansOf("Two"), 1);
+    makeBundle(world.folder / "Applications/Editor.app");
+    BusyThreads busyThreads;
+    state->refreshApps();
+    spinUntil([this] { return state->sizeTotal() == 1; });
+    const int before = volumes->askedCount();
+    runJobs(makeFolders({"Two"}));
+    spinUntil([this] { return !state->isRunning(); });
+    EXPECT_EQ(volumes->askedCount() - before, 1) << "sizes are still missing";
+    busyThreads.end();
+    settle();
 }
 
 TEST_F(AppStateMoves, EndAfterTheCurrentItemWhenTheStateGoes) {

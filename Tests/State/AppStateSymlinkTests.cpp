@@ -55,7 +55,7 @@ TEST_F(AppStateSymlinks, AreListedAndMeasuredByARefreshOfAll) {
 
 TEST_F(AppStateSymlinks, AreRefreshedOnTheirOwnEvenWhileApplicationsAreScanned) {
     link("Music", 1);
-    state->setScanningApps(true);
+    state->refreshApps();
     state->refreshAll();
     settle();
     EXPECT_THAT(state->symlinks(), IsEmpty()) << "a refresh of all is dropped";

@@ -1,0 +1,127 @@
+// The moves of ticked applications of `AppState`: to a drive, and back.
+
+#include "Discovery/AppScanner.h"
+#include "Move/AppMove.h"
+#include "Move/AppRestore.h"
+#include "Move/MoveDialogs.h"
+#include "State/AppState.h"
+#include "State/Background.h"
+#include "State/Dialogs.h"
+#include "State/Preparing.h"
+#include "State/ScreenText.h"
+#include "State/UiThread.h"
+
+#include <QPointer>
+
+#include <utility>
+
+namespace tarvik {
+
+namespace {
+
+/// The applications of ticked rows, measured also where the list does not know their sizes yet. Blocks.
+std::vector<AppEntry> measured(const Host& host, const std::vector<AppRow>& rows) {
+    std::vector<AppEntry> entries;
+    for (const AppRow& row : rows)
+        entries.push_back(row.sizesPending ? AppScanner::computeSizes(host, row.entry) : row.entry);
+    return entries;
+}
+
+}  // namespace
+
+void AppState::confirmAndMove() {
+    m_flows.add(moveSelectedApps());
+}
+
+QCoro::Task<> AppState::moveSelectedApps() {
+    refuseWhenBusy();
+    bool quitRunning = false;
+    AppMove::Proposal proposal;
+    {
+        const Raised preparing(m_isPreparing);
+        std::vector<AppRow> ticked;
+        for (const AppRow& row : apps())
+            if (row.isSelected) ticked.push_back(row);
+        const auto propose = [host = m_host, ticked, drive = m_selectedDrive, includesData = m_includeAppData] {
+            return AppMove::propose(host, measured(host, ticked), drive, includesData);
+        };
+        proposal = co_await inBackground(Priority::userInitiated, propose);
+        if (m_isClosing) co_return;  // Nobody would answer any more.
+        const Dialog question = AppMove::confirmMove(proposal);
+        const int answer = co_await m_dialogs.ask(question);
+        if (answer != 0 || m_isClosing) co_return;
+
+        const auto look = [host = m_host, movable = proposal.movable] { return AppMove::runningApps(host, movable); };
+        const std::vector<std::string> running = co_await inBackground(Priority::userInitiated, look);
+        if (m_isClosing) co_return;
+        if (!running.empty()) {
+            const Dialog warning = MoveDialogs::handleRunningApps(running);
+            const int button = co_await m_dialogs.ask(warning);
+            const auto choice = MoveDialogs::runningChoice(button);
+            if (choice == MoveDialogs::RunningChoice::cancel || m_isClosing) co_return;
+            quitRunning = choice == MoveDialogs::RunningChoice::quitAndMove;
+        }
+    }
+    runJobs(std::move(proposal.jobs), proposal.drive.id, proposal.drive.mountPath, quitRunning);
+}
+
+void AppState::restoreApp(const FilePath& bundle) {
+    m_flows.add(restoreOneApp(bundle.path));
+}
+
+QCoro::Task<> AppState::restoreOneApp(fs::path bundle) {
+    refuseWhenBusy();
+    const AppEntry* known = appAt(bundle);
+    if (!known) co_return;
+    std::optional<SymlinkEntry> link;
+    {
+        const Raised preparing(m_isPreparing);
+        const auto find = [host = m_host, entry = *known] { return AppRestore::restoreEntry(host, entry); };
+        const std::string name = known->name;
+        link = co_await inBackground(Priority::userInitiated, find);
+        if (!link) throw Refusal("No symlink found for " + name + ".");
+    }
+    if (!m_isClosing) co_await restoreLink(link->location);
+}
+
+void AppState::restoreSelectedApps() {
+    m_flows.add(restoreApps());
+}
+
+QCoro::Task<> AppState::restoreApps() {
+    refuseWhenBusy();
+    std::vector<SymlinkEntry> links;
+    {
+        const Raised preparing(m_isPreparing);
+        const auto find = [host = m_host, entries = selectedRestorableApps()] {
+            return AppRestore::dedupedRestoreEntries(host, entries);
+        };
+        links = co_await inBackground(Priority::userInitiated, find);
+        if (m_isClosing) co_return;
+        if (links.empty()) throw Refusal("Select at least one previously moved app.");
+        const Dialog question = MoveDialogs::confirmRestore(std::ssize(links), AppRestore::namesOf(links));
+        const int answer = co_await m_dialogs.ask(question);
+        if (answer != 0 || m_isClosing) co_return;
+    }
+    beginRestore(screenPath(links.front().location.filename()));
+    const auto progress = restoreProgressTaker();
+    const auto restore = [host = m_host, links, progress, state = QPointer(this)] {
+        const auto begins = [&](std::size_t index) {
+            UiThread::post([state, label = screenPath(links[index].location.filename())] {
+                if (!state) return;
+                state->m_restore.label = label;
+                state->m_restore.progress = {};
+                emit state->restoreChanged();
+            });
+        };
+        return AppRestore::restoreAll(host, links, begins,
+                                      [&](std::size_t, const ByteProgress& newest) { progress.send(newest); });
+    };
+    const AppRestore::Outcome outcome = co_await inBackground(Priority::userInitiated, restore);
+    const MoveRun::Summary summary = AppRestore::summary(outcome);
+    clearSelection();
+    endRestore(screenText(summary.text), summary.hasFailures);
+    if (summary.hasFailures && !m_isClosing) refreshAll();
+}
+
+}  // namespace tarvik

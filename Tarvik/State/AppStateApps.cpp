@@ -1,0 +1,223 @@
+// The applications of `AppState`: the list, its sizes, and what is ticked in it.
+
+#include "Discovery/AppScanner.h"
+#include "Platform/SizeCalculator.h"
+#include "State/AppState.h"
+#include "State/Background.h"
+#include "State/ScreenText.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+namespace tarvik {
+
+namespace {
+
+constexpr int mostAtATime = 8;
+
+/// Whether the sizes that an entry had are worth showing until it is measured anew.
+bool isSameButForSizes(const AppEntry& known, const AppEntry& found) {
+    return known.version == found.version && known.dataPaths == found.dataPaths &&
+           known.isAlreadySymlinked == found.isAlreadySymlinked;
+}
+
+}  // namespace
+
+struct AppState::Sizing {
+    std::vector<AppEntry> entries;
+    Cancellation cancellation;
+    std::size_t next = 0;
+};
+
+void AppState::refreshApps() {
+    if (m_isScanningApps || m_isClosing) return;
+    m_stopSizingApps.cancel();
+    m_stopSizingApps = {};
+    setScanningApps(true);
+    setSizeProgress(0, m_sizeTotal);
+    m_flows.add(scanApps());
+}
+
+QCoro::Task<> AppState::scanApps() {
+    const auto end = qScopeGuard([this] { setScanningApps(false); });
+    const auto look = [host = m_host] { return AppScanner::discoverMetadata(host); };
+    std::vector<AppEntry> entries = co_await inBackground(Priority::userInitiated, look);
+    setSizeProgress(0, static_cast<int>(entries.size()));
+    takeApps(entries);
+    co_await computeSizes(std::move(entries));
+    sortAppsBySize();
+}
+
+QCoro::Task<> AppState::computeSizes(std::vector<AppEntry> entries) {
+    const auto sizing = std::make_shared<Sizing>(Sizing{std::move(entries), m_stopSizingApps});
+    std::vector<QCoro::Task<>> workers;
+    for (int worker = 0; worker < mostAtATime; ++worker) workers.push_back(sizeOneAfterAnother(sizing));
+    for (auto& worker : workers) co_await worker;
+}
+
+QCoro::Task<> AppState::sizeOneAfterAnother(std::shared_ptr<Sizing> sizing) {
+    while (sizing->next < sizing->entries.size() && !sizing->cancellation.isCancelled()) {
+        const auto measure = [host = m_host, entry = sizing->entries[sizing->next++],
+                              cancellation = sizing->cancellation] {
+            return AppScanner::computeSizes(host, entry, cancellation);
+        };
+        AppEntry measured = co_await inBackground(Priority::utility, measure);
+        if (sizing->cancellation.isCancelled()) co_return;  // The sizes are only a part.
+        takeSizes(std::move(measured));
+        setSizeProgress(m_sizeProgress + 1, m_sizeTotal);
+    }
+}
+
+void AppState::takeApps(std::vector<AppEntry> entries) {
+    std::unordered_map<std::string, const AppRow*> known;
+    for (const AppRow& row : apps()) known.emplace(AppRow::key(row), &row);
+    std::vector<AppRow> rows;
+    for (AppEntry& entry : entries) {
+        AppRow row{.entry = std::move(entry),
+                   .isSelected = m_selectedAppIDs.contains(entry.id),
+                   .isExpanded = m_expandedAppIDs.contains(entry.id)};
+        const auto before = known.find(AppRow::key(row));
+        if (before != known.end() && isSameButForSizes(before->second->entry, row.entry))
+            row.entry = row.entry.withSizes(before->second->entry.appSize, before->second->entry.dataPathSizes);
+        rows.push_back(std::move(row));
+    }
+    m_apps.replaceAll(std::move(rows));
+    emit selectionChanged();
+}
+
+void AppState::takeSizes(AppEntry entry) {
+    const auto& rows = apps();
+    const auto row = std::find_if(rows.begin(), rows.end(),
+                                  [&](const AppRow& other) { return other.entry.bundlePath == entry.bundlePath; });
+    if (row == rows.end()) return;
+    AppRow sized = *row;
+    sized.entry = std::move(entry);
+    sized.sizesPending = false;
+    const bool isSelected = sized.isSelected;
+    m_apps.update(static_cast<std::size_t>(row - rows.begin()), std::move(sized));
+    if (isSelected) emit selectionChanged();
+}
+
+void AppState::sortAppsBySize() {
+    std::vector<AppRow> rows = apps();
+    std::stable_sort(rows.begin(), rows.end(), [](const AppRow& left, const AppRow& right) {
+        return left.entry.totalSize() > right.entry.totalSize();
+    });
+    m_apps.replaceAll(std::move(rows));
+}
+
+void AppState::setScanningApps(bool isScanning) {
+    if (m_isScanningApps == isScanning) return;
+    m_isScanningApps = isScanning;
+    emit isScanningAppsChanged();
+}
+
+void AppState::setSizeProgress(int progress, int total) {
+    if (m_sizeProgress == progress && m_sizeTotal == total) return;
+    m_sizeProgress = progress;
+    m_sizeTotal = total;
+    emit sizeProgressChanged();
+}
+
+void AppState::setIncludeAppData(bool includes) {
+    if (m_includeAppData == includes) return;
+    m_includeAppData = includes;
+    emit includeAppDataChanged();
+    emit selectionChanged();
+}
+
+void AppState::setAppSelected(const FilePath& bundle, bool isSelected) {
+    setInSet(m_selectedAppIDs, bundle, isSelected);
+}
+
+void AppState::setAppExpanded(const FilePath& bundle, bool isExpanded) {
+    setInSet(m_expandedAppIDs, bundle, isExpanded);
+}
+
+void AppState::setInSet(std::set<std::string>& ids, const FilePath& bundle, bool isIn) {
+    const AppEntry* entry = appAt(bundle.path);
+    if (!entry || ids.contains(entry->id) == isIn) return;
+    if (isIn) {
+        ids.insert(entry->id);
+    } else {
+        ids.erase(entry->id);
+    }
+    updateAppRows();
+}
+
+const AppEntry* AppState::appAt(const fs::path& bundle) const {
+    const auto row = std::find_if(apps().begin(), apps().end(),
+                                  [&](const AppRow& other) { return other.entry.bundlePath == bundle; });
+    return row == apps().end() ? nullptr : &row->entry;
+}
+
+void AppState::setAppsSelected(const std::vector<fs::path>& bundles, bool areSelected) {
+    const std::set<fs::path> wanted(bundles.begin(), bundles.end());
+    for (const AppRow& row : apps()) {
+        if (!wanted.contains(row.entry.bundlePath)) continue;
+        if (areSelected) {
+            m_selectedAppIDs.insert(row.entry.id);
+        } else {
+            m_selectedAppIDs.erase(row.entry.id);
+        }
+    }
+    updateAppRows();
+}
+
+void AppState::clearSelection() {
+    if (m_selectedAppIDs.empty()) return;
+    m_selectedAppIDs.clear();
+    updateAppRows();
+}
+
+void AppState::updateAppRows() {
+    for (std::size_t index = 0; index < apps().size(); ++index) {
+        const AppRow& known = apps()[index];
+        const bool isSelected = m_selectedAppIDs.contains(known.entry.id);
+        const bool isExpanded = m_expandedAppIDs.contains(known.entry.id);
+        if (known.isSelected == isSelected && known.isExpanded == isExpanded) continue;
+        AppRow row = known;
+        row.isSelected = isSelected;
+        row.isExpanded = isExpanded;
+        m_apps.update(index, std::move(row));
+    }
+    emit selectionChanged();
+}
+
+std::vector<AppEntry> AppState::selectedApps() const {
+    std::vector<AppEntry> selected;
+    for (const AppRow& row : apps())
+        if (row.isSelected) selected.push_back(row.entry);
+    return selected;
+}
+
+std::vector<AppEntry> AppState::selectedMovableApps() const {
+    std::vector<AppEntry> movable = selectedApps();
+    std::erase_if(movable, [](const AppEntry& entry) { return entry.isAlreadySymlinked; });
+    return movable;
+}
+
+std::vector<AppEntry> AppState::selectedRestorableApps() const {
+    std::vector<AppEntry> restorable = selectedApps();
+    std::erase_if(restorable, [](const AppEntry& entry) { return !entry.isAlreadySymlinked; });
+    return restorable;
+}
+
+std::int64_t AppState::selectedTotalBytes() const {
+    std::int64_t bytes = 0;
+    for (const AppRow& row : apps()) {
+        if (!row.isSelected) continue;
+        if (!row.entry.isAlreadySymlinked) bytes += row.entry.appSize;
+        if (m_includeAppData) bytes += row.entry.dataSize;
+    }
+    return bytes;
+}
+
+QString AppState::selectedTotalText() const {
+    return screenText(SizeCalculator::format(selectedTotalBytes()));
+}
+
+}  // namespace tarvik
