@@ -77,7 +77,7 @@ TEST_F(Move, ShowsAFailureInFull) {
 
 TEST_F(Move, RefusesInAToastThatGoes) {
     auto& window = open();
-    window.item("rootView").setProperty("toastDuration", 200);
+    window.item("rootView").setProperty("toastDuration", 3'600'000);
     const auto photos = makePhotos();
     window.chooseFolder(photos);
     EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
@@ -85,6 +85,7 @@ TEST_F(Move, RefusesInAToastThatGoes) {
     window.click("moveButton");
     EXPECT_TRUE(window.waitForText("errorToast/toastText", "Source folder doesn't exist."));
     EXPECT_FALSE(window.isShown("jobsPanel"));
+    QMetaObject::invokeMethod(window.item("errorToast").findChild<QObject*>("toastTimer"), "triggered");
     EXPECT_TRUE(window.waitUntilHidden("errorToast"));
     EXPECT_EQ(window.state().lastError(), "");
 }
