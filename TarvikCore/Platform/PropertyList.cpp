@@ -4,16 +4,17 @@
 #include "Platform/PropertyListCheck.h"
 #include "Platform/Text.h"
 
+#include <fmt/format.h>
 #include <plist/plist.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <fcntl.h>
-#include <limits>
 #include <memory>
 #include <new>
 #include <sys/stat.h>
@@ -31,8 +32,6 @@ constexpr std::size_t largestSize = std::size_t{32} << 20;
 /// How an archive's reference to another of its objects is written in XML, where there is no type for it.
 constexpr const char* referenceKey = "CF$UID";
 
-/// What counts the seconds of dates: the beginning of 2001.
-constexpr std::chrono::sys_days firstDay = std::chrono::year{2001} / 1 / 1;
 using Seconds = std::chrono::seconds;
 
 /// Thrown and caught inside this file, where a list holds what has no meaning.
@@ -94,15 +93,8 @@ PropertyList::Date dateAt(Seconds sinceEpoch) {
     return Date(std::clamp(sinceEpoch, earliest, latest));
 }
 
-/// The library's number of seconds has 32 bits and reaches from 1932 to 2069; any other date is given as one of its
-/// ends. Its text of a date reaches further.
+/// By its text: the library's number of seconds reaches from 1932 to 2069 alone in some versions.
 PropertyList dateOf(plist_t node) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    std::int32_t seconds = 0;
-    std::int32_t microseconds = 0;
-    ::plist_get_date_val(node, &seconds, &microseconds);
-    if (seconds != Limits::min() && seconds != Limits::max())
-        return dateAt(firstDay.time_since_epoch() + Seconds(seconds));
     const std::string text = written<plist_to_xml>(node);
     const std::size_t start = text.find("<date>");
     int year = 0;
@@ -199,23 +191,24 @@ std::string writableText(const std::string& text) {
     return writable;
 }
 
-Node nodeOf(PropertyList::Date date) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    const Seconds sinceFirstDay =
-        std::chrono::floor<Seconds>(date.time_since_epoch()) - Seconds(firstDay.time_since_epoch());
-    const auto seconds = std::clamp<std::int64_t>(sinceFirstDay.count(), Limits::min() + 1, Limits::max() - 1);
-    return Node(::plist_new_date(static_cast<std::int32_t>(seconds), 0));
+/// A value by its text in XML: what the library's makers take for a date or a negative number differs between versions.
+Node nodeOf(std::string_view element, const std::string& content) {
+    const std::string xml = fmt::format("<plist><{0}>{1}</{0}></plist>", element, content);
+    plist_t node = nullptr;
+    ::plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &node);
+    return Node(node);
 }
 
 Node nodeOf(const PropertyList& value) {
     if (const auto* boolean = value.as<bool>()) return Node(::plist_new_bool(*boolean ? 1 : 0));
     if (const auto* integer = value.as<std::int64_t>())
-        return Node(::plist_new_uint(static_cast<std::uint64_t>(*integer)));
+        return *integer < 0 ? nodeOf("integer", fmt::to_string(*integer))
+                            : Node(::plist_new_uint(static_cast<std::uint64_t>(*integer)));
     if (const auto* real = value.as<double>()) return Node(::plist_new_real(*real));
     if (const auto* text = value.as<std::string>()) return Node(::plist_new_string(writableText(*text).c_str()));
     if (const auto* data = value.as<PropertyList::Data>())
         return Node(::plist_new_data(data->bytes.data(), data->bytes.size()));
-    if (const auto* date = value.as<PropertyList::Date>()) return nodeOf(*date);
+    if (const auto* date = value.as<PropertyList::Date>()) return nodeOf("date", Text::isoDate(*date));
     if (const auto* list = value.as<PropertyList::List>()) {
         Node node(::plist_new_array());
         for (const auto& item : *list) ::plist_array_append_item(node.get(), nodeOf(item).release());
