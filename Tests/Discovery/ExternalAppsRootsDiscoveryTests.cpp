@@ -25,6 +25,20 @@ TEST(ExternalAppsRootsDiscovery, FindsOurFolderOnVolumesAndThenTheExtras) {
                             world.folder / "Extra", volumes / "One/ExternalTarvik/Apps"));
 }
 
+TEST(ExternalAppsRootsDiscovery, FindsDrivesThatAreMountedElsewhereOnce) {
+    const test::World world;
+    const fs::path media = world.folder / "media/ada";
+    for (const fs::path& drive : {media / "Stick", media / "Card", world.drive}) {
+        test::makeFolder(drive / "ExternalTarvik/Apps");
+        if (drive != world.drive) world.volumes->list.push_back({.mountPath = drive, .isBrowsable = true});
+    }
+    world.volumes->list.front().isBrowsable = true;
+    world.volumes->list.push_back({.mountPath = world.folder / "mnt", .isBrowsable = true});
+    EXPECT_THAT(ExternalAppsRootsDiscovery::roots(world.host, {}),
+                ElementsAre(world.drive / "ExternalTarvik/Apps", media / "Card/ExternalTarvik/Apps",
+                            media / "Stick/ExternalTarvik/Apps"));
+}
+
 TEST(ExternalAppsRootsDiscovery, GivesTheExtrasAlsoWithoutVolumes) {
     const test::World world;
     fs::remove_all(world.folder / "Volumes");
