@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
 #include <string_view>
 
 namespace tarvik {
@@ -20,10 +21,13 @@ constexpr std::string_view launcherTargetFile = "Contents/Resources/ExternalAppT
 /// Far more than any path takes, in bytes.
 constexpr std::int64_t longestLauncherTarget = 64 * 1024;
 
-std::string without(std::string text, std::string_view word) {
-    for (auto place = text.find(word); place != text.npos; place = text.find(word, place))
-        text.erase(place, word.size());
-    return text;
+std::string without(std::string_view text, std::string_view word) {
+    std::string rest;
+    for (auto place = text.find(word); place != text.npos; place = text.find(word)) {
+        rest += text.substr(0, place);
+        text.remove_prefix(place + word.size());
+    }
+    return rest.append(text);
 }
 
 std::string cleanedNotice(const std::string& notice) {

@@ -6,7 +6,7 @@
 /// Library/Caches/NAME, a name such as "" or ".." would stand for a folder that belongs to everybody.
 namespace tarvik::DataName {
 
-/// Whether a folder joined with `name` is an item of its own below that folder. Pure.
+/// Whether a folder joined with `name` is an item of its own below that folder, and no longer than a path may be. Pure.
 bool isUsable(std::string_view name);
 
 }  // namespace tarvik::DataName

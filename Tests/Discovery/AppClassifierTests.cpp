@@ -125,7 +125,8 @@ TEST(AppClassifier, TakesTheDeveloperFromTheCopyrightNotice) {
     for (const Case& each :
          {Case{"Copyright \u00A9 2026 Acme Inc.", "2026 Acme Inc."},
           Case{"copyright \u00A9 2026 Acme", "copyright  2026 Acme"},
-          Case{"\u00A9Copyright Acme\u00A9 Copyright\n", "Acme"}, Case{"Copyright \u00A9", ""}, Case{" \n", ""}})
+          Case{"\u00A9Copyright Acme\u00A9 Copyright\n", "Acme"}, Case{"CopyCopyrightright Acme", "Copyright Acme"},
+          Case{"Copyright \u00A9", ""}, Case{" \n", ""}})
         EXPECT_EQ(AppClassifier::developer(plist("NSHumanReadableCopyright", each.notice)), each.developer);
 }
 
@@ -149,6 +150,12 @@ TEST(AppClassifier, ShortensADeveloperToEightyCharacters) {
     for (int count = 0; count < 80; ++count) long80 += "e\u0301";
     EXPECT_EQ(AppClassifier::developer(plist("CFBundleGetInfoString", long81)), long80);
     EXPECT_EQ(AppClassifier::developer(plist("CFBundleGetInfoString", long80)), long80);
+}
+
+TEST(AppClassifier, IsNotHeldUpByANoticeOfMegabytes) {
+    std::string notice;
+    for (int count = 0; count < 2'000'000; ++count) notice += "\u00A9";
+    EXPECT_EQ(AppClassifier::developer(plist("CFBundleGetInfoString", notice + "Acme")), "Acme");
 }
 
 TEST(AppFlags, AStoreReceiptIsAFile) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <string_view>
 
 namespace tarvik {
@@ -19,6 +20,11 @@ TEST(DataName, NeverStandsForAFolderOfEverybody) {
     for (const auto name : {""sv, "."sv, ".."sv, "/"sv, "/etc"sv, "a/"sv, "a//b"sv, "../a"sv, "a/.."sv, "a/../../b"sv,
                             "./a"sv, "a/."sv, "\0"sv, "a\0b"sv})
         EXPECT_FALSE(DataName::isUsable(name)) << name;
+}
+
+TEST(DataName, IsNoLongerThanAPath) {
+    EXPECT_TRUE(DataName::isUsable(std::string(4096, 'x')));
+    EXPECT_FALSE(DataName::isUsable(std::string(4097, 'x')));
 }
 
 }  // namespace
