@@ -4,7 +4,9 @@
 #include <atomic>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tarvik::CommandLine {
@@ -44,15 +46,21 @@ private:
     std::exception_ptr m_failure;
 };
 
-/// Threads that are waited for, also when one more cannot be started.
+/// Threads that are waited for.
 class Crew {
 public:
     ~Crew() {
         for (auto& thread : m_threads) thread.join();
     }
+    /// @returns whether the system gives one more thread.
     template <typename Body>
-    void add(const Body& body) {
-        m_threads.emplace_back(body);
+    bool add(const Body& body) {
+        try {
+            m_threads.emplace_back(body);
+        } catch (const std::system_error&) {
+            return false;
+        }
+        return true;
     }
 
 private:
@@ -65,8 +73,9 @@ void inParallel(std::size_t count, std::size_t threads, const std::function<void
     Work work(count, body);
     {
         Crew crew;
-        // The caller's thread is one of them.
-        for (std::size_t started = 1; started < std::min(count, threads); ++started) crew.add([&] { work.run(); });
+        // The caller's thread is one of them, and can do it all alone.
+        for (std::size_t started = 1; started < std::min(count, threads); ++started)
+            if (!crew.add([&] { work.run(); })) break;
         work.run();
     }
     work.rethrow();

@@ -1,10 +1,15 @@
 #include "CommandLine/Parallel.h"
+#include "Support/RealVolume.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <barrier>
+#include <cstdlib>
 #include <stdexcept>
+#include <sys/resource.h>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace tarvik::CommandLine {
@@ -47,6 +52,19 @@ TEST(Parallel, ThrowsTheFailureOnAndBeginsNothingMore) {
         EXPECT_THROW(run(), std::runtime_error);
         EXPECT_LE(calls, threads);
     }
+}
+
+TEST(Parallel, GoesOnWithoutThreadsThatTheSystemRefuses) {
+    if (::getuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become a user without threads.");
+    const auto countAlone = [] {
+        constexpr rlimit none{0, 0};
+        if (::setrlimit(RLIMIT_NPROC, &none) != 0 || ::setuid(65534) != 0) std::_Exit(1);
+        int calls = 0;
+        const auto caller = std::this_thread::get_id();
+        inParallel(100, 8, [&](std::size_t) { calls += std::this_thread::get_id() == caller ? 1 : 0; });
+        std::_Exit(calls == 100 ? 0 : 2);
+    };
+    EXPECT_EXIT(countAlone(), testing::ExitedWithCode(0), "");
 }
 
 }  // namespace tarvik::CommandLine
