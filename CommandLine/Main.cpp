@@ -1,4 +1,5 @@
 #include "CommandLine/Acts.h"
+#include "CommandLine/Columns.h"
 #include "CommandLine/Options.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
@@ -46,7 +47,8 @@ int main(int argc, char** argv) {
         run({argv + 1, argv + argc});
         return done;
     } catch (const WrongUse& use) {
-        Terminal::say(fmt::format("{}\nUsage: {}", use.description(), use.usage()));
+        // A name in the description may hold a line break, and what it likes after that.
+        Terminal::say(fmt::format("{}\nUsage: {}", Columns::oneLine(use.description()), use.usage()));
         return wrongUse;
     } catch (const Failure& failure) {
         Terminal::say(failure.description());

@@ -256,4 +256,11 @@ TEST(AppCommand, CallsANameThatFitsNothingAWrongCommandLine) {
     EXPECT_THAT(two.errors, HasSubstr("More than one application is called \"tunnel\": Tunnel ("));
 }
 
+TEST(AppCommand, LetsNoNameAddALineToItsAnswer) {
+    const CommandWorld world;
+    test::makeFolder(world.machine.root / "Applications/Good\nUsage: bad.app");
+    EXPECT_THAT(world.run({"apps", "good"}).errors,
+                StartsWith("There is no application \"good\". Close to it: Good\uFFFDUsage: bad ("));
+}
+
 }  // namespace tarvik
