@@ -15,6 +15,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <vector>
 
 namespace tarvik::CommandLine::AppMoveActs {
 
@@ -108,7 +112,7 @@ void plan(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = AppMove::plan(host, chosenApps(host, options), drive, options.includesData);
     print(plan, drive, host.home, options.format);
-    if (plan.jobs.empty()) throw Failure("CommandLine", 1, "Nothing would move.");
+    if (plan.movesNothing()) throw Failure("CommandLine", 1, "Nothing would move.");
     if (const auto refusal = AppMove::spaceRefusal(plan.totalBytes(), drive)) throw Failure("CommandLine", 1, *refusal);
 }
 

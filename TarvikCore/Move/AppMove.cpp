@@ -94,6 +94,10 @@ std::int64_t Proposal::totalBytes() const {
     return bytesOf(jobs);
 }
 
+bool Plan::movesNothing() const {
+    return obstructed.size() == jobs.size();
+}
+
 Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData) {
     Plan plan{.jobs = MovePlanner::buildAppJobs(host, movableOf(chosen), drive, includeData)};
 

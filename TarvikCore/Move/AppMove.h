@@ -28,6 +28,8 @@ struct Plan {
 
     /// In bytes.
     std::int64_t totalBytes() const;
+    /// Whether there is no job, or each would fail.
+    bool movesNothing() const;
 };
 
 /// The jobs of those applications that are not on a drive already, and what is to be said of them. Changes nothing.

@@ -97,7 +97,11 @@ TEST(AppMoveCommand, SaysWhyNothingWouldMove) {
 TEST(AppMoveCommand, SaysWhatIsInTheWay) {
     const CommandWorld world;
     test::makeFile(world.drive / "ExternalTarvik/Apps/Tunnel.app");
-    EXPECT_THAT(planOf(world, {"Tunnel"}).output, HasSubstr("\nTunnel would not move: "));
+    const auto alone = planOf(world, {"Tunnel"});
+    EXPECT_THAT(alone.output, HasSubstr("\nTunnel would not move: "));
+    EXPECT_EQ(alone.errors, "Nothing would move.\n");
+    EXPECT_EQ(alone.status, 1);
+    EXPECT_EQ(planOf(world, {"Tunnel", "Menu Meters"}).status, 0);
 }
 
 TEST(AppMoveCommand, SaysWhenThePlanDoesNotFit) {
