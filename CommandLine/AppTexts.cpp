@@ -11,6 +11,9 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
 #include <utility>
 
 namespace tarvik::CommandLine::AppTexts {

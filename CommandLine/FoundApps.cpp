@@ -9,6 +9,7 @@
 #include "Platform/Files.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 namespace tarvik::CommandLine {

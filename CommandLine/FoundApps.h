@@ -5,6 +5,7 @@
 #include "Discovery/AppRecord.h"
 #include "Platform/Host.h"
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>

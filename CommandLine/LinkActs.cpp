@@ -7,6 +7,10 @@
 #include "Discovery/SymlinkScanner.h"
 #include "Platform/SizeCalculator.h"
 
+#include <cstddef>
+#include <string>
+#include <vector>
+
 namespace tarvik::CommandLine::LinkActs {
 
 namespace {

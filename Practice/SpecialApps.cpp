@@ -10,7 +10,9 @@
 
 #include <array>
 #include <chrono>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarvik::Practice {
 

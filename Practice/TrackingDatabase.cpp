@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <cstddef>
 #include <memory>
 
 namespace tarvik::Practice::TrackingDatabase {

@@ -6,6 +6,7 @@
 #include "Platform/SystemFolders.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace tarvik::AppBundleScanRoots {
 

@@ -8,7 +8,9 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <utility>
 
 namespace tarvik::AppChoice {
 

@@ -5,6 +5,7 @@
 #include "Platform/ListedFolder.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace tarvik::ApplicationsRootScan {
 

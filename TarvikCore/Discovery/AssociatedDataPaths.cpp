@@ -10,6 +10,8 @@
 #include "Platform/SystemFolders.h"
 
 #include <iterator>
+#include <string>
+#include <utility>
 
 namespace tarvik::AssociatedDataPaths {
 

@@ -3,6 +3,8 @@
 #include "Platform/Text.h"
 
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace tarvik {
 

@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <string_view>
+
 namespace tarvik {
 
 namespace {

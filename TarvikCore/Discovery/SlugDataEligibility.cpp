@@ -3,6 +3,8 @@
 #include "Discovery/CuratedDomains.h"
 #include "Platform/Text.h"
 
+#include <string>
+
 namespace tarvik {
 
 bool SlugDataEligibility::includesDotfileAndNodeCaches(const AppIdentity& identity) {

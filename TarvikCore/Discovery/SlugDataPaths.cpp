@@ -3,6 +3,8 @@
 #include "Discovery/DotfileEntries.h"
 #include "Discovery/NodeCliCacheEntries.h"
 
+#include <utility>
+
 namespace tarvik {
 
 std::vector<fs::path> SlugDataPaths::all(const fs::path& home, std::string_view slug) {

@@ -6,7 +6,9 @@
 #include "Platform/SystemFolders.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <utility>
 
 namespace tarvik::SymlinkScanner {
 

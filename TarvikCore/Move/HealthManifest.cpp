@@ -5,6 +5,8 @@
 #include "Platform/Files.h"
 #include "Platform/Json.h"
 
+#include <cstdint>
+
 namespace tarvik {
 
 namespace {

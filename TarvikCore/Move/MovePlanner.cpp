@@ -9,8 +9,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace tarvik::MovePlanner {
 

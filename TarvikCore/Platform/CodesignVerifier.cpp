@@ -4,6 +4,7 @@
 #include "Platform/Text.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 
 namespace tarvik::CodesignVerifier {

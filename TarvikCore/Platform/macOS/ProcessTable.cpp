@@ -4,11 +4,15 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <optional>
+#include <string>
 #include <sys/proc_info.h>
 #include <sys/sysctl.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tarvik::ProcessTable {
 

@@ -3,6 +3,7 @@
 #include "Platform/FileDescriptor.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/attr.h>

@@ -5,8 +5,11 @@
 #include <cerrno>
 #include <cmath>
 #include <csignal>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <unistd.h>
+#include <vector>
 
 namespace tarvik {
 

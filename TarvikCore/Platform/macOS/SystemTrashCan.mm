@@ -4,6 +4,7 @@
 
 #import <Foundation/Foundation.h>
 #include <cerrno>
+#include <memory>
 #include <utility>
 
 namespace tarvik {

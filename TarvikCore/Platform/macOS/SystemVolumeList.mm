@@ -1,7 +1,11 @@
 #include "Platform/VolumeList.h"
 
 #import <Foundation/Foundation.h>
+#include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace tarvik {
 
