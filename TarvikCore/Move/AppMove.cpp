@@ -7,6 +7,7 @@
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Platform/RunningApplications.h"
 #include "Platform/RunningAppsDetector.h"
 #include "Platform/SizeCalculator.h"
 
@@ -14,6 +15,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <unordered_set>
 #include <utility>
 
 namespace tarvik::AppMove {
@@ -53,14 +56,26 @@ Failure refusal(std::string sentence) {
     return {"AppMove", 0, std::move(sentence)};
 }
 
-bool hasBundleJob(const AppEntry& entry, const Jobs& jobs) {
-    return std::any_of(jobs.begin(), jobs.end(), [&](const MoveJob& job) { return job.source == entry.bundlePath; });
+/// As texts: paths are compared component by component, and there may be thousands.
+using Places = std::unordered_set<std::string>;
+
+Places sourcesOf(const Jobs& jobs) {
+    Places sources;
+    for (const auto& job : jobs) sources.insert(job.source.native());
+    return sources;
 }
 
-bool hasDataJob(const AppEntry& entry, const Jobs& jobs) {
-    return std::any_of(jobs.begin(), jobs.end(), [&](const MoveJob& job) {
-        return std::find(entry.dataPaths.begin(), entry.dataPaths.end(), job.source) != entry.dataPaths.end();
-    });
+bool movesData(const AppEntry& entry, const Places& sources) {
+    return std::any_of(entry.dataPaths.begin(), entry.dataPaths.end(),
+                       [&](const fs::path& path) { return sources.contains(path.native()); });
+}
+
+/// Not by the process list: there the command that names an application would count as running it.
+Places runningBundles(const Host& host) {
+    Places bundles;
+    for (const auto& application : host.runningApplications->running())
+        bundles.insert(Files::standardized(application.bundlePath).native());
+    return bundles;
 }
 
 /// Where an application that has been moved stands now; nothing when its drive is not there.
@@ -101,17 +116,18 @@ bool Plan::movesNothing() const {
 Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData) {
     Plan plan{.jobs = MovePlanner::buildAppJobs(host, movableOf(chosen), drive, includeData)};
 
+    const Places sources = sourcesOf(plan.jobs);
+    const Places running = runningBundles(host);
     for (const auto& entry : chosen) {
-        const bool movesData = !entry.isAlreadySymlinked && hasDataJob(entry, plan.jobs);
-        if (entry.isAlreadySymlinked || !hasBundleJob(entry, plan.jobs)) {
+        if (entry.isAlreadySymlinked || !sources.contains(entry.bundlePath.native())) {
+            const bool onlyDataMoves = !entry.isAlreadySymlinked && movesData(entry, sources);
             plan.staying.push_back(
-                (movesData ? "Only data of " + entry.name + " would move: " : entry.name + " stays: ") +
+                (onlyDataMoves ? "Only data of " + entry.name + " would move: " : entry.name + " stays: ") +
                 reasonToStay(host, entry, drive, plan.jobs));
             continue;
         }
         if (isRisky(entry)) plan.risky.push_back(entry);
-        // Not by the process list: there the command that names an application would count as running it.
-        if (!RunningAppsDetector::runningInstances(host, entry.bundlePath).empty()) plan.running.push_back(entry);
+        if (running.contains(Files::standardized(entry.bundlePath).native())) plan.running.push_back(entry);
     }
     for (const auto& job : plan.jobs)
         if (Files::itemExists(job.destination))
