@@ -4,9 +4,26 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <system_error>
+
+namespace {
+
+/// The library would take a minus sign for a very large number, what is too large for the largest, and nothing for 0.
+/// @returns an empty text for a number.
+std::string whyNoNumber(const std::string& text) {
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error == std::errc::result_out_of_range) return fmt::format("{} is too large", text);
+    const bool isNumber = error == std::errc() && end == text.data() + text.size();
+    return isNumber ? std::string() : fmt::format("\"{}\" is not a number from 0 up", text);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     using namespace tarvik;
@@ -20,13 +37,7 @@ int main(int argc, char** argv) {
         ->required()
         ->check(
             [](const std::string& text) { return text.empty() ? std::string("the name is empty") : std::string(); });
-    // A minus sign would be taken for a very large number.
-    const CLI::Validator digits(
-        [](const std::string& text) {
-            const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos;
-            return isNumber ? std::string() : fmt::format("{} is not a number from 0 up", text);
-        },
-        "");
+    const CLI::Validator digits(whyNoNumber, "");
     app.add_option("--apps", options.apps, "How many plain applications, besides those of every special kind")
         ->type_name("N")
         ->check(digits)

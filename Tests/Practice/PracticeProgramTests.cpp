@@ -43,6 +43,8 @@ TEST(PracticeProgram, EndsWithStatusTwoForWrongUse) {
                                                          {machine, "--files"},
                                                          {machine, "--files", "many"},
                                                          {machine, "--files", "-5"},
+                                                         {machine, "--files", ""},
+                                                         {machine, "--seed", "18446744073709551616"},
                                                          {machine, "--size", "3"},
                                                          {machine, "x"}};
     for (const auto& arguments : wrong) {
