@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace tarvik {
@@ -92,10 +93,12 @@ Host Host::thisMachine(const std::optional<fs::path>& home) {
 }
 
 Host Host::rootedAt(const fs::path& root, const fs::path& home) {
+    ToolTable tools = systemTools();
+    tools.tmutil.clear();  // It would work on the disk of the machine that runs.
     return {.root = root,
             .home = home,
             .temporary = root / "tmp",
-            .tools = systemTools(),
+            .tools = std::move(tools),
             .volumes = makeRootedVolumeList(root),
             .trash = makeRootedTrashCan(home),
             .runningApplications = makeProcessTableApplications({root, home}),

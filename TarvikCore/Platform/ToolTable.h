@@ -13,6 +13,7 @@ struct ToolTable {
     fs::path xcrun;
     fs::path spctl;
     fs::path ps;
+    fs::path tmutil;
 
     bool operator==(const ToolTable&) const = default;
 };

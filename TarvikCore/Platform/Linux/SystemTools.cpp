@@ -10,7 +10,8 @@ ToolTable systemTools() {
             .codesign = standIns / "codesign",
             .xcrun = standIns / "xcrun",
             .spctl = standIns / "spctl",
-            .ps = "/bin/ps"};
+            .ps = "/bin/ps",
+            .tmutil = standIns / "tmutil"};
 }
 
 }  // namespace tarvik

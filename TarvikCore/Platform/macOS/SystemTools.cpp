@@ -8,7 +8,8 @@ ToolTable systemTools() {
             .codesign = "/usr/bin/codesign",
             .xcrun = "/usr/bin/xcrun",
             .spctl = "/usr/sbin/spctl",
-            .ps = "/bin/ps"};
+            .ps = "/bin/ps",
+            .tmutil = "/usr/bin/tmutil"};
 }
 
 }  // namespace tarvik
