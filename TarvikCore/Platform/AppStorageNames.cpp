@@ -18,6 +18,10 @@ fs::path AppStorageNames::foldersRootOn(const fs::path& mountPath) {
     return externalRootOn(mountPath) / folders;
 }
 
+fs::path AppStorageNames::backupsRootOn(const fs::path& mountPath) {
+    return mountPath / backupsRoot;
+}
+
 fs::path AppStorageNames::supportRoot(const Host& host) {
     return host.home / "Library/Application Support/Tarvik";
 }

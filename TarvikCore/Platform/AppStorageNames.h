@@ -31,6 +31,7 @@ fs::path externalRootOn(const fs::path& mountPath);
 fs::path appsRootOn(const fs::path& mountPath);
 fs::path dataRootOn(const fs::path& mountPath);
 fs::path foldersRootOn(const fs::path& mountPath);
+fs::path backupsRootOn(const fs::path& mountPath);
 
 /// The user's Library/Application Support/Tarvik, and the folders in it.
 fs::path supportRoot(const Host& host);

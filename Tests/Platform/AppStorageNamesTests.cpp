@@ -31,6 +31,7 @@ TEST(AppStorageNames, StandBelowADrivesMountPath) {
     EXPECT_EQ(AppStorageNames::appsRootOn(drive), "/Volumes/Two Words/ExternalTarvik/Apps");
     EXPECT_EQ(AppStorageNames::dataRootOn(drive), "/Volumes/Two Words/ExternalTarvik/Data");
     EXPECT_EQ(AppStorageNames::foldersRootOn(drive), "/Volumes/Two Words/ExternalTarvik/Folders");
+    EXPECT_EQ(AppStorageNames::backupsRootOn(drive), "/Volumes/Two Words/TarvikBackups");
     EXPECT_EQ(AppStorageNames::appsRootOn("/"), "/ExternalTarvik/Apps");
 }
 

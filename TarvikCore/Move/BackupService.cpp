@@ -1,0 +1,156 @@
+#include "Move/BackupService.h"
+
+#include "Move/BackupNames.h"
+#include "Move/FileCopier.h"
+#include "Move/FileStash.h"
+#include "Platform/AppStorageNames.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "Platform/Json.h"
+#include "Platform/LocalTime.h"
+#include "Platform/SizeCalculator.h"
+#include "Platform/TreeWalk.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <optional>
+#include <string_view>
+
+namespace tarvik::BackupService {
+
+namespace {
+
+constexpr std::string_view recordName = "backup.json";
+/// Room for a record with the longest path, in bytes.
+constexpr std::int64_t largestRecord = 64 * 1024;
+
+std::string idAt(std::chrono::system_clock::time_point instant) {
+    const auto time = LocalTime::at(instant);
+    return fmt::format("{:04}{:02}{:02}_{:02}{:02}{:02}", time.year, time.month, time.day, time.hour, time.minute,
+                       time.second);
+}
+
+/// The volume that a drive is, held on to for the length of a backup: a drive that goes away can leave its mount path
+/// behind, and what is written there then fills the internal disk.
+class Drive {
+public:
+    explicit Drive(const fs::path& root) : m_device(deviceOf(root)) {
+        if (!m_device) throw disconnected();
+    }
+
+    void requireThat(const fs::path& item) const {
+        if (deviceOf(item) != m_device) throw disconnected();
+    }
+
+private:
+    static std::optional<std::uint64_t> deviceOf(const fs::path& path) {
+        const auto info = Files::infoFollowingLinks(path);
+        return info ? std::optional(info->device) : std::nullopt;
+    }
+
+    static Failure disconnected() { return {"BackupService", ENODEV, "The target drive was disconnected."}; }
+
+    std::optional<std::uint64_t> m_device;
+};
+
+struct Source {
+    fs::path path;
+    /// In bytes, for the progress alone.
+    std::int64_t size = 0;
+};
+
+std::vector<Source> existing(const Host& host, const std::vector<fs::path>& paths) {
+    std::vector<Source> sources;
+    for (const auto& path : paths) {
+        const fs::path source = Files::standardized(path);
+        if (!Files::exists(source)) continue;
+        if (!source.has_filename()) throw FileError("back up", source, EINVAL);
+        sources.push_back({source, SizeCalculator::size(host, source)});
+    }
+    return sources;
+}
+
+void copy(const Host& host, const Source& source, const fs::path& target, const ProgressCallback& progress) {
+    FileStash::moveAside(host, target, "backup-conflict");
+    // The copy tool would merge into what could not be set aside.
+    if (Files::itemExists(target)) throw FileError("replace", target, EEXIST);
+    FileCopier::copy(host, source.path, target, source.size, progress);
+}
+
+/// The instant that is read again from a written record: its numbers are not as fine as the clock.
+BackupRecord asWritten(const BackupRecord& record) {
+    return Json::decoded<BackupRecord>(Json::encoded(record));
+}
+
+std::optional<BackupRecord> recordIn(const fs::path& folder) {
+    try {
+        return Json::parsedAs<BackupRecord>(Files::read(folder / recordName, largestRecord));
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+fs::path folderAt(const fs::path& drive, std::chrono::system_clock::time_point instant) {
+    return AppStorageNames::backupsRootOn(Files::standardized(drive)) / idAt(instant);
+}
+
+BackupRecord create(const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
+                    const ProgressCallback& progress) {
+    const fs::path folder = folderAt(drive, host.now());
+    const Drive volume(drive);
+    const auto found = existing(host, sources);
+    Files::createFolder(folder);
+    BackupRecord record{.id = folder.filename(), .rootPath = folder};
+
+    std::int64_t total = 0;
+    for (const auto& source : found) total += source.size;
+    std::int64_t done = 0;
+    for (const auto& source : found) {
+        volume.requireThat(folder);
+        const fs::path target = folder / BackupNames::ofSource(source.path);
+        copy(host, source, target, [&](std::int64_t copied, std::int64_t) { progress(done + copied, total); });
+        BackupNames::sanitizeVisibleNames(host, target);
+        record.sourceFileCount += countFiles(source.path);
+        record.backupFileCount += countFiles(target);
+        done += source.size;
+    }
+
+    volume.requireThat(folder);
+    Files::flushVolume(folder);
+    record.createdAt = host.now();
+    Files::writeDurably(folder / recordName, Json::compact(Json::encoded(record)));
+    volume.requireThat(folder / recordName);
+    return asWritten(record);
+}
+
+std::vector<BackupRecord> list(const Host& /*host*/, const fs::path& drive) {
+    const fs::path root = AppStorageNames::backupsRootOn(drive);
+    std::vector<BackupRecord> records;
+    for (const auto& name : Files::names(root))
+        if (auto record = recordIn(root / name)) records.push_back(std::move(*record));
+    std::stable_sort(records.begin(), records.end(),
+                     [](const BackupRecord& one, const BackupRecord& other) { return one.id > other.id; });
+    return records;
+}
+
+std::vector<std::string> unfinished(const Host& /*host*/, const fs::path& drive) {
+    const fs::path root = AppStorageNames::backupsRootOn(drive);
+    std::vector<std::string> found;
+    for (const auto& name : Files::names(root))
+        if (!name.starts_with('.') && Files::isFolder(root / name) && !recordIn(root / name)) found.push_back(name);
+    return found;
+}
+
+std::int64_t countFiles(const fs::path& folder) {
+    std::int64_t count = 0;
+    TreeWalk walk(folder, {.order = TreeWalk::Order::any});
+    while (walk.next())
+        if (walk.event() == TreeWalk::Event::item && walk.type() != Files::ItemType::folder) ++count;
+    return count;
+}
+
+}  // namespace tarvik::BackupService

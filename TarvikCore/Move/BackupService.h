@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Move/BackupRecord.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Makes dated copies of things on a drive, in `TarvikBackups` at its root, and reads what was made. The originals are
+/// only read. Everything here blocks; any thread.
+///
+/// A backup's folder is one with a complete record in it. The record comes last, when all copies have reached the
+/// drive: what an interrupted backup leaves has none and counts for nothing.
+namespace tarvik::BackupService {
+
+/// Both in bytes, over all sources. Called from a background thread while a copy runs, and from the calling thread
+/// between two copies: never twice at the same time.
+using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t total)>;
+
+/// Copies the sources in their order; one at which nothing exists is passed over, and of a link the link is copied.
+/// A copy whose name is taken sets aside what bears it, with the reason "backup-conflict"; see `BackupNames` for the
+/// names. Backups that begin in the same second share one folder, and the later record stays.
+/// @throws Failure when a folder cannot be made, a copy or a rename fails, the drive goes away, or the record cannot be
+/// written. What has been copied stays.
+BackupRecord create(
+    const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
+    const ProgressCallback& progress = [](std::int64_t, std::int64_t) {});
+
+/// The backups on the drive, the newest first. What has no readable record is passed over. Never fails.
+std::vector<BackupRecord> list(const Host& host, const fs::path& drive);
+
+/// The names of the folders in which a backup was begun and not ended, or whose record is damaged. One that is being
+/// made now is among them. Never fails.
+std::vector<std::string> unfinished(const Host& host, const fs::path& drive);
+
+/// The folder of a backup on `drive` that begins at that instant.
+fs::path folderAt(const fs::path& drive, std::chrono::system_clock::time_point instant);
+
+/// The items below `folder` that are no folders; links count and are not followed. What is no folder has none.
+std::int64_t countFiles(const fs::path& folder);
+
+}  // namespace tarvik::BackupService
