@@ -1,10 +1,9 @@
 #include "Move/MoveRun.h"
 
+#include "Move/DrivePresence.h"
 #include "Move/MoverEngine.h"
 #include "Platform/Failure.h"
-#include "Platform/Files.h"
 #include "Platform/Text.h"
-#include "Platform/VolumeList.h"
 
 #include <fmt/format.h>
 
@@ -14,18 +13,10 @@ namespace tarvik::MoveRun {
 
 namespace {
 
-/// A drive's mount path can outlive the drive as an empty folder on the internal disk: a volume must stand there.
-bool isDriveThere(const Host& host, const fs::path& drivePath) {
-    if (!Files::exists(drivePath)) return false;
-    const auto volumes = host.volumes->mounted();
-    return std::any_of(volumes.begin(), volumes.end(),
-                       [&](const Volume& volume) { return volume.mountPath == drivePath; });
-}
-
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
     try {
-        if (!isDriveThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
+        if (!DrivePresence::isThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
         status(index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,

@@ -1,0 +1,136 @@
+#include "Move/BackupPlan.h"
+
+#include "Move/AppMove.h"
+#include "Move/BackupNames.h"
+#include "Move/DrivePresence.h"
+#include "Platform/AppStorageNames.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "Platform/SizeCalculator.h"
+#include "Platform/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <thread>
+
+namespace tarvik::BackupPlan {
+
+namespace {
+
+using Refusal = std::optional<std::string>;
+
+Failure failure(std::string sentence) {
+    return {"BackupPlan", 0, std::move(sentence)};
+}
+
+fs::path withoutLinks(const fs::path& path) {
+    return Files::resolved(path).value_or(path);
+}
+
+/// Where a link, or a volume mounted there, leads what is backed up on the drive; nothing when it stays on the drive.
+std::optional<fs::path> placeOffDrive(const fs::path& mountPath) {
+    const fs::path root = withoutLinks(mountPath);
+    const fs::path place = AppStorageNames::backupsRootOn(root);
+    if (!Files::itemExists(place)) return std::nullopt;
+    const fs::path real = withoutLinks(place);
+    const auto there = Files::info(real);
+    const auto drive = Files::info(root);
+    const bool isOnDrive = Files::isAtOrBelow(real, root) && there && drive && there->device == drive->device;
+    return isOnDrive ? std::nullopt : std::optional(real);
+}
+
+Refusal bySource(const fs::path& source, const fs::path& backups) {
+    if (const auto target = Files::linkText(source))
+        return fmt::format("{} is a symlink to {}. Name what it leads to.", source.native(), target->native());
+    if (!Files::itemExists(source)) return fmt::format("Nothing stands at {}.", source.native());
+    if (Files::isAtOrBelow(withoutLinks(backups.parent_path()) / backups.filename(), withoutLinks(source)))
+        return fmt::format("{} holds the backups themselves and can't be backed up there.", source.native());
+    return std::nullopt;
+}
+
+/// What tells names apart also on a drive that takes no notice of case.
+std::string keyOf(const fs::path& source) {
+    return Text::lowerCased(BackupNames::ofSource(source));
+}
+
+Refusal byNames(const std::vector<fs::path>& sources) {
+    std::map<std::string, const fs::path*> taken;
+    for (const auto& source : sources) {
+        const auto key = keyOf(source);
+        if (key == "backup.json")
+            return fmt::format("A backup keeps the name {} for itself. Back up the folder that holds {}.",
+                               BackupNames::ofSource(source), source.native());
+        const auto [other, isFree] = taken.emplace(key, &source);
+        if (!isFree)
+            return fmt::format("{} and {} would both bear the name {}. Back them up one after the other.",
+                               other->second->native(), source.native(), BackupNames::ofSource(source));
+    }
+    return std::nullopt;
+}
+
+void throwIf(const Refusal& refusal) {
+    if (refusal) throw failure(*refusal);
+}
+
+/// Two backups of one second would share a folder, and set aside each other's copies.
+void waitForFreeFolder(const Host& host, const fs::path& drive) {
+    constexpr auto pause = std::chrono::milliseconds(20);
+    constexpr int pausesInTwoSeconds = 100;
+    for (int turn = 0; Files::itemExists(BackupService::folderAt(drive, host.now())); ++turn) {
+        if (turn == pausesInTwoSeconds) throw failure("Other backups are being made on this drive. Try again later.");
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+}  // namespace
+
+Plan plan(const Host& host, const std::vector<fs::path>& paths, const DriveInfo& drive) {
+    Plan plan{.drive = drive};
+    for (const auto& path : paths) {
+        const auto source = Files::standardized(path);
+        if (std::find(plan.sources.begin(), plan.sources.end(), source) == plan.sources.end())
+            plan.sources.push_back(source);
+    }
+    if (const auto elsewhere = placeOffDrive(drive.mountPath))
+        throw failure(fmt::format("What is backed up on {} would land in {}, which is not on that drive.", drive.name,
+                                  elsewhere->native()));
+    for (const auto& source : plan.sources) throwIf(bySource(source, AppStorageNames::backupsRootOn(drive.mountPath)));
+    throwIf(byNames(plan.sources));
+    for (const auto& source : plan.sources) plan.bytesTotal += SizeCalculator::size(host, source);
+    throwIf(AppMove::spaceRefusal(plan.bytesTotal, drive));
+    return plan;
+}
+
+Dialog confirm(const Plan& plan) {
+    return {fmt::format("Back up {} to {}?", Text::counted(std::ssize(plan.sources), "item"), plan.drive.name),
+            fmt::format("Total {}. Copies go to {}. The originals stay as they are.",
+                        SizeCalculator::format(plan.bytesTotal),
+                        AppStorageNames::backupsRootOn(plan.drive.mountPath).native()),
+            {"Back Up", "Cancel"}};
+}
+
+BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress) {
+    const auto& mountPath = plan.drive.mountPath;
+    if (!DrivePresence::isThere(host, mountPath)) throw failure("Target drive disconnected");
+    waitForFreeFolder(host, mountPath);
+    const auto record = BackupService::create(host, plan.sources, mountPath, progress);
+    for (const auto& source : plan.sources)
+        if (!Files::itemExists(record.rootPath / BackupNames::ofSource(source)))
+            throw failure(fmt::format("{} was gone when its turn came: the backup in {} does not hold it.",
+                                      source.native(), record.rootPath.native()));
+    return record;
+}
+
+std::string done(const Plan& plan, const BackupRecord& record) {
+    return fmt::format("Backed up {} to {}", Text::counted(std::ssize(plan.sources), "item"), record.rootPath.native());
+}
+
+std::optional<std::string> remark(const BackupRecord& record) {
+    if (record.backupFileCount == record.sourceFileCount) return std::nullopt;
+    return fmt::format("The folders held {}, their copies hold {}.", Text::counted(record.sourceFileCount, "file"),
+                       record.backupFileCount);
+}
+
+}  // namespace tarvik::BackupPlan
