@@ -2,6 +2,7 @@
 
 #include "CommandLine/AppActs.h"
 #include "CommandLine/AppMoveActs.h"
+#include "CommandLine/BackupActs.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FolderActs.h"
 #include "CommandLine/LinkActs.h"
@@ -24,6 +25,10 @@ void perform(const Host& host, const Options& options) {
             return FolderActs::move(host, options);
         case Verb::moveRestore:
             return FolderActs::restore(host, options);
+        case Verb::backupCreate:
+            return BackupActs::create(host, options);
+        case Verb::backupList:
+            return BackupActs::list(host, options);
     }
 }
 

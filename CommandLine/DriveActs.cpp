@@ -59,15 +59,16 @@ void list(const Host& host, Format format) {
     Terminal::writeResult(tsv(namesOf(recordOf({})), records));
 }
 
+DriveInfo named(const Host& host, const std::string& wanted, Options::Verb verb) {
+    try {
+        return DriveChoice::named(DriveScanner::scan(host), wanted);
+    } catch (const Failure& failure) {
+        throw WrongUse(failure.description(), std::string(usageOf(verb)));
+    }
+}
+
 DriveInfo chosen(const Host& host, const std::string& wanted, Options::Verb verb) {
-    const auto drives = DriveScanner::scan(host);
-    const auto drive = [&] {
-        try {
-            return DriveChoice::named(drives, wanted);
-        } catch (const Failure& failure) {
-            throw WrongUse(failure.description(), std::string(usageOf(verb)));
-        }
-    }();
+    const auto drive = named(host, wanted, verb);
     DriveChoice::requireTarget(drive);
     return drive;
 }

@@ -30,18 +30,22 @@ struct VerbEntry {
     std::string_view words;
     std::string_view usage;
 };
-constexpr std::array<VerbEntry, 6> verbs = {{
+constexpr std::array<VerbEntry, 8> verbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
     {Verb::moveApp, "move app", "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]"},
     {Verb::moveFolder, "move folder", "tarvik move folder PATH --drive DRIVE"},
     {Verb::moveRestore, "move restore", "tarvik move restore PATH"},
+    {Verb::backupCreate, "backup create", "tarvik backup create PATH... --drive DRIVE"},
+    {Verb::backupList, "backup list", "tarvik backup list --drive DRIVE"},
 }};
 
 /// The options that only some verbs take, and which these are.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 3> owned = {
-    {{"--drive", "move app and move folder"}, {"--dry-run", "move app alone"}, {"--no-data", "move app alone"}}};
+    {{"--drive", "move app, move folder and backup"},
+     {"--dry-run", "move app alone"},
+     {"--no-data", "move app alone"}}};
 
 /// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
 std::string wordsOf(const CLI::App& app) {
@@ -118,6 +122,13 @@ public:
         addOption(*folder, "--drive", m_drive, "The drive: its mount path or its name");
         auto* restore = addVerb(*m_move, "restore", "Bring back what a link leads to");
         restore->add_option("PATH", m_path, "The link")->type_name("");
+        m_backup = addVerb(m_app, "backup", "Copy things to a drive, or list the copies");
+        m_backup->require_subcommand(0, 1);
+        m_backupCreate = addVerb(*m_backup, "create", "Make a dated copy of files, folders or applications on a drive");
+        m_backupCreate->add_option("PATH", m_path, "A file, a folder or an application")->type_name("...");
+        addOption(*m_backupCreate, "--drive", m_drive, "The drive: its mount path or its name");
+        auto* list = addVerb(*m_backup, "list", "List the backups on a drive");
+        addOption(*list, "--drive", m_drive, "The drive: its mount path or its name");
     }
 
     std::variant<Options, Information> parse(const Arguments& arguments) {
@@ -165,7 +176,7 @@ private:
     void takeVerb() {
         for (const auto& entry : verbs)
             if (entry.words == wordsOf(meant())) m_options.verb = entry.verb;
-        m_options.path = m_path;
+        if (m_options.verb != Verb::backupCreate) m_options.path = m_path;
         m_options.drive = m_drive;
         m_options.includesData = !m_leavesData;
         requireArguments();
@@ -177,6 +188,14 @@ private:
         if (std::find(names.begin(), names.end(), "") != names.end()) throw wrong("A NAME is empty.");
         if (verb == Verb::moveApp && names.empty())
             throw wrong("Name the applications that shall move: a NAME is missing.");
+        const auto& paths = m_options.paths;
+        if (std::find(paths.begin(), paths.end(), "") != paths.end()) throw wrong("A PATH is empty.");
+        if (verb == Verb::backupCreate && paths.empty())
+            throw wrong("Name what shall be backed up: a PATH is missing.");
+        if (verb == Verb::backupCreate && m_drive.empty())
+            throw wrong("Name the drive that the backup shall go to, with --drive DRIVE.");
+        if (verb == Verb::backupList && m_drive.empty())
+            throw wrong("Name the drive whose backups shall be listed, with --drive DRIVE.");
         if (verb == Verb::moveFolder && m_path.empty())
             throw wrong("Name the folder that shall move: a PATH is missing.");
         if (verb == Verb::moveRestore && m_path.empty())
@@ -213,6 +232,7 @@ private:
     /// @returns the rest.
     Arguments takeWords(Arguments marked) {
         if (m_apps->count("NAME") + m_moveApp->count("NAME") > 0) m_options.names = {m_name};
+        if (m_backupCreate->count("PATH") > 0) m_options.paths = {m_path};
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
         Arguments rest;
         for (auto& word : m_app.remaining(true))
@@ -232,6 +252,10 @@ private:
             m_options.names.push_back(word);
             return true;
         }
+        if (words == "backup create") {
+            m_options.paths.emplace_back(word);
+            return true;
+        }
         if ((words != "move folder" && words != "move restore") || !m_path.empty()) return false;
         m_path = word;
         return true;
@@ -240,6 +264,7 @@ private:
     void refuseUnclearWords(const Arguments& words) const {
         requireVerb(m_app, words);
         if (m_move->parsed()) requireVerb(*m_move, words);
+        if (m_backup->parsed()) requireVerb(*m_backup, words);
         if (words.empty()) return;
         const auto& word = words.front();
         for (const auto& [name, owners] : owned)
@@ -291,6 +316,8 @@ private:
     CLI::App* m_apps = nullptr;
     CLI::App* m_move = nullptr;
     CLI::App* m_moveApp = nullptr;
+    CLI::App* m_backup = nullptr;
+    CLI::App* m_backupCreate = nullptr;
 };
 
 }  // namespace

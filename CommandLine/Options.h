@@ -14,13 +14,15 @@ namespace tarvik::CommandLine {
 
 /// What a command line asks for.
 struct Options {
-    enum class Verb { drives, apps, links, moveApp, moveFolder, moveRestore };
+    enum class Verb { drives, apps, links, moveApp, moveFolder, moveRestore, backupCreate, backupList };
 
     Verb verb = Verb::drives;
     /// The item of a move, as it was written.
     fs::path path;
     /// The applications that are meant, as they were written. `apps` takes one at most; without it, all are meant.
     std::vector<std::string> names;
+    /// The items of a backup, as they were written.
+    std::vector<fs::path> paths;
     /// A mount path or a volume's name, as it was written.
     std::string drive;
     std::optional<fs::path> root;

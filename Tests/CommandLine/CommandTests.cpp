@@ -202,6 +202,9 @@ TEST(Command, EndsWithStatusTwoForEveryWrongUse) {
                                                          {"move", "app"},
                                                          {"apps", "a", "b"},
                                                          {"links", "x"},
+                                                         {"backup"},
+                                                         {"backup", "create", "x"},
+                                                         {"backup", "list", "x"},
                                                          {"drives", "--format", "xml"},
                                                          {"drives", "x"},
                                                          {"--nope"},
@@ -212,7 +215,7 @@ TEST(Command, EndsWithStatusTwoForEveryWrongUse) {
         EXPECT_EQ(finished.status, 2);
         EXPECT_EQ(finished.output, "");
         EXPECT_THAT(finished.errors, HasSubstr(".\nUsage: tarvik "));
-        EXPECT_LE(linesOf(finished.errors).size(), 7U) << finished.errors;
+        EXPECT_LE(linesOf(finished.errors).size(), 9U) << finished.errors;
     }
 }
 

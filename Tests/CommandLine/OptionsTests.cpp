@@ -57,6 +57,8 @@ TEST(Options, KnowsTheVerbs) {
     EXPECT_EQ(optionsOf({"apps"}).verb, Options::Verb::apps);
     EXPECT_EQ(optionsOf({"links"}).verb, Options::Verb::links);
     EXPECT_EQ(optionsOf({"move", "app", "A", "--drive", "D", "--dry-run"}).verb, Options::Verb::moveApp);
+    EXPECT_EQ(optionsOf({"backup", "create", "/f", "--drive", "D"}).verb, Options::Verb::backupCreate);
+    EXPECT_EQ(optionsOf({"backup", "list", "--drive", "D"}).verb, Options::Verb::backupList);
 }
 
 TEST(Options, TakesTheNamesOfApplications) {
@@ -74,6 +76,34 @@ TEST(Options, TakesTheNamesOfApplications) {
         EXPECT_EQ(optionsOf({"apps", name}).names, Arguments{name});
         EXPECT_EQ(optionsOf({"move", "app", name, "--drive", "D", "--dry-run"}).names, Arguments{name});
     }
+}
+
+TEST(Options, TakesThePathsOfABackup) {
+    using Paths = std::vector<fs::path>;
+    const auto options =
+        optionsOf({"backup", "create", "A", "--drive", "D", "b c", "--yes", "[x]", "-", "--", "--yes", "create"});
+    EXPECT_EQ(options.paths, (Paths{"A", "b c", "[x]", "-", "--yes", "create"}));
+    EXPECT_EQ(options.path, "");
+    EXPECT_EQ(options.drive, "D");
+    EXPECT_TRUE(options.yes);
+    for (const auto* path : {"backup", "create", "list", "move", "\xFF\xFE", "a\nb", "[]"})
+        EXPECT_EQ(optionsOf({"backup", "create", path, "--drive", "D"}).paths, Paths{path});
+}
+
+TEST(Options, SaysWhatABackupLacks) {
+    EXPECT_EQ(sentenceOf({"backup"}), "What shall be done? Name one of: backup create, backup list.");
+    EXPECT_EQ(sentenceOf({"backup", "delete"}), "There is no \"backup delete\". There is: backup create, backup list.");
+    EXPECT_EQ(sentenceOf({"backup", "create", "--drive", "D"}), "Name what shall be backed up: a PATH is missing.");
+    EXPECT_EQ(sentenceOf({"backup", "create", "/f"}),
+              "Name the drive that the backup shall go to, with --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({"backup", "create", "/f", "", "--drive", "D"}), "A PATH is empty.");
+    EXPECT_EQ(sentenceOf({"backup", "create", "", "--drive", "D"}), "A PATH is empty.");
+    EXPECT_EQ(sentenceOf({"backup", "create", "/f", "--drive"}), "--drive needs a value: --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({"backup", "create", "/f", "--drive", "D", "--dry-run"}),
+              "--dry-run belongs to move app alone.");
+    EXPECT_EQ(sentenceOf({"backup", "list"}), "Name the drive whose backups shall be listed, with --drive DRIVE.");
+    EXPECT_EQ(sentenceOf({"backup", "list", "/f", "--drive", "D"}), "\"/f\" is one word too many.");
+    EXPECT_EQ(sentenceOf({"backup", "list", "--drive", "D", "--quick"}), "There is no option \"--quick\".");
 }
 
 TEST(Options, SaysWhatAMoveOfApplicationsLacks) {
@@ -113,9 +143,11 @@ TEST(Options, TakesEveryNameByteForByte) {
 
 TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({}),
-              "What shall be done? Name one of: drives, apps, links, move app, move folder, move restore.");
+              "What shall be done? Name one of: drives, apps, links, move app, move folder, move restore, backup "
+              "create, backup list.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
-              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore.");
+              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore, backup "
+              "create, backup list.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
@@ -128,13 +160,15 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({"drives", "--quick"}), "There is no option \"--quick\".");
     EXPECT_EQ(sentenceOf({"-x"}), "There is no option \"-x\".");
     EXPECT_EQ(sentenceOf({"--quick", "frobnicate"}),
-              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore.");
+              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore, backup "
+              "create, backup list.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
               "\"--drive\" is one word too many: behind \"--\" nothing is an option.");
-    EXPECT_EQ(sentenceOf({"drives", "--drive", "D"}), "--drive belongs to move app and move folder.");
-    EXPECT_EQ(sentenceOf({"move", "restore", "/f", "--drive=D"}), "--drive belongs to move app and move folder.");
+    EXPECT_EQ(sentenceOf({"drives", "--drive", "D"}), "--drive belongs to move app, move folder and backup.");
+    EXPECT_EQ(sentenceOf({"move", "restore", "/f", "--drive=D"}),
+              "--drive belongs to move app, move folder and backup.");
 }
 
 TEST(Options, RefusesEmptyPaths) {
@@ -160,6 +194,7 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     const std::string app = "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]";
     const std::string folder = "tarvik move folder PATH --drive DRIVE";
     const std::string restore = "tarvik move restore PATH";
+    const std::string backups = "tarvik backup create PATH... --drive DRIVE\n       tarvik backup list --drive DRIVE";
     EXPECT_EQ(usageFor({"drives", "x"}), "tarvik drives");
     EXPECT_EQ(usageFor({"move", "folder"}), folder);
     EXPECT_EQ(usageFor({"move", "folder", "/f", "--drive"}), folder);
@@ -168,7 +203,8 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     EXPECT_EQ(usageFor({"move", "app", "a", "--drive"}), app);
     EXPECT_EQ(usageFor({"move"}), app + "\n       " + folder + "\n       " + restore);
     EXPECT_EQ(usageFor({}), "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       " + app +
-                                "\n       " + folder + "\n       " + restore);
+                                "\n       " + folder + "\n       " + restore + "\n       " + backups);
+    EXPECT_EQ(usageFor({"backup"}), backups);
 }
 
 TEST(Options, GivesHelpAndVersionAsText) {
