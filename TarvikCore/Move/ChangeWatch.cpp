@@ -22,13 +22,29 @@ bool isAfter(const timespec& time, const timespec& mark) {
     return isWholeSecond || time.tv_nsec > mark.tv_nsec;
 }
 
-}  // namespace
-
-Mark mark() {
+/// The flush must not begin before the clocks have moved on: a page that is written to again in between would bear no
+/// later time.
+Mark markNow() {
     Mark result;
     ::clock_gettime(CLOCK_REALTIME, &result.time);
     std::this_thread::sleep_for(clockTick);
     return result;
+}
+
+}  // namespace
+
+Beginning::Beginning(const fs::path& root) : m_root(root), m_mark(markNow()), m_flush(root) {}
+
+Mark Beginning::mark() {
+    const int error = m_flush.error();
+    // What cannot be opened cannot be copied either, and the copier has better words for it.
+    const bool isOutOfReach = error == EACCES || error == ENXIO;
+    if (error && !isOutOfReach) throw FileError("flush", m_root, error);
+    return m_mark;
+}
+
+Mark mark(const fs::path& root) {
+    return Beginning(root).mark();
 }
 
 std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Move/VolumeFlush.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
@@ -15,9 +16,25 @@ struct Mark {
     timespec time{};
 };
 
-/// Marks the present moment and waits until the file systems' clocks have passed it, which takes some milliseconds:
-/// what is written from then on bears a later time.
-Mark mark();
+/// The beginning of a watch over the tree at `root`. It marks the present moment and waits until the file systems'
+/// clocks have passed it, which takes some milliseconds: what is written from then on bears a later time. A write
+/// through a memory mapping does so only when it is the first one since the page went to the disk; so the volume is
+/// flushed, in the background, while the caller does something else. A memory file system has no disk: there such a
+/// write to a page that was written to before is never seen.
+class Beginning {
+public:
+    explicit Beginning(const fs::path& root);
+    /// Waits until the volume is flushed; nothing may be copied before. Call once. @throws FileError.
+    Mark mark();
+
+private:
+    fs::path m_root;
+    Mark m_mark;
+    VolumeFlush m_flush;
+};
+
+/// The same where there is nothing to do meanwhile.
+Mark mark(const fs::path& root);
 
 /// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
 /// itself; nothing when all is as it was. It goes by the time of the last status change, which no program can set back;

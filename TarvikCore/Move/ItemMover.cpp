@@ -129,7 +129,7 @@ void arrive(const Host& host, const fs::path& temporary, const fs::path& to, Goa
 void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal goal,
                 const ProgressCallback& progress) {
     if (const auto obstacle = Files::removalObstacle(from)) throw obstacle->error();
-    const auto start = ChangeWatch::mark();
+    const auto start = ChangeWatch::mark(from);
     const fs::path temporary = HiddenPlace::forCopyTo(to);
     if (!Files::claim(temporary, Files::info(from).value_or(Files::ItemInfo{}).type))
         throw FileError("create", temporary, EEXIST);

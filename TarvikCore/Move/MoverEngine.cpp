@@ -44,6 +44,14 @@ std::uint64_t deviceOf(fs::path folder) {
     return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
 }
 
+ChangeWatch::Mark markOf(ChangeWatch::Beginning& beginning) {
+    try {
+        return beginning.mark();
+    } catch (const FileError& error) {
+        throw MoverError::copyFailed(error.description());
+    }
+}
+
 /// Of two moves to one place at the same time, only one may ever write there or dispose of what stands there.
 void claimDestination(const fs::path& source, const fs::path& destination) {
     try {
@@ -130,9 +138,10 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     const fs::path destination = Files::standardized(destinationParent / source.filename());
     if (Files::itemExists(destination)) throw MoverError::destinationExists();
 
-    const auto start = ChangeWatch::mark();
+    ChangeWatch::Beginning beginning(source);
     const std::int64_t size = SizeCalculator::size(host, source);
     requireSpace(size, VolumeCapacityProbe::freeBytes(host, destinationParent));
+    const auto start = markOf(beginning);
 
     HiddenPlace::sweep(host, source.parent_path());
     HiddenPlace::sweep(host, destinationParent);

@@ -28,13 +28,13 @@ protected:
 }  // namespace
 
 TEST_F(ChangeWatch, FindsNothingInATreeThatWasOnlyRead) {
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     pictureOf(tree);
     EXPECT_EQ(changed(), "nothing");
 }
 
 TEST_F(ChangeWatch, FindsBytesOfTheSameLength) {
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     makeFile(tree / "sub/file", "54321");
     EXPECT_EQ(changed(), "sub/file");
 }
@@ -42,7 +42,7 @@ TEST_F(ChangeWatch, FindsBytesOfTheSameLength) {
 TEST_F(ChangeWatch, IsNotFooledByATimeThatWasSetBack) {
     struct stat before {};
     ASSERT_EQ(::stat((tree / "sub/file").c_str(), &before), 0);
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     makeFile(tree / "sub/file", "54321");
     const timespec times[] = {before.st_atim, before.st_mtim};
     ASSERT_EQ(::utimensat(AT_FDCWD, (tree / "sub/file").c_str(), times, 0), 0);
@@ -50,23 +50,23 @@ TEST_F(ChangeWatch, IsNotFooledByATimeThatWasSetBack) {
 }
 
 TEST_F(ChangeWatch, FindsWhatWasMadeAndWhatWasTakenAway) {
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     makeFile(tree / "sub/new", "");
     EXPECT_EQ(changed(), "sub");
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     fs::remove(tree / "link");
     EXPECT_EQ(changed(), "");
 }
 
 TEST_F(ChangeWatch, TellsNothingOfATreeThatIsOutOfReach) {
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     fs::remove_all(tree);
     EXPECT_THROW(changed(), FileError);  // Its drive has gone, for instance.
 }
 
 TEST_F(ChangeWatch, LooksAtASingleFile) {
     tree = tree / "sub/file";
-    start = tarvik::ChangeWatch::mark();
+    start = tarvik::ChangeWatch::mark(tree);
     EXPECT_EQ(changed(), "nothing");
     makeFile(tree, "54321");
     EXPECT_EQ(changed(), "");

@@ -26,7 +26,7 @@ struct Pair {
         makeFile(original / "song", "la la");
         makeFile(original / "deep/er/song", "lo lo");
         picture = pictureOf(original);
-        start = ChangeWatch::mark();
+        start = ChangeWatch::mark(original);
     }
 
     World world;
@@ -59,7 +59,7 @@ TEST(OriginalRemoval, NeverLeavesThePlaceFree) {
     for (int file = 0; file < 200; ++file) makeFile(pair.original / std::to_string(file));
     std::atomic<bool> isDone = false;
     std::thread act([&] {
-        OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy, ChangeWatch::mark());
+        OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy, ChangeWatch::mark(pair.original));
         isDone = true;
     });
     bool wasAlwaysThere = true;
@@ -95,7 +95,8 @@ TEST(OriginalRemoval, LeavesAnOriginalThatHoldsAVolume) {
     const Pair pair;
     const RealVolume inside = RealVolume::memory(pair.original / "deep", 1'000'000);
     EXPECT_EQ(failureOf([&] {
-                  OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy, ChangeWatch::mark());
+                  OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy,
+                                                 ChangeWatch::mark(pair.original));
               }),
               "Could not remove the mounted volume " + inside.path().native() + ": Device or resource busy");
     EXPECT_TRUE(Files::exists(pair.original / "song"));
