@@ -9,29 +9,19 @@
 
 namespace tarvik::Disposal {
 
-namespace {
-
-bool goesToTrash(const Host& host, const fs::path& item) noexcept {
-    bool gone = false;
-    ignoringFailure([&] {
-        host.trash->moveToTrash(item);
-        gone = true;
-    });
-    return gone;
-}
-
-}  // namespace
-
-bool dispose(const Host& host, const fs::path& item, const std::string& suffix) noexcept {
-    if (goesToTrash(host, item)) return true;
-    bool gone = false;
+Outcome dispose(const Host& host, const fs::path& item, const std::string& suffix) noexcept {
+    Outcome outcome{Outcome::End::stayed, {}};
+    ignoringFailure([&] { outcome = {Outcome::End::trashed, host.trash->moveToTrash(item)}; });
+    if (outcome.end == Outcome::End::trashed) return outcome;
     ignoringFailure([&] {
         const fs::path folder = item.parent_path() / ".TarvikTrash";
+        const fs::path place = folder / ClashNames::suffixed(item.filename().native(), suffix, NAME_MAX);
         Files::createFolder(folder);
-        Files::rename(item, folder / ClashNames::suffixed(item.filename().native(), suffix, NAME_MAX));
-        gone = true;
+        Files::rename(item, place);
+        outcome = {Outcome::End::setAside, place};
     });
-    return gone;
+    if (outcome.end == Outcome::End::stayed) ignoringFailure([&] { outcome.place = item; });
+    return outcome;
 }
 
 }  // namespace tarvik::Disposal

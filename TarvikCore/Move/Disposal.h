@@ -8,9 +8,22 @@
 /// The way out that `MoverStasher` and `FileStash` share.
 namespace tarvik::Disposal {
 
+/// How a disposal ended, and where the item stands since.
+struct Outcome {
+    enum class End {
+        nothing,   ///< there was nothing to dispose of
+        trashed,   ///< in the Trash
+        setAside,  ///< in `.TarvikTrash`
+        stayed,    ///< where it was
+    };
+    End end = End::nothing;
+    fs::path place;
+
+    bool operator==(const Outcome&) const = default;
+};
+
 /// Moves the item to the Trash; when the Trash refuses, into `.TarvikTrash` beside it under its name with `suffix`
 /// added. Nothing is ever replaced. Never fails: what can be moved nowhere stays where it is.
-/// @returns whether it has gone.
-bool dispose(const Host& host, const fs::path& item, const std::string& suffix) noexcept;
+Outcome dispose(const Host& host, const fs::path& item, const std::string& suffix) noexcept;
 
 }  // namespace tarvik::Disposal

@@ -11,6 +11,7 @@
 #include "Move/ProgressTimer.h"
 #include "Platform/Files.h"
 #include "Platform/SizeCalculator.h"
+#include "Platform/TreeObstacle.h"
 
 #include <fmt/format.h>
 
@@ -128,7 +129,7 @@ void arrive(const Host& host, const fs::path& temporary, const fs::path& to, Goa
 
 void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal goal,
                 const ProgressCallback& progress) {
-    if (const auto obstacle = Files::removalObstacle(from)) throw obstacle->error();
+    if (const auto obstacle = TreeObstacle::toRemoval(from)) throw obstacle->error();
     const auto start = ChangeWatch::mark(from);
     const fs::path temporary = HiddenPlace::forCopyTo(to);
     if (!Files::claim(temporary, Files::info(from).value_or(Files::ItemInfo{}).type))

@@ -3,6 +3,7 @@
 #include "Platform/AppStorageNames.h"
 #include "Platform/Files.h"
 #include "Platform/SystemFolders.h"
+#include "Platform/TreeObstacle.h"
 
 #include <fmt/format.h>
 
@@ -53,18 +54,26 @@ Refusal bySystem(const Host& host, const fs::path& folder) {
     return std::nullopt;
 }
 
-Refusal byContents(const fs::path& folder) {
-    const auto obstacle = Files::removalObstacle(folder);
+Refusal byContents(const fs::path& folder, const std::optional<TreeObstacle>& obstacle) {
     if (!obstacle) return std::nullopt;
     const std::string name = folder.filename();
     const std::string place = obstacle->path.native();
     switch (obstacle->kind) {
-        case Files::RemovalObstacle::Kind::mountedVolume:
+        case TreeObstacle::Kind::mountedVolume:
             return fmt::format("{} can't be moved: another volume is mounted at {}.", name, place);
-        case Files::RemovalObstacle::Kind::sealedFolder:
+        case TreeObstacle::Kind::sealedFolder:
             return fmt::format("{} can't be moved: nothing may be taken out of {} ({}).", name, place,
                                systemErrorText(obstacle->errorNumber));
-        case Files::RemovalObstacle::Kind::unreadable:
+        case TreeObstacle::Kind::lockedItem:
+            return fmt::format("{} can't be moved: {} is locked ({}).", name, place,
+                               systemErrorText(obstacle->errorNumber));
+        case TreeObstacle::Kind::foreignItem:
+            return fmt::format(
+                "{} can't be moved: {} belongs to another user, and only its owner may take it away ({}).", name, place,
+                systemErrorText(obstacle->errorNumber));
+        case TreeObstacle::Kind::socket:
+            return fmt::format("{} can't be moved: {} is a socket, which no copy can hold.", name, place);
+        case TreeObstacle::Kind::unreadable:
             break;
     }
     return fmt::format("{} can't be moved as a whole: {} can't be read ({}).", name, place,
@@ -85,7 +94,7 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
         return fmt::format("{} is the target drive itself and can't be moved to it.", drive.name);
     if (auto refusal = bySystem(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
-    return byContents(folder);
+    return byContents(folder, TreeObstacle::toMove(folder));
 }
 
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target) {
@@ -100,7 +109,7 @@ std::optional<std::string> ofRestore(const Host& host, const fs::path& link, con
         if (item && parent && item->device != parent->device)
             return fmt::format("{} is a whole volume and can't be moved.", target.native());
     }
-    return byContents(resolved);
+    return byContents(resolved, TreeObstacle::toRemoval(resolved));
 }
 
 }  // namespace tarvik::MoveRefusal

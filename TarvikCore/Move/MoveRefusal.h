@@ -11,8 +11,8 @@
 namespace tarvik::MoveRefusal {
 
 /// Why `folder`, which must exist and be standardized, may not move to `drive`, as one sentence for the user; nothing
-/// when it may. Looks at the tree's folders for mounted volumes and for what could not be removed, so it blocks; any
-/// thread.
+/// when it may. Looks at every item for mounted volumes, for sockets and for what could not be removed, so it blocks;
+/// any thread.
 std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive);
 
 /// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a

@@ -72,13 +72,22 @@ std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& s
 }
 
 /// What is done with the copy when a move ends in its middle.
-void giveUpCopy(const Host& host, const fs::path& source, const fs::path& destination, bool isOriginalWhole) {
+Disposal::Outcome giveUpCopy(const Host& host, const fs::path& source, const fs::path& destination,
+                             bool isOriginalWhole) {
     // The original could not even be put back: its link leads to the copy, which is all that works.
-    if (Files::linkText(source) == destination) return;
-    if (MoverStasher::stash(host, destination)) return;
+    if (Files::linkText(source) == destination) return {Disposal::Outcome::End::stayed, destination};
+    const auto outcome = MoverStasher::stash(host, destination);
     // A drive that is full takes no folder to set things aside in. The copy must neither fill it nor keep the next move
     // from the place. When part of the original is gone, it stays wherever it is.
-    if (isOriginalWhole) ignoringFailure([&] { Files::removeItem(destination); });
+    if (outcome.end == Disposal::Outcome::End::stayed && isOriginalWhole)
+        ignoringFailure([&] { Files::removeItem(destination); });
+    return outcome;
+}
+
+/// Where the copy is, of which the original may have only a part by now.
+std::string whereabouts(const Disposal::Outcome& copy) {
+    if (copy.end == Disposal::Outcome::End::trashed) return "The complete copy is in the Trash.";
+    return fmt::format("The complete copy is {}.", copy.place.native());
 }
 
 void replaceByLink(const Host& host, const fs::path& source, const fs::path& destination,
@@ -88,6 +97,8 @@ void replaceByLink(const Host& host, const fs::path& source, const fs::path& des
     } catch (const MoverError& error) {
         if (error.kind() == MoverError::Case::symlinkFailed)  // All is to be as it was before the move.
             ignoringFailure([&] { Files::removeItem(destination); });
+        throw;
+    } catch (const Files::IncompleteRemoval&) {
         throw;
     } catch (const Failure& failure) {
         throw MoverError::sourceRemoveFailed(failure.description());
@@ -153,6 +164,9 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
             throw MoverError::verifyFailed(*reason);
         status(JobStatus::linking());
         replaceByLink(host, source, destination, start);
+    } catch (const Files::IncompleteRemoval& failure) {
+        const auto copy = giveUpCopy(host, source, destination, false);
+        throw MoverError::sourceRemoveFailed(fmt::format("{}. {}", failure.description(), whereabouts(copy)));
     } catch (const MoverError& error) {
         giveUpCopy(host, source, destination, error.kind() != MoverError::Case::sourceRemoveFailed);
         throw;

@@ -1,6 +1,5 @@
 #include "Move/MoverStasher.h"
 
-#include "Move/Disposal.h"
 #include "Platform/Files.h"
 
 #include <fmt/format.h>
@@ -9,8 +8,8 @@
 
 namespace tarvik::MoverStasher {
 
-bool stash(const Host& host, const fs::path& path) {
-    if (!Files::exists(path)) return true;
+Disposal::Outcome stash(const Host& host, const fs::path& path) {
+    if (!Files::exists(path)) return {};
     const auto sinceEpoch = host.now().time_since_epoch();
     return Disposal::dispose(host, path,
                              fmt::format("-{}", std::chrono::floor<std::chrono::seconds>(sinceEpoch).count()));

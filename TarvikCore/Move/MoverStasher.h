@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Move/Disposal.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
@@ -7,7 +8,6 @@
 namespace tarvik::MoverStasher {
 
 /// Never fails: what can be moved nowhere stays where it is. Nothing happens when nothing stands at `path`. Any thread.
-/// @returns whether nothing of it is left at `path`.
-bool stash(const Host& host, const fs::path& path);
+Disposal::Outcome stash(const Host& host, const fs::path& path);
 
 }  // namespace tarvik::MoverStasher

@@ -3,6 +3,7 @@
 #include "Move/HiddenPlace.h"
 #include "Move/MoverError.h"
 #include "Platform/Files.h"
+#include "Platform/TreeObstacle.h"
 
 #include <fmt/format.h>
 
@@ -27,13 +28,15 @@ std::optional<std::string> reasonToKeep(const Host& host, const fs::path& origin
 void onBehalfOf(const fs::path& original, const std::function<void()>& step) {
     try {
         step();
+    } catch (const Files::IncompleteRemoval& error) {
+        throw Files::IncompleteRemoval("remove", original, error.code());
     } catch (const FileError& error) {
         throw FileError("remove", original, error.code());
     }
 }
 
 void requireNoObstacle(const fs::path& original) {
-    if (const auto obstacle = Files::removalObstacle(original)) throw obstacle->error();
+    if (const auto obstacle = TreeObstacle::toRemoval(original)) throw obstacle->error();
 }
 
 /// Both callbacks are given by who knows what stands in the original's place meanwhile.
@@ -50,7 +53,7 @@ void removeBy(const Host& host, const fs::path& original, const fs::path& aside,
     onBehalfOf(original, putAside);
     try {
         requireUnchanged(aside);
-        onBehalfOf(original, [&] { Files::removeItem(aside); });
+        onBehalfOf(original, [&] { Files::removeItem(aside, Files::Obstacles::knownToBeNone); });
     } catch (const Failure& failure) {
         try {
             putBack();

@@ -10,7 +10,8 @@
 ///
 /// Both operations block; any thread. `start` was marked before the copy began. Both throw
 /// - MoverError verifyFailed when the original was changed meanwhile: it stands in its place, whole;
-/// - FileError when it could not be removed: what is left of it stands in its place;
+/// - FileError when it could not be removed: what is left of it stands in its place. When that is not all of it, the
+///   FileError is a Files::IncompleteRemoval;
 /// - another Failure, which names the hidden place, when it could not even be put back.
 namespace tarvik::OriginalRemoval {
 

@@ -72,25 +72,17 @@ bool claim(const fs::path& path, ItemType type);
 void createSymbolicLink(const fs::path& link, const fs::path& target);
 /// Removes a symbolic link. @throws FileError also when something else stands there, which stays.
 void removeLink(const fs::path& link);
-/// What keeps an item from being removed as a whole.
-struct RemovalObstacle {
-    enum class Kind {
-        mountedVolume,  ///< another volume is mounted at `path`
-        sealedFolder,   ///< nothing may be taken out of the folder at `path`
-        unreadable,     ///< the folder at `path` cannot be listed
-    };
-    Kind kind;
-    fs::path path;
-    int errorNumber;
-
-    /// The failure of a removal that meets it.
-    FileError error() const;
+/// Whether a removal first looks for what would stop it in its middle, or the caller has just done so.
+enum class Obstacles { lookedFor, knownToBeNone };
+/// A removal that failed in its middle: a part of the item has gone.
+class IncompleteRemoval : public FileError {
+public:
+    using FileError::FileError;
 };
-/// Why an item could not be removed as a whole, found out before anything is. Nothing when no obstacle can be seen.
-std::optional<RemovalObstacle> removalObstacle(const fs::path& path);
-/// Removes an item, a folder with its contents, through directory handles and without following links. Removes nothing
-/// when there is a `removalObstacle`.
-void removeItem(const fs::path& path);
+/// Removes an item, a folder with its contents, through directory handles and without following links; what is mounted
+/// inside is never entered. Removes nothing of a tree in which it finds a `TreeObstacle`.
+/// @throws FileError, and that is an IncompleteRemoval when something has been removed.
+void removeItem(const fs::path& path, Obstacles obstacles = Obstacles::lookedFor);
 /// Renames within one volume and never replaces what stands at `to`.
 /// @throws FileError with EEXIST when `to` is taken, with EXDEV when `to` is on another volume.
 void rename(const fs::path& from, const fs::path& to);

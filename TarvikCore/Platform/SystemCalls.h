@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <ctime>
 #include <sys/stat.h>
+#include <sys/types.h>
 
 /// The few calls that POSIX leaves out and every system has in its own form. They give 0 or an errno value.
 namespace tarvik::SystemCalls {
@@ -16,8 +17,19 @@ int renameExclusively(const fs::path& from, const fs::path& to);
 int exchangeNames(const fs::path& first, const fs::path& second);
 /// Waits until everything written to the volume that holds `path` has reached the drive.
 int flushVolume(const fs::path& path);
-/// Whether `name` in the open folder is the top folder of a mounted volume.
-bool isMountPoint(int folderHandle, const char* name);
+/// What stands between an item and its removal, beside the permissions of its folder.
+struct ItemGuard {
+    mode_t mode = 0;
+    uid_t owner = 0;
+    /// Something else is mounted there: a volume's top folder or, where the system has that, a file shown twice.
+    bool isMountPoint = false;
+    /// A flag of the file system lets nobody remove it, nor anything in it.
+    bool isLocked = false;
+};
+/// The item itself, a link not followed.
+int readGuard(int folderHandle, const char* name, ItemGuard& guard);
+/// Whether the calling thread may remove what belongs to others even from a folder with the sticky bit.
+bool mayRemoveOthersItems();
 /// Whether the item carries the system's hidden flag, whatever its name.
 bool hasHiddenFlag(int folderHandle, const char* name);
 /// When the item's content or its status last changed. POSIX.1-2008 names the field, but not every system does.

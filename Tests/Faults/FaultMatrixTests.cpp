@@ -85,6 +85,10 @@ void expectKnownState(const FaultWorld& world, Act act, const Fault& fault, cons
     const bool mayLeaveALink = act == Act::restore && (fault.call == "unlink" || fault.call == "unlinkat");
     if (result.status == 0) return expectDone(world, act, mayLeaveALink);
     EXPECT_EQ(result.status, 1);
+    // Only the copy is complete then, and the user must be told where it is.
+    if (world.places().home == Stand::part) {
+        EXPECT_THAT(result.stderr, testing::HasSubstr(" The complete copy is "));
+    }
     const auto end = endToldBy(result.stderr, knownEnds(act));
     ASSERT_TRUE(end) << "no known way to fail";
     expectEnd(world, *end);

@@ -2,6 +2,7 @@
 #include "Move/MoveRefusal.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -10,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarvik::test {
 
@@ -188,6 +191,28 @@ TEST_F(FolderMove, RefusesAFolderWithAVolumeMountedInside) {
     const RealVolume inside = RealVolume::memory(world.home / "Music", 1'000'000);
     EXPECT_EQ(refusal(world.home / "Music"),
               "Music can't be moved: another volume is mounted at " + inside.path().native() + ".");
+}
+
+TEST_F(FolderMove, RefusesAFolderWithASocket) {
+    makeFile(world.home / "Music/song");
+    makePipe(world.home / "Music/pipe");
+    makeSocket(world.home / "Music/deep/player");
+    EXPECT_EQ(refusal(world.home / "Music"), "Music can't be moved: " + (world.home / "Music/deep/player").native() +
+                                                 " is a socket, which no copy can hold.");
+    // On the way back it is only left behind.
+    makeLink(world.home / "link", world.home / "Music");
+    EXPECT_EQ(refusalOfRestore(world.home / "link"), "planned");
+}
+
+TEST_F(FolderMove, RefusesAFolderWithSomeoneElsesItem) {
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
+    makeFile(world.home / "Music/shared/song");
+    for (const fs::path& folder : {world.home, world.home / "Music"}) fs::permissions(folder, fs::perms::all);
+    ASSERT_EQ(::chmod((world.home / "Music/shared").c_str(), 01777), 0);
+    const OrdinaryUser user(world.folder.path());
+    EXPECT_EQ(MoveRefusal::ofFolder(world.host, world.home / "Music", world.driveInfo()),
+              "Music can't be moved: " + (world.home / "Music/shared/song").native() +
+                  " belongs to another user, and only its owner may take it away (Operation not permitted).");
 }
 
 TEST_F(FolderMove, FindsWhatALinkWouldBringBack) {

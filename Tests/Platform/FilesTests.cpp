@@ -1,4 +1,5 @@
 #include "Platform/Files.h"
+#include "Platform/TreeObstacle.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
@@ -146,7 +147,7 @@ TEST(Files, RefusesToRemoveATreeWithAFolderThatMayNotBeEmptied) {
         fs::permissions(folder / "tree", fs::perms::all);
         fs::permissions(folder / "tree/lockedButEmpty", fs::perms::owner_read);
         ASSERT_EQ(::seteuid(65534), 0);
-        const auto obstacle = Files::removalObstacle(folder / "tree");
+        const auto obstacle = TreeObstacle::toRemoval(folder / "tree");
         EXPECT_THROW(Files::removeItem(folder / "tree"), FileError);
         ASSERT_EQ(::seteuid(0), 0);
         ASSERT_TRUE(obstacle);
@@ -163,7 +164,7 @@ TEST(Files, RefusesToRemoveFromAFolderThatMayNotBeWrittenTo) {
     fs::permissions(folder.path(), fs::perms::all);
     fs::permissions(folder / "opt/app", fs::perms::all);
     ASSERT_EQ(::seteuid(65534), 0);
-    const auto obstacle = Files::removalObstacle(folder / "opt/app");
+    const auto obstacle = TreeObstacle::toRemoval(folder / "opt/app");
     EXPECT_THROW(Files::removeItem(folder / "opt/app"), FileError);
     ASSERT_EQ(::seteuid(0), 0);
     ASSERT_TRUE(obstacle);

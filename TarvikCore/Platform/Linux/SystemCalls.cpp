@@ -3,9 +3,12 @@
 #include "Platform/FileDescriptor.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace tarvik::SystemCalls {
@@ -47,11 +50,25 @@ int flushVolume(const fs::path& path) {
     return resultOf(::syncfs(item.get()));
 }
 
-bool isMountPoint(int folderHandle, const char* name) {
+int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
+    constexpr std::uint64_t locks = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
     struct statx status {};
-    const bool isKnown = ::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE, &status) == 0 &&
-                         (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
-    return isKnown ? (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 : isOnAnotherDevice(folderHandle, name);
+    if (::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_MODE | STATX_UID,
+                &status) != 0)
+        return errno;
+    const bool isMountKnown = (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
+    guard = {.mode = status.stx_mode,
+             .owner = status.stx_uid,
+             .isMountPoint = isMountKnown ? (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0
+                                          : S_ISDIR(status.stx_mode) && isOnAnotherDevice(folderHandle, name),
+             .isLocked = (status.stx_attributes & locks) != 0};
+    return 0;
+}
+
+bool mayRemoveOthersItems() {
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct rights[_LINUX_CAPABILITY_U32S_3]{};
+    return ::syscall(SYS_capget, &header, rights) == 0 && (rights[0].effective & (1U << CAP_FOWNER)) != 0;
 }
 
 bool hasHiddenFlag(int, const char*) {

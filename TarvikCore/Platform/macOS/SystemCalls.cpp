@@ -19,6 +19,14 @@ int resultOf(int callResult) {
     return callResult == 0 ? 0 : errno;
 }
 
+bool isOnAnotherDevice(int folderHandle, const char* name) {
+    const FileDescriptor item(::openat(folderHandle, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat own {};
+    struct stat above {};
+    if (!item || ::fstat(item.get(), &own) != 0 || ::fstatat(item.get(), "..", &above, 0) != 0) return false;
+    return own.st_dev != above.st_dev;
+}
+
 }  // namespace
 
 int renameExclusively(const fs::path& from, const fs::path& to) {
@@ -40,12 +48,19 @@ int flushVolume(const fs::path& path) {
     return resultOf(::sync_volume_np(volume.f_mntonname, SYNC_VOLUME_FULLSYNC | SYNC_VOLUME_WAIT));
 }
 
-bool isMountPoint(int folderHandle, const char* name) {
-    const FileDescriptor item(::openat(folderHandle, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    struct stat own {
-    }, above{};
-    if (!item || ::fstat(item.get(), &own) != 0 || ::fstatat(item.get(), "..", &above, 0) != 0) return false;
-    return own.st_dev != above.st_dev;
+int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
+    constexpr std::uint32_t locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND | SF_RESTRICTED | SF_NOUNLINK;
+    struct stat status {};
+    if (::fstatat(folderHandle, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+    guard = {.mode = status.st_mode,
+             .owner = status.st_uid,
+             .isMountPoint = S_ISDIR(status.st_mode) && isOnAnotherDevice(folderHandle, name),
+             .isLocked = (status.st_flags & locks) != 0};
+    return 0;
+}
+
+bool mayRemoveOthersItems() {
+    return ::geteuid() == 0;
 }
 
 bool hasHiddenFlag(int folderHandle, const char* name) {

@@ -14,10 +14,10 @@ namespace {
 constexpr unsigned long ext4Shutdown = _IOR('X', 125, std::uint32_t);
 constexpr std::uint32_t withoutFlushing = 2;
 
-bool setsImmutable(const FileDescriptor& item, bool isImmutable) {
+bool setsFlag(const FileDescriptor& item, int flag, bool isSet) {
     int flags = 0;
     if (::ioctl(item.get(), FS_IOC_GETFLAGS, &flags) != 0) return false;
-    flags = isImmutable ? flags | FS_IMMUTABLE_FL : flags & ~FS_IMMUTABLE_FL;
+    flags = isSet ? flags | flag : flags & ~flag;
     return ::ioctl(item.get(), FS_IOC_SETFLAGS, &flags) == 0;
 }
 
@@ -30,12 +30,14 @@ void failDrive(const fs::path& volume) {
         throw std::runtime_error("cannot make fail " + volume.native());
 }
 
-Immutable::Immutable(const fs::path& file) : m_file(::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC)) {
-    if (!m_file || !setsImmutable(m_file, true)) throw std::runtime_error("cannot make immutable " + file.native());
+Flagged::Flagged(const fs::path& item, FileFlag flag)
+    : m_item(::open(item.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC)),
+      m_flag(flag == FileFlag::immutable ? FS_IMMUTABLE_FL : FS_APPEND_FL) {
+    if (!m_item || !setsFlag(m_item, m_flag, true)) throw std::runtime_error("cannot set a flag of " + item.native());
 }
 
-Immutable::~Immutable() {
-    setsImmutable(m_file, false);
+Flagged::~Flagged() {
+    setsFlag(m_item, m_flag, false);
 }
 
 }  // namespace tarvik::test

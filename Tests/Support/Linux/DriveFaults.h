@@ -10,16 +10,20 @@ namespace tarvik::test {
 /// a drive does that was pulled out.
 void failDrive(const fs::path& volume);
 
-/// Nobody may change or remove the file while this lives, whatever its permissions say.
-class Immutable {
+/// What a file system can forbid, whatever the permissions say: every change, or all but additions.
+enum class FileFlag { immutable, appendOnly };
+
+/// A file or a folder with a flag, for as long as this lives. Nobody may remove it, nor anything in it.
+class Flagged {
 public:
-    explicit Immutable(const fs::path& file);
-    ~Immutable();
-    Immutable(const Immutable&) = delete;
-    Immutable& operator=(const Immutable&) = delete;
+    Flagged(const fs::path& item, FileFlag flag);
+    ~Flagged();
+    Flagged(const Flagged&) = delete;
+    Flagged& operator=(const Flagged&) = delete;
 
 private:
-    FileDescriptor m_file;
+    FileDescriptor m_item;
+    int m_flag;
 };
 
 }  // namespace tarvik::test
