@@ -107,7 +107,8 @@ Host Host::rootedAt(const fs::path& root, const fs::path& home) {
 
 Host Host::fromOptions(const std::optional<fs::path>& root, const std::optional<fs::path>& home) {
     const fs::path realRoot = root ? realFolder(*root, "root") : fs::path("/");
-    if (realRoot == "/") return thisMachine(home ? std::optional(realFolder(*home, "home folder")) : std::nullopt);
+    // A home folder that is not there would come into being with the first record that is written.
+    if (realRoot == "/") return thisMachine(realFolder(home.value_or(homeOfUser()), "home folder"));
     return rootedAt(realRoot, home ? realFolder(*home, "home folder") : onlyHomeOf(realRoot));
 }
 

@@ -41,7 +41,7 @@ struct Host {
     static Host rootedAt(const fs::path& root, const fs::path& home);
     /// What a program's --root and --home name: without a root (or with "/") this machine; with one, `home` defaults to
     /// the only folder under its `Users`, where `Shared` and hidden ones do not count. Links in both are resolved.
-    /// @throws Failure when `root` is no folder or the home cannot be told.
+    /// @throws Failure when `root` or the home is no folder or the home cannot be told.
     static Host fromOptions(const std::optional<fs::path>& root, const std::optional<fs::path>& home);
 
     /// Makes every tool that this program starts from now on work on this machine too. A program calls it once, while

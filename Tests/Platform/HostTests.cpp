@@ -146,6 +146,9 @@ TEST(Host, RefusesAHomeThatIsNotThere) {
     const std::string expected = "The home folder " + (world / "gone").native() + " does not exist.";
     EXPECT_EQ(refusalOf(world.path(), world / "gone"), expected);
     EXPECT_EQ(refusalOf(std::nullopt, world / "gone"), expected);
+    const EnvironmentVariable home("HOME", (world / "gone").native());
+    EXPECT_EQ(refusalOf(std::nullopt), expected);
+    EXPECT_EQ(refusalOf("/"), expected);
     makeFile(world / "file");
     EXPECT_EQ(refusalOf(world.path(), world / "file"),
               "The home folder " + (world / "file").native() + " is not a folder.");
