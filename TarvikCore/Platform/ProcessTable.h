@@ -29,5 +29,15 @@ std::vector<Process> processes();
 /// has ended, and for this process and the system's first. The check leaves no gap where the system has a handle for a
 /// process; elsewhere the identifier would have to be given to another process within an instant.
 void send(int signal, pid_t identifier, std::uint64_t startTime);
+/// Whether a process may be told to end: neither the system's first nor this one.
+bool mayBeTold(pid_t identifier);
+
+/// The process that started it, or has taken it over since; 0 when it has ended.
+pid_t parentOf(pid_t identifier);
+/// The path of its program, links resolved, or of what it was called by when the system does not tell more; empty when
+/// nothing is known.
+fs::path programOf(pid_t identifier);
+/// This process, its parent, the parent of that one, and so on, without the system's first.
+std::vector<pid_t> lineage();
 
 }  // namespace tarvik::ProcessTable

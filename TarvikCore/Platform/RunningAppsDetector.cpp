@@ -2,8 +2,12 @@
 
 #include "Platform/CommandRunner.h"
 #include "Platform/Files.h"
+#include "Platform/ProcessTable.h"
 #include "Platform/RunningApplications.h"
 #include "Platform/Text.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <optional>
@@ -24,10 +28,10 @@ constexpr std::chrono::milliseconds pause{200};
 
 /// What the process list prints, wherever this program was started from; nothing when it cannot be run or its output is
 /// no text.
-std::string processList(const Host& host) {
+std::string processList(const Host& host, const std::vector<std::string>& arguments = {"-axo", "comm,args"}) {
     // The tool cuts its lines to COLUMNS, and most locales but this one turn names into question marks.
     const EnvironmentChange change = {{"COLUMNS", std::nullopt}, {"LC_ALL", "C.UTF-8"}};
-    return CommandRunner::run(host.tools.ps, {"-axo", "comm,args"}, std::nullopt, change).stdout;
+    return CommandRunner::run(host.tools.ps, arguments, std::nullopt, change).stdout;
 }
 
 /// The lines of a text that are not empty, as views into it.
@@ -39,6 +43,14 @@ std::vector<std::string_view> linesOf(std::string_view text) {
         if (!line.empty()) lines.push_back(line);
     }
     return lines;
+}
+
+/// The text with each run of spaces as one: columns are padded to their widest entry.
+std::string withoutPadding(std::string_view line) {
+    std::string text(line);
+    const auto areSpaces = [](char left, char right) { return left == ' ' && right == ' '; };
+    text.erase(std::unique(text.begin(), text.end(), areSpaces), text.end());
+    return text;
 }
 
 /// How much of the beginning of `text` is one character of white space, in bytes; 0 when it is something else.
@@ -114,9 +126,25 @@ std::set<fs::path> bundlePathsIn(const std::vector<std::string_view>& lines) {
     return bundles;
 }
 
+std::vector<std::string_view> linesWithout(std::vector<std::string_view> lines,
+                                           const std::vector<std::string_view>& others) {
+    std::multiset<std::string> left;
+    for (const std::string_view other : others) left.insert(withoutPadding(other));
+    std::erase_if(lines, [&](std::string_view line) {
+        const auto found = left.find(withoutPadding(line));
+        if (found == left.end()) return false;
+        left.erase(found);
+        return true;
+    });
+    return lines;
+}
+
 std::set<fs::path> bundlePaths(const Host& host) {
     const std::string list = processList(host);
-    std::set<fs::path> bundles = bundlePathsIn(linesOf(list));
+    const auto lineage = ProcessTable::lineage();
+    const std::string own = processList(host, {"-o", "comm,args", "-p", fmt::format("{}", fmt::join(lineage, ","))});
+    std::set<fs::path> bundles = bundlePathsIn(linesWithout(linesOf(list), linesOf(own)));
+    for (const pid_t process : lineage) bundles.merge(bundlePathsIn({ProcessTable::programOf(process).native()}));
     for (const auto& application : host.runningApplications->running())
         bundles.insert(Files::standardized(application.bundlePath));
     return bundles;

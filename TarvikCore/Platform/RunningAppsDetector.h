@@ -15,8 +15,9 @@
 /// Blocks; never throws. Call it from background work.
 namespace tarvik::RunningAppsDetector {
 
-/// All bundles that are in use now, standardized. A path in a process's arguments counts as well. Whoever has several
-/// bundles to test takes the set once.
+/// All bundles that are in use now, standardized. A path in a process's arguments counts as well, but not in those of
+/// this process and of the ones that started it: they name what they are asked to move, and count only for the bundles
+/// that their programs stand in. Whoever has several bundles to test takes the set once.
 std::set<fs::path> bundlePaths(const Host& host);
 /// Whether the bundle at exactly this path, standardized, is in use.
 bool isRunning(const Host& host, const fs::path& bundlePath);
@@ -38,5 +39,9 @@ bool quit(const Host& host, const fs::path& bundlePath, bool force, std::chrono:
 /// mark that ends in ".app", where "/Contents/", white space or the end of the line follows. A line is read on behind
 /// what followed.
 std::set<fs::path> bundlePathsIn(const std::vector<std::string_view>& lines);
+
+/// `lines` without one line for each of `others`, however wide the columns of either list are. Pure.
+std::vector<std::string_view> linesWithout(std::vector<std::string_view> lines,
+                                           const std::vector<std::string_view>& others);
 
 }  // namespace tarvik::RunningAppsDetector

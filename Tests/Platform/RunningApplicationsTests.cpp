@@ -1,4 +1,5 @@
 #include "Platform/ProcessTable.h"
+#include "Platform/ProgramLocation.h"
 #include "Platform/RunningApplications.h"
 #include "RunningBundle.h"
 #include "Support/TemporaryFolder.h"
@@ -16,8 +17,10 @@ using test::makeScript;
 using test::runSleeperIn;
 using test::runStubbornSleeperIn;
 using test::TemporaryFolder;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::UnorderedElementsAre;
 
 /// The processes that run from inside the bundles of a folder.
@@ -145,6 +148,17 @@ TEST(ProcessTable, HasEveryProcessButThisOneAndTheFirst) {
     EXPECT_EQ(found->workingFolder, fs::current_path());
     EXPECT_GT(found->startTime, 0U);
     for (const auto& process : processes) EXPECT_TRUE(process.identifier > 1 && process.identifier != ::getpid());
+}
+
+TEST(ProcessTable, TellsWhatStartedThisProcess) {
+    const auto lineage = ProcessTable::lineage();
+    ASSERT_GE(lineage.size(), 2U);
+    EXPECT_EQ(lineage[0], ::getpid());
+    EXPECT_EQ(lineage[1], ::getppid());
+    EXPECT_EQ(ProcessTable::programOf(lineage[0]), ProgramLocation::folder() / "core-tests");
+    EXPECT_THAT(lineage, Not(Contains(1)));
+    EXPECT_EQ(ProcessTable::parentOf(0x7FFFFFFF), 0);
+    EXPECT_EQ(ProcessTable::programOf(0x7FFFFFFF), "");
 }
 
 /// When this process began, as another one sees it.

@@ -11,6 +11,7 @@
 #include <random>
 #include <regex>
 #include <string>
+#include <unistd.h>
 
 namespace tarvik {
 namespace {
@@ -117,6 +118,28 @@ TEST(RunningAppsDetector, ReadsLinesAsTheExpressionDoes) {
             expected.insert(Files::standardized((*match)[1].str()));
         ASSERT_EQ(in(line), expected) << line;
     }
+}
+
+TEST(RunningAppsDetector, TakesALineAwayForEachOfItsOwn) {
+    const auto without = RunningAppsDetector::linesWithout;
+    EXPECT_THAT(without({"COMM    ARGS", "sh      sh /A/One.app", "vi      vi /A/One.app"},
+                        {"COMM ARGS", "sh   sh /A/One.app"}),
+                ElementsAre("vi      vi /A/One.app"));
+    EXPECT_THAT(without({"sh sh /A/One.app", "sh sh /A/One.app"}, {"sh sh /A/One.app"}), SizeIs(1))
+        << "another one does the same";
+    EXPECT_THAT(without({"sh sh /A/One.app x", "xsh sh /A/One.app"}, {"sh sh /A/One.app"}), SizeIs(2));
+    EXPECT_THAT(without({"a", "b"}, {}), SizeIs(2));
+    EXPECT_THAT(without({}, {"a"}), IsEmpty());
+}
+
+TEST(RunningAppsDetector, DoesNotTakeItselfForTheApplicationThatItNames) {
+    Listed world("sh      sh /A/One.app\nvi      vi /B/Two.app\n");
+    const fs::path list = world.folder / "list";
+    world.host.tools.ps = world.tool("ps", "case $1 in -axo) cat '" + list.native() + "';; -o) echo \"$*\" > '" +
+                                               list.native() + ".asked'; echo 'sh sh /A/One.app';; esac");
+    EXPECT_EQ(RunningAppsDetector::bundlePaths(world.host), Bundles{"/B/Two.app"});
+    EXPECT_THAT(test::contentOf(list.native() + ".asked"),
+                testing::StartsWith("-o comm,args -p " + std::to_string(::getpid())));
 }
 
 TEST(RunningAppsDetector, TakesTheProcessListAndTheListOfApplicationsTogether) {

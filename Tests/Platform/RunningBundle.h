@@ -25,18 +25,23 @@ inline void makeScript(const fs::path& path, const std::string& interpreter) {
     fs::permissions(path, fs::perms::owner_all);
 }
 
-/// Runs a program that is the only one of its path, and waits until the process table tells its arguments too: they
-/// come a moment after the program has taken its place.
-inline ChildProcess runTold(const fs::path& program, const std::vector<std::string>& arguments) {
-    ChildProcess child = ChildProcess::start(program, arguments);
+/// Waits until the process table tells the arguments of a program that is the only one of its path: they come a moment
+/// after the program has taken its place.
+inline void waitUntilTold(const fs::path& program) {
     const auto isTold = [&](const ProcessTable::Process& process) {
         return process.executable == program && !process.arguments.empty();
     };
     for (int looks = 0; looks < 1000; ++looks) {
         const auto processes = ProcessTable::processes();
-        if (std::any_of(processes.begin(), processes.end(), isTold)) break;
+        if (std::any_of(processes.begin(), processes.end(), isTold)) return;
         ::usleep(10'000);
     }
+}
+
+/// Runs such a program and waits for that.
+inline ChildProcess runTold(const fs::path& program, const std::vector<std::string>& arguments) {
+    ChildProcess child = ChildProcess::start(program, arguments);
+    waitUntilTold(program);
     return child;
 }
 

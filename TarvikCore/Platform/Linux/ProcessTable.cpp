@@ -19,7 +19,10 @@ namespace tarvik::ProcessTable {
 namespace {
 
 constexpr std::string_view table = "/proc";
-constexpr pid_t firstProcess = 1;
+
+/// The places of two fields in a process's status line, counted behind its name.
+constexpr int parentField = 1;
+constexpr int startTimeField = 19;
 
 template <typename Number>
 std::optional<Number> numberOf(std::string_view text) {
@@ -40,22 +43,26 @@ std::string contentOf(const fs::path& file) {
     return content;
 }
 
-/// The 22nd field of the status line, in clock ticks since the system began. The second is the program's name in
-/// parentheses, which may hold spaces and parentheses of its own.
-std::optional<std::uint64_t> startTimeOf(pid_t identifier) {
-    constexpr int fieldsAfterName = 20;
+/// A field of the status line. The name in it stands in parentheses, and may hold spaces and parentheses of its own.
+template <typename Number>
+std::optional<Number> statusField(pid_t identifier, int place) {
     const std::string content = contentOf(folderOf(identifier) / "stat");
     const std::size_t nameEnd = content.rfind(')');
     if (nameEnd == std::string::npos) return std::nullopt;
     std::string_view rest = std::string_view(content).substr(nameEnd + 1);
     std::string_view field;
-    for (int index = 0; index < fieldsAfterName; ++index) {
+    for (int index = 0; index <= place; ++index) {
         if (rest.empty()) return std::nullopt;
         rest.remove_prefix(1);
         field = rest.substr(0, rest.find(' '));
         rest.remove_prefix(field.size());
     }
-    return numberOf<std::uint64_t>(field);
+    return numberOf<Number>(field);
+}
+
+/// In clock ticks since the system began.
+std::optional<std::uint64_t> startTimeOf(pid_t identifier) {
+    return statusField<std::uint64_t>(identifier, startTimeField);
 }
 
 /// The arguments, each ended by a NUL.
@@ -88,10 +95,6 @@ bool sendThrough(const FileDescriptor& handle, int signal) {
     return ::syscall(SYS_pidfd_send_signal, handle.get(), signal, nullptr, 0U) == 0;
 }
 
-bool mayBeTold(pid_t identifier) {
-    return identifier > firstProcess && identifier != ::getpid();
-}
-
 }  // namespace
 
 std::vector<Process> processes() {
@@ -107,6 +110,17 @@ std::vector<Process> processes() {
                           Files::linkText(folderOf(*identifier) / "cwd").value_or(fs::path())});
     }
     return result;
+}
+
+pid_t parentOf(pid_t identifier) {
+    return statusField<pid_t>(identifier, parentField).value_or(0);
+}
+
+fs::path programOf(pid_t identifier) {
+    // Where another user's program is hidden, its arguments are not.
+    if (auto executable = executableOf(identifier)) return std::move(*executable);
+    const auto arguments = argumentsOf(identifier);
+    return arguments.empty() ? fs::path() : fs::path(arguments.front());
 }
 
 void send(int signal, pid_t identifier, std::uint64_t startTime) {

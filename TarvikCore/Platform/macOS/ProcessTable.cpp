@@ -11,14 +11,11 @@
 #include <string>
 #include <sys/proc_info.h>
 #include <sys/sysctl.h>
-#include <unistd.h>
 #include <vector>
 
 namespace tarvik::ProcessTable {
 
 namespace {
-
-constexpr pid_t firstProcess = 1;
 
 /// In microseconds since 1970.
 std::optional<std::uint64_t> startTimeOf(pid_t identifier) {
@@ -73,10 +70,6 @@ std::vector<pid_t> identifiers() {
     return result;
 }
 
-bool mayBeTold(pid_t identifier) {
-    return identifier > firstProcess && identifier != ::getpid();
-}
-
 }  // namespace
 
 std::vector<Process> processes() {
@@ -90,6 +83,17 @@ std::vector<Process> processes() {
         result.push_back({identifier, *startTime, *executable, argumentsOf(identifier), workingFolderOf(identifier)});
     }
     return result;
+}
+
+pid_t parentOf(pid_t identifier) {
+    // Unlike the long form, this one is told of every user's processes.
+    proc_bsdshortinfo info{};
+    const int size = ::proc_pidinfo(identifier, PROC_PIDT_SHORTBSDINFO, 0, &info, sizeof info);
+    return size == static_cast<int>(sizeof info) ? static_cast<pid_t>(info.pbsi_ppid) : 0;
+}
+
+fs::path programOf(pid_t identifier) {
+    return executableOf(identifier).value_or(fs::path());
 }
 
 void send(int signal, pid_t identifier, std::uint64_t startTime) {
