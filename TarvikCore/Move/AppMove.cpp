@@ -7,7 +7,6 @@
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
-#include "Platform/RunningApplications.h"
 #include "Platform/RunningAppsDetector.h"
 #include "Platform/SizeCalculator.h"
 
@@ -70,14 +69,6 @@ bool movesData(const AppEntry& entry, const Places& sources) {
                        [&](const fs::path& path) { return sources.contains(path.native()); });
 }
 
-/// Not by the process list: there the command that names an application would count as running it.
-Places runningBundles(const Host& host) {
-    Places bundles;
-    for (const auto& application : host.runningApplications->running())
-        bundles.insert(Files::standardized(application.bundlePath).native());
-    return bundles;
-}
-
 /// Where an application that has been moved stands now; nothing when its drive is not there.
 std::optional<fs::path> placeOf(const AppEntry& entry) {
     if (auto target = AppScanner::launcherShimTarget(entry.bundlePath)) return target;
@@ -117,7 +108,7 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
     Plan plan{.jobs = MovePlanner::buildAppJobs(host, movableOf(chosen), drive, includeData)};
 
     const Places sources = sourcesOf(plan.jobs);
-    const Places running = runningBundles(host);
+    const auto running = RunningAppsDetector::bundlePaths(host);
     for (const auto& entry : chosen) {
         if (entry.isAlreadySymlinked || !sources.contains(entry.bundlePath.native())) {
             const bool onlyDataMoves = !entry.isAlreadySymlinked && movesData(entry, sources);
@@ -127,7 +118,7 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
             continue;
         }
         if (isRisky(entry)) plan.risky.push_back(entry);
-        if (running.contains(Files::standardized(entry.bundlePath).native())) plan.running.push_back(entry);
+        if (running.contains(Files::standardized(entry.bundlePath))) plan.running.push_back(entry);
     }
     for (const auto& job : plan.jobs)
         if (Files::itemExists(job.destination))
