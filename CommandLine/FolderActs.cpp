@@ -26,6 +26,14 @@ void confirm(const Dialog& dialog, bool yes) {
     if (!yes && !Terminal::ask(dialog)) throw FolderMove::cancelled();
 }
 
+void confirmRestore(const FolderMove::WayBack& wayBack, bool yes) {
+    if (yes && !wayBack.isOwn)
+        throw Failure("CommandLine", 1,
+                      FolderMove::foreign(wayBack.link) +
+                          " Leave out --yes and answer the question to bring back what it leads to.");
+    confirm(FolderMove::confirmRestore(wayBack), yes);
+}
+
 /// How an act ended, for a program to read.
 struct Outcome {
     std::string label;
@@ -54,7 +62,18 @@ void print(const Outcome& outcome, Format format) {
     Terminal::writeResult(format == Format::tsv ? tsv(record) : toml(record));
 }
 
-void printAndThrowIfFailed(const Outcome& outcome, Format format) {
+/// Runs an act, which tells in its outcome what it comes to know, and prints how it ended, also when it was refused
+/// before it began. @throws Failure when it failed, WrongUse as the act does, with nothing printed.
+template <typename Act>
+void report(Format format, const Act& act) {
+    Outcome outcome;
+    try {
+        act(outcome);
+    } catch (const WrongUse&) {
+        throw;
+    } catch (const Failure& failure) {
+        outcome.failure = failure.description();
+    }
     print(outcome, format);
     if (!outcome.failure.empty()) throw Failure("CommandLine", 1, outcome.failure);
 }
@@ -103,41 +122,43 @@ private:
 }  // namespace
 
 void move(const Host& host, const Options& options) {
-    const auto drive = DriveActs::chosen(host, options.drive, options.verb);
-    const auto plan = FolderMove::plan(host, Files::standardized(options.path), drive);
-    confirm(FolderMove::confirmMove(plan, drive), options.yes);
+    report(options.format, [&](Outcome& outcome) {
+        outcome.source = Files::standardized(options.path);
+        outcome.label = outcome.source.filename();
+        const auto drive = DriveActs::chosen(host, options.drive, options.verb);
+        const auto plan = FolderMove::plan(host, options.path, drive);
+        outcome.destination = plan.destination;
+        outcome.bytes = plan.bytesTotal;
+        confirm(FolderMove::confirmMove(plan, drive), options.yes);
 
-    WatchedJob watched(plan, ProgressDisplay::outputFor(options.format));
-    watched.run(host, drive.mountPath);
-
-    const auto& job = watched.job();
-    const auto* failed = job.status.get<JobStatus::Failed>();
-    printAndThrowIfFailed({job.label, job.source, job.destination, job.bytesTotal,
-                           failed ? failed->description : std::string(), MoveRun::summary({job}).text},
-                          options.format);
+        WatchedJob watched(plan, ProgressDisplay::outputFor(options.format));
+        watched.run(host, drive.mountPath);
+        const auto& job = watched.job();
+        outcome.bytes = job.bytesTotal;
+        outcome.sentence = FolderMove::moved(job);
+        if (const auto* failed = job.status.get<JobStatus::Failed>()) outcome.failure = failed->description;
+    });
 }
 
 void restore(const Host& host, const Options& options) {
-    const auto link = Files::standardized(options.path);
-    const auto target = FolderMove::restoreTarget(host, link);
-    confirm(FolderMove::confirmRestore(link, target), options.yes);
+    report(options.format, [&](Outcome& outcome) {
+        outcome.destination = Files::standardized(options.path);
+        outcome.label = outcome.destination.filename();
+        const auto wayBack = FolderMove::planRestore(host, options.path);
+        outcome.source = wayBack.target;
+        outcome.sentence = FolderMove::movedBack(wayBack);
+        confirmRestore(wayBack, options.yes);
 
-    const auto name = link.filename().native();
-    const std::int64_t size = SizeCalculator::size(host, target);
-    Outcome outcome{name, target, link, size, {}, FolderMove::restored(link)};
-    try {
-        ProgressDisplay display(ProgressDisplay::outputFor(options.format), name);
+        const std::int64_t size = outcome.bytes = SizeCalculator::size(host, wayBack.target);
+        ProgressDisplay display(ProgressDisplay::outputFor(options.format), outcome.label);
         const SignalGuard guard;
         // The first report comes late: until then the bar stands at its beginning.
         display.progress({0, size});
         display.step("moving back");
-        MoverEngine::restore(host, link, [&](std::int64_t copied, std::int64_t total) {
+        MoverEngine::restore(host, wayBack.link, [&](std::int64_t copied, std::int64_t total) {
             display.progress({copied, total});
         });
-    } catch (const Failure& failure) {
-        outcome.failure = failure.description();
-    }
-    printAndThrowIfFailed(outcome, options.format);
+    });
 }
 
 }  // namespace tarvik::CommandLine::FolderActs

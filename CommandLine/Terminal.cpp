@@ -71,6 +71,7 @@ bool ask(const Dialog& dialog) {
         throw Failure("CommandLine", 1, "There is no terminal to ask on: pass --yes to go ahead without a question.");
     const auto& goAhead = dialog.buttons.front();
     say(dialog.title);
+    for (const auto& detail : dialog.details) say(detail);
     say(dialog.text);
     writeMessage(fmt::format("{}? [y/N] ", goAhead));
     const auto answer = Text::caseFolded(Text::trimmed(readLine()));

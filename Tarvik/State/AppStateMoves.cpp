@@ -123,10 +123,10 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     refuseWhenBusy();
     {
         const Raised preparing(m_isPreparing);
-        const auto findTarget = [host = m_host, link] { return FolderMove::restoreTarget(host, link); };
-        const fs::path target = co_await inBackground(Priority::userInitiated, findTarget);
+        const auto plan = [host = m_host, link] { return FolderMove::planRestore(host, link); };
+        const FolderMove::WayBack wayBack = co_await inBackground(Priority::userInitiated, plan);
         if (m_isClosing) co_return;  // Nobody would answer any more.
-        const Dialog question = FolderMove::confirmRestore(link, target);
+        const Dialog question = FolderMove::confirmRestore(wayBack);
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }

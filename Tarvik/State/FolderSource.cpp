@@ -5,6 +5,7 @@
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/SizeCalculator.h"
+#include "Platform/WrittenPath.h"
 #include "State/AppState.h"
 #include "State/Background.h"
 #include "State/QmlModule.h"
@@ -32,14 +33,22 @@ void FolderSource::setPath(const FilePath& path) {
 
 void FolderSource::setUrl(const QUrl& url) {
     if (!url.isLocalFile()) {
-        clear();
-        m_findings.problem = "Only folders of this machine can be moved.";
-        emit changed();
+        refuse("Only folders of this machine can be moved.");
         return;
     }
     // Through the encoded bytes of the address, as a name need not be valid UTF-8.
     const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
-    setPath(FilePath(Files::standardized(fs::path(bytes.toStdString()))));
+    try {
+        setPath(FilePath(WrittenPath::meant(bytes.toStdString())));
+    } catch (const Failure& failure) {
+        refuse(failure.description());
+    }
+}
+
+void FolderSource::refuse(const std::string& sentence) {
+    clear();
+    m_findings.problem = sentence;
+    emit changed();
 }
 
 void FolderSource::clear() {
@@ -70,7 +79,7 @@ FolderSource::Findings FolderSource::look(const Host& host, const fs::path& path
     } else if (info->type == Files::ItemType::symbolicLink) {
         findings.isLink = true;
         try {
-            findings.target = FolderMove::restoreTarget(host, path);
+            findings.target = FolderMove::planRestore(host, path).target;
         } catch (const Failure& failure) {
             findings.problem = failure.description();
         }

@@ -70,6 +70,8 @@ private:
     static Findings look(const Host& host, const fs::path& path);
     /// No member: the object may go while a slow drive is being measured.
     static QCoro::Task<> measure(QPointer<FolderSource> source, Host host, fs::path path, Cancellation cancellation);
+    /// Shows why what the user has chosen is none.
+    void refuse(const std::string& sentence);
     const Host& host();
 
     std::optional<Host> m_host;

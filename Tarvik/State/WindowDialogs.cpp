@@ -6,6 +6,16 @@
 
 namespace tarvik {
 
+namespace {
+
+QStringList screenTexts(const std::vector<std::string>& texts) {
+    QStringList shown;
+    for (const auto& text : texts) shown.push_back(screenText(text));
+    return shown;
+}
+
+}  // namespace
+
 /// Awaited by `ask`: puts the question in line and suspends until `answer` resumes it.
 struct WindowDialogs::Answered {
     WindowDialogs& dialogs;
@@ -38,11 +48,12 @@ QString WindowDialogs::text() const {
     return isOpen() ? screenText(m_questions.front()->dialog.text) : QString();
 }
 
+QStringList WindowDialogs::details() const {
+    return isOpen() ? screenTexts(m_questions.front()->dialog.details) : QStringList();
+}
+
 QStringList WindowDialogs::buttons() const {
-    QStringList labels;
-    if (isOpen())
-        for (const auto& label : m_questions.front()->dialog.buttons) labels.push_back(screenText(label));
-    return labels;
+    return isOpen() ? screenTexts(m_questions.front()->dialog.buttons) : QStringList();
 }
 
 void WindowDialogs::answer(int button) {

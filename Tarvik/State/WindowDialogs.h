@@ -22,6 +22,8 @@ class WindowDialogs : public QObject, public Dialogs {
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY changed)
     Q_PROPERTY(QString title READ title NOTIFY changed)
     Q_PROPERTY(QString text READ text NOTIFY changed)
+    /// What stands between the two, a line each.
+    Q_PROPERTY(QStringList details READ details NOTIFY changed)
     /// The first is the default, the last is cancel.
     Q_PROPERTY(QStringList buttons READ buttons NOTIFY changed)
 
@@ -35,6 +37,7 @@ public:
     bool isOpen() const { return !m_questions.empty(); }
     QString title() const;
     QString text() const;
+    QStringList details() const;
     QStringList buttons() const;
 
     /// Answers the question that is shown. Does nothing when none is.

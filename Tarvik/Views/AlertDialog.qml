@@ -8,6 +8,11 @@ T.Popup {
 
     readonly property bool isAsked: Alerts.isOpen
 
+    /// A path's first slash stays with its name when the line breaks.
+    function unbroken(text) {
+        return text.replace(/(^|\s)\//g, "$1/\u2060");
+    }
+
     x: Math.round((parent.width - width) / 2)
     y: Math.round((parent.height - height) / 3)
     width: Theme.dialogWidth
@@ -36,10 +41,10 @@ T.Popup {
     contentItem: FocusScope {
         objectName: "alertDialog"
         focus: true
-        implicitHeight: title.height + body.contentHeight + buttonRow.height + Theme.small + Theme.huge
+        implicitHeight: title.height + Math.ceil(texts.height) + buttonRow.height + Theme.small + Theme.huge
         Accessible.role: Accessible.Dialog
         Accessible.name: Alerts.title
-        Accessible.description: Alerts.text
+        Accessible.description: Alerts.details.concat(Alerts.text).join("\n")
         Keys.onReturnPressed: event => answerOnce(event, 0)
         Keys.onEnterPressed: event => answerOnce(event, 0)
         Keys.onEscapePressed: event => answerOnce(event, Alerts.buttons.length - 1)
@@ -65,16 +70,27 @@ T.Popup {
             anchors.bottom: buttonRow.top
             anchors.bottomMargin: Theme.huge
             width: parent.width
-            contentHeight: body.contentHeight
-            Label {
-                id: body
-                objectName: "alertText"
+            contentHeight: texts.height
+            Column {
+                id: texts
                 width: parent.width
-                // A path's first slash stays with its name when the line breaks.
-                text: Alerts.text.replace(/(^|\s)\//g, "$1/\u2060")
-                wrapMode: Text.Wrap
-                color: Theme.textSecondary
-                lineHeight: 1.2
+                spacing: Theme.small
+                Label {
+                    objectName: "alertDetails"
+                    width: parent.width
+                    visible: text !== ""
+                    text: dialog.unbroken(Alerts.details.join("\n"))
+                    wrapMode: Text.Wrap
+                    lineHeight: 1.2
+                }
+                Label {
+                    objectName: "alertText"
+                    width: parent.width
+                    text: dialog.unbroken(Alerts.text)
+                    wrapMode: Text.Wrap
+                    color: Theme.textSecondary
+                    lineHeight: 1.2
+                }
             }
         }
         // The first button stands rightmost, where the hand expects what goes ahead.

@@ -3,6 +3,7 @@
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/Text.h"
+#include "Platform/WrittenPath.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -68,7 +69,7 @@ fs::path withResolvedFolder(const fs::path& path) {
 }
 
 Choices atPath(const std::vector<AppEntry>& entries, std::string_view wanted) {
-    const auto written = Files::standardized(wanted);
+    const auto written = WrittenPath::meant(wanted);
     auto choices = choicesOf(entries, [&](const AppEntry& entry) { return entry.bundlePath == written; });
     if (!choices.empty()) return choices;
 

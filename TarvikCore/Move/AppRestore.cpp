@@ -67,7 +67,7 @@ Outcome restoreAll(const Host& host, const std::vector<SymlinkEntry>& links, con
         const fs::path& place = links[index].location;
         begins(index);
         try {
-            FolderMove::restoreTarget(host, place);
+            FolderMove::planRestore(host, place);
             MoverEngine::restore(host, place, [&](std::int64_t copied, std::int64_t total) {
                 progress(index, {copied, total});
             });

@@ -2,8 +2,8 @@
 
 #include "Move/AppMove.h"
 #include "Move/BackupNames.h"
-#include "Move/DrivePresence.h"
 #include "Platform/AppStorageNames.h"
+#include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/SizeCalculator.h"
@@ -113,7 +113,7 @@ Dialog confirm(const Plan& plan) {
 
 BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress) {
     const auto& mountPath = plan.drive.mountPath;
-    if (!DrivePresence::isThere(host, mountPath)) throw failure("Target drive disconnected");
+    if (!DriveScanner::isThere(host, mountPath)) throw failure("Target drive disconnected");
     waitForFreeFolder(host, mountPath);
     const auto record = BackupService::create(host, plan.sources, mountPath, progress);
     for (const auto& source : plan.sources)

@@ -10,6 +10,8 @@ struct Dialog {
     std::string title;
     std::string text;
     std::vector<std::string> buttons;
+    /// What else is to be seen before the answer, a line each: the paths in full, and doubts.
+    std::vector<std::string> details = {};
 
     bool operator==(const Dialog&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Platform/WrittenPath.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -39,7 +40,7 @@ const DriveInfo* holderOf(const std::vector<DriveInfo>& drives, const fs::path& 
 
 const DriveInfo& named(const std::vector<DriveInfo>& drives, std::string_view wanted) {
     const bool isPath = wanted.find('/') != std::string_view::npos;
-    const auto written = isPath ? Files::standardized(wanted) : fs::path();
+    const auto written = isPath ? WrittenPath::meant(wanted) : fs::path();
     const auto path = Files::resolved(written).value_or(written);
     std::vector<const DriveInfo*> fitting;
     for (const auto& drive : drives)

@@ -1,15 +1,21 @@
 #include "Move/FolderMove.h"
 
 #include "Discovery/AppScanner.h"
+#include "Move/HealthManifest.h"
+#include "Move/MoveDialogs.h"
 #include "Move/MoveRefusal.h"
-#include "Move/MoverError.h"
 #include "Platform/AppStorageNames.h"
+#include "Platform/DriveScanner.h"
 #include "Platform/Files.h"
 #include "Platform/SizeCalculator.h"
 #include "Platform/SizingService.h"
+#include "Platform/SystemFolders.h"
+#include "Platform/WrittenPath.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace tarvik::FolderMove {
@@ -20,10 +26,44 @@ Failure refusal(std::string sentence) {
     return {"FolderMove", 0, std::move(sentence)};
 }
 
+/// The mount path of the drive that a target lies on, by the names in its path: the drive may be gone.
+std::optional<fs::path> driveOf(const Host& host, const fs::path& target) {
+    fs::path before;
+    for (const fs::path& component : target) {
+        if (component == AppStorageNames::externalRoot) return before;
+        before /= component;
+    }
+    const fs::path volumes = SystemFolders::volumes(host);
+    if (!Files::isAtOrBelow(target, volumes) || target == volumes) return std::nullopt;
+    return volumes / *target.lexically_relative(volumes).begin();
+}
+
+bool leadsToOwnFolder(const Host& host, const fs::path& target) {
+    const auto drive = driveOf(host, target);
+    const auto holdsIt = [&](std::string_view root) { return Files::isAtOrBelow(target, *drive / root); };
+    const auto& legacy = AppStorageNames::legacyExternalRoots;
+    return drive && (holdsIt(AppStorageNames::externalRoot) || std::any_of(legacy.begin(), legacy.end(), holdsIt));
+}
+
+bool isRemembered(const Host& host, const fs::path& link, const fs::path& target) {
+    const auto entries = HealthManifest::load(host);
+    return std::any_of(entries.begin(), entries.end(), [&](const HealthManifestEntry& entry) {
+        return entry.sourcePath == link && entry.destinationPath == target;
+    });
+}
+
+std::string missing(const Host& host, const fs::path& link, const fs::path& target) {
+    const auto drive = driveOf(host, target);
+    if (drive && !DriveScanner::isThere(host, *drive))
+        return fmt::format("{} is on a drive that is not connected: {}. Connect it and try again.",
+                           link.filename().native(), target.native());
+    return fmt::format("{} leads to {}, where nothing stands any more.", link.filename().native(), target.native());
+}
+
 }  // namespace
 
 MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, const Cancellation& cancellation) {
-    const fs::path source = Files::standardized(folder);
+    const fs::path source = WrittenPath::meant(folder);
     if (!Files::exists(source)) throw refusal("Source folder doesn't exist.");
     if (auto sentence = MoveRefusal::ofFolder(host, source, drive)) throw refusal(*sentence);
     const std::int64_t size = SizingService::size(host, source, cancellation);
@@ -39,25 +79,43 @@ Dialog confirmMove(const MoveJob& job, const DriveInfo& drive) {
     return {fmt::format("Move {} to {}?", job.label, drive.name),
             fmt::format("Total {}. Original location will become a symlink to {}.",
                         SizeCalculator::format(job.bytesTotal), job.destination.native()),
-            {"Move", "Cancel"}};
+            {"Move", "Cancel"},
+            {fmt::format("From {}", job.source.native())}};
 }
 
-fs::path restoreTarget(const Host& host, const fs::path& path) {
-    const fs::path link = Files::standardized(path);
+std::string moved(const MoveJob& job) {
+    return fmt::format("Moved {} to {}.", job.label, job.destination.native());
+}
+
+WayBack planRestore(const Host& host, const fs::path& path) {
+    const fs::path link = WrittenPath::meant(path);
     if (!Files::itemExists(link)) throw refusal(fmt::format("Nothing stands at {}.", link.native()));
     auto target = Files::linkText(link);
     if (!target) target = AppScanner::launcherShimTarget(link);
     if (!target)
         throw refusal(fmt::format("{} is not a symlink, so there is nothing to move back.", link.filename().native()));
-    if (!Files::exists(*target)) throw MoverError::sourceMissing();
+    if (target->is_relative())
+        throw refusal(
+            fmt::format("{} is a relative symlink, to {}: no move leaves one, so there is nothing to move back.",
+                        link.filename().native(), target->native()));
+    if (!Files::exists(*target)) throw refusal(missing(host, link, *target));
     if (auto sentence = MoveRefusal::ofRestore(host, link, *target)) throw refusal(*sentence);
-    return *target;
+    return {link, *target, leadsToOwnFolder(host, *target) || isRemembered(host, link, *target)};
 }
 
-Dialog confirmRestore(const fs::path& link, const fs::path& target) {
-    return {fmt::format("Move {} back?", link.filename().native()),
-            fmt::format("Moves the contents back from {} and removes the symlink.", target.native()),
-            {"Move Back", "Cancel"}};
+Dialog confirmRestore(const WayBack& wayBack) {
+    Dialog dialog = MoveDialogs::confirmRestore(wayBack.link.filename(), wayBack.target);
+    dialog.details.push_back(fmt::format("To {}", wayBack.link.native()));
+    if (!wayBack.isOwn) dialog.details.push_back(foreign(wayBack.link));
+    return dialog;
+}
+
+std::string movedBack(const WayBack& wayBack) {
+    return fmt::format("Moved {} back to {}.", wayBack.link.filename().native(), wayBack.link.native());
+}
+
+std::string foreign(const fs::path& link) {
+    return fmt::format("{} is not a symlink that Tarvik has left.", link.filename().native());
 }
 
 std::string restored(const fs::path& link) {

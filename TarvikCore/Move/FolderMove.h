@@ -16,18 +16,38 @@ namespace tarvik::FolderMove {
 /// The job that moves `folder` to `drive`. Measures the folder, so it blocks; it changes nothing.
 /// @throws Failure with the sentence for the user when the move is refused: nothing there, no folder, not enough space,
 /// or a move that could only do harm (the home folder, a folder of the system, a folder that holds the drive or lies on
-/// it); and when it was cancelled.
+/// it); when `folder` may mean two places; and when it was cancelled.
 MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, const Cancellation& cancellation = {});
 
 /// Asks whether the planned job shall be run. The first button is "Move".
 Dialog confirmMove(const MoveJob& job, const DriveInfo& drive);
 
-/// Asks whether what `link` leads to shall come back. The first button is "Move Back".
-Dialog confirmRestore(const fs::path& link, const fs::path& target);
+/// What the user reads when the job is done: "Moved Music to /Volumes/Backup/ExternalTarvik/Folders/Music."
+std::string moved(const MoveJob& job);
 
-/// What the link at `path` leads to, for a restore. @throws Failure with the sentence for the user when nothing stands
-/// at `path`, when it is no link, or when the drive with its target is not there.
-fs::path restoreTarget(const Host& host, const fs::path& path);
+/// The way back of what a link leads to.
+struct WayBack {
+    fs::path link;
+    fs::path target;
+    /// Whether a move has left the link: it leads to a folder of this program on a drive, or is remembered.
+    bool isOwn = true;
+
+    bool operator==(const WayBack&) const = default;
+};
+
+/// The way back of what the link at `path` leads to. Changes nothing. @throws Failure with the sentence for the user
+/// when nothing stands at `path`, when it is no link or a relative one, when its target or the drive with it is not
+/// there, and when the way back could only do harm.
+WayBack planRestore(const Host& host, const fs::path& path);
+
+/// Asks whether the item shall come back. The first button is "Move Back".
+Dialog confirmRestore(const WayBack& wayBack);
+
+/// What the user reads when the item is back: "Moved Music back to /home/Music."
+std::string movedBack(const WayBack& wayBack);
+
+/// What is said of a link that no move has left.
+std::string foreign(const fs::path& link);
 
 /// What the user reads when the item of `link` is back: "Restored Music".
 std::string restored(const fs::path& link);

@@ -4,6 +4,7 @@
 #include "Platform/Files.h"
 #include "Platform/SystemFolders.h"
 #include "Platform/TreeObstacle.h"
+#include "Platform/VolumeList.h"
 
 #include <fmt/format.h>
 
@@ -54,6 +55,17 @@ Refusal bySystem(const Host& host, const fs::path& folder) {
     return std::nullopt;
 }
 
+/// Neither what a rooted machine is nor what it has mounted.
+Refusal byMachine(const Host& host, const fs::path& item) {
+    const auto holdsIt = [&](const fs::path& folder) {
+        return Files::isAtOrBelow(item, Files::resolved(folder).value_or(folder));
+    };
+    if (holdsIt(host.root) || holdsIt(host.home)) return std::nullopt;
+    for (const Volume& volume : host.volumes->mounted())
+        if (holdsIt(volume.mountPath)) return std::nullopt;
+    return fmt::format("{} is not on the machine in {}.", item.native(), host.root.native());
+}
+
 Refusal byContents(const fs::path& folder, const std::optional<TreeObstacle>& obstacle) {
     if (!obstacle) return std::nullopt;
     const std::string name = folder.filename();
@@ -93,14 +105,17 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (resolved == mountPath)
         return fmt::format("{} is the target drive itself and can't be moved to it.", drive.name);
     if (auto refusal = bySystem(host, resolved)) return refusal;
+    if (auto refusal = byMachine(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
     return byContents(folder, TreeObstacle::toMove(folder));
 }
 
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target) {
     const fs::path resolved = Files::resolved(target).value_or(target);
-    if (auto refusal = bySystem(host, resolved)) return refusal;
     const fs::path goal = Files::resolved(link.parent_path()).value_or(link.parent_path()) / link.filename();
+    if (auto refusal = bySystem(host, resolved)) return refusal;
+    for (const fs::path& item : {goal, resolved})
+        if (auto refusal = byMachine(host, item)) return refusal;
     if (Files::isAtOrBelow(goal, resolved))
         return fmt::format("{} holds the symlink itself and can't be moved into its place.", target.native());
     if (Files::isFolder(resolved)) {

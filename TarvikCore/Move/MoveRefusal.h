@@ -16,7 +16,7 @@ namespace tarvik::MoveRefusal {
 std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive);
 
 /// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a
-/// whole, a folder of the system, a folder that holds the link. Nothing when it may.
+/// whole, a folder of the system, a folder that holds the link, a place outside of the machine. Nothing when it may.
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target);
 
 /// What is said of an item that is no folder where only folders can be moved. Pure.

@@ -1,7 +1,7 @@
 #include "Move/MoveRun.h"
 
-#include "Move/DrivePresence.h"
 #include "Move/MoverEngine.h"
+#include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
 #include "Platform/Text.h"
 
@@ -16,7 +16,7 @@ namespace {
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
     try {
-        if (!DrivePresence::isThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
+        if (!DriveScanner::isThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
         status(index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,

@@ -1,5 +1,6 @@
 #include "Platform/DriveScanner.h"
 
+#include "Platform/Files.h"
 #include "Platform/VolumeList.h"
 
 #include <algorithm>
@@ -37,6 +38,13 @@ std::vector<DriveInfo> scan(const Host& host) {
         return left.name < right.name;
     });
     return drives;
+}
+
+bool isThere(const Host& host, const fs::path& mountPath) {
+    if (!Files::exists(mountPath)) return false;
+    const auto volumes = host.volumes->mounted();
+    return std::any_of(volumes.begin(), volumes.end(),
+                       [&](const Volume& volume) { return volume.mountPath == mountPath; });
 }
 
 }  // namespace tarvik::DriveScanner

@@ -12,4 +12,8 @@ namespace tarvik::DriveScanner {
 /// Never fails: a volume that cannot be read is left out.
 std::vector<DriveInfo> scan(const Host& host);
 
+/// Whether a volume is mounted at exactly this path: a mount path can outlive its drive as an empty folder of the
+/// internal disk. Blocks and never fails, as `scan`.
+bool isThere(const Host& host, const fs::path& mountPath);
+
 }  // namespace tarvik::DriveScanner

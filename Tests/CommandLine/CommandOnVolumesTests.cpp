@@ -99,14 +99,14 @@ TEST_P(CommandOnVolumes, MovesAFolderAndBringsItBack) {
     const auto before = test::pictureOf(world.library);
     const auto besides = test::pictureOf(world.library.parent_path());
     const auto away = move(world.library);
-    EXPECT_EQ(away.output, "Moved 1 item.\n");
+    EXPECT_EQ(away.output, "Moved Logic Pro Library.bundle to " + moved(world.library).native() + ".\n");
     EXPECT_EQ(away.errors, "copying\nverifying\nlinking\n");
     EXPECT_EQ(away.status, 0);
     EXPECT_EQ(fs::read_symlink(world.library), moved(world.library));
     EXPECT_EQ(test::pictureOf(moved(world.library)), before);
 
     const auto back = moveBack(world.library);
-    EXPECT_EQ(back.output, "Restored Logic Pro Library.bundle\n");
+    EXPECT_EQ(back.output, "Moved Logic Pro Library.bundle back to " + world.library.native() + ".\n");
     EXPECT_EQ(back.errors, "moving back\n");
     EXPECT_EQ(back.status, 0);
     EXPECT_EQ(test::pictureOf(world.library.parent_path()), besides);

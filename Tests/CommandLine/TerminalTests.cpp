@@ -37,8 +37,9 @@ TEST(CommandOnATerminal, AsksAndMovesOnYes) {
     program.type("y\n");
     const auto finished = program.finish();
     EXPECT_THAT(finished.output, HasSubstr("Move Logic Pro Library.bundle to Studio Drive?"));
+    EXPECT_THAT(finished.output, HasSubstr("From " + world.library.native() + "\r\n"));
     EXPECT_THAT(finished.output, HasSubstr("Original location will become a symlink to " + world.moved.native()));
-    EXPECT_THAT(finished.output, HasSubstr("Moved 1 item."));
+    EXPECT_THAT(finished.output, HasSubstr("Moved Logic Pro Library.bundle to "));
     EXPECT_EQ(finished.status, 0);
     EXPECT_TRUE(fs::is_symlink(world.library));
 }
@@ -82,7 +83,7 @@ TEST(CommandOnATerminal, ShowsABarOnOneLineAndTakesItOff) {
     const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::terminal);
     EXPECT_EQ(finished.status, 0);
     EXPECT_THAT(finished.output, HasSubstr("\r\x1B[Kcopying Logic Pro Library.bundle"));
-    EXPECT_THAT(finished.output, HasSubstr("\r\x1B[KMoved 1 item."));
+    EXPECT_THAT(finished.output, HasSubstr("\r\x1B[KMoved Logic Pro Library.bundle to "));
     EXPECT_EQ(finished.output.find('\n'), finished.output.size() - 1) << "the bar must stay on one line";
 }
 
@@ -92,7 +93,8 @@ TEST(CommandOnATerminal, ShowsABarWhileAFolderComesBackAndTakesItOff) {
     const auto finished = world.run({"move", "restore", world.library.native(), "--yes"}, Streams::terminal);
     EXPECT_EQ(finished.status, 0);
     EXPECT_THAT(finished.output, testing::ContainsRegex("\r\x1B\\[Kmoving back Logic.*  \\[-+\\]   0 %"));
-    EXPECT_THAT(finished.output, testing::EndsWith("\r\x1B[KRestored Logic Pro Library.bundle\r\n"));
+    EXPECT_THAT(finished.output, testing::EndsWith("\r\x1B[KMoved Logic Pro Library.bundle back to " +
+                                                   world.library.native() + ".\r\n"));
     EXPECT_EQ(finished.output.find('\n'), finished.output.size() - 1) << "the bar must stay on one line";
 }
 

@@ -1,4 +1,5 @@
 #include "Move/FolderMove.h"
+#include "Move/HealthManifest.h"
 #include "Move/MoveRefusal.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
@@ -35,7 +36,7 @@ protected:
 
     std::string refusalOfRestore(const fs::path& link) {
         try {
-            tarvik::FolderMove::restoreTarget(world.host, link);
+            tarvik::FolderMove::planRestore(world.host, link);
         } catch (const Failure& failure) {
             return failure.description();
         }
@@ -67,17 +68,23 @@ TEST_F(FolderMove, AsksBeforeItMoves) {
               "Total 1.5 MB. Original location will become a symlink to "
               "/Volumes/Backup/ExternalTarvik/Folders/Music.");
     EXPECT_EQ(dialog.buttons, (std::vector<std::string>{"Move", "Cancel"}));
+    EXPECT_EQ(dialog.details, std::vector<std::string>{"From /home/Music"});
 }
 
 TEST_F(FolderMove, AsksBeforeItMovesBack) {
-    const Dialog dialog = tarvik::FolderMove::confirmRestore("/home/Music", "/Volumes/Backup/Music");
+    const Dialog dialog = tarvik::FolderMove::confirmRestore({"/home/Music", "/Volumes/Backup/Music"});
     EXPECT_EQ(dialog.title, "Move Music back?");
     EXPECT_EQ(dialog.text, "Moves the contents back from /Volumes/Backup/Music and removes the symlink.");
     EXPECT_EQ(dialog.buttons, (std::vector<std::string>{"Move Back", "Cancel"}));
+    EXPECT_EQ(dialog.details, std::vector<std::string>{"To /home/Music"});
+    EXPECT_EQ(tarvik::FolderMove::confirmRestore({"/home/Music", "/elsewhere", false}).details,
+              (std::vector<std::string>{"To /home/Music", "Music is not a symlink that Tarvik has left."}));
 }
 
 TEST_F(FolderMove, SaysWhatIsBack) {
     EXPECT_EQ(tarvik::FolderMove::restored("/home/Music"), "Restored Music");
+    EXPECT_EQ(tarvik::FolderMove::movedBack({"/home/Music", "/Volumes/Backup/Music"}),
+              "Moved Music back to /home/Music.");
 }
 
 TEST_F(FolderMove, EndsItsMeasuringWhenItIsCancelled) {
@@ -218,7 +225,85 @@ TEST_F(FolderMove, RefusesAFolderWithSomeoneElsesItem) {
 TEST_F(FolderMove, FindsWhatALinkWouldBringBack) {
     makeFile(world.foldersOnDrive() / "Music/song");
     makeLink(world.home / "Music", world.foldersOnDrive() / "Music");
-    EXPECT_EQ(tarvik::FolderMove::restoreTarget(world.host, world.home / "Music/"), world.foldersOnDrive() / "Music");
+    const tarvik::FolderMove::WayBack expected{world.home / "Music", world.foldersOnDrive() / "Music", true};
+    EXPECT_EQ(tarvik::FolderMove::planRestore(world.host, world.home / "Music/"), expected);
+}
+
+TEST_F(FolderMove, KnowsTheLinksThatMovesHaveLeft) {
+    const auto isOwn = [&](const fs::path& target) {
+        makeFolder(target);
+        fs::remove(world.home / "Music");
+        makeLink(world.home / "Music", target);
+        return tarvik::FolderMove::planRestore(world.host, world.home / "Music").isOwn;
+    };
+    EXPECT_TRUE(isOwn(world.drive / "ExternalTarvik/Data/Music"));
+    EXPECT_TRUE(isOwn(world.drive / "Tarvik/Music")) << "an earlier layout";
+    EXPECT_FALSE(isOwn(world.drive / "Music"));
+    EXPECT_FALSE(isOwn(world.drive / "ExternalTarvik2/Music"));
+    EXPECT_FALSE(isOwn(world.home / "Tarvik/Music"));
+    EXPECT_FALSE(isOwn(world.home / "Other"));
+    HealthManifest::record(world.host, {world.home / "Music", world.home / "Other", std::nullopt, 1, {}});
+    EXPECT_TRUE(isOwn(world.home / "Other")) << "it is remembered";
+    EXPECT_FALSE(isOwn(world.home / "Another")) << "another link at the same place";
+}
+
+TEST_F(FolderMove, RefusesARelativeLinkWhateverTheWorkingDirectory) {
+    makeFile(world.foldersOnDrive() / "Music/song");
+    makeLink(world.home / "Music", "../../Volumes/Backup/ExternalTarvik/Folders/Music");
+    const std::string expected =
+        "Music is a relative symlink, to ../../Volumes/Backup/ExternalTarvik/Folders/Music: no move leaves one, so "
+        "there "
+        "is nothing to move back.";
+    EXPECT_EQ(refusalOfRestore(world.home / "Music"), expected);
+    const fs::path before = fs::current_path();
+    fs::current_path(world.home);
+    EXPECT_EQ(refusalOfRestore("Music"), expected);
+    fs::current_path(before);
+}
+
+TEST_F(FolderMove, SaysWhereTheTargetOfALinkWas) {
+    const fs::path target = world.foldersOnDrive() / "Music";
+    makeLink(world.home / "Music", target);
+    EXPECT_EQ(refusalOfRestore(world.home / "Music"),
+              "Music leads to " + target.native() + ", where nothing stands any more.");
+    world.volumes->list.clear();
+    const std::string unplugged =
+        "Music is on a drive that is not connected: " + target.native() + ". Connect it and try again.";
+    EXPECT_EQ(refusalOfRestore(world.home / "Music"), unplugged) << "only its mount path is left";
+    fs::remove_all(world.drive);
+    EXPECT_EQ(refusalOfRestore(world.home / "Music"), unplugged);
+    makeLink(world.home / "Films", world.folder / "Volumes/Other/Films");
+    EXPECT_EQ(refusalOfRestore(world.home / "Films"),
+              "Films is on a drive that is not connected: " + (world.folder / "Volumes/Other/Films").native() +
+                  ". Connect it and try again.");
+}
+
+TEST_F(FolderMove, RefusesPathsThatMayMeanTwoPlaces) {
+    makeFolder(world.home / "Music");
+    makeFolder(world.folder / "elsewhere/Music");
+    makeFolder(world.folder / "elsewhere/behind");
+    makeLink(world.home / "link", world.folder / "elsewhere/behind");
+    const fs::path written = world.home / "link/../Music";
+    const std::string sentence = "With \"..\" behind a symlink, " + written.native() + " may mean " +
+                                 (world.folder / "elsewhere/Music").native() + " or " +
+                                 (world.home / "Music").native() + ". Name the one that is meant.";
+    EXPECT_EQ(refusal(written), sentence);
+    EXPECT_EQ(refusalOfRestore(written), sentence);
+    EXPECT_EQ(refusal(world.home / "Music/../Music"), "planned");
+}
+
+TEST_F(FolderMove, RefusesWhatIsNotOnARootedMachine) {
+    const TemporaryFolder outside;
+    makeFolder(outside / "Music");
+    makeFolder(world.foldersOnDrive() / "Music");
+    const std::string sentence = " is not on the machine in " + world.folder.path().native() + ".";
+    EXPECT_EQ(refusal(outside / "Music"), (outside / "Music").native() + sentence);
+    makeLink(world.home / "detour", outside.path());
+    EXPECT_EQ(refusal(world.home / "detour/Music"), (outside / "Music").native() + sentence);
+    makeLink(outside / "link", world.foldersOnDrive() / "Music");
+    EXPECT_EQ(refusalOfRestore(outside / "link"), (outside / "link").native() + sentence);
+    makeLink(world.home / "link", outside / "Music");
+    EXPECT_EQ(refusalOfRestore(world.home / "link"), (outside / "Music").native() + sentence);
 }
 
 TEST_F(FolderMove, RefusesToBringBackWhatIsNoMovedItem) {
@@ -226,7 +311,8 @@ TEST_F(FolderMove, RefusesToBringBackWhatIsNoMovedItem) {
     EXPECT_EQ(refusalOfRestore(world.home / "Music"), "Music is not a symlink, so there is nothing to move back.");
     EXPECT_EQ(refusalOfRestore(world.home / "none"), "Nothing stands at " + (world.home / "none").native() + ".");
     makeLink(world.home / "gone", world.drive / "gone");
-    EXPECT_EQ(refusalOfRestore(world.home / "gone"), "Source path no longer exists.");
+    EXPECT_EQ(refusalOfRestore(world.home / "gone"),
+              "gone leads to " + (world.drive / "gone").native() + ", where nothing stands any more.");
     makeLink(world.home / "system", "/usr/bin");
     EXPECT_EQ(refusalOfRestore(world.home / "system"), "/usr/bin belongs to the system and can't be moved.");
     makeLink(world.home / "Music/up", world.home);

@@ -59,6 +59,7 @@ TEST_F(AppStateMoves, ReplaceAFolderByALinkToTheDrive) {
     ASSERT_EQ(dialogs.asked.size(), 1U);
     EXPECT_EQ(dialogs.asked[0].title, "Move Music to Backup?");
     EXPECT_EQ(dialogs.asked[0].buttons, (std::vector<std::string>{"Move", "Cancel"}));
+    EXPECT_EQ(dialogs.asked[0].details, std::vector<std::string>{"From " + (world.home / "Music").native()});
     EXPECT_EQ(Files::linkText(world.home / "Music"), world.foldersOnDrive() / "Music");
     EXPECT_EQ(contentOf(world.home / "Music/file"), "Music");
     EXPECT_EQ(state->lastInfo(), "Moved 1 item.");

@@ -37,6 +37,7 @@ TEST_F(AppStateRestore, BringsAFolderBack) {
     ASSERT_EQ(dialogs.asked.size(), 1U);
     EXPECT_EQ(dialogs.asked[0].title, "Move Music back?");
     EXPECT_EQ(dialogs.asked[0].buttons, (std::vector<std::string>{"Move Back", "Cancel"}));
+    EXPECT_EQ(dialogs.asked[0].details, std::vector<std::string>{"To " + link.native()});
     EXPECT_TRUE(Files::isFolder(link));
     EXPECT_EQ(contentOf(link / "file"), "Music");
     EXPECT_FALSE(Files::exists(world.foldersOnDrive() / "Music"));
@@ -68,7 +69,9 @@ TEST_F(AppStateRestore, SaysWhenTheDriveIsNotThere) {
     const int scans = volumes->askedCount();
     state->restoreSymlink(FilePath(link));
     settle();
-    EXPECT_EQ(state->lastError(), "Source path no longer exists.");
+    EXPECT_EQ(state->lastError().toStdString(),
+              "Music is on a drive that is not connected: " + (world.foldersOnDrive() / "Music").native() +
+                  ". Connect it and try again.");
     EXPECT_TRUE(dialogs.asked.empty());
     EXPECT_TRUE(Files::isSymbolicLink(link));
     EXPECT_EQ(volumes->askedCount(), scans);
@@ -125,6 +128,16 @@ TEST_F(AppStateRestore, ThatFailsTellsWhyAndRefreshesNoDrives) {
     EXPECT_EQ(volumes->askedCount(), scans);
     EXPECT_EQ(contentOf(world.foldersOnDrive() / "Music/file"), "Music");
     state.reset();
+}
+
+TEST_F(AppStateRestore, SaysInItsQuestionWhenNoMoveHasLeftTheLink) {
+    makeFolder(world.home / "Projects");
+    makeLink(world.home / "Work", world.home / "Projects");
+    dialogs.answers = {1};
+    state->restoreSymlink(FilePath(world.home / "Work"));
+    settle();
+    ASSERT_EQ(dialogs.asked.size(), 1U);
+    EXPECT_EQ(dialogs.asked[0].details.back(), "Work is not a symlink that Tarvik has left.");
 }
 
 TEST_F(AppStateRestore, RefusesWhatIsNoLink) {

@@ -70,7 +70,8 @@ TEST_F(FolderSource, SaysWhenALinkLeadsNowhere) {
     makeLink(world.home / "Music", world.foldersOnDrive() / "Music");
     show(world.home / "Music");
     EXPECT_TRUE(source->isLink());
-    EXPECT_EQ(source->problem(), "Source path no longer exists.");
+    EXPECT_EQ(source->problem().toStdString(),
+              "Music leads to " + (world.foldersOnDrive() / "Music").native() + ", where nothing stands any more.");
 }
 
 TEST_F(FolderSource, LooksAnewWhenAsked) {
@@ -105,6 +106,17 @@ TEST_F(FolderSource, TakesAddressesWithAnyBytes) {
     spinUntil([this] { return !source->isMeasuring(); });
     EXPECT_EQ(source->path().path, odd);
     EXPECT_EQ(source->problem(), "");
+}
+
+TEST_F(FolderSource, RefusesAddressesThatMayMeanTwoPlaces) {
+    makeFolder(world.home / "Music");
+    makeLink(world.home / "link", world.drive);
+    source->setUrl(QUrl("file://" + QString::fromStdString((world.home / "Music/../Music").native())));
+    EXPECT_EQ(source->path().path, world.home / "Music");
+    source->setUrl(QUrl("file://" + QString::fromStdString((world.home / "link/../Music").native())));
+    EXPECT_TRUE(source->isEmpty());
+    EXPECT_TRUE(source->problem().startsWith("With \"..\" behind a symlink, "));
+    spinUntil([this] { return !source->isMeasuring(); });
 }
 
 TEST_F(FolderSource, RefusesAddressesOfOtherMachines) {

@@ -9,7 +9,7 @@ namespace tarvik::test {
 
 namespace {
 
-const Dialog question{"Move Music to Backup?", "Total 12 MB.", {"Move", "Cancel"}};
+const Dialog question{"Move Music to Backup?", "Total 12 MB.", {"Move", "Cancel"}, {"From /home/Music"}};
 
 QCoro::Task<> keepAnswer(WindowDialogs& dialogs, Dialog dialog, std::optional<int>& answer) {
     answer = co_await dialogs.ask(std::move(dialog));
@@ -25,6 +25,7 @@ TEST(WindowDialogs, ShowAQuestionUntilItIsAnswered) {
     EXPECT_EQ(dialogs.title(), "Move Music to Backup?");
     EXPECT_EQ(dialogs.text(), "Total 12 MB.");
     EXPECT_EQ(dialogs.buttons(), (QStringList{"Move", "Cancel"}));
+    EXPECT_EQ(dialogs.details(), QStringList{"From /home/Music"});
     EXPECT_FALSE(answer);
 
     dialogs.answer(0);

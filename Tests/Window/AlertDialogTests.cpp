@@ -25,8 +25,17 @@ TEST_F(AlertDialog, ShowsTitleTextAndButtonsInOrder) {
     auto& window = ask();
     EXPECT_EQ(window.text("alertTitle"), "Move Photos to Backup?");
     EXPECT_TRUE(window.text("alertText").startsWith("Total 5 MB."));
+    EXPECT_EQ(window.text("alertDetails").remove(QChar(0x2060)).toStdString(),
+              "From " + (world.home / "Photos").native());
     EXPECT_EQ(window.text("alertButton-0"), "Move");
     EXPECT_EQ(window.text("alertButton-1"), "Cancel");
+}
+
+TEST_F(AlertDialog, ShowsAllOfItsTextAtOnce) {
+    auto& window = ask();
+    auto* view = window.item("alertText").parentItem()->parentItem()->parentItem();
+    ASSERT_TRUE(view->property("contentHeight").isValid());
+    EXPECT_GE(view->height(), view->property("contentHeight").toDouble());
 }
 
 TEST_F(AlertDialog, TakesReturnAsTheFirstButton) {
