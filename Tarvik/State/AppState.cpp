@@ -63,7 +63,7 @@ AppState* AppState::create(QQmlEngine* engine, QJSEngine*) {
 }
 
 QString AppState::selectedDriveId() const {
-    return m_selectedDrive ? screenText(m_selectedDrive->id) : QString();
+    return m_selectedDrive ? uniqueText(m_selectedDrive->id) : QString();
 }
 
 QString AppState::selectedDriveName() const {
@@ -147,7 +147,7 @@ QCoro::Task<> AppState::checkLinks() {
 void AppState::selectDrive(const QString& driveId) {
     const auto& all = m_drives.records();
     const auto picked =
-        std::find_if(all.begin(), all.end(), [&](const DriveInfo& drive) { return screenText(drive.id) == driveId; });
+        std::find_if(all.begin(), all.end(), [&](const DriveInfo& drive) { return uniqueText(drive.id) == driveId; });
     if (picked != all.end()) setSelectedDrive(*picked);
 }
 

@@ -7,7 +7,7 @@ namespace tarvik::DriveRow {
 
 std::vector<Role<DriveInfo>> roles() {
     return {
-        {"driveId", [](const DriveInfo& drive) -> QVariant { return screenText(drive.id); }},
+        {"driveId", [](const DriveInfo& drive) -> QVariant { return uniqueText(drive.id); }},
         {"name", [](const DriveInfo& drive) -> QVariant { return screenText(drive.name); }},
         {"mountPath", [](const DriveInfo& drive) -> QVariant { return screenPath(drive.mountPath); }},
         {"freeText", [](const DriveInfo& drive) -> QVariant { return screenText(Text::byteCount(drive.freeBytes)); }},

@@ -90,6 +90,21 @@ TEST_F(AppStateDrives, CanBeSelectedByTheirId) {
     EXPECT_EQ(state->selectedDriveName(), "audio");
 }
 
+TEST_F(AppStateDrives, AreToldApartWhereTheyLookTheSame) {
+    volumes->set({volume("/Volumes/M\xFC", "one", false), volume("/Volumes/M\xFD", "two", false),
+                  volume("/Volumes/M\uFFFD", "three", false)});
+    begin();
+    auto& model = *state->targetDrivesModel();
+    for (int row = 0; row < 3; ++row) {
+        const auto value = [&](const char* role) {
+            return model.data(model.index(row, 0), model.roleNames().key(role)).toString();
+        };
+        state->selectDrive(value("driveId"));
+        EXPECT_EQ(state->selectedDriveName(), value("name"));
+        EXPECT_EQ(state->selectedDriveId(), value("driveId"));
+    }
+}
+
 TEST_F(AppStateDrives, AreNotRefreshedWhileApplicationsAreScanned) {
     state->refreshApps();
     state->refreshAll();
