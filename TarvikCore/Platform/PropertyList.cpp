@@ -184,10 +184,24 @@ PropertyList valueOf(plist_t node) {
     }
 }
 
+/// The bytes at the beginning of `text`, which is UTF-8, that are a character of which XML knows nothing; 0 for others.
+std::size_t unknownToXml(std::string_view text) {
+    if (text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF")) return 3;
+    const auto byte = static_cast<unsigned char>(text.front());
+    return byte < ' ' && byte != '\t' && byte != '\n' && byte != '\r' ? 1 : 0;
+}
+
 /// A text as both forms can hold it.
 std::string writableText(const std::string& text) {
-    std::string writable = Text::displayable(text);
-    std::erase(writable, '\0');
+    std::string valid = Text::displayable(text);
+    std::erase(valid, '\0');
+    std::string writable;
+    writable.reserve(valid.size());
+    for (std::string_view rest = valid; !rest.empty();) {
+        const std::size_t unknown = unknownToXml(rest);
+        writable += unknown > 0 ? "\uFFFD" : rest.substr(0, 1);
+        rest.remove_prefix(std::max(unknown, std::size_t{1}));
+    }
     return writable;
 }
 

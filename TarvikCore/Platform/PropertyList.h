@@ -60,7 +60,8 @@ public:
     /// The text under a key; nothing when it is absent or no text. An empty text is a text.
     std::optional<std::string> text(std::string_view key) const;
 
-    /// The two forms for files. Of texts they hold what is UTF-8, and no NUL.
+    /// The two forms for files. Of texts they hold what XML knows, and U+FFFD for everything else, but nothing for a
+    /// NUL.
     std::string xml() const;
     std::string binary() const;
 

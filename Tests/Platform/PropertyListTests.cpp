@@ -227,6 +227,12 @@ TEST(PropertyList, WritesNoTextThatItCouldNotRead) {
         EXPECT_EQ(PropertyList::parsed(bytes), PropertyList("ab\uFFFD"));
 }
 
+TEST(PropertyList, WritesNoCharacterThatXmlDoesNotKnow) {
+    const PropertyList list("\x01\x1F\t\n\x7F \uFFFE\uFFFF\uFFFD\U0001F600");
+    for (const auto& bytes : {list.xml(), list.binary()})
+        EXPECT_EQ(PropertyList::parsed(bytes), PropertyList("\uFFFD\uFFFD\t\n\x7F \uFFFD\uFFFD\uFFFD\U0001F600"));
+}
+
 TEST(PropertyList, NestsAsDeepAsAnyoneNeedsAndNoDeeper) {
     EXPECT_NE(parsedXml(nested(100)), std::nullopt);
     EXPECT_EQ(parsedXml(nested(1'000'000)), std::nullopt);
