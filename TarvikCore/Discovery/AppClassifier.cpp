@@ -1,6 +1,7 @@
 #include "Discovery/AppClassifier.h"
 
 #include "Discovery/AppFlags.h"
+#include "Discovery/LauncherLayout.h"
 #include "Platform/AppStorageNames.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
@@ -15,11 +16,6 @@
 namespace tarvik {
 
 namespace {
-
-/// Holds the path that a launcher opens.
-constexpr std::string_view launcherTargetFile = "Contents/Resources/ExternalAppTarget.txt";
-/// Far more than any path takes, in bytes.
-constexpr std::int64_t longestLauncherTarget = 64 * 1024;
 
 std::string without(std::string_view text, std::string_view word) {
     std::string rest;
@@ -65,13 +61,14 @@ std::optional<std::string> AppClassifier::developer(const PropertyList& plist) {
 
 bool AppClassifier::detectTarvikLauncher(const fs::path& bundle, const PropertyList& plist) {
     const auto identifier = plist.text("CFBundleIdentifier");
-    return (identifier && identifier->ends_with(".externallauncher")) ||
-           plist.text("CFBundleExecutable") == "ExternalAppLauncher" || Files::exists(bundle / launcherTargetFile);
+    return (identifier && identifier->ends_with(LauncherLayout::identifierSuffix)) ||
+           plist.text("CFBundleExecutable") == LauncherLayout::executable ||
+           Files::exists(bundle / LauncherLayout::targetFile);
 }
 
 std::optional<fs::path> AppClassifier::readLauncherTarget(const fs::path& bundle) {
     try {
-        const std::string text = Files::read(bundle / launcherTargetFile, longestLauncherTarget);
+        const std::string text = Files::read(bundle / LauncherLayout::targetFile, LauncherLayout::longestTarget);
         // What comes after a zero byte would be lost on the way to the system: such a text names no path.
         if (text.find('\0') != text.npos) return std::nullopt;
         return Text::trimmed(text);

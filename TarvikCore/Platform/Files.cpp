@@ -196,6 +196,17 @@ void exchange(const fs::path& first, const fs::path& second, const fs::path& bet
     }
 }
 
+void createFile(const fs::path& path, std::string_view bytes, mode_t permissions) {
+    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file) throw FileError("create", path, errno);
+    int error = writeAll(file.get(), bytes);
+    if (!error && ::fchmod(file.get(), permissions) != 0) error = errno;
+    if (!error && ::fsync(file.get()) != 0) error = errno;
+    if (!error) return;
+    ::unlink(path.c_str());
+    throw FileError("write", path, error);
+}
+
 void writeDurably(const fs::path& path, std::string_view bytes) {
     std::string temporary = path.native() + ".XXXXXX";
     const FileDescriptor file(::mkstemp(temporary.data()));

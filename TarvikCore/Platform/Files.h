@@ -91,6 +91,9 @@ void rename(const fs::path& from, const fs::path& to);
 /// moment.
 /// @throws FileError, with EXDEV when they are on two volumes; both then stand where they stood.
 void exchange(const fs::path& first, const fs::path& second, const fs::path& between);
+/// Makes a file with the bytes and the permissions and flushes it. @throws FileError also when something stands there;
+/// a file that cannot be written whole is removed.
+void createFile(const fs::path& path, std::string_view bytes, mode_t permissions = 0644);
 /// Writes through a temporary file beside the goal that is flushed and renamed: readers see the old bytes or the new.
 void writeDurably(const fs::path& path, std::string_view bytes);
 /// The bytes of a regular file. @throws FileError also for a pipe or a device, which may have no end, and with EFBIG

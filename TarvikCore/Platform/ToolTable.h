@@ -14,6 +14,9 @@ struct ToolTable {
     fs::path spctl;
     fs::path ps;
     fs::path tmutil;
+    fs::path lsregister;
+    /// The one that is not run: the program that is copied into every launcher.
+    fs::path externalAppLauncher;
 
     bool operator==(const ToolTable&) const = default;
 };

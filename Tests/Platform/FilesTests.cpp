@@ -210,6 +210,30 @@ TEST(Files, TellWhenAnItemWasModified) {
     EXPECT_FALSE(Files::modifiedAt(folder / "missing"));
 }
 
+TEST(Files, CreatesAFileAndReplacesNone) {
+    const TemporaryFolder folder;
+    const mode_t before = ::umask(0077);
+    Files::createFile(folder / "plain", std::string("one\0two", 7));
+    Files::createFile(folder / "program", "#!", 0755);
+    ::umask(before);
+    EXPECT_EQ(contentOf(folder / "plain"), std::string("one\0two", 7));
+    EXPECT_EQ(statusOf(folder / "plain").st_mode & 07777U, 0644U);
+    EXPECT_EQ(statusOf(folder / "program").st_mode & 07777U, 0755U);
+    makeLink(folder / "link", folder / "nowhere");
+    EXPECT_THROW(Files::createFile(folder / "plain", "x"), FileError);
+    EXPECT_THROW(Files::createFile(folder / "link", "x"), FileError);
+    EXPECT_FALSE(Files::exists(folder / "nowhere"));
+    EXPECT_EQ(contentOf(folder / "plain").size(), 7U);
+}
+
+TEST(Files, LeavesNoPartOfAFileThatDoesNotFit) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder folder;
+    const auto volume = RealVolume::memory(folder.path(), 64 * 1024);
+    EXPECT_THROW(Files::createFile(volume / "large", std::string(200'000, 'x')), FileError);
+    EXPECT_FALSE(Files::exists(volume / "large"));
+}
+
 TEST(Files, WritesWholeFilesAndReadsThemBack) {
     const TemporaryFolder folder;
     Files::writeDurably(folder / "record", "one");

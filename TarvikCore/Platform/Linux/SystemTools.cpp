@@ -11,7 +11,9 @@ ToolTable systemTools() {
             .xcrun = standIns / "xcrun",
             .spctl = standIns / "spctl",
             .ps = "/bin/ps",
-            .tmutil = standIns / "tmutil"};
+            .tmutil = standIns / "tmutil",
+            .lsregister = standIns / "lsregister",
+            .externalAppLauncher = ProgramLocation::folder() / "external-app-launcher"};
 }
 
 }  // namespace tarvik

@@ -1,3 +1,4 @@
+#include "Platform/ProgramLocation.h"
 #include "Platform/ToolTable.h"
 
 namespace tarvik {
@@ -9,7 +10,11 @@ ToolTable systemTools() {
             .xcrun = "/usr/bin/xcrun",
             .spctl = "/usr/sbin/spctl",
             .ps = "/bin/ps",
-            .tmutil = "/usr/bin/tmutil"};
+            .tmutil = "/usr/bin/tmutil",
+            .lsregister =
+                "/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/"
+                "Support/lsregister",
+            .externalAppLauncher = ProgramLocation::folder() / "external-app-launcher"};
 }
 
 }  // namespace tarvik
