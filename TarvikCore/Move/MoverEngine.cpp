@@ -11,6 +11,7 @@
 #include "Move/ItemMover.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
+#include "Move/NestedAppLauncherService.h"
 #include "Move/OriginalRemoval.h"
 #include "Move/VolumeCapacityProbe.h"
 #include "Platform/BundleInfoPlistReader.h"
@@ -175,6 +176,7 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
         throw;
     }
     recordMove(host, source, destination, size);
+    NestedAppLauncherService::installLaunchers(host, source, destination);
 }
 
 void restore(const Host& host, const fs::path& link, const ProgressCallback& progress) {
@@ -193,6 +195,7 @@ void restore(const Host& host, const fs::path& link, const ProgressCallback& pro
     }
     verifyInternalized(goal);
     recordRestore(host, goal);
+    NestedAppLauncherService::removeLaunchers(host, goal, target);
 }
 
 }  // namespace tarvik::MoverEngine

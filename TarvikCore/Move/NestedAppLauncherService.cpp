@@ -1,0 +1,147 @@
+#include "Move/NestedAppLauncherService.h"
+
+#include "Discovery/AppBundleEnumerator.h"
+#include "Discovery/AppClassifier.h"
+#include "Move/LauncherAppBuilder.h"
+#include "Move/LauncherShimCleaner.h"
+#include "Platform/Failure.h"
+#include "Platform/Files.h"
+#include "Platform/ListedFolder.h"
+#include "Platform/SystemFolders.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <set>
+
+namespace tarvik::NestedAppLauncherService {
+
+namespace {
+
+using Candidates = std::vector<NestedAppLauncherCandidate>;
+
+constexpr int maxDepth = 1;
+
+/// `folder` is standardized. A bundle needs no launcher for itself: its own link stands among the applications.
+bool isFolderOfApplications(const Host& host, const fs::path& folder) {
+    return folder.parent_path() == SystemFolders::applications(host) &&
+           !AppBundleEnumerator::isBundleName(folder.filename().native());
+}
+
+/// Whether both paths lead to one item: a link can lead back to where it stands.
+bool isSameItem(const fs::path& first, const fs::path& second) {
+    const auto one = Files::infoFollowingLinks(first);
+    const auto other = Files::infoFollowingLinks(second);
+    return one && other && one->device == other->device && one->inode == other->inode;
+}
+
+Candidates candidatesOf(const fs::path& applicationRoot, const fs::path& folderLink, const fs::path& folderTarget) {
+    Candidates candidates;
+    for (const fs::path& app : AppBundleEnumerator::bundles(folderTarget, maxDepth)) {
+        const fs::path launcher = applicationRoot / app.filename();
+        if (!isSameItem(app, launcher))
+            candidates.push_back({folderLink, folderTarget, folderLink / app.filename(), app, launcher});
+    }
+    return candidates;
+}
+
+Candidates symlinkedAppFolderCandidates(const fs::path& applicationRoot) {
+    Candidates candidates;
+    const auto folder = ListedFolder::at(applicationRoot);
+    if (!folder) return candidates;
+    for (std::size_t index = 0; index < folder->size(); ++index) {
+        const fs::path link = applicationRoot / folder->name(index);
+        if (AppBundleEnumerator::isBundleName(folder->name(index))) continue;
+        const auto text = Files::linkText(link);
+        if (!text) continue;
+        const auto found = candidatesOf(applicationRoot, link, Files::standardized(applicationRoot / *text));
+        candidates.insert(candidates.end(), found.begin(), found.end());
+    }
+    return candidates;
+}
+
+bool needsLauncher(const NestedAppLauncherCandidate& candidate) {
+    if (const auto target = AppClassifier::readLauncherTarget(candidate.launcher))
+        return target->native() != candidate.targetApp.native();
+    return !Files::itemExists(candidate.launcher);
+}
+
+void installLauncher(const Host& host, const NestedAppLauncherCandidate& candidate,
+                     const InstallerRunReporter& reporter) {
+    LauncherAppBuilder::install(host, candidate.targetApp, candidate.launcher, candidate.targetApp, reporter);
+}
+
+std::int64_t install(const Host& host, const Candidates& candidates, const InstallerRunReporter& reporter) {
+    std::int64_t installed = 0;
+    for (const auto& candidate : candidates) {
+        try {
+            installLauncher(host, candidate, reporter);
+            ++installed;
+        } catch (const Failure& failure) {
+            reporter.log(
+                fmt::format("launcher-repair-failed\t{}\t{}", candidate.launcher.native(), failure.description()));
+        }
+    }
+    return installed;
+}
+
+}  // namespace
+
+void installLaunchers(const Host& host, const fs::path& source, const fs::path& destination,
+                      const InstallerRunReporter& reporter) noexcept {
+    ignoringFailure([&] {
+        const fs::path link = Files::standardized(source);
+        if (!isFolderOfApplications(host, link)) return;
+        for (const auto& candidate : candidatesOf(link.parent_path(), link, Files::standardized(destination)))
+            if (needsLauncher(candidate)) ignoringFailure([&] { installLauncher(host, candidate, reporter); });
+    });
+}
+
+void removeLaunchers(const Host& host, const fs::path& source, const fs::path& destination) noexcept {
+    ignoringFailure([&] {
+        const fs::path folder = Files::standardized(source);
+        if (!isFolderOfApplications(host, folder)) return;
+        for (const fs::path& app : AppBundleEnumerator::bundles(folder, maxDepth))
+            LauncherShimCleaner::cleanupShims(host, destination / app.lexically_relative(folder));
+    });
+}
+
+Candidates missingCandidates(const Host&, const fs::path& applicationRoot) {
+    const Candidates candidates = symlinkedAppFolderCandidates(applicationRoot);
+    std::set<fs::path> settled;
+    for (const auto& candidate : candidates)
+        if (!needsLauncher(candidate)) settled.insert(candidate.launcher);
+    Candidates missing;
+    for (const auto& candidate : candidates)
+        if (settled.insert(candidate.launcher).second) missing.push_back(candidate);
+    return missing;
+}
+
+std::int64_t installMissingLaunchers(const Host& host, const fs::path& applicationRoot,
+                                     const InstallerRunReporter& reporter) {
+    return install(host, missingCandidates(host, applicationRoot), reporter);
+}
+
+std::int64_t installMissingLaunchers(const Host& host, const fs::path& folderLink, const fs::path& applicationRoot,
+                                     const InstallerRunReporter& reporter) {
+    const fs::path link = Files::standardized(folderLink);
+    Candidates candidates = missingCandidates(host, applicationRoot);
+    std::erase_if(candidates, [&](const NestedAppLauncherCandidate& candidate) {
+        return Files::standardized(candidate.folderLink) != link;
+    });
+    return install(host, candidates, reporter);
+}
+
+std::string detail(const Candidates& candidates) {
+    constexpr std::size_t mostNames = 4;
+    std::vector<std::string> names;
+    for (const auto& candidate : candidates)
+        if (names.size() < mostNames) names.push_back(candidate.launcher.filename());
+    std::string text = fmt::format("Nested apps need top-level launchers for Spotlight: {}", fmt::join(names, ", "));
+    if (candidates.size() > mostNames) text += fmt::format(" (+{} more)", candidates.size() - mostNames);
+    return text;
+}
+
+}  // namespace tarvik::NestedAppLauncherService
