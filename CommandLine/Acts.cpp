@@ -5,6 +5,7 @@
 #include "CommandLine/BackupActs.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FolderActs.h"
+#include "CommandLine/LauncherActs.h"
 #include "CommandLine/LinkActs.h"
 
 namespace tarvik::CommandLine::Acts {
@@ -19,6 +20,8 @@ void perform(const Host& host, const Options& options) {
                                          : AppActs::show(host, options.names.front(), options.format);
         case Verb::links:
             return LinkActs::list(host, options.format);
+        case Verb::launchers:
+            return options.repairs ? LauncherActs::repair(host, options) : LauncherActs::list(host, options.format);
         case Verb::moveApp:
             return AppMoveActs::plan(host, options);
         case Verb::moveFolder:

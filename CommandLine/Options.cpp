@@ -30,10 +30,11 @@ struct VerbEntry {
     std::string_view words;
     std::string_view usage;
 };
-constexpr std::array<VerbEntry, 8> verbs = {{
+constexpr std::array<VerbEntry, 9> verbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
+    {Verb::launchers, "launchers", "tarvik launchers [--repair]"},
     {Verb::moveApp, "move app", "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]"},
     {Verb::moveFolder, "move folder", "tarvik move folder PATH --drive DRIVE"},
     {Verb::moveRestore, "move restore", "tarvik move restore PATH"},
@@ -42,10 +43,11 @@ constexpr std::array<VerbEntry, 8> verbs = {{
 }};
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 3> owned = {
+constexpr std::array<std::pair<std::string_view, std::string_view>, 4> owned = {
     {{"--drive", "move app, move folder and backup"},
      {"--dry-run", "move app alone"},
-     {"--no-data", "move app alone"}}};
+     {"--no-data", "move app alone"},
+     {"--repair", "launchers alone"}}};
 
 /// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
 std::string wordsOf(const CLI::App& app) {
@@ -106,6 +108,9 @@ public:
         m_apps->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
             ->type_name("");
         addVerb(m_app, "links", "List the links that stand where things are moved from");
+        addVerb(m_app, "launchers", "List the launchers of applications on drives, and what is wrong with them")
+            ->add_flag("--repair", m_options.repairs, "Make the ones that are missing, and mend what can be mended")
+            ->disable_flag_override();
         m_move = addVerb(m_app, "move", "Move something to a drive, or back");
         m_move->require_subcommand(0, 1);
         m_moveApp = addVerb(*m_move, "app", "Show what the move of applications to a drive would do");
@@ -223,7 +228,7 @@ private:
                 throw wrong(fmt::format("{} needs a value: {} {}.", name, name, value));
         }
         for (auto word = arguments.begin(); word != end; ++word)
-            for (const std::string flag : {"--yes", "--help", "--version", "--dry-run", "--no-data"})
+            for (const std::string flag : {"--yes", "--help", "--version", "--dry-run", "--no-data", "--repair"})
                 if (word->starts_with(flag + "=")) throw wrong(fmt::format("{} takes no value.", flag));
         throw wrong("These options do not go together.");
     }

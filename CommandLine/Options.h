@@ -14,7 +14,7 @@ namespace tarvik::CommandLine {
 
 /// What a command line asks for.
 struct Options {
-    enum class Verb { drives, apps, links, moveApp, moveFolder, moveRestore, backupCreate, backupList };
+    enum class Verb { drives, apps, links, launchers, moveApp, moveFolder, moveRestore, backupCreate, backupList };
 
     Verb verb = Verb::drives;
     /// The item of a move, as it was written.
@@ -34,6 +34,8 @@ struct Options {
     bool includesData = true;
     /// Only shows what would be done.
     bool isDryRun = false;
+    /// Mends what is wrong instead of only telling it.
+    bool repairs = false;
 
     bool operator==(const Options&) const = default;
 };

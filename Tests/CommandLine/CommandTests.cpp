@@ -201,7 +201,7 @@ TEST(Command, EndsWithStatusTwoForEveryWrongUse) {
         EXPECT_EQ(finished.status, 2);
         EXPECT_EQ(finished.output, "");
         EXPECT_THAT(finished.errors, HasSubstr(".\nUsage: tarvik "));
-        EXPECT_LE(linesOf(finished.errors).size(), 9U) << finished.errors;
+        EXPECT_LE(linesOf(finished.errors).size(), 10U) << finished.errors;
     }
 }
 

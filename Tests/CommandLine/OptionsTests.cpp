@@ -56,6 +56,7 @@ TEST(Options, KnowsTheVerbs) {
     EXPECT_EQ(optionsOf({"move", "restore", "/f"}).verb, Options::Verb::moveRestore);
     EXPECT_EQ(optionsOf({"apps"}).verb, Options::Verb::apps);
     EXPECT_EQ(optionsOf({"links"}).verb, Options::Verb::links);
+    EXPECT_EQ(optionsOf({"launchers"}).verb, Options::Verb::launchers);
     EXPECT_EQ(optionsOf({"move", "app", "A", "--drive", "D", "--dry-run"}).verb, Options::Verb::moveApp);
     EXPECT_EQ(optionsOf({"backup", "create", "/f", "--drive", "D"}).verb, Options::Verb::backupCreate);
     EXPECT_EQ(optionsOf({"backup", "list", "--drive", "D"}).verb, Options::Verb::backupList);
@@ -106,6 +107,16 @@ TEST(Options, SaysWhatABackupLacks) {
     EXPECT_EQ(sentenceOf({"backup", "list", "--drive", "D", "--quick"}), "There is no option \"--quick\".");
 }
 
+TEST(Options, TakesTheWishToRepair) {
+    EXPECT_FALSE(optionsOf({"launchers"}).repairs);
+    EXPECT_TRUE(optionsOf({"launchers", "--repair"}).repairs);
+    EXPECT_TRUE(optionsOf({"--yes", "launchers", "--repair"}).repairs);
+    EXPECT_EQ(sentenceOf({"links", "--repair"}), "--repair belongs to launchers alone.");
+    EXPECT_EQ(sentenceOf({"launchers", "--repair=all"}), "--repair takes no value.");
+    EXPECT_EQ(sentenceOf({"launchers", "Editor"}), "\"Editor\" is one word too many.");
+    EXPECT_EQ(usageFor({"launchers", "Editor"}), "tarvik launchers [--repair]");
+}
+
 TEST(Options, SaysWhatAMoveOfApplicationsLacks) {
     EXPECT_EQ(sentenceOf({"move", "app", "--drive", "D", "--dry-run"}),
               "Name the applications that shall move: a NAME is missing.");
@@ -142,11 +153,13 @@ TEST(Options, TakesEveryNameByteForByte) {
 }
 
 TEST(Options, SaysWhatIsWrong) {
-    EXPECT_EQ(sentenceOf({}),
-              "What shall be done? Name one of: drives, apps, links, move app, move folder, move restore, backup "
-              "create, backup list.");
+    EXPECT_EQ(
+        sentenceOf({}),
+        "What shall be done? Name one of: drives, apps, links, launchers, move app, move folder, move restore, backup "
+        "create, backup list.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
-              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore, backup "
+              "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
+              "restore, backup "
               "create, backup list.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
@@ -160,7 +173,8 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({"drives", "--quick"}), "There is no option \"--quick\".");
     EXPECT_EQ(sentenceOf({"-x"}), "There is no option \"-x\".");
     EXPECT_EQ(sentenceOf({"--quick", "frobnicate"}),
-              "There is no \"frobnicate\". There is: drives, apps, links, move app, move folder, move restore, backup "
+              "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
+              "restore, backup "
               "create, backup list.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
@@ -202,8 +216,10 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     EXPECT_EQ(usageFor({"apps", "a", "b"}), "tarvik apps [NAME]");
     EXPECT_EQ(usageFor({"move", "app", "a", "--drive"}), app);
     EXPECT_EQ(usageFor({"move"}), app + "\n       " + folder + "\n       " + restore);
-    EXPECT_EQ(usageFor({}), "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       " + app +
-                                "\n       " + folder + "\n       " + restore + "\n       " + backups);
+    EXPECT_EQ(
+        usageFor({}),
+        "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       tarvik launchers [--repair]\n       " +
+            app + "\n       " + folder + "\n       " + restore + "\n       " + backups);
     EXPECT_EQ(usageFor({"backup"}), backups);
 }
 
