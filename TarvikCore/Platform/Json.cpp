@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <system_error>
 #include <utility>
 
@@ -66,6 +67,23 @@ std::size_t firstCharacterLength(std::string_view bytes) {
     return 0;
 }
 
+/// Whether lists and objects stand in each other beyond what any record needs. Each level costs the parser memory, and
+/// a file of brackets alone would take a hundred times its size.
+bool nestsTooDeep(std::string_view text) {
+    constexpr int deepest = 128;
+    int depth = 0;
+    bool isInText = false;
+    for (std::size_t position = 0; position < text.size(); ++position) {
+        const char character = text[position];
+        if (isInText && character == '\\') ++position;
+        if (character == '"') isInText = !isInText;
+        if (isInText) continue;
+        if ((character == '[' || character == '{') && ++depth > deepest) return true;
+        if (character == ']' || character == '}') --depth;
+    }
+    return false;
+}
+
 std::string dump(const nlohmann::json& json, int indent) {
     return json.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace);
 }
@@ -73,6 +91,7 @@ std::string dump(const nlohmann::json& json, int indent) {
 }  // namespace
 
 std::optional<nlohmann::json> Json::parsed(std::string_view text) {
+    if (nestsTooDeep(text)) return std::nullopt;
     auto json = nlohmann::json::parse(text.begin(), text.end(), nullptr, false);
     if (json.is_discarded()) return std::nullopt;
     return json;

@@ -34,7 +34,7 @@
 /// the character U+0000, which no path holds, and two lower-case hexadecimal digits, and so comes back as it was.
 namespace tarvik::Json {
 
-/// The value of a text, or nothing when the text is no JSON.
+/// The value of a text, or nothing when the text is no JSON or nests far deeper than any record.
 std::optional<nlohmann::json> parsed(std::string_view text);
 /// The text of a value for people and programs: indented by two, keys sorted, a line break at the end. Bytes in its
 /// texts that are no valid UTF-8 are replaced.

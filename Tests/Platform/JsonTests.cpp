@@ -96,6 +96,15 @@ TEST(Json, ADamagedRecordIsNone) {
     EXPECT_EQ(Json::parsedAs<std::vector<Pet>>(R"([{"name":"Mimi","weight":1,"beds":[]}, 5])"), std::nullopt);
 }
 
+TEST(Json, NestsAsDeepAsAnyRecordNeedsAndNoDeeper) {
+    const auto nested = [](std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); };
+    EXPECT_TRUE(Json::parsed(nested(128)));
+    EXPECT_FALSE(Json::parsed(nested(129)));
+    EXPECT_TRUE(Json::parsed("[" + nested(127) + "," + nested(127) + "]"));
+    EXPECT_FALSE(Json::parsed("[{\"a\":" + nested(127) + "}]"));
+    EXPECT_TRUE(Json::parsed("[\"\\\\\\\"" + nested(129) + "\"," + nested(127) + "]"));
+}
+
 TEST(Json, SaysWhichKeyIsMissing) {
     try {
         Json::decoded<Pet>(nlohmann::json::parse(R"({"name":"Mimi","beds":[]})"));
