@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstring>
 #include <fcntl.h>
+#include <span>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
