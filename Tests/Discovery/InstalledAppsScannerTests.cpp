@@ -129,6 +129,12 @@ TEST_F(InstalledAppsScannerTest, GoesDownTwoFoldersAndIntoNoBundle) {
     EXPECT_THAT(found(), ElementsAre(applications / "a/b/Two.app"));
 }
 
+TEST_F(InstalledAppsScannerTest, GoesDownFourFoldersBelowThoseOfApplicationSupport) {
+    test::makeBundle(support / "Acme/a/b/c/d/four.app");
+    test::makeBundle(support / "Acme/a/b/c/d/e/five.app");
+    EXPECT_THAT(found(), ElementsAre(support / "Acme/a/b/c/d/four.app"));
+}
+
 TEST_F(InstalledAppsScannerTest, ShowsASupplementalInstallByItsSlug) {
     const fs::path bundle = support / "Acme/Tools/v2/Helper Tool.app";
     test::makeBundle(bundle, {{"CFBundleDisplayName", "The Helper Tool of Acme"}});

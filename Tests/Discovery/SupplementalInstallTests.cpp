@@ -31,6 +31,7 @@ TEST(SupplementalInstall, IsABundleInAnApplicationSupportFolder) {
         {"/System/Applications/Library/Application Support/Tool.app", false},
         {"/System/Applications2/Library/Application Support/Tool.app", false},
         {"/Users/ada/Applications/Library/Application Support/Tool.app", false},
+        {"/Users/ada/Applications2/Library/Application Support/Tool.app", true},
         {"/Users/ada/Downloads/Tool.app", false},
         {"/Volumes/Backup/ExternalTarvik/Apps/Tool.app", false},
     };
