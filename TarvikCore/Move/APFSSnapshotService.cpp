@@ -27,15 +27,9 @@ std::vector<std::string_view> piecesOf(std::string_view text, char separator) {
     }
 }
 
-std::vector<std::string_view> linesOf(std::string_view text) {
-    auto lines = piecesOf(text, '\n');
-    std::erase(lines, std::string_view());
-    return lines;
-}
-
 std::optional<Snapshot> snapshotIn(std::string_view output) {
     constexpr std::string_view mark = "date: ";
-    for (const auto line : linesOf(output)) {
+    for (const auto line : piecesOf(output, '\n')) {
         const std::size_t found = line.find(mark);
         if (found == line.npos) continue;
         const std::string date = Text::trimmed(line.substr(found + mark.size()));
@@ -67,7 +61,7 @@ std::vector<Snapshot> list(const Host& host) {
     if (!isSupported(host)) return {};
     const auto result = CommandRunner::run(host.tools.tmutil, {"listlocalsnapshots", "/"});
     std::vector<Snapshot> snapshots;
-    for (const auto line : linesOf(result.stdout))
+    for (const auto line : piecesOf(result.stdout, '\n'))
         if (line.find(namePrefix) != line.npos) snapshots.push_back({std::string(line), timestamp(line)});
     return snapshots;
 }

@@ -82,7 +82,9 @@ TEST_F(APFSSnapshots, AreNotSupportedWithoutTheTool) {
 }
 
 TEST_F(APFSSnapshots, AreNeverTakenForAHostInAFolder) {
-    EXPECT_FALSE(APFSSnapshotService::isSupported(Host::rootedAt(world.folder.path(), world.home)));
+    const auto host = Host::rootedAt(world.folder.path(), world.home);
+    EXPECT_TRUE(host.tools.tmutil.empty()) << "also where the system has it";
+    EXPECT_FALSE(APFSSnapshotService::isSupported(host));
 }
 
 TEST_F(APFSSnapshots, ThatCannotBeTakenAtAllAreAFailure) {
