@@ -10,15 +10,19 @@
 namespace tarvik::Disposal {
 
 Outcome dispose(const Host& host, const fs::path& item, const std::string& suffix) noexcept {
+    return dispose(host, item, item, suffix);
+}
+
+Outcome dispose(const Host& host, const fs::path& item, const fs::path& place, const std::string& suffix) noexcept {
     Outcome outcome{Outcome::End::stayed, {}};
     ignoringFailure([&] { outcome = {Outcome::End::trashed, host.trash->moveToTrash(item)}; });
     if (outcome.end == Outcome::End::trashed) return outcome;
     ignoringFailure([&] {
-        const fs::path folder = item.parent_path() / ".TarvikTrash";
-        const fs::path place = folder / ClashNames::suffixed(item.filename().native(), suffix, NAME_MAX);
+        const fs::path folder = place.parent_path() / ".TarvikTrash";
+        const fs::path goal = folder / ClashNames::suffixed(place.filename().native(), suffix, NAME_MAX);
         Files::createFolder(folder);
-        Files::rename(item, place);
-        outcome = {Outcome::End::setAside, place};
+        Files::rename(item, goal);
+        outcome = {Outcome::End::setAside, goal};
     });
     if (outcome.end == Outcome::End::stayed) ignoringFailure([&] { outcome.place = item; });
     return outcome;

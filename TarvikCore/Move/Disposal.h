@@ -25,5 +25,7 @@ struct Outcome {
 /// Moves the item to the Trash; when the Trash refuses, into `.TarvikTrash` beside it under its name with `suffix`
 /// added. Nothing is ever replaced. Never fails: what can be moved nowhere stays where it is.
 Outcome dispose(const Host& host, const fs::path& item, const std::string& suffix) noexcept;
+/// The same of an item that stands somewhere else for the moment: `.TarvikTrash` is beside `place`, whose name it has.
+Outcome dispose(const Host& host, const fs::path& item, const fs::path& place, const std::string& suffix) noexcept;
 
 }  // namespace tarvik::Disposal

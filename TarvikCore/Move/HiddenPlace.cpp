@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <climits>
 #include <fcntl.h>
@@ -15,6 +17,8 @@
 #include <string>
 #include <string_view>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <vector>
 
 namespace tarvik::HiddenPlace {
 
@@ -26,6 +30,7 @@ constexpr std::string_view exchangePrefix = ".tarvik-exchanging-";
 constexpr std::size_t identifierLength = 8;
 constexpr std::chrono::hours longestAct{24};
 constexpr int mostNames = 100;
+constexpr int mostClaims = 5;
 
 /// The prefix, an identifier, and the item's name as far as there is room.
 fs::path hidden(std::string_view prefix, const fs::path& item) {
@@ -49,6 +54,34 @@ FileDescriptor locked(const fs::path& item, int operation) {
     return handle;
 }
 
+/// Whether another one marks it as in use.
+bool isHeld(const fs::path& item) {
+    const FileDescriptor handle(::open(item.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    return handle && ::flock(handle.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
+/// Whether the handle's item is what stands at the path: a sweep may have taken it away before it was held.
+bool isAt(const fs::path& path, const FileDescriptor& handle) {
+    struct stat status {};
+    const auto info = Files::info(path);
+    return handle && info && ::fstat(handle.get(), &status) == 0 && Files::infoOfStatus(status).inode == info->inode;
+}
+
+void replaceAll(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
+        text.replace(at, from.size(), to);
+}
+
+bool isRealItem(const fs::path& path) {
+    return Files::itemExists(path) && !Files::isSymbolicLink(path);
+}
+
+/// Whether a link under a hidden name tells of an act that was killed between two whole items.
+bool isMark(const fs::path& link, const fs::path& place) {
+    const auto target = Files::linkText(link);
+    return target && Files::itemExists(*target) && isRealItem(place);
+}
+
 bool goesTo(const fs::path& leftover, const fs::path& place) {
     bool isThere = false;
     ignoringFailure([&] {
@@ -63,13 +96,14 @@ void clear(const Host& host, const fs::path& leftover, const std::string& ownNam
     if (Files::isSymbolicLink(leftover)) {
         // A link cannot be held: only its age tells that no running act made it.
         const auto made = Files::modifiedAt(leftover);
-        if (!made || host.now() - *made < longestAct) return;
+        if (!made || host.now() - *made < longestAct || (!isExchange && isMark(leftover, place))) return;
         if (!isExchange || !goesTo(leftover, place)) Files::removeLink(leftover);
         return;
     }
     const FileDescriptor lock = locked(leftover, LOCK_EX);
     if (!lock) return;
     if (isExchange && goesTo(leftover, place)) return;
+    if (Files::isFolder(leftover) && Files::names(leftover).empty()) return Files::removeEmptyFolder(leftover);
     const std::string name = ClashNames::suffixed(ownName, " (left by an interrupted move)", NAME_MAX);
     for (int number = 1; number <= mostNames; ++number) {
         const fs::path visible = leftover.parent_path() / ClashNames::numbered(name, number, ' ', NAME_MAX);
@@ -91,6 +125,58 @@ fs::path forExchangeOf(const fs::path& item) {
     return hidden(exchangePrefix, item);
 }
 
+Claim claimForCopyTo(const fs::path& goal, Files::ItemType type) {
+    Claim claim;
+    for (int attempt = 0; attempt < mostClaims; ++attempt) {
+        claim.path = forCopyTo(goal);
+        try {
+            if (!Files::claim(claim.path, type)) continue;
+        } catch (const FileError& error) {
+            throw FileError("create", goal, error.code());
+        }
+        claim.held = hold(claim.path);
+        // On a file system without locks the last one will do: there a sweep takes nothing away.
+        if (isAt(claim.path, claim.held) || attempt == mostClaims - 1) break;
+        ignoringFailure([&] { Files::removeItem(claim.path); });
+    }
+    return claim;
+}
+
+bool isCopyUnderWayTo(const fs::path& goal) {
+    const auto names = Files::names(goal.parent_path());
+    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return ownName(name, copyPrefix) == goal.filename().native() && isHeld(goal.parent_path() / name);
+    });
+}
+
+std::string withOwnName(std::string text, const fs::path& hidden, const fs::path& item) {
+    const std::string name = hidden.filename();
+    replaceAll(text, name, item.filename());
+    // A message may spell the item's own name in another way.
+    for (const auto prefix : {copyPrefix, removalPrefix, exchangePrefix})
+        if (ownName(name, prefix)) replaceAll(text, name.substr(0, prefix.size() + identifierLength + 1), "");
+    return text;
+}
+
+Disposal::Outcome stash(const Host& host, const fs::path& hidden, const fs::path& place) {
+    if (!Files::itemExists(hidden)) return {};
+    Disposal::Outcome outcome{Disposal::Outcome::End::stayed, hidden};
+    ignoringFailure([&] {
+        const auto shelf = claimForCopyTo(place, Files::ItemType::folder);
+        const fs::path shelved = shelf.path / place.filename();
+        ignoringFailure([&] {
+            Files::rename(hidden, shelved);
+            const auto end = MoverStasher::stash(host, shelved, place);
+            if (end.end == Disposal::Outcome::End::stayed)
+                Files::rename(shelved, hidden);
+            else
+                outcome = end;
+        });
+        Files::removeEmptyFolder(shelf.path);
+    });
+    return outcome;
+}
+
 FileDescriptor hold(const fs::path& item) {
     return locked(item, LOCK_SH);
 }
@@ -103,6 +189,25 @@ void sweep(const Host& host, const fs::path& folder) noexcept {
                 if (own) ignoringFailure([&] { clear(host, folder / name, *own, prefix == exchangePrefix); });
             }
         }
+    });
+}
+
+void clearUnfinished(const Host& host, const fs::path& source, const fs::path& destination) noexcept {
+    ignoringFailure([&] {
+        std::vector<fs::path> marks;
+        for (const auto& name : Files::names(source.parent_path())) {
+            const fs::path link = source.parent_path() / name;
+            for (const auto prefix : {copyPrefix, removalPrefix})
+                if (ownName(name, prefix) == ownName(hidden(prefix, source).filename().native(), prefix) &&
+                    Files::linkText(link) == destination && isMark(link, source))
+                    marks.push_back(link);
+        }
+        if (marks.empty()) return;
+        const FileDescriptor original = locked(source, LOCK_EX);
+        const FileDescriptor copy = locked(destination, LOCK_EX);
+        if (!original || !copy) return;
+        if (MoverStasher::stash(host, destination).end == Disposal::Outcome::End::stayed) return;
+        for (const auto& link : marks) Files::removeLink(link);
     });
 }
 

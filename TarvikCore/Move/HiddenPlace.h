@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Move/Disposal.h"
 #include "Platform/FileDescriptor.h"
+#include "Platform/Files.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
-#include <string_view>
+#include <string>
 
 /// The hidden names that items bear for the length of an act: a copy that is not complete yet, an original that is
 /// about to be removed. What an act that was killed leaves under such a name is cleared away by a later one.
@@ -16,13 +18,33 @@ fs::path forCopyTo(const fs::path& goal);
 fs::path forRemovalOf(const fs::path& original);
 fs::path forExchangeOf(const fs::path& item);
 
+/// A hidden place that the caller alone writes to, marked as in use.
+struct Claim {
+    fs::path path;
+    FileDescriptor held;
+};
+/// Takes a place for a copy of an item of this type, as `Files::claim` does. @throws FileError, which tells of `goal`.
+Claim claimForCopyTo(const fs::path& goal, Files::ItemType type);
+/// Whether a running act is making a copy that will stand at `goal`.
+bool isCopyUnderWayTo(const fs::path& goal);
+/// What tells of an item under its hidden name, told of its own place.
+std::string withOwnName(std::string text, const fs::path& hidden, const fs::path& item);
+/// Disposes of an item under a hidden name as `MoverStasher` does of one that stands at `place`. It is at no moment
+/// where a killed act would leave it in the way.
+Disposal::Outcome stash(const Host& host, const fs::path& hidden, const fs::path& place);
+
 /// Marks an item as in use for as long as the result lives, under whatever name. Nothing happens when it cannot be
 /// opened.
 FileDescriptor hold(const fs::path& item);
 
 /// Clears what killed acts have left directly in `folder`. What was changing places goes back where its own place is
-/// free; everything else goes to the Trash, except links, which hold nothing. What a running act holds stays. Never
-/// fails.
+/// free; everything else goes to the Trash, except empty folders and links, which hold nothing. What a running act
+/// holds stays, and so does a link that `clearUnfinished` goes by. Never fails.
 void sweep(const Host& host, const fs::path& folder) noexcept;
+
+/// Frees `destination` from the complete copy that a killed move of `source` has left there, or from the rest of what a
+/// killed restore has brought back: it goes to the Trash. A link under a hidden name beside `source`, which stands
+/// there as long as both are whole, tells of such an act. Nothing else is ever touched. Never fails.
+void clearUnfinished(const Host& host, const fs::path& source, const fs::path& destination) noexcept;
 
 }  // namespace tarvik::HiddenPlace

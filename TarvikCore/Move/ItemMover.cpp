@@ -16,9 +16,7 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <cstddef>
 #include <optional>
-#include <string>
 
 namespace tarvik::ItemMover {
 
@@ -75,18 +73,14 @@ bool renamesWithinVolume(const fs::path& from, const fs::path& to, Goal goal) {
     return true;
 }
 
-/// Passes on what is being handled; a failure of the copier speaks of the goal then, and not of the hidden name.
+/// Passes on what is being handled; it speaks of the goal then, and not of the hidden name.
 [[noreturn]] void rethrowOnBehalfOf(const fs::path& to, const fs::path& temporary) {
     try {
         throw;
-    } catch (const MoverError&) {
-        throw;
+    } catch (const MoverError& error) {
+        throw MoverError::retold(error, HiddenPlace::withOwnName(error.description(), temporary, to));
     } catch (const Failure& failure) {
-        std::string description = failure.description();
-        const std::string& hidden = temporary.native();
-        for (std::size_t at = 0; (at = description.find(hidden, at)) != std::string::npos; at += to.native().size())
-            description.replace(at, hidden.size(), to.native());
-        throw Failure(failure.domain(), failure.code(), description);
+        throw Failure(failure.domain(), failure.code(), HiddenPlace::withOwnName(failure.description(), temporary, to));
     }
 }
 
@@ -131,10 +125,8 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
                 const ProgressCallback& progress) {
     if (const auto obstacle = TreeObstacle::toRemoval(from)) throw obstacle->error();
     const auto start = ChangeWatch::mark(from);
-    const fs::path temporary = HiddenPlace::forCopyTo(to);
-    if (!Files::claim(temporary, Files::info(from).value_or(Files::ItemInfo{}).type))
-        throw FileError("create", temporary, EEXIST);
-    const FileDescriptor held = HiddenPlace::hold(temporary);
+    const auto claim = HiddenPlace::claimForCopyTo(to, Files::info(from).value_or(Files::ItemInfo{}).type);
+    const fs::path& temporary = claim.path;
     copyAcross(host, from, to, temporary, progress);
     arrive(host, temporary, to, goal);
     // What was replaced stands at `temporary` until nothing can go wrong any more.

@@ -5,12 +5,12 @@
 #include "Discovery/InstallsDBWriter.h"
 #include "Move/ChangeWatch.h"
 #include "Move/CopyProof.h"
+#include "Move/DriveCopy.h"
 #include "Move/FileCopier.h"
 #include "Move/HealthManifest.h"
 #include "Move/HiddenPlace.h"
 #include "Move/ItemMover.h"
 #include "Move/MoverError.h"
-#include "Move/MoverStasher.h"
 #include "Move/NestedAppLauncherService.h"
 #include "Move/OriginalRemoval.h"
 #include "Move/VolumeCapacityProbe.h"
@@ -53,36 +53,40 @@ ChangeWatch::Mark markOf(ChangeWatch::Beginning& beginning) {
     }
 }
 
-/// Of two moves to one place at the same time, only one may ever write there or dispose of what stands there.
-void claimDestination(const fs::path& source, const fs::path& destination) {
-    try {
-        const auto info = Files::info(source);
-        if (!Files::claim(destination, info ? info->type : Files::ItemType::folder))
-            throw MoverError::destinationExists();
-    } catch (const FileError& error) {
-        throw MoverError::copyFailed(error.description());
-    }
+/// The place must hold nothing, and nobody may be about to put something there.
+void requireFree(const fs::path& destination) {
+    if (Files::itemExists(destination) || HiddenPlace::isCopyUnderWayTo(destination))
+        throw MoverError::destinationExists();
 }
 
-std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const fs::path& destination,
+std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const DriveCopy& copy,
                                              std::uint64_t driveDevice) {
-    auto reason = CopyProof::reasonAgainst(host, source, destination, CopyProof::Count::yes);
-    if (!reason && deviceOf(destination.parent_path()) != driveDevice)
+    auto reason = CopyProof::reasonAgainst(host, source, copy.place(), CopyProof::Count::yes);
+    if (!reason && deviceOf(copy.goal().parent_path()) != driveDevice)
         reason = "The target drive was disconnected while it was written to.";
     return reason;
 }
 
 /// What is done with the copy when a move ends in its middle.
-Disposal::Outcome giveUpCopy(const Host& host, const fs::path& source, const fs::path& destination,
-                             bool isOriginalWhole) {
+Disposal::Outcome giveUp(DriveCopy& copy, const fs::path& source, bool isOriginalWhole) {
     // The original could not even be put back: its link leads to the copy, which is all that works.
-    if (Files::linkText(source) == destination) return {Disposal::Outcome::End::stayed, destination};
-    const auto outcome = MoverStasher::stash(host, destination);
+    if (Files::linkText(source) == copy.goal()) return {Disposal::Outcome::End::stayed, copy.goal()};
+    const auto outcome = copy.stash();
     // A drive that is full takes no folder to set things aside in. The copy must neither fill it nor keep the next move
     // from the place. When part of the original is gone, it stays wherever it is.
-    if (outcome.end == Disposal::Outcome::End::stayed && isOriginalWhole)
-        ignoringFailure([&] { Files::removeItem(destination); });
+    if (outcome.end == Disposal::Outcome::End::stayed && isOriginalWhole) copy.remove();
     return outcome;
+}
+
+/// The same for a move that failed in a way that the user is told.
+void giveUpAfter(const MoverError& error, DriveCopy& copy, const fs::path& source) {
+    switch (error.kind()) {
+        case MoverError::Case::symlinkFailed:      // All is to be as it was before the move.
+        case MoverError::Case::destinationExists:  // Another move was faster.
+            return copy.remove();
+        default:
+            giveUp(copy, source, error.kind() != MoverError::Case::sourceRemoveFailed);
+    }
 }
 
 /// Where the copy is, of which the original may have only a part by now.
@@ -91,13 +95,14 @@ std::string whereabouts(const Disposal::Outcome& copy) {
     return fmt::format("The complete copy is {}.", copy.place.native());
 }
 
-void replaceByLink(const Host& host, const fs::path& source, const fs::path& destination,
-                   const ChangeWatch::Mark& start) {
+/// Lets copy and link come to their places. `link` is the caller's, who keeps it until a copy that was in vain is gone.
+void replaceByLink(const Host& host, const fs::path& source, DriveCopy& copy,
+                   std::optional<OriginalRemoval::LinkInWaiting>& link, const ChangeWatch::Mark& start) {
     try {
-        OriginalRemoval::replaceByLink(host, source, destination, start);
-    } catch (const MoverError& error) {
-        if (error.kind() == MoverError::Case::symlinkFailed)  // All is to be as it was before the move.
-            ignoringFailure([&] { Files::removeItem(destination); });
+        link.emplace(source, copy.goal());
+        copy.arrive();
+        OriginalRemoval::replaceByLink(host, *link, start);
+    } catch (const MoverError&) {
         throw;
     } catch (const Files::IncompleteRemoval&) {
         throw;
@@ -148,7 +153,8 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     const std::uint64_t driveDevice = deviceOf(destinationParent);
     Files::createFolder(destinationParent);
     const fs::path destination = Files::standardized(destinationParent / source.filename());
-    if (Files::itemExists(destination)) throw MoverError::destinationExists();
+    if (Files::itemExists(destination)) HiddenPlace::clearUnfinished(host, source, destination);
+    requireFree(destination);
 
     ChangeWatch::Beginning beginning(source);
     const std::int64_t size = SizeCalculator::size(host, source);
@@ -157,22 +163,23 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
 
     HiddenPlace::sweep(host, source.parent_path());
     HiddenPlace::sweep(host, destinationParent);
-    claimDestination(source, destination);
+    requireFree(destination);
+    DriveCopy copy(host, source, destination);
+    std::optional<OriginalRemoval::LinkInWaiting> link;
     try {
-        FileCopier::copy(host, source, destination, size, progress);
+        FileCopier::copy(host, source, copy.place(), size, progress);
         status(JobStatus::verifying());
-        if (auto reason = reasonAgainstCopy(host, source, destination, driveDevice))
-            throw MoverError::verifyFailed(*reason);
+        if (auto reason = reasonAgainstCopy(host, source, copy, driveDevice)) throw MoverError::verifyFailed(*reason);
         status(JobStatus::linking());
-        replaceByLink(host, source, destination, start);
+        replaceByLink(host, source, copy, link, start);
     } catch (const Files::IncompleteRemoval& failure) {
-        const auto copy = giveUpCopy(host, source, destination, false);
-        throw MoverError::sourceRemoveFailed(fmt::format("{}. {}", failure.description(), whereabouts(copy)));
+        const auto outcome = giveUp(copy, source, false);
+        throw MoverError::sourceRemoveFailed(fmt::format("{}. {}", failure.description(), whereabouts(outcome)));
     } catch (const MoverError& error) {
-        giveUpCopy(host, source, destination, error.kind() != MoverError::Case::sourceRemoveFailed);
-        throw;
+        giveUpAfter(error, copy, source);
+        throw MoverError::retold(error, copy.inOwnName(error.description()));
     } catch (...) {
-        giveUpCopy(host, source, destination, false);
+        giveUp(copy, source, false);
         throw;
     }
     recordMove(host, source, destination, size);

@@ -44,4 +44,8 @@ MoverError MoverError::destinationExists() {
     return {Case::destinationExists, "Destination already exists."};
 }
 
+MoverError MoverError::retold(const MoverError& error, std::string description) {
+    return {error.kind(), std::move(description)};
+}
+
 }  // namespace tarvik

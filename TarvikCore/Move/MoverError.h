@@ -32,6 +32,9 @@ public:
     static MoverError sourceMissing();
     static MoverError destinationExists();
 
+    /// The same case, told in other words.
+    static MoverError retold(const MoverError& error, std::string description);
+
     Case kind() const { return static_cast<Case>(code()); }
 
 private:

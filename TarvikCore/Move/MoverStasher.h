@@ -9,5 +9,7 @@ namespace tarvik::MoverStasher {
 
 /// Never fails: what can be moved nowhere stays where it is. Nothing happens when nothing stands at `path`. Any thread.
 Disposal::Outcome stash(const Host& host, const fs::path& path);
+/// The same of an item that stands at `path` for the moment and belongs at `place`, whose name it has.
+Disposal::Outcome stash(const Host& host, const fs::path& path, const fs::path& place);
 
 }  // namespace tarvik::MoverStasher

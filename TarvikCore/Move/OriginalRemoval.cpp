@@ -75,26 +75,27 @@ void remove(const Host& host, const fs::path& original, const ChangeWatch::Mark&
         host, original, aside, start, [&] { Files::rename(original, aside); }, [&] { Files::rename(aside, original); });
 }
 
-void replaceByLink(const Host& host, const fs::path& original, const fs::path& target, const ChangeWatch::Mark& start) {
+LinkInWaiting::LinkInWaiting(const fs::path& original, const fs::path& target)
+    : m_original(original), m_target(target), m_place(HiddenPlace::forRemovalOf(original)) {
     requireNoObstacle(original);
-    const fs::path aside = HiddenPlace::forRemovalOf(original);
+    m_held = HiddenPlace::hold(original);
     try {
-        Files::createSymbolicLink(aside, target);
+        Files::createSymbolicLink(m_place, target);
     } catch (const FileError& error) {
         throw MoverError::symlinkFailed(FileError("create the link", original, error.code()).description());
     }
-    const auto putBack = [&] {
-        Files::exchange(aside, original, HiddenPlace::forExchangeOf(original));
-        Files::removeLink(aside);
-    };
-    try {
-        removeBy(
-            host, original, aside, start,
-            [&] { Files::exchange(aside, original, HiddenPlace::forExchangeOf(original)); }, putBack);
-    } catch (...) {
-        if (Files::linkText(aside) == target) ignoringFailure([&] { Files::removeLink(aside); });
-        throw;
-    }
+}
+
+LinkInWaiting::~LinkInWaiting() {
+    ignoringFailure([&] {
+        if (Files::linkText(m_place) == m_target) Files::removeLink(m_place);
+    });
+}
+
+void replaceByLink(const Host& host, const LinkInWaiting& link, const ChangeWatch::Mark& start) {
+    const fs::path& original = link.original();
+    const auto exchange = [&] { Files::exchange(link.place(), original, HiddenPlace::forExchangeOf(original)); };
+    removeBy(host, original, link.place(), start, exchange, exchange);
 }
 
 }  // namespace tarvik::OriginalRemoval

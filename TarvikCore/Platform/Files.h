@@ -83,6 +83,8 @@ public:
 /// inside is never entered. Removes nothing of a tree in which it finds a `TreeObstacle`.
 /// @throws FileError, and that is an IncompleteRemoval when something has been removed.
 void removeItem(const fs::path& path, Obstacles obstacles = Obstacles::lookedFor);
+/// Removes a folder that holds nothing. @throws FileError also when it holds something.
+void removeEmptyFolder(const fs::path& folder);
 /// Renames within one volume and never replaces what stands at `to`.
 /// @throws FileError with EEXIST when `to` is taken, with EXDEV when `to` is on another volume.
 void rename(const fs::path& from, const fs::path& to);

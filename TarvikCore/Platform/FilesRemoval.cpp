@@ -52,4 +52,8 @@ void removeItem(const fs::path& path, Obstacles obstacles) {
     removeTree(path);
 }
 
+void removeEmptyFolder(const fs::path& folder) {
+    if (::rmdir(folder.c_str()) != 0) throw FileError("remove the folder", folder, errno);
+}
+
 }  // namespace tarvik::Files

@@ -78,6 +78,21 @@ void expectEnd(const FaultWorld& world, const KnownEnd& end) {
     EXPECT_THAT(places.leftovers, testing::IsEmpty());
 }
 
+/// What must hold when the same act has been tried once more after a kill: it is done. Only the link of a restore or
+/// the rest of an original may wait under a hidden name for an act after that.
+void expectDoneAtLast(const FaultWorld& world, Act act, const Fault& fault, bool wasDone, const CommandResult& result) {
+    SCOPED_TRACE(fault.text() + "\n" + result.stderr + world.picture());
+    EXPECT_TRUE(result.status == 0 || wasDone);
+    EXPECT_EQ(world.places().home, act == Act::move ? Stand::link : Stand::whole);
+    if (act == Act::move) {
+        EXPECT_EQ(world.places().drive, Stand::whole);
+    }
+}
+
+bool isDone(const FaultWorld& world, Act act) {
+    return world.places().home == (act == Act::move ? Stand::link : Stand::whole);
+}
+
 /// What must hold after every run that was not killed.
 void expectKnownState(const FaultWorld& world, Act act, const Fault& fault, const CommandResult& result) {
     SCOPED_TRACE(fault.text() + "\n" + result.stderr + world.picture());
@@ -129,10 +144,19 @@ void tryEveryPoint(Act act, Victim victim) {
         world.run(point);
         ++runs;
         expectNothingLost(world, point);
-        // Whatever the kill has left, the next try of the same loses nothing either.
-        world.runAgain();
+        // Whatever the kill has left, the next try of the same loses nothing either, and comes to its end.
+        const bool wasDone = isDone(world, act);
+        const CommandResult again = world.runAgain();
         ++runs;
         expectNothingLost(world, point);
+        expectDoneAtLast(world, act, point, wasDone, again);
+        if (act == Act::restore) {
+            // Nothing that the kill has left on the drive keeps the item from going there again.
+            const CommandResult moved = world.runOther(Act::move);
+            ++runs;
+            expectNothingLost(world, point);
+            expectDoneAtLast(world, Act::move, point, false, moved);
+        }
         if (testing::Test::HasFailure()) return;  // One point tells enough.
     }
     testing::Test::RecordProperty("points", std::to_string(points.size()));

@@ -154,7 +154,7 @@ void FaultWorld::prepare() const {
     }
 }
 
-CommandResult FaultWorld::runTraced(const std::vector<std::string>& tracing) const {
+CommandResult FaultWorld::runTraced(Act act, const std::vector<std::string>& tracing) const {
     const fs::path ditto = m_folder / "bin/stand-ins/ditto";
     const std::string realDitto = programOfThisBuild("stand-ins/ditto").native();
     std::vector<std::string> command = {(m_folder / "bin/tarvik").native(),
@@ -166,7 +166,7 @@ CommandResult FaultWorld::runTraced(const std::vector<std::string>& tracing) con
                                         "--format",
                                         "human",
                                         "move"};
-    if (m_act == Act::move) {
+    if (act == Act::move) {
         command.insert(command.end(), {"folder", m_item.native(), "--drive", m_drive.path().native()});
     } else {
         command.insert(command.end(), {"restore", m_item.native()});
@@ -191,7 +191,7 @@ CommandResult FaultWorld::list(std::vector<Fault>& points) const {
     const fs::path log = m_folder / "log";
     std::vector<std::string> tracing = {"-o", log.native(), "-e", "trace=" + std::string(changingCalls)};
     if (m_victim == Victim::copierThreads) tracing.emplace_back("-f");
-    CommandResult result = runTraced(tracing);
+    CommandResult result = runTraced(m_act, tracing);
     std::istringstream lines(contentOf(log));
     points = m_victim == Victim::copierThreads ? someOf(changesIn(m_folder / "root", lines))
                                                : changesIn(m_folder / "root", lines);
@@ -210,11 +210,15 @@ CommandResult FaultWorld::run(const Fault& fault) const {
                                         "inject=" + fault.call + ":" + fault.effect +
                                             ":when=" + std::to_string(fault.ordinal) + (fault.isForGood ? "+" : "")};
     if (fault.isOfAnyThread) tracing.insert(tracing.begin(), "-f");
-    return runTraced(tracing);
+    return runTraced(m_act, tracing);
 }
 
 CommandResult FaultWorld::runAgain() const {
-    return runTraced({"-o", "/dev/null", "-e", "trace=none"});
+    return runOther(m_act);
+}
+
+CommandResult FaultWorld::runOther(Act act) const {
+    return runTraced(act, {"-o", "/dev/null", "-e", "trace=none"});
 }
 
 bool FaultWorld::hasStruck() const {

@@ -61,6 +61,8 @@ public:
 
     /// The act once more on what the last run has left, without a fault.
     CommandResult runAgain() const;
+    /// The same of another act.
+    CommandResult runOther(Act act) const;
     /// Whether the fault of the last run met its call.
     bool hasStruck() const;
     /// Whether the program's memory of what it moved holds the item.
@@ -80,7 +82,7 @@ public:
     std::string picture() const;
 
 private:
-    CommandResult runTraced(const std::vector<std::string>& tracing) const;
+    CommandResult runTraced(Act act, const std::vector<std::string>& tracing) const;
     Stand standOf(const fs::path& item) const;
 
     Act m_act;

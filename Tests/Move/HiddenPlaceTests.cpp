@@ -100,6 +100,98 @@ TEST(HiddenPlace, LeavesALinkThatARunningActMayHaveMade) {
     EXPECT_EQ(world.namesAtHome().size(), 1U);
 }
 
+TEST(HiddenPlace, RemovesAnEmptyFolderThatWasLeftBehind) {
+    const World world;
+    makeFolder(HiddenPlace::forCopyTo(world.home / "Music"));
+    HiddenPlace::sweep(world.host, world.home);
+    EXPECT_THAT(world.namesAtHome(), IsEmpty());
+    EXPECT_FALSE(Files::itemExists(world.trash->folder));
+}
+
+TEST(HiddenPlace, ClearsTheCopyThatAKilledMoveHasLeft) {
+    const World world;
+    const fs::path source = world.home / "Music";
+    const fs::path copy = world.foldersOnDrive() / "Music";
+    makeFile(source / "song", "la la");
+    makeFile(copy / "song", "la la");
+    // Without the mark of a killed act it is someone's own.
+    HiddenPlace::clearUnfinished(world.host, source, copy);
+    EXPECT_TRUE(Files::exists(copy / "song"));
+    makeOldLink(HiddenPlace::forRemovalOf(source), world.foldersOnDrive() / "Film");
+    makeOldLink(HiddenPlace::forRemovalOf(world.home / "Film"), copy);
+    HiddenPlace::clearUnfinished(world.host, source, copy);
+    EXPECT_TRUE(Files::exists(copy / "song"));
+    for (const fs::path& mark : {HiddenPlace::forRemovalOf(source), HiddenPlace::forCopyTo(source)}) {
+        makeOldLink(mark, copy);
+        // A sweep leaves the mark, and an act that runs keeps the copy.
+        HiddenPlace::sweep(world.host, world.home);
+        for (const fs::path& item : {source, copy}) {
+            const FileDescriptor held = HiddenPlace::hold(item);
+            HiddenPlace::clearUnfinished(world.host, source, copy);
+            EXPECT_TRUE(Files::exists(copy / "song"));
+        }
+        HiddenPlace::clearUnfinished(world.host, source, copy);
+        EXPECT_FALSE(Files::itemExists(copy));
+        EXPECT_EQ(contentOf(world.trash->folder / "Music/song"), "la la");
+        EXPECT_THAT(world.namesAtHome(), ElementsAre("Music"));
+        fs::remove_all(world.trash->folder);
+        makeFile(copy / "song", "la la");
+    }
+}
+
+TEST(HiddenPlace, NeverTakesForACopyWhatALinkLeadsTo) {
+    const World world;
+    const fs::path source = world.home / "Music";
+    const fs::path copy = world.foldersOnDrive() / "Music";
+    makeFile(copy / "song", "la la");
+    makeLink(source, copy);
+    makeOldLink(HiddenPlace::forRemovalOf(source), copy);
+    HiddenPlace::clearUnfinished(world.host, source, copy);
+    EXPECT_EQ(contentOf(source / "song"), "la la");
+}
+
+TEST(HiddenPlace, IsDisposedOfUnderTheItemsOwnName) {
+    const World world;
+    const fs::path item = world.home / "Music.app";
+    for (const bool trashRefuses : {false, true}) {
+        world.trash->refuses = trashRefuses;
+        const fs::path hidden = HiddenPlace::forCopyTo(item);
+        makeFile(hidden / "song", "la la");
+        const auto outcome = HiddenPlace::stash(world.host, hidden, item);
+        EXPECT_EQ(outcome.place,
+                  trashRefuses ? world.home / ".TarvikTrash/Music.app-1794764743" : world.trash->folder / "Music.app");
+        EXPECT_EQ(contentOf(outcome.place / "song"), "la la");
+    }
+    EXPECT_THAT(world.namesAtHome(), ElementsAre(".TarvikTrash"));
+}
+
+TEST(HiddenPlace, StaysWhereItIsWhenNothingTakesIt) {
+    const World world;
+    world.trash->refuses = true;
+    makeFile(world.home / ".TarvikTrash", "a file in the way");
+    const fs::path hidden = HiddenPlace::forCopyTo(world.home / "Music");
+    makeFile(hidden / "song", "la la");
+    EXPECT_EQ(HiddenPlace::stash(world.host, hidden, world.home / "Music"),
+              (tarvik::Disposal::Outcome{tarvik::Disposal::Outcome::End::stayed, hidden}));
+    EXPECT_EQ(contentOf(hidden / "song"), "la la");
+    EXPECT_EQ(world.namesAtHome().size(), 2U);
+}
+
+TEST(HiddenPlace, IsNotSpokenOf) {
+    const std::string longName(250, 'n');
+    for (const std::string& name : {std::string("Music"), std::string("odd \xff"), longName}) {
+        const fs::path item = fs::path("/drive") / name;
+        const fs::path hidden = HiddenPlace::forCopyTo(item);
+        EXPECT_EQ(HiddenPlace::withOwnName("no " + hidden.native() + " and " + hidden.native() + "/x", hidden, item),
+                  "no " + item.native() + " and " + item.native() + "/x");
+    }
+    // The copy tool spells bytes that are no text in its own way.
+    const fs::path odd = HiddenPlace::forCopyTo("/drive/odd \xff");
+    std::string spelt = odd.native();
+    spelt.replace(spelt.size() - 1, 1, "\\xFF");
+    EXPECT_EQ(HiddenPlace::withOwnName(spelt, odd, "/drive/odd \xff"), "/drive/odd \\xFF");
+}
+
 TEST(HiddenPlace, FindsANameForEachOfSeveralLeftovers) {
     const World world;
     world.trash->refuses = true;

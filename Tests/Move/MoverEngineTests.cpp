@@ -1,3 +1,4 @@
+#include "Move/HiddenPlace.h"
 #include "Move/MoverEngine.h"
 #include "Move/MoverError.h"
 #include "Platform/FileError.h"
@@ -142,6 +143,45 @@ TEST_F(MoverEngine, LeavesThePlaceToAnotherMoveThatWasFaster) {
     EXPECT_EQ(contentOf(destination / "song.txt"), "other");
 }
 
+TEST_F(MoverEngine, LeavesThePlaceToWhatComesThereDuringTheCopy) {
+    world.withDitto("cp -aT \"$2\" \"$3\"; mkdir '" + destination.native() + "'; : > '" + destination.native() +
+                    "/other'");
+    EXPECT_EQ(failureOfMove(), "Destination already exists.");
+    EXPECT_EQ(pictureOf(source), picture);
+    EXPECT_EQ(Files::names(destination), std::vector<std::string>{"other"});
+    EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{"Music"});
+    EXPECT_EQ(world.namesAtHome(), std::vector<std::string>{"Music"});
+}
+
+TEST_F(MoverEngine, LeavesThePlaceToACopyThatIsUnderWay) {
+    makeFolder(world.foldersOnDrive());
+    auto other = HiddenPlace::claimForCopyTo(destination, Files::ItemType::folder);
+    world.withDitto("exit 3");
+    EXPECT_EQ(failureOfMove(), "Destination already exists.");
+    EXPECT_TRUE(Files::exists(other.path));
+    // A killed one holds nothing any more.
+    other.held.close();
+    world.withDitto(R"(cp -aT "$2" "$3")");
+    move();
+    EXPECT_EQ(pictureOf(destination), picture);
+    EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{"Music"});
+}
+
+TEST_F(MoverEngine, NeverShowsHalfACopyUnderTheItemsName) {
+    world.withDitto("[ ! -e '" + destination.native() + "' ] && cp -aT \"$2\" \"$3\" && [ ! -e '" +
+                    destination.native() + "' ]");
+    move();
+    EXPECT_EQ(pictureOf(destination), picture);
+}
+
+TEST_F(MoverEngine, SpeaksOfTheItemByItsOwnName) {
+    world.withDitto("echo \"Could not write $3/song.txt: it is tired\" >&2; exit 3");
+    EXPECT_EQ(failureOfMove(),
+              "Copy failed: ditto failed: Could not write " + destination.native() + "/song.txt: it is tired");
+    world.withDitto("rm -r \"$3\"");
+    EXPECT_EQ(failureOfMove(), "Verification failed: Music is missing at the destination.");
+}
+
 TEST_F(MoverEngine, RefusesASecondMoveOfTheSameItem) {
     move();
     const std::string first = pictureOf(destination);
@@ -276,6 +316,7 @@ TEST_F(MoverEngine, StashesBesideTheCopyWhenTheTrashRefuses) {
     EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: exit 1");
     EXPECT_FALSE(Files::itemExists(destination));
     EXPECT_TRUE(Files::isFolder(world.foldersOnDrive() / ".TarvikTrash" / ("Music-" + std::to_string(madeNow))));
+    EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{".TarvikTrash"});
 }
 
 TEST_F(MoverEngine, FailsForASocketThatTheCopyDrops) {

@@ -29,6 +29,11 @@ struct Pair {
         start = ChangeWatch::mark(original);
     }
 
+    void replaceByLink(const fs::path& target, const ChangeWatch::Mark& mark) const {
+        const OriginalRemoval::LinkInWaiting link(original, target);
+        OriginalRemoval::replaceByLink(world.host, link, mark);
+    }
+
     World world;
     fs::path original = world.home / "Music";
     fs::path copy = world.drive / "Music";
@@ -49,7 +54,7 @@ std::string failureOf(const std::function<void()>& act) {
 
 TEST(OriginalRemoval, LeavesALinkInThePlace) {
     const Pair pair;
-    OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy, pair.start);
+    pair.replaceByLink(pair.copy, pair.start);
     EXPECT_EQ(Files::linkText(pair.original), pair.copy);
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
 }
@@ -59,7 +64,7 @@ TEST(OriginalRemoval, NeverLeavesThePlaceFree) {
     for (int file = 0; file < 200; ++file) makeFile(pair.original / std::to_string(file));
     std::atomic<bool> isDone = false;
     std::thread act([&] {
-        OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy, ChangeWatch::mark(pair.original));
+        pair.replaceByLink(pair.copy, ChangeWatch::mark(pair.original));
         isDone = true;
     });
     bool wasAlwaysThere = true;
@@ -72,9 +77,8 @@ TEST(OriginalRemoval, NeverLeavesThePlaceFree) {
 TEST(OriginalRemoval, PutsAChangedOriginalBack) {
     const Pair pair;
     makeFile(pair.original / "deep/er/song", "new words");
-    const auto both = {
-        failureOf([&] { OriginalRemoval::remove(pair.world.host, pair.original, pair.start); }),
-        failureOf([&] { OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy, pair.start); })};
+    const auto both = {failureOf([&] { OriginalRemoval::remove(pair.world.host, pair.original, pair.start); }),
+                       failureOf([&] { pair.replaceByLink(pair.copy, pair.start); })};
     EXPECT_THAT(both, testing::Each("Verification failed: Music/deep/er/song was changed while it was copied."));
     EXPECT_EQ(contentOf(pair.original / "deep/er/song"), "new words");
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
@@ -84,7 +88,7 @@ TEST(OriginalRemoval, LeavesTheOriginalAloneWhereNoLinkCanBeMade) {
     // A link's text has an end, and this one goes beyond it.
     const Pair pair;
     const fs::path endless = pair.world.drive / std::string(5000, 'n');
-    EXPECT_EQ(failureOf([&] { OriginalRemoval::replaceByLink(pair.world.host, pair.original, endless, pair.start); }),
+    EXPECT_EQ(failureOf([&] { pair.replaceByLink(endless, pair.start); }),
               "Symlink creation failed: Could not create the link " + pair.original.native() + ": File name too long");
     EXPECT_EQ(pictureOf(pair.original), pair.picture);
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
@@ -94,10 +98,7 @@ TEST(OriginalRemoval, LeavesAnOriginalThatHoldsAVolume) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const Pair pair;
     const RealVolume inside = RealVolume::memory(pair.original / "deep", 1'000'000);
-    EXPECT_EQ(failureOf([&] {
-                  OriginalRemoval::replaceByLink(pair.world.host, pair.original, pair.copy,
-                                                 ChangeWatch::mark(pair.original));
-              }),
+    EXPECT_EQ(failureOf([&] { pair.replaceByLink(pair.copy, ChangeWatch::mark(pair.original)); }),
               "Could not remove the mounted volume " + inside.path().native() + ": Device or resource busy");
     EXPECT_TRUE(Files::exists(pair.original / "song"));
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));

@@ -135,7 +135,7 @@ TEST(RealVolumes, ThatAreUnpluggedDuringTheCopyLeaveTheOriginalWhole) {
     const std::string picture = pictureOf(world.home / "Music");
 
     // Gone before the copy: the tool then writes into the folder that the drive left behind.
-    world.withDitto("umount '" + volume.path().native() + "'; exec '" + real + "' \"$@\"");
+    world.withDitto("umount -l '" + volume.path().native() + "'; exec '" + real + "' \"$@\"");
     EXPECT_EQ(failureOf([&] { move(world, world.home / "Music"); }),
               "Verification failed: The target drive was disconnected while it was written to.");
     EXPECT_EQ(pictureOf(world.home / "Music"), picture);

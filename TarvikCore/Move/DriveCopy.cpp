@@ -1,0 +1,52 @@
+#include "Move/DriveCopy.h"
+
+#include "Move/HiddenPlace.h"
+#include "Move/MoverError.h"
+#include "Move/MoverStasher.h"
+#include "Platform/Files.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace tarvik {
+
+DriveCopy::DriveCopy(const Host& host, const fs::path& source, fs::path goal) : m_host(host), m_goal(std::move(goal)) {
+    try {
+        const auto item = Files::info(source);
+        auto claim = HiddenPlace::claimForCopyTo(m_goal, item ? item->type : Files::ItemType::folder);
+        m_hidden = m_place = std::move(claim.path);
+        m_held = std::move(claim.held);
+    } catch (const FileError& error) {
+        throw MoverError::copyFailed(error.description());
+    }
+}
+
+void DriveCopy::arrive() {
+    try {
+        Files::rename(m_hidden, m_goal);
+    } catch (const FileError& error) {
+        if (error.code() == EEXIST) throw MoverError::destinationExists();
+        throw MoverError::copyFailed(FileError("create", m_goal, error.code()).description());
+    }
+    m_place = m_goal;
+    try {
+        Files::flushVolume(m_goal.parent_path());
+    } catch (const FileError& error) {
+        throw MoverError::verifyFailed(error.description());
+    }
+}
+
+Disposal::Outcome DriveCopy::stash() {
+    if (m_place == m_goal) return MoverStasher::stash(m_host, m_goal);
+    return HiddenPlace::stash(m_host, m_hidden, m_goal);
+}
+
+void DriveCopy::remove() noexcept {
+    ignoringFailure([&] { Files::removeItem(m_place); });
+}
+
+std::string DriveCopy::inOwnName(std::string text) const {
+    return HiddenPlace::withOwnName(std::move(text), m_hidden, m_goal);
+}
+
+}  // namespace tarvik
