@@ -22,7 +22,7 @@ void removeTree(const fs::path& path) {
         if (error && hasBegun) throw IncompleteRemoval(verb, place, error);
         if (error) throw FileError(verb, place, error);
     };
-    TreeWalk walk(path, {.order = TreeWalk::Order::any, .givesLeave = true});
+    TreeWalk walk(path, {.order = TreeWalk::Order::disk, .givesLeave = true});
     requireNoError("remove", path, walk.rootError());
     while (walk.next()) {
         const bool leavesFolder = walk.event() == TreeWalk::Event::leave;

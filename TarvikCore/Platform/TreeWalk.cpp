@@ -48,6 +48,7 @@ struct TreeWalk::State {
         level.pathLength = relativePath.size();
         const int error = level.listing.read(trail.handle(), options.skipsHidden);
         if (options.order == Order::listing) level.listing.sortByName();
+        if (options.order == Order::disk) level.listing.sortByInode();
         return error;
     }
 

@@ -23,6 +23,7 @@ public:
     enum class Order {
         listing,  ///< names in byte order: the same on every run and every file system
         any,      ///< as the system lists them: for sums, where order does not matter
+        disk,     ///< by the number of their entry on the disk: for changes, which a disk takes best in this order
     };
     struct Options {
         Order order = Order::listing;

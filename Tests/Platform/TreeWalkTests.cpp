@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -37,6 +39,16 @@ TEST(TreeWalk, GivesEachFolderBeforeItsContentsInListingOrder) {
     EXPECT_EQ(walked(folder.path()), (std::vector<std::string>{"a", "b", "b/one", "b/two", "c"}));
     EXPECT_EQ(walked(folder.path(), {.givesLeave = true}),
               (std::vector<std::string>{"a", "b", "b/one", "b/two", "<b", "c", "<c"}));
+}
+
+TEST(TreeWalk, GivesTheEntriesOfAFolderInTheOrderOfTheDisk) {
+    const TemporaryFolder folder;
+    for (int number = 0; number < 100; ++number) makeFile(folder / std::to_string(number * 7919 % 1000));
+    std::vector<std::uint64_t> inodes;
+    TreeWalk walk(folder.path(), {.order = TreeWalk::Order::disk});
+    while (walk.next()) inodes.push_back(walk.status()->st_ino);
+    EXPECT_EQ(inodes.size(), 100U);
+    EXPECT_TRUE(std::is_sorted(inodes.begin(), inodes.end()));
 }
 
 TEST(TreeWalk, DoesNotFollowLinks) {

@@ -16,7 +16,7 @@ int FolderListing::read(int folderHandle, bool skipsHidden) {
         if (length == 0) return 0;
         for (ssize_t offset = 0; offset < length;) {
             const auto* entry = reinterpret_cast<const dirent64*>(buffer + offset);
-            add(entry->d_name, entry->d_type, skipsHidden);
+            add(entry->d_name, entry->d_type, entry->d_ino, skipsHidden);
             offset += entry->d_reclen;
         }
     }

@@ -19,7 +19,7 @@ int FolderListing::read(int folderHandle, bool skipsHidden) {
         return error;
     }
     errno = 0;
-    while (const dirent* entry = ::readdir(folder)) add(entry->d_name, entry->d_type, skipsHidden);
+    while (const dirent* entry = ::readdir(folder)) add(entry->d_name, entry->d_type, entry->d_ino, skipsHidden);
     const int error = errno;
     ::closedir(folder);
     return error;
