@@ -3,7 +3,6 @@
 #include "Platform/CommandRunner.h"
 #include "Platform/Text.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -25,10 +24,7 @@ std::string teamName(const Host& host, const fs::path& path) {
     constexpr std::string_view developer = "Authority=Developer ID Application: ";
     constexpr std::string_view store = "Authority=Apple Mac OS Application Signing";
     const std::string answer = answerOf(host.tools.codesign, {"-dvv", path.native()});
-    std::string_view rest = answer;
-    while (!rest.empty()) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    for (const std::string_view line : Text::lines(answer)) {
         if (line.starts_with(developer)) {
             const std::string_view name = line.substr(developer.size());
             return Text::trimmed(name.substr(0, name.find('(')));

@@ -3,8 +3,6 @@
 #include "Platform/CommandRunner.h"
 #include "Platform/Text.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <string_view>
 
 namespace tarvik::CodesignVerifier {
@@ -23,10 +21,8 @@ std::string printedBy(const CommandResult& result) {
 bool isOnlyProcessingLine(std::string_view detail) {
     int lines = 0;
     bool namesItem = false;
-    while (!detail.empty()) {
-        const std::size_t end = std::min(detail.find('\n'), detail.size());
-        const std::string line = Text::trimmed(detail.substr(0, end));
-        detail.remove_prefix(std::min(end + 1, detail.size()));
+    for (const std::string_view each : Text::lines(detail)) {
+        const std::string line = Text::trimmed(each);
         if (line.empty()) continue;
         ++lines;
         namesItem = line.starts_with("Processing:");

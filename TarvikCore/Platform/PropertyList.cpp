@@ -1,6 +1,6 @@
 #include "Platform/PropertyList.h"
 
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files.h"
 #include "Platform/PropertyListCheck.h"
 #include "Platform/Text.h"
 
@@ -8,17 +8,14 @@
 #include <plist/plist.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <fcntl.h>
+#include <limits>
 #include <memory>
 #include <new>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace tarvik {
@@ -250,25 +247,6 @@ std::string_view withoutByteOrderMark(std::string_view bytes) {
     return bytes.starts_with(mark) ? bytes.substr(mark.size()) : bytes;
 }
 
-/// The bytes of an ordinary file of a size that a property list may have. Opening never waits, as it would for a pipe
-/// without a writer.
-std::optional<std::string> bytesOfOrdinaryFile(const fs::path& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat status {};
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-    if (status.st_size < 0 || static_cast<std::uintmax_t>(status.st_size) > largestSize) return std::nullopt;
-    std::string bytes;
-    char buffer[16 * 1024];
-    while (bytes.size() <= largestSize) {
-        const ssize_t length = ::read(file.get(), buffer, sizeof buffer);
-        if (length < 0 && errno == EINTR) continue;
-        if (length < 0) return std::nullopt;
-        if (length == 0) return bytes;
-        bytes.append(buffer, static_cast<std::size_t>(length));
-    }
-    return std::nullopt;  // It grew meanwhile.
-}
-
 }  // namespace
 
 std::optional<PropertyList> PropertyList::parsed(std::string_view bytes) {
@@ -284,8 +262,11 @@ std::optional<PropertyList> PropertyList::parsed(std::string_view bytes) {
 }
 
 std::optional<PropertyList> PropertyList::at(const fs::path& file) {
-    const auto bytes = bytesOfOrdinaryFile(file);
-    return bytes ? parsed(*bytes) : std::nullopt;
+    try {
+        return parsed(Files::read(file, largestSize));
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
 }
 
 PropertyList PropertyList::dictionaryAt(const fs::path& file) {

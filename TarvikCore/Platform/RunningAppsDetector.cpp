@@ -34,17 +34,6 @@ std::string processList(const Host& host, const std::vector<std::string>& argume
     return CommandRunner::run(host.tools.ps, arguments, std::nullopt, change).stdout;
 }
 
-/// The lines of a text that are not empty, as views into it.
-std::vector<std::string_view> linesOf(std::string_view text) {
-    std::vector<std::string_view> lines;
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
-        if (!line.empty()) lines.push_back(line);
-    }
-    return lines;
-}
-
 /// The text with each run of spaces as one: columns are padded to their widest entry.
 std::string withoutPadding(std::string_view line) {
     std::string text(line);
@@ -143,7 +132,7 @@ std::set<fs::path> bundlePaths(const Host& host) {
     const std::string list = processList(host);
     const auto lineage = ProcessTable::lineage();
     const std::string own = processList(host, {"-o", "comm,args", "-p", fmt::format("{}", fmt::join(lineage, ","))});
-    std::set<fs::path> bundles = bundlePathsIn(linesWithout(linesOf(list), linesOf(own)));
+    std::set<fs::path> bundles = bundlePathsIn(linesWithout(Text::lines(list), Text::lines(own)));
     for (const pid_t process : lineage) bundles.merge(bundlePathsIn({ProcessTable::programOf(process).native()}));
     for (const auto& application : host.runningApplications->running())
         bundles.insert(Files::standardized(application.bundlePath));
@@ -156,7 +145,7 @@ bool isRunning(const Host& host, const fs::path& bundlePath) {
 
 bool containsProcess(const Host& host, std::string_view name) {
     const std::string list = processList(host);
-    const auto lines = linesOf(list);
+    const auto lines = Text::lines(list);
     const std::string folded = Text::caseFolded(name);
     return std::any_of(lines.begin(), lines.end(),
                        [&](std::string_view line) { return Text::caseFolded(line).find(folded) != std::string::npos; });

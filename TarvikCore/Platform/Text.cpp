@@ -196,6 +196,15 @@ std::string Text::displayable(std::string_view bytes) {
     }
 }
 
+std::vector<std::string_view> Text::lines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        lines.push_back(text.substr(0, text.find('\n')));
+        text.remove_prefix(std::min(lines.back().size() + 1, text.size()));
+    }
+    return lines;
+}
+
 std::int64_t Text::characterCount(std::string_view text) {
     if (isAscii(text)) {
         auto count = static_cast<std::int64_t>(text.size());

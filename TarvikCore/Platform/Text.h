@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Text as users see it. Every function is pure and safe on every thread. Input that is no valid UTF-8 is taken as if
 /// each bad byte were the replacement character, except where a function says otherwise.
@@ -14,6 +15,8 @@ std::string trimmed(std::string_view text);
 bool isValidUtf8(std::string_view bytes);
 /// Valid UTF-8 for a screen: bad bytes become U+FFFD. Control characters stay.
 std::string displayable(std::string_view bytes);
+/// The lines of a text as views into it, without their line feeds. The last one need not end with one.
+std::vector<std::string_view> lines(std::string_view text);
 /// The number of characters as a user counts them (extended grapheme clusters).
 std::int64_t characterCount(std::string_view text);
 /// The first `count` characters of `text`, and `text` without them.

@@ -1,15 +1,14 @@
 #include "CommandLine/Lines.h"
 
+#include "Platform/Text.h"
+
 #include <algorithm>
-#include <sstream>
 
 namespace tarvik::test {
 
 std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
+    const auto lines = Text::lines(text);
+    return {lines.begin(), lines.end()};
 }
 
 std::vector<std::string> cellsOf(const std::string& line) {

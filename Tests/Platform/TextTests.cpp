@@ -16,6 +16,15 @@ using namespace std::chrono_literals;
 const std::string combiningAcute = "\u0301";
 const std::string family = "\U0001F468\u200D\U0001F469\u200D\U0001F467";
 
+TEST(Text, IsSplitIntoItsLines) {
+    using Lines = std::vector<std::string_view>;
+    EXPECT_EQ(Text::lines("one\ntwo\n"), (Lines{"one", "two"}));
+    EXPECT_EQ(Text::lines("one\n\ntwo"), (Lines{"one", "", "two"}));
+    EXPECT_EQ(Text::lines("one\r\n\n"), (Lines{"one\r", ""}));
+    EXPECT_EQ(Text::lines("\n"), Lines{""});
+    EXPECT_EQ(Text::lines(""), Lines());
+}
+
 TEST(Text, TrimsUnicodeWhiteSpaceAndLineBreaksAtBothEnds) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", ""},
