@@ -15,6 +15,26 @@ AppRecordKind kindOf(const nlohmann::json& json) {
     return *kind;
 }
 
+/// The fields that are written as they are, each under its own name.
+template <typename Record, typename Visit>
+void forEachPlainField(Record& record, const Visit& visit) {
+    visit("bundlePath", record.bundlePath);
+    visit("displayName", record.displayName);
+    visit("bundleIdentifier", record.bundleIdentifier);
+    visit("version", record.version);
+    visit("executableName", record.executableName);
+    visit("developer", record.developer);
+    visit("isSymlink", record.isSymlink);
+    visit("symlinkTarget", record.symlinkTarget);
+    visit("isMacAppStore", record.isMacAppStore);
+    visit("hasLoginItems", record.hasLoginItems);
+    visit("hasSystemExtension", record.hasSystemExtension);
+    visit("isTarvikLauncher", record.isTarvikLauncher);
+    visit("externalTargetPath", record.externalTargetPath);
+    visit("bundleSizeBytes", record.bundleSizeBytes);
+    visit("footprintBytes", record.footprintBytes);
+}
+
 }  // namespace
 
 std::int64_t AppRecord::displaySizeBytes() const {
@@ -45,46 +65,18 @@ AppRecord AppRecord::withFootprint(std::int64_t bytes) const {
 
 void to_json(nlohmann::json& json, const AppRecord& record) {
     Json::write(json, "id", fs::path(record.id));  // A path's bytes, which need not be UTF-8.
-    Json::write(json, "bundlePath", record.bundlePath);
-    Json::write(json, "displayName", record.displayName);
-    Json::write(json, "bundleIdentifier", record.bundleIdentifier);
-    Json::write(json, "version", record.version);
-    Json::write(json, "executableName", record.executableName);
-    Json::write(json, "developer", record.developer);
+    forEachPlainField(record, [&](const char* key, const auto& value) { Json::write(json, key, value); });
     Json::write(json, "kind", std::string(textOf(record.kind)));
-    Json::write(json, "isSymlink", record.isSymlink);
-    Json::write(json, "symlinkTarget", record.symlinkTarget);
-    Json::write(json, "isMacAppStore", record.isMacAppStore);
-    Json::write(json, "hasLoginItems", record.hasLoginItems);
-    Json::write(json, "hasSystemExtension", record.hasSystemExtension);
-    Json::write(json, "isTarvikLauncher", record.isTarvikLauncher);
-    Json::write(json, "externalTargetPath", record.externalTargetPath);
     if (record.modifiedAt) Json::writeReferenceDate(json, "modifiedAt", *record.modifiedAt);
-    Json::write(json, "bundleSizeBytes", record.bundleSizeBytes);
-    Json::write(json, "footprintBytes", record.footprintBytes);
 }
 
 void from_json(const nlohmann::json& json, AppRecord& record) {
     record.id = Json::decoded<fs::path>(Json::member(json, "id")).native();
-    Json::read(json, "bundlePath", record.bundlePath);
-    Json::read(json, "displayName", record.displayName);
-    Json::read(json, "bundleIdentifier", record.bundleIdentifier);
-    Json::read(json, "version", record.version);
-    Json::read(json, "executableName", record.executableName);
-    Json::read(json, "developer", record.developer);
+    forEachPlainField(record, [&](const char* key, auto& value) { Json::read(json, key, value); });
     record.kind = kindOf(Json::member(json, "kind"));
-    Json::read(json, "isSymlink", record.isSymlink);
-    Json::read(json, "symlinkTarget", record.symlinkTarget);
-    Json::read(json, "isMacAppStore", record.isMacAppStore);
-    Json::read(json, "hasLoginItems", record.hasLoginItems);
-    Json::read(json, "hasSystemExtension", record.hasSystemExtension);
-    Json::read(json, "isTarvikLauncher", record.isTarvikLauncher);
-    Json::read(json, "externalTargetPath", record.externalTargetPath);
     record.modifiedAt.reset();
     if (Json::optionalMember(json, "modifiedAt"))
         Json::readReferenceDate(json, "modifiedAt", record.modifiedAt.emplace());
-    Json::read(json, "bundleSizeBytes", record.bundleSizeBytes);
-    Json::read(json, "footprintBytes", record.footprintBytes);
 }
 
 }  // namespace tarvik

@@ -1,7 +1,10 @@
 #include "CommandLine/CommandWorld.h"
 
+#include "CommandLine/Lines.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
+
+#include <gtest/gtest.h>
 
 namespace tarvik::test {
 
@@ -36,6 +39,15 @@ std::vector<std::string> CommandWorld::moveOfLibrary(const std::vector<std::stri
     std::vector<std::string> arguments = {"move", "folder", library.native(), "--drive", "Studio Drive"};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return onMachine(arguments);
+}
+
+void CommandWorld::expectEmptyList(const std::string& verb, const std::string& sentence) const {
+    const auto human = run({verb});
+    EXPECT_EQ(human.output, "");
+    EXPECT_EQ(human.errors, sentence + "\n");
+    EXPECT_EQ(human.status, 0);
+    EXPECT_EQ(linesOf(run({verb, "--format", "tsv"}).output).size(), 1U);
+    EXPECT_EQ(run({verb, "--format", "toml"}).output, verb + " = []\n");
 }
 
 }  // namespace tarvik::test

@@ -19,6 +19,9 @@ struct CommandWorld {
     /// The arguments that move the library to the drive.
     std::vector<std::string> moveOfLibrary(const std::vector<std::string>& more = {}) const;
 
+    /// Expects that the list of this verb is empty: `sentence` for eyes, and no record for programs.
+    void expectEmptyList(const std::string& verb, const std::string& sentence) const;
+
     TemporaryFolder folder;
     Practice::Machine machine;
     fs::path command;

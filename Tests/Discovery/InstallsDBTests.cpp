@@ -12,7 +12,6 @@ namespace tarvik {
 namespace {
 
 using test::askDatabase;
-using test::makeFile;
 using test::makeTrackingDatabase;
 
 using Paths = std::vector<fs::path>;
@@ -141,20 +140,12 @@ TEST_F(ReadDatabase, KnowsNothingWhileSomeoneElseHoldsIt) {
 
 TEST(InstallsDB, KnowsNothingWithoutADatabase) {
     const test::TemporaryFolder folder;
-    makeFile(folder / "empty.db", "");
-    makeFile(folder / "text.db", std::string(5000, 'x'));
-    test::makeFolder(folder / "folder.db");
-    test::makePipe(folder / "pipe.db");
-    test::makeLink(folder / "dangling.db", folder / "gone.db");
-    askDatabase(folder / "other.db", "CREATE TABLE installs (name TEXT); CREATE TABLE files (path TEXT);");
-    makeTrackingDatabase(folder / "torn.db");
-    fs::resize_file(folder / "torn.db", 5000);
+    const auto databases = test::makeUselessDatabases(folder.path());
     const std::string before = test::pictureOf(folder.path());
-    for (const char* name : {"absent.db", "empty.db", "text.db", "folder.db", "pipe.db", "dangling.db", "other.db",
-                             "torn.db", "no folder/installs.db"}) {
-        EXPECT_EQ(InstallsDB::entryForAppName(folder / name, "Foo.app"), std::nullopt) << name;
-        EXPECT_EQ(InstallsDB::entryForBundleId(folder / name, "com.acme.foo"), std::nullopt) << name;
-        EXPECT_EQ(InstallsDB::trackedFiles(folder / name, "i1"), Paths()) << name;
+    for (const fs::path& database : databases) {
+        EXPECT_EQ(InstallsDB::entryForAppName(database, "Foo.app"), std::nullopt) << database;
+        EXPECT_EQ(InstallsDB::entryForBundleId(database, "com.acme.foo"), std::nullopt) << database;
+        EXPECT_EQ(InstallsDB::trackedFiles(database, "i1"), Paths()) << database;
     }
     EXPECT_FALSE(InstallsDB::isAvailable(folder / "absent.db"));
     EXPECT_FALSE(InstallsDB::isAvailable(folder / "dangling.db"));

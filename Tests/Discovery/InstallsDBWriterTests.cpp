@@ -208,20 +208,12 @@ TEST_F(WrittenDatabase, StaysAsItIsOnAVolumeThatCannotBeWritten) {
 TEST(InstallsDBWriter, MakesNothingWithoutADatabase) {
     const test::World world;
     const test::TemporaryFolder folder;
-    makeFile(folder / "empty.db", "");
-    makeFile(folder / "text.db", std::string(5000, 'x'));
-    test::makeFolder(folder / "folder.db");
-    test::makePipe(folder / "pipe.db");
-    test::makeLink(folder / "dangling.db", folder / "gone.db");
-    askDatabase(folder / "other.db", "CREATE TABLE installs (name TEXT); CREATE TABLE files (path TEXT);");
-    makeTrackingDatabase(folder / "torn.db");
-    fs::resize_file(folder / "torn.db", 5000);
+    const auto databases = test::makeUselessDatabases(folder.path());
     const std::string before = test::pictureOf(folder.path());
-    for (const char* name : {"absent.db", "empty.db", "text.db", "folder.db", "pipe.db", "dangling.db", "other.db",
-                             "torn.db", "no folder/installs.db"}) {
-        InstallsDBWriter::recordMove(world.host, fooMove, folder / name);
-        InstallsDBWriter::recordRestore(world.host, fooMove.source, folder / name);
-        EXPECT_EQ(InstallsDBWriter::forgetMissingTrackedFiles("i1", folder / name), 0) << name;
+    for (const fs::path& database : databases) {
+        InstallsDBWriter::recordMove(world.host, fooMove, database);
+        InstallsDBWriter::recordRestore(world.host, fooMove.source, database);
+        EXPECT_EQ(InstallsDBWriter::forgetMissingTrackedFiles("i1", database), 0) << database;
     }
     EXPECT_EQ(test::pictureOf(folder.path()), before);
 }

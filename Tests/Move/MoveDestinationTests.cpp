@@ -1,16 +1,12 @@
 #include "Move/MoveDestination.h"
+#include "Support/HostOf.h"
 
 #include <gtest/gtest.h>
 
 namespace tarvik {
 namespace {
 
-Host hostOf(const fs::path& root, const fs::path& home) {
-    Host host;
-    host.root = root;
-    host.home = home;
-    return host;
-}
+using test::hostOf;
 
 struct Row {
     const char* source;

@@ -1,16 +1,12 @@
 #include "Platform/SystemFolders.h"
+#include "Support/HostOf.h"
 
 #include <gtest/gtest.h>
 
 namespace tarvik {
 namespace {
 
-Host hostOf(const fs::path& root, const fs::path& home) {
-    Host host;
-    host.root = root;
-    host.home = home;
-    return host;
-}
+using test::hostOf;
 
 const Host thisMachine = hostOf("/", "/Users/anna");
 const Host practice = hostOf("/practice", "/practice/Users/anna");

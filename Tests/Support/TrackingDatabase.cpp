@@ -1,6 +1,7 @@
 #include "Support/TrackingDatabase.h"
 
 #include "Platform/CommandRunner.h"
+#include "Support/Tree.h"
 
 #include <stdexcept>
 
@@ -27,6 +28,22 @@ std::string askDatabase(const fs::path& database, const std::string& sql) {
         CommandRunner::run("/usr/bin/sqlite3", {"-batch", "-init", "/dev/null", database.native(), sql});
     if (!result.succeeded()) throw std::runtime_error("sqlite3 says: " + result.stderr);
     return result.stdout;
+}
+
+std::vector<fs::path> makeUselessDatabases(const fs::path& folder) {
+    makeFile(folder / "empty.db", "");
+    makeFile(folder / "text.db", std::string(5000, 'x'));
+    makeFolder(folder / "folder.db");
+    makePipe(folder / "pipe.db");
+    makeLink(folder / "dangling.db", folder / "gone.db");
+    askDatabase(folder / "other.db", "CREATE TABLE installs (name TEXT); CREATE TABLE files (path TEXT);");
+    makeTrackingDatabase(folder / "torn.db");
+    fs::resize_file(folder / "torn.db", 5000);
+    std::vector<fs::path> databases;
+    for (const char* name : {"absent.db", "empty.db", "text.db", "folder.db", "pipe.db", "dangling.db", "other.db",
+                             "torn.db", "no folder/installs.db"})
+        databases.push_back(folder / name);
+    return databases;
 }
 
 }  // namespace tarvik::test
