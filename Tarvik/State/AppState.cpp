@@ -4,6 +4,7 @@
 #include "Platform/AppStorageNames.h"
 #include "Platform/DriveScanner.h"
 #include "Platform/Files.h"
+#include "Platform/SizeCalculator.h"
 #include "Platform/Text.h"
 #include "Platform/VolumeList.h"
 #include "State/Background.h"
@@ -53,6 +54,7 @@ AppState::~AppState() {
     m_stopMeasuring.cancel();
     m_stopSizingApps.cancel();
     m_stopSizingSymlinks.cancel();
+    m_stopSizingQuickPicks.cancel();
     m_dialogs.dismissAll();
     // Every member is still whole here, so that the flows end as they would have ended in the event loop.
     m_flows.waitForAll();
@@ -123,8 +125,25 @@ void AppState::takeDrives(std::vector<DriveInfo> drives) {
 }
 
 QCoro::Task<> AppState::findQuickPicks() {
+    // What is being measured now would be old when it is there.
+    m_stopSizingQuickPicks.cancel();
+    const Cancellation cancellation = m_stopSizingQuickPicks = {};
     const auto look = [host = m_host] { return QuickPick::suggestions(host); };
-    m_quickPicks.replaceAll(co_await inBackground(Priority::utility, look));
+    auto picks = co_await inBackground(Priority::utility, look);
+    if (cancellation.isCancelled()) co_return;
+    for (QuickPick& pick : picks)
+        for (const QuickPick& known : quickPicks())
+            if (known.path == pick.path) pick.bytes = known.bytes;
+    m_quickPicks.replaceAll(picks);
+
+    for (std::size_t index = 0; index < picks.size(); ++index) {
+        const auto measure = [host = m_host, path = picks[index].path, cancellation] {
+            return SizeCalculator::size(host, Files::resolved(path).value_or(path), cancellation);
+        };
+        picks[index].bytes = co_await inBackground(Priority::utility, measure);
+        if (cancellation.isCancelled()) co_return;
+        m_quickPicks.update(index, picks[index]);
+    }
 }
 
 QCoro::Task<> AppState::checkLinks() {

@@ -2,6 +2,7 @@
 
 #include "Discovery/SymlinkEntry.h"
 #include "Move/ByteProgress.h"
+#include "Move/FolderMove.h"
 #include "Move/MoveJob.h"
 #include "Platform/Cancellation.h"
 #include "Platform/DriveInfo.h"
@@ -14,6 +15,7 @@
 #include "State/NewestValue.h"
 #include "State/QuickPick.h"
 #include "State/RecordListModel.h"
+#include "State/ScreenText.h"
 #include "State/SymlinkRow.h"
 #include "State/TaskGroup.h"
 
@@ -85,9 +87,12 @@ class AppState : public QObject {
     /// "1 of 3" during a run, its outcome afterwards.
     Q_PROPERTY(QString jobsSummary READ jobsSummary NOTIFY jobsProgressChanged)
 
-    /// Whether an item is being moved back. The other four tell of that item, and of the last one afterwards.
+    /// Whether an item is being moved back. The others tell of that item, and of the last one afterwards.
     Q_PROPERTY(bool isRestoring READ isRestoring NOTIFY isRestoringChanged)
     Q_PROPERTY(QString restoreLabel READ restoreLabel NOTIFY restoreChanged)
+    /// Both paths in full.
+    Q_PROPERTY(QString restoreFrom READ restoreFrom NOTIFY restoreChanged)
+    Q_PROPERTY(QString restoreTo READ restoreTo NOTIFY restoreChanged)
     Q_PROPERTY(double restoreFraction READ restoreFraction NOTIFY restoreChanged)
     Q_PROPERTY(QString restoreBytes READ restoreBytes NOTIFY restoreChanged)
     /// Empty until it has ended.
@@ -154,7 +159,9 @@ public:
     double jobsFraction() const { return overallProgress(jobs()); }
     QString jobsSummary() const;
     bool isRestoring() const { return m_isRestoring; }
-    QString restoreLabel() const { return m_restore.label; }
+    QString restoreLabel() const { return screenPath(m_restore.wayBack.link.filename()); }
+    QString restoreFrom() const { return screenPath(m_restore.wayBack.target); }
+    QString restoreTo() const { return screenPath(m_restore.wayBack.link); }
     /// The last item that came back is whole, however quick it was.
     double restoreFraction() const { return hasRestored() ? 1 : m_restore.progress.fraction(); }
     QString restoreBytes() const;
@@ -189,6 +196,8 @@ public:
     Q_INVOKABLE void moveArbitraryFolder(const tarvik::FilePath& folder);
     /// Brings back what the link at the path leads to, once the user has agreed.
     Q_INVOKABLE void restoreSymlink(const tarvik::FilePath& link);
+    /// Whether the current or last run has moved the folder, and its link still stands.
+    Q_INVOKABLE bool hasMoved(const tarvik::FilePath& folder) const;
     Q_INVOKABLE void clearError();
     Q_INVOKABLE void clearInfo();
 
@@ -230,7 +239,7 @@ signals:
 private:
     /// The item that is being moved back, or was last.
     struct Restore {
-        QString label;
+        FolderMove::WayBack wayBack;
         ByteProgress progress;
         QString outcome;
         bool hasFailed = false;
@@ -266,7 +275,7 @@ private:
     void takeDrives(std::vector<DriveInfo> drives);
     /// @throws Failure when something else is under way.
     void refuseWhenBusy() const;
-    void beginRestore(const QString& label);
+    void beginRestore(FolderMove::WayBack wayBack);
     /// Takes the bytes of the item that is being moved back, from any thread.
     NewestValue<ByteProgress> restoreProgressTaker();
     void endRestore(const QString& outcome, bool hasFailed);
@@ -319,6 +328,8 @@ private:
     Cancellation m_stopMeasuring;
     /// The same for what the links lead to; a new one for each scan.
     Cancellation m_stopSizingSymlinks;
+    /// And for the common candidates.
+    Cancellation m_stopSizingQuickPicks;
     /// Counts what could make an earlier look at the links of the jobs untrue.
     int m_linkChanges = 0;
 

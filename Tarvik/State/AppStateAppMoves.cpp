@@ -27,6 +27,10 @@ std::vector<AppEntry> measured(const Host& host, const std::vector<AppRow>& rows
     return entries;
 }
 
+FolderMove::WayBack wayBackOf(const SymlinkEntry& link) {
+    return {link.location, link.target, true};
+}
+
 }  // namespace
 
 void AppState::confirmAndMove() {
@@ -103,13 +107,13 @@ QCoro::Task<> AppState::restoreApps() {
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
-    beginRestore(screenPath(links.front().location.filename()));
+    beginRestore(wayBackOf(links.front()));
     const auto progress = restoreProgressTaker();
     const auto restore = [host = m_host, links, progress, state = QPointer(this)] {
         const auto begins = [&](std::size_t index) {
-            UiThread::post([state, label = screenPath(links[index].location.filename())] {
+            UiThread::post([state, wayBack = wayBackOf(links[index])] {
                 if (!state) return;
-                state->m_restore.label = label;
+                state->m_restore.wayBack = wayBack;
                 state->m_restore.progress = {};
                 emit state->restoreChanged();
             });

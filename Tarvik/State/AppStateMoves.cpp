@@ -115,24 +115,31 @@ QString AppState::jobsSummary() const {
     return ended.empty() ? QString() : screenText(MoveRun::summary(ended).text);
 }
 
+bool AppState::hasMoved(const FilePath& folder) const {
+    return std::any_of(jobs().begin(), jobs().end(), [&](const JobRow& row) {
+        return row.job.source == folder.path && row.job.status.is<JobStatus::Done>() && row.isLinked;
+    });
+}
+
 void AppState::restoreSymlink(const FilePath& link) {
     m_flows.add(restoreLink(link.path));
 }
 
 QCoro::Task<> AppState::restoreLink(fs::path link) {
     refuseWhenBusy();
+    FolderMove::WayBack wayBack;
     {
         const Raised preparing(m_isPreparing);
         const auto plan = [host = m_host, link] { return FolderMove::planRestore(host, link); };
-        const FolderMove::WayBack wayBack = co_await inBackground(Priority::userInitiated, plan);
+        wayBack = co_await inBackground(Priority::userInitiated, plan);
         if (m_isClosing) co_return;  // Nobody would answer any more.
         const Dialog question = FolderMove::confirmRestore(wayBack);
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
-    beginRestore(screenPath(link.filename()));
+    beginRestore(wayBack);
     const auto progress = restoreProgressTaker();
-    const auto restore = [host = m_host, link, progress] {
+    const auto restore = [host = m_host, link = wayBack.link, progress] {
         MoverEngine::restore(host, link, [&](std::int64_t copied, std::int64_t total) {
             progress.send({copied, total});
         });
@@ -150,9 +157,9 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     }
 }
 
-void AppState::beginRestore(const QString& label) {
+void AppState::beginRestore(FolderMove::WayBack wayBack) {
     m_restore = {};
-    m_restore.label = label;
+    m_restore.wayBack = std::move(wayBack);
     setRestoring(true);
 }
 

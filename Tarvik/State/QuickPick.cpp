@@ -1,6 +1,7 @@
 #include "State/QuickPick.h"
 
 #include "Platform/Files.h"
+#include "Platform/SizeCalculator.h"
 #include "State/FilePath.h"
 #include "State/ScreenText.h"
 
@@ -28,6 +29,10 @@ std::vector<Role<QuickPick>> QuickPick::roles() {
     return {
         {"label", [](const QuickPick& pick) -> QVariant { return screenText(pick.label); }},
         {"path", [](const QuickPick& pick) { return QVariant::fromValue(FilePath(pick.path)); }},
+        {"sizeText",
+         [](const QuickPick& pick) -> QVariant {
+             return pick.bytes ? screenText(SizeCalculator::format(*pick.bytes)) : QString();
+         }},
         {"pathText", [](const QuickPick& pick) -> QVariant { return screenText(pick.pathText); }},
     };
 }

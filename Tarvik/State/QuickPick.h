@@ -4,6 +4,8 @@
 #include "Platform/Path.h"
 #include "State/RecordListModel.h"
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,8 @@ struct QuickPick {
     fs::path path;
     /// The path as the user knows it, with "~" for the home folder.
     std::string pathText;
+    /// Nothing while it has not been measured.
+    std::optional<std::int64_t> bytes = std::nullopt;
 
     /// The common candidates below the user's home that exist, in their fixed order. Looks at the disk.
     static std::vector<QuickPick> suggestions(const Host& host);

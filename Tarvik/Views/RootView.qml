@@ -67,10 +67,11 @@ FocusScope {
             maximumHeight: Math.round(parent.height * 0.45)
         }
         Column {
-            anchors.bottom: jobsPanel.top
-            anchors.bottomMargin: Theme.large
+            // Over the toolbar, whose middle is empty: rows and buttons stay free.
+            anchors.top: parent.top
+            anchors.topMargin: Theme.tiny
             anchors.horizontalCenter: parent.horizontalCenter
-            spacing: Theme.small
+            spacing: Theme.tiny
 
             Toast {
                 objectName: "infoToast"

@@ -65,7 +65,7 @@ QtObject {
     /// The widest that a paragraph grows, so that its lines are read with ease.
     readonly property int textWidth: 680
     readonly property int dialogWidth: 420
-    readonly property int toastWidth: 520
+    readonly property int toastWidth: 500
     readonly property int barHeight: 6
     readonly property int iconSize: 16
 

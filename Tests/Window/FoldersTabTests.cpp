@@ -106,6 +106,15 @@ TEST_F(FoldersTab, ListsOnlyCandidatesThatExist) {
     EXPECT_FALSE(window.isShown("noQuickPicks"));
 }
 
+TEST_F(FoldersTab, TellsHowLargeTheCandidatesAre) {
+    makeFileOfSize(world.home / "Downloads/Film.mov", 2'000'000);
+    makeFileOfSize(world.foldersOnDrive() / "DerivedData/index", 3'000'000);
+    makeLink(world.home / "Library/Developer/Xcode/DerivedData", world.foldersOnDrive() / "DerivedData");
+    auto& window = open();
+    EXPECT_TRUE(window.waitForText("quickPick-Downloads/quickPickSize", "2 MB"));
+    EXPECT_TRUE(window.waitForText("quickPick-Xcode DerivedData/quickPickSize", "3 MB"));
+}
+
 TEST_F(FoldersTab, SaysThatThereIsNoCandidate) {
     EXPECT_TRUE(open(small).waitUntilShown("noQuickPicks"));
 }

@@ -27,6 +27,9 @@ TEST_F(Move, SaysWhatItDid) {
     auto& window = open();
     move(makePhotos());
     EXPECT_TRUE(window.waitForText("infoToast/toastText", "Moved 1 item."));
+    EXPECT_EQ(window.text("job-Photos/transferFrom").toStdString(), (world.home / "Photos").native());
+    EXPECT_EQ(window.text("job-Photos/transferTo").toStdString(), (world.foldersOnDrive() / "Photos").native());
+    EXPECT_FALSE(window.isShown("job-Photos/transferBar"));
     EXPECT_EQ(window.text("jobsSummary"), "Moved 1 item.");
     EXPECT_EQ(window.text("jobsTitle"), "Last run");
 }
@@ -90,17 +93,104 @@ TEST_F(Move, RefusesInAToastThatGoes) {
     EXPECT_EQ(window.state().lastError(), "");
 }
 
+TEST_F(Move, LeavesTheSourceFreeForTheNextFolder) {
+    auto& window = open();
+    move(makePhotos());
+    EXPECT_TRUE(window.waitForText("sourceName", "No folder selected"));
+    EXPECT_TRUE(window.isShown("job-Photos/moveBackButton"));
+    EXPECT_FALSE(window.isShown("sourceMoveBackButton")) << "the way back is offered once";
+}
+
+TEST_F(Move, KeepsTheSourceWhenItFails) {
+    world.withDitto("exit 1");
+    auto& window = open();
+    move(makePhotos());
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    EXPECT_EQ(window.text("sourceName"), "Photos");
+}
+
 TEST_F(Move, ShowsTheFolderAsALinkAfterwards) {
     auto& window = open();
     const auto photos = makePhotos();
     move(photos);
+    window.chooseFolder(photos);
     EXPECT_TRUE(window.waitForText(
         "sourceLink", "This is a link to " + QString::fromStdString((world.foldersOnDrive() / "Photos").native())));
     EXPECT_FALSE(window.isShown("moveButton"));
     EXPECT_TRUE(window.isShown("sourceMoveBackButton"));
 }
 
+class RefusedMove : public WindowTest {
+protected:
+    /// The sentence in the toast when `folder` shall move to "Backup".
+    std::string refusalOf(const fs::path& folder) {
+        auto& window = opened ? *opened : open();
+        const auto before = pictureOf(world.folder.path());
+        window.state().clearError();
+        window.chooseFolder(folder);
+        EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+        window.click("moveButton");
+        EXPECT_TRUE(window.waitUntilShown("errorToast"));
+        const auto sentence = window.text("errorToast/toastText").toStdString();
+        EXPECT_FALSE(window.isShown("alertDialog"));
+        EXPECT_EQ(pictureOf(world.folder.path()), before);
+        return sentence;
+    }
+};
+
+TEST_F(RefusedMove, OfTheHomeAndWhatHoldsIt) {
+    EXPECT_EQ(refusalOf(world.home), "The home folder can't be moved.");
+    EXPECT_EQ(refusalOf(world.home.parent_path()),
+              world.home.parent_path().native() + " holds the home folder and can't be moved.");
+    EXPECT_EQ(refusalOf(world.folder.path()),
+              world.folder.path().native() + " holds the home folder and can't be moved.");
+}
+
+TEST_F(RefusedMove, OfFoldersOfTheSystem) {
+    makeFolder(world.folder / "Library");
+    EXPECT_EQ(refusalOf(world.folder / "Library"),
+              (world.folder / "Library").native() + " belongs to the system and can't be moved.");
+}
+
+TEST_F(RefusedMove, OfTheDriveWhatHoldsItAndWhatLiesOnIt) {
+    makeFolder(backup / "Stuff");
+    EXPECT_EQ(refusalOf(backup), "Backup is the target drive itself and can't be moved to it.");
+    EXPECT_EQ(refusalOf(backup / "Stuff"), "Stuff is on Backup already.");
+    const fs::path stick = world.home / "mounts/stick";
+    makeFolder(stick);
+    world.volumes->list[0].mountPath = stick;
+    opened.reset();
+    EXPECT_EQ(refusalOf(world.home / "mounts"),
+              (world.home / "mounts").native() + " holds the target drive Backup and can't be moved to it.");
+}
+
+TEST_F(RefusedMove, OfTheWholeDisk) {
+    auto& window = open();
+    window.state().moveArbitraryFolder(FilePath("/"));
+    EXPECT_TRUE(window.waitForText("errorToast/toastText", "/ holds the home folder and can't be moved."));
+}
+
 class MoveBack : public WindowTest {};
+
+TEST_F(MoveBack, BringsAFolderBackWhoseNameIsNoText) {
+    auto& window = open();
+    const auto folder = makePhotos(
+        "Gr\xFC\xDF"
+        "e");
+    const auto other = makePhotos(
+        "Gr\xFD\xDF"
+        "e");
+    const auto before = pictureOf(folder);
+    move(folder);
+    EXPECT_TRUE(fs::is_symlink(folder));
+    EXPECT_FALSE(fs::is_symlink(other)) << "it looks the same on the screen";
+    EXPECT_EQ(pictureOf(world.foldersOnDrive() / folder.filename()), before);
+    window.click(QStringLiteral("job-Gr\uFFFD\uFFFDe/moveBackButton"));
+    window.click("alertButton-0");
+    EXPECT_TRUE(window.waitForText("restoreRow/transferStatus", "Done"));
+    EXPECT_FALSE(fs::is_symlink(folder));
+    EXPECT_EQ(pictureOf(folder), before);
+}
 
 TEST_F(MoveBack, BringsAFolderBackFromTheJobsPanel) {
     auto& window = open();
@@ -111,6 +201,9 @@ TEST_F(MoveBack, BringsAFolderBackFromTheJobsPanel) {
     EXPECT_EQ(window.text("alertButton-0"), "Move Back");
     window.click("alertButton-0");
     EXPECT_TRUE(window.waitForText("restoreRow/transferStatus", "Done"));
+    EXPECT_EQ(window.text("restoreRow/transferFrom").toStdString(), (world.foldersOnDrive() / "Photos").native());
+    EXPECT_EQ(window.text("restoreRow/transferTo").toStdString(), photos.native());
+    EXPECT_FALSE(window.isShown("restoreRow/transferBar"));
     EXPECT_FALSE(fs::is_symlink(photos));
     EXPECT_EQ(pictureOf(photos), before);
     EXPECT_TRUE(window.waitUntilHidden("job-Photos/moveBackButton")) << "There is no link any more.";
@@ -120,6 +213,7 @@ TEST_F(MoveBack, BringsAFolderBackFromTheSourceCard) {
     auto& window = open();
     const auto photos = makePhotos();
     move(photos);
+    window.chooseFolder(photos);
     window.click("sourceMoveBackButton");
     window.click("alertButton-0");
     EXPECT_TRUE(window.waitUntil([&] { return !fs::is_symlink(photos) && fs::exists(photos); }));

@@ -15,6 +15,7 @@ protected:
         for (const char* folder : {"Downloads", "Music/Logic Pro Library.bundle", "Library/Application Support/Claude",
                                    "Library/Developer/Xcode/DerivedData"})
             makeFolder(world.home / folder);
+        makeFileOfSize(world.home / "Downloads/Film.mov", 12'345'678);
         addVolume("/", "Macintosh HD").isInternal = true;
     }
     void TearDown() override {
@@ -93,7 +94,9 @@ TEST_P(Picture, LongNames) {
     auto& window = open();
     window.state().selectDrive(QString::fromStdString(backup.native()));
     const std::string name = "A folder whose name\nhas a line break in it and then goes on " + std::string(120, 'x');
-    move(makePhotos(name));
+    const auto photos = makePhotos(name);
+    move(photos);
+    window.chooseFolder(photos);
     EXPECT_TRUE(window.waitUntilShown("sourceLink"));
     EXPECT_EQ(strayColours(), 0) << "what the panel hides must not shine through";
 }

@@ -87,6 +87,15 @@ TEST_F(ToastOfTheWindow, StaysThreeSeconds) {
     EXPECT_EQ(window.state().lastError(), "");
 }
 
+TEST_F(ToastOfTheWindow, CoversNothingOfTheTab) {
+    auto& window = open(small);
+    window.state().moveArbitraryFolder(FilePath(world.home / "Gone"));
+    ASSERT_TRUE(window.waitUntilShown("errorToast"));
+    const auto& toast = window.item("errorToast");
+    EXPECT_LE(toast.mapToScene({0, toast.height()}).y(), window.item("tabContent").mapToScene({}).y());
+    EXPECT_LT(toast.mapToScene({toast.width(), 0}).x(), window.item("refreshAllButton").mapToScene({}).x());
+}
+
 TEST_F(ToastOfTheWindow, GoesByItself) {
     auto& window = open();
     window.item("rootView").setProperty("toastDuration", 1);

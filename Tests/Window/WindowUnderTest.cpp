@@ -30,7 +30,8 @@ QQuickItem* findIn(QQuickItem* root, const QString& name) {
 }
 
 QUrl urlOf(const fs::path& path) {
-    return QUrl::fromLocalFile(QString::fromStdString(path.native()));
+    const auto encoded = QByteArray::fromStdString(path.native()).toPercentEncoding("/");  // It need not be UTF-8.
+    return QUrl("file://" + QString::fromLatin1(encoded), QUrl::StrictMode);
 }
 
 }  // namespace

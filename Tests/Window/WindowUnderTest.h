@@ -26,11 +26,11 @@ namespace tarvik::test {
 /// - Folders tab: foldersTab, foldersHeading, foldersText
 /// - source card: sourceCard, sourceDropArea, sourceTitle, sourceName, sourcePath, sourceSize, sourceSpinner,
 ///   clearSourceButton, sourceProblem, sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton
-/// - quick picks: quickPicksTitle, quickPickList, quickPick-LABEL, noQuickPicks
+/// - quick picks: quickPicksTitle, quickPickList, quickPick-LABEL (each: quickPickSize), noQuickPicks
 /// - jobs panel: jobsPanel, jobsTitle, jobsSummary, jobsBar, foldButton, jobList, job-LABEL, restoreRow
-/// - a job, or the restore: transferLabel, transferDetail, transferBytes, transferStatus, transferBar, transferFailure,
-///   moveBackButton
-/// - dialog: alertDialog, alertTitle, alertText, alertButton-INDEX
+/// - a job, or the restore: transferLabel, transferFrom, transferTo, transferBytes, transferStatus, transferBar,
+///   transferFailure, moveBackButton
+/// - dialog: alertDialog, alertTitle, alertDetails, alertText, alertButton-INDEX
 class WindowUnderTest {
 public:
     explicit WindowUnderTest(const Host& host, QSize size = {1400, 900});

@@ -12,7 +12,13 @@ ScrollView {
 
     Connections {
         target: AppState
-        function onIsRunningChanged() { tab.source.refresh() }
+        function onIsRunningChanged() {
+            // What has moved is done with here; the list of jobs offers its way back.
+            if (!AppState.isRunning && AppState.hasMoved(tab.source.path))
+                tab.source.clear();
+            else
+                tab.source.refresh();
+        }
         function onIsRestoringChanged() { tab.source.refresh() }
     }
 

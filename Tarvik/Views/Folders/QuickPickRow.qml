@@ -8,6 +8,7 @@ ListRow {
 
     required property string label
     required property string pathText
+    required property string sizeText
     required property var path
     property bool isChosen: false
 
@@ -17,7 +18,7 @@ ListRow {
     rightPadding: Theme.medium
     highlighted: isChosen
     Accessible.name: label
-    Accessible.description: pathText
+    Accessible.description: sizeText === "" ? pathText : pathText + ", " + sizeText
 
     contentItem: RowLayout {
         spacing: Theme.medium
@@ -36,6 +37,17 @@ ListRow {
             fullText: row.pathText
             color: Theme.textSecondary
             font.pixelSize: Theme.captionSize
+        }
+        Item {
+            Layout.preferredWidth: 64
+            implicitHeight: size.height
+            Figures {
+                id: size
+                objectName: "quickPickSize"
+                anchors.right: parent.right
+                text: row.sizeText
+                size: Theme.captionSize
+            }
         }
         Icon {
             name: row.isChosen ? "check" : "chevronRight"

@@ -9,7 +9,8 @@ TransferRow {
 
     objectName: "job-" + model.label
     label: model.label
-    detail: model.destinationText
+    from: model.sourceText
+    to: model.destinationText
     status: model.state === "failed" ? "Failed" : model.statusText
     failure: model.state === "failed" ? model.statusText : ""
     bytes: model.bytesText

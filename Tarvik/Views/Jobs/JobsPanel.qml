@@ -44,7 +44,7 @@ Rectangle {
         Figures {
             objectName: "jobsSummary"
             Layout.fillWidth: true
-            text: AppState.jobsSummary
+            text: AppState.isRestoring ? "" : AppState.jobsSummary
             color: Theme.textSecondary
         }
         ProgressBar {

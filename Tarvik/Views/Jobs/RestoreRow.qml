@@ -6,7 +6,8 @@ TransferRow {
     objectName: "restoreRow"
     height: visible ? implicitHeight : 0
     label: AppState.restoreLabel
-    detail: AppState.isRestoring || AppState.restoreFailed ? "" : AppState.restoreOutcome
+    from: AppState.restoreFrom
+    to: AppState.restoreTo
     status: AppState.isRestoring ? "Moving back" : AppState.restoreFailed ? "Failed" : "Done"
     failure: AppState.restoreFailed ? AppState.restoreOutcome : ""
     bytes: AppState.restoreBytes

@@ -7,8 +7,8 @@ Item {
     id: row
 
     property string label
-    /// Where it goes.
-    property string detail
+    property string from
+    property string to
     property string status
     /// Why it failed.
     property string failure
@@ -67,20 +67,40 @@ Item {
                 tone: row.tone
             }
         }
-        ElidedLabel {
-            objectName: "transferDetail"
-            Layout.fillWidth: true
+        RowLayout {
             Layout.leftMargin: Theme.iconSize + Theme.small
-            visible: fullText !== ""
-            fullText: row.detail
-            color: Theme.textSecondary
-            font.pixelSize: Theme.captionSize
+            spacing: Theme.small
+            visible: row.from !== ""
+            ElidedLabel {
+                objectName: "transferFrom"
+                Layout.fillWidth: true
+                Layout.maximumWidth: Math.ceil(implicitWidth)
+                fullText: row.from
+                color: Theme.textSecondary
+                font.pixelSize: Theme.captionSize
+            }
+            Label {
+                text: "\u2192"
+                color: Theme.textSecondary
+                font.pixelSize: Theme.captionSize
+                Accessible.name: "to"
+            }
+            ElidedLabel {
+                objectName: "transferTo"
+                Layout.fillWidth: true
+                Layout.maximumWidth: Math.ceil(implicitWidth)
+                fullText: row.to
+                color: Theme.textSecondary
+                font.pixelSize: Theme.captionSize
+            }
+            Item { Layout.fillWidth: true }
         }
         ProgressBar {
             objectName: "transferBar"
             Layout.fillWidth: true
             Layout.leftMargin: Theme.iconSize + Theme.small
             Layout.topMargin: Theme.tiny
+            visible: row.isActive
             value: row.fraction
             tone: row.tone
             Accessible.name: row.label
