@@ -1,6 +1,5 @@
 #include "Move/DriveCopy.h"
 
-#include "Move/HiddenPlace.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
 #include "Platform/Files.h"
@@ -12,10 +11,8 @@ namespace tarvik {
 
 DriveCopy::DriveCopy(const Host& host, const fs::path& source, fs::path goal) : m_host(host), m_goal(std::move(goal)) {
     try {
-        const auto item = Files::info(source);
-        auto claim = HiddenPlace::claimForCopyTo(m_goal, item ? item->type : Files::ItemType::folder);
-        m_hidden = m_place = std::move(claim.path);
-        m_held = std::move(claim.held);
+        m_claim = HiddenPlace::claimForCopyTo(m_goal, Files::ItemType::folder);
+        m_hidden = m_place = Files::isFolder(source) ? m_claim.path : m_claim.path / m_goal.filename();
     } catch (const FileError& error) {
         throw MoverError::copyFailed(error.description());
     }
@@ -23,12 +20,13 @@ DriveCopy::DriveCopy(const Host& host, const fs::path& source, fs::path goal) : 
 
 void DriveCopy::arrive() {
     try {
-        Files::rename(m_hidden, m_goal);
+        Files::rename(m_place, m_goal);
     } catch (const FileError& error) {
         if (error.code() == EEXIST) throw MoverError::destinationExists();
         throw MoverError::copyFailed(FileError("create", m_goal, error.code()).description());
     }
     m_place = m_goal;
+    clearClaim();
     try {
         Files::flushVolume(m_goal.parent_path());
     } catch (const FileError& error) {
@@ -38,11 +36,18 @@ void DriveCopy::arrive() {
 
 Disposal::Outcome DriveCopy::stash() {
     if (m_place == m_goal) return MoverStasher::stash(m_host, m_goal);
-    return HiddenPlace::stash(m_host, m_hidden, m_goal);
+    const auto outcome = HiddenPlace::stash(m_host, m_place, m_goal);
+    clearClaim();
+    return outcome;
 }
 
 void DriveCopy::remove() noexcept {
     ignoringFailure([&] { Files::removeItem(m_place); });
+    clearClaim();
+}
+
+void DriveCopy::clearClaim() noexcept {
+    ignoringFailure([&] { Files::removeEmptyFolder(m_claim.path); });
 }
 
 std::string DriveCopy::inOwnName(std::string text) const {

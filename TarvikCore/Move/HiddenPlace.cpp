@@ -150,7 +150,7 @@ bool isCopyUnderWayTo(const fs::path& goal) {
 }
 
 std::string withOwnName(std::string text, const fs::path& hidden, const fs::path& item) {
-    const std::string name = hidden.filename();
+    const std::string name = hidden.lexically_relative(item.parent_path());
     replaceAll(text, name, item.filename());
     // A message may spell the item's own name in another way.
     for (const auto prefix : {copyPrefix, removalPrefix, exchangePrefix})

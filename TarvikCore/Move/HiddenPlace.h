@@ -27,7 +27,7 @@ struct Claim {
 Claim claimForCopyTo(const fs::path& goal, Files::ItemType type);
 /// Whether a running act is making a copy that will stand at `goal`.
 bool isCopyUnderWayTo(const fs::path& goal);
-/// What tells of an item under its hidden name, told of its own place.
+/// What tells of an item under its hidden name, or in a folder of that name, told of its own place.
 std::string withOwnName(std::string text, const fs::path& hidden, const fs::path& item);
 /// Disposes of an item under a hidden name as `MoverStasher` does of one that stands at `place`. It is at no moment
 /// where a killed act would leave it in the way.

@@ -92,7 +92,7 @@ void giveUpAfter(const MoverError& error, DriveCopy& copy, const fs::path& sourc
 /// Where the copy is, of which the original may have only a part by now.
 std::string whereabouts(const Disposal::Outcome& copy) {
     if (copy.end == Disposal::Outcome::End::trashed) return "The complete copy is in the Trash.";
-    return fmt::format("The complete copy is {}.", copy.place.native());
+    return fmt::format("The complete copy is at {}.", copy.place.native());
 }
 
 /// Lets copy and link come to their places. `link` is the caller's, who keeps it until a copy that was in vain is gone.

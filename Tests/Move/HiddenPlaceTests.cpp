@@ -185,6 +185,9 @@ TEST(HiddenPlace, IsNotSpokenOf) {
         EXPECT_EQ(HiddenPlace::withOwnName("no " + hidden.native() + " and " + hidden.native() + "/x", hidden, item),
                   "no " + item.native() + " and " + item.native() + "/x");
     }
+    const fs::path folder = HiddenPlace::forCopyTo("/drive/Music");
+    EXPECT_EQ(HiddenPlace::withOwnName((folder / "Music").native(), folder, "/drive/Music"), "/drive/Music/Music");
+    EXPECT_EQ(HiddenPlace::withOwnName((folder / "Music").native(), folder / "Music", "/drive/Music"), "/drive/Music");
     // The copy tool spells bytes that are no text in its own way.
     const fs::path odd = HiddenPlace::forCopyTo("/drive/odd \xff");
     std::string spelt = odd.native();

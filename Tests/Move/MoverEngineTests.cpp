@@ -10,8 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tarvik::test {
@@ -87,6 +89,39 @@ TEST_F(MoverEngine, MovesASingleFile) {
         world.host, file, world.foldersOnDrive(), false, [](const JobStatus&) {}, [](std::int64_t, std::int64_t) {});
     EXPECT_EQ(Files::linkText(file), world.foldersOnDrive() / "movie");
     EXPECT_EQ(contentOf(file), "pictures");
+}
+
+TEST_F(MoverEngine, LeavesNothingElseOfASingleFile) {
+    const fs::path file = world.home / "movie";
+    makeFile(file, "pictures");
+    const auto failureOfFile = [&] {
+        try {
+            tarvik::MoverEngine::moveAndLink(
+                world.host, file, world.foldersOnDrive(), false, [](const JobStatus&) {},
+                [](std::int64_t, std::int64_t) {});
+        } catch (const Failure& failure) {
+            return failure.description();
+        }
+        return std::string("moved");
+    };
+    world.withDitto("echo half > \"$3\"; echo \"Could not write $3\" >&2; exit 3");
+    EXPECT_EQ(failureOfFile(),
+              "Copy failed: ditto failed: Could not write " + (world.foldersOnDrive() / "movie").native());
+    EXPECT_EQ(contentOf(world.trash->folder / "movie"), "half\n");
+    EXPECT_THAT(Files::names(world.foldersOnDrive()), testing::IsEmpty());
+    // While it is copied, its place is in use, whichever file the tool makes there.
+    const fs::path isCopied = world.folder / "copied";
+    const fs::path isSwept = world.folder / "swept";
+    world.withDitto("rm -f \"$3\"; cp -a \"$2\" \"$3\"\n: > '" + isCopied.native() + "'\n" + waitFor(isSwept));
+    std::thread other([&] {
+        while (!Files::exists(isCopied)) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        HiddenPlace::sweep(world.host, world.foldersOnDrive());
+        makeFile(isSwept);
+    });
+    EXPECT_EQ(failureOfFile(), "moved");
+    other.join();
+    EXPECT_EQ(contentOf(file), "pictures");
+    EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{"movie"});
 }
 
 TEST_F(MoverEngine, RestoresWhatItMoved) {
