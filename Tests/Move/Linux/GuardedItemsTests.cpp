@@ -134,6 +134,7 @@ TEST_F(GuardedItems, AnImmutableFileStaysWithAllOthers) {
     EXPECT_EQ(Files::names(disk.path()), (std::vector<std::string>{"Music", "lost+found"}));
     expectCopyStashed(item);
     // Who asks first is told before anything is copied.
+    world.volumes->list.push_back({.mountPath = disk.path(), .name = "Disk"});
     EXPECT_EQ(MoveRefusal::ofFolder(world.host, item, world.driveInfo()),
               "Music can't be moved: " + (item / "sub/b").native() + " is locked (Operation not permitted).");
 }
