@@ -76,9 +76,9 @@ void AppState::takeApps(std::vector<AppEntry> entries) {
     for (const AppRow& row : apps()) known.emplace(AppRow::key(row), &row);
     std::vector<AppRow> rows;
     for (AppEntry& entry : entries) {
-        AppRow row{.entry = std::move(entry),
-                   .isSelected = m_selectedAppIDs.contains(entry.id),
-                   .isExpanded = m_expandedAppIDs.contains(entry.id)};
+        AppRow row{.entry = std::move(entry)};
+        row.isSelected = m_selectedAppIDs.contains(row.entry.id);
+        row.isExpanded = m_expandedAppIDs.contains(row.entry.id);
         const auto before = known.find(AppRow::key(row));
         if (before != known.end() && isSameButForSizes(before->second->entry, row.entry))
             row.entry = row.entry.withSizes(before->second->entry.appSize, before->second->entry.dataPathSizes);
