@@ -1,6 +1,7 @@
 #include "State/AppRow.h"
 
 #include "Platform/Text.h"
+#include "State/AppIcons.h"
 #include "State/FilePath.h"
 #include "State/ScreenText.h"
 
@@ -39,6 +40,9 @@ std::vector<Role<AppRow>> AppRow::roles() {
         {"hasData", [](const AppRow& row) -> QVariant { return !row.entry.dataPaths.empty(); }},
         {"riskText", [](const AppRow& row) -> QVariant { return riskText(row.entry.riskLevel()); }},
         {"isAlreadySymlinked", [](const AppRow& row) -> QVariant { return row.entry.isAlreadySymlinked; }},
+        // Until an application is measured anew, it shows the sizes that it had.
+        {"isSizeKnown", [](const AppRow& row) -> QVariant { return !row.sizesPending || row.entry.totalSize() > 0; }},
+        {"iconSource", [](const AppRow& row) -> QVariant { return AppIcons::source(row.entry.bundlePath); }},
         {"sizesPending", [](const AppRow& row) -> QVariant { return row.sizesPending; }},
         {"isSelected", [](const AppRow& row) -> QVariant { return row.isSelected; }},
         {"isExpanded", [](const AppRow& row) -> QVariant { return row.isExpanded; }},

@@ -9,6 +9,7 @@
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 #include "State/AppRow.h"
+#include "State/CheckedPaths.h"
 #include "State/DriveRow.h"
 #include "State/FilePath.h"
 #include "State/JobRow.h"
@@ -125,6 +126,9 @@ public:
     /// What a move of the ticked applications would take, in bytes: a bundle that is on a drive already counts nothing.
     std::int64_t selectedTotalBytes() const;
     const std::set<std::string>& selectedAppIDs() const { return m_selectedAppIDs; }
+    /// The ticked data paths of opened rows.
+    const CheckedPaths& checkedDataPaths() const { return m_checkedDataPaths; }
+    void setCheckedDataPaths(CheckedPaths paths);
     const std::vector<DriveInfo>& drives() const { return m_drives.records(); }
     const std::vector<DriveInfo>& targetDrives() const { return m_targetDrives.records(); }
     const std::vector<SymlinkEntry>& symlinks() const { return m_symlinks.records(); }
@@ -186,6 +190,8 @@ public:
     Q_INVOKABLE void restoreApp(const tarvik::FilePath& bundle);
     /// The same for all that are ticked.
     Q_INVOKABLE void restoreSelectedApps();
+    /// Moves the ticked data of an application to the Trash once the user has agreed.
+    void moveCheckedDataToTrash(const FilePath& bundle);
     /// Looks at the drives anew, and selects a target when none is selected.
     Q_INVOKABLE void refreshDrives();
     /// Lists the links anew, and then measures what they lead to; until then each keeps the size that it had.
@@ -226,6 +232,9 @@ signals:
     void sizeProgressChanged();
     void includeAppDataChanged();
     void selectionChanged();
+    void checkedDataPathsChanged();
+    /// Data of applications has gone to the Trash.
+    void dataTrashed();
     void isScanningDrivesChanged();
     void isRunningChanged();
     void jobsProgressChanged();
@@ -254,6 +263,7 @@ private:
     QCoro::Task<> moveSelectedApps();
     QCoro::Task<> restoreOneApp(fs::path bundle);
     QCoro::Task<> restoreApps();
+    QCoro::Task<> trashCheckedData(fs::path bundle);
     QCoro::Task<> scanDrives();
     QCoro::Task<> scanSymlinks();
     QCoro::Task<> findQuickPicks();
@@ -268,6 +278,8 @@ private:
     void setScanningApps(bool isScanning);
     void setSizeProgress(int progress, int total);
     void setInSet(std::set<std::string>& ids, const FilePath& bundle, bool isIn);
+    /// Takes away the ticks in the data of a row that is closed.
+    void uncheckDataOf(const fs::path& bundle);
     /// Puts the changed ticks into the rows.
     void updateAppRows();
     /// Null when the list has none at this path.
@@ -297,6 +309,7 @@ private:
     RecordListModel<AppRow> m_apps{AppRow::roles(), AppRow::key};
     std::set<std::string> m_selectedAppIDs;
     std::set<std::string> m_expandedAppIDs;
+    CheckedPaths m_checkedDataPaths;
     RecordListModel<DriveInfo> m_drives{DriveRow::roles(), DriveRow::key};
     RecordListModel<DriveInfo> m_targetDrives{DriveRow::roles(), DriveRow::key};
     RecordListModel<SymlinkEntry> m_symlinks{SymlinkRow::roles(), SymlinkRow::key};

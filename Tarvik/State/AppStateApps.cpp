@@ -134,6 +134,7 @@ void AppState::setAppSelected(const FilePath& bundle, bool isSelected) {
 }
 
 void AppState::setAppExpanded(const FilePath& bundle, bool isExpanded) {
+    if (!isExpanded) uncheckDataOf(bundle.path);
     setInSet(m_expandedAppIDs, bundle, isExpanded);
 }
 

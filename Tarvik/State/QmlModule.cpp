@@ -1,5 +1,6 @@
 #include "State/QmlModule.h"
 
+#include "State/AppIcons.h"
 #include "State/AppState.h"
 #include "State/WindowDialogs.h"
 
@@ -21,6 +22,7 @@ void attach(QQmlEngine& engine, AppState& state, WindowDialogs& dialogs) {
     // Named, so that the linker takes the registration, which nothing else refers to, out of the static library.
     [[maybe_unused]] const volatile auto registration = &qml_register_types_Tarvik;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QLatin1String(AppIcons::name), new AppIcons);
     engine.setProperty(stateProperty, QVariant::fromValue(&state));
     engine.setProperty(dialogsProperty, QVariant::fromValue(&dialogs));
     QQmlEngine::setObjectOwnership(&state, QQmlEngine::CppOwnership);

@@ -10,15 +10,15 @@
 
 namespace tarvik::test {
 
-/// Keeps threads for checks busy.
+/// Keeps threads busy, those for checks unless others are named.
 class BusyThreads {
 public:
     /// As many as there are at once.
     static int all() { return std::max(4, QThread::idealThreadCount()); }
-    explicit BusyThreads(int threads = all()) {
+    explicit BusyThreads(int threads = all(), Priority priority = Priority::utility) {
         const auto untilTheEnd = m_end.get_future().share();
         for (int thread = 0; thread < threads; ++thread)
-            Background::run(Priority::utility, [untilTheEnd] { untilTheEnd.wait(); });
+            Background::run(priority, [untilTheEnd] { untilTheEnd.wait(); });
     }
     ~BusyThreads() { end(); }
     /// Blocks until the thread that is left has done all that it was given.

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Platform/Path.h"
+
+#include <QQuickAsyncImageProvider>
+#include <QSize>
+#include <QString>
+#include <QThreadPool>
+
+namespace tarvik {
+
+/// The icons of application bundles for `Image`, read and scaled in the background. Where there is none the picture is
+/// one empty point, for which the view shows a neutral one: a bundle without an icon is no failure.
+class AppIcons : public QQuickAsyncImageProvider {
+public:
+    /// The name by which an engine knows the provider.
+    static constexpr const char* name = "app-icon";
+    /// The address of a bundle's icon.
+    static QString source(const fs::path& bundle);
+
+    AppIcons();
+    QQuickImageResponse* requestImageResponse(const QString& id, const QSize& requestedSize) override;
+
+private:
+    /// A pool of its own: icons do not wait until all applications are measured.
+    QThreadPool m_pool;
+};
+
+}  // namespace tarvik
