@@ -20,6 +20,7 @@ Column {
         color: Theme.neutral
     }
     Label {
+        objectName: "emptyTitle"
         width: parent.width
         topPadding: Theme.tiny
         horizontalAlignment: Text.AlignHCenter
@@ -28,6 +29,7 @@ Column {
         color: Theme.textSecondary
     }
     Label {
+        objectName: "emptyText"
         width: parent.width
         visible: text !== ""
         horizontalAlignment: Text.AlignHCenter

@@ -11,6 +11,9 @@ T.ItemDelegate {
     /// Where and how the row shows the keyboard on it: a row with a frame or a fill sets the ring apart from these.
     property int ringMargin: 0
     property color ringColor: Theme.accent
+    /// Whether the right arrow opens the row and the left one closes it.
+    property bool turns: false
+    signal turned(bool isOpen)
     readonly property RowList list: ListView.view as RowList
 
     width: ListView.view ? ListView.view.width : implicitWidth
@@ -24,6 +27,10 @@ T.ItemDelegate {
     Accessible.selected: highlighted
     // On its own it would take each repetition of the key for a press.
     Keys.onSpacePressed: event => list.pressCurrent(event)
+
+    // A row that waits to be used again is not drawn, but what moves in it would go on.
+    ListView.onPooled: visible = false
+    ListView.onReused: visible = true
 
     onPressed: {
         list.currentIndex = index;

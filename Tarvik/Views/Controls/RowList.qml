@@ -15,6 +15,15 @@ ListView {
             (currentItem as ListRow)?.clicked();
     }
 
+    /// Arrows that are pressed in a control within a row belong there.
+    function turnCurrent(event, isOpen) {
+        const row = currentItem as ListRow;
+        const focused = Window.activeFocusItem;
+        event.accepted = row !== null && row.turns && (focused === list || focused === row);
+        if (event.accepted)
+            row.turned(isOpen);
+    }
+
     activeFocusOnTab: count > 0
     keyNavigationEnabled: true
     highlightFollowsCurrentItem: true
@@ -29,13 +38,16 @@ ListView {
     Keys.onSpacePressed: event => pressCurrent(event)
     Keys.onReturnPressed: event => pressCurrent(event)
     Keys.onEnterPressed: event => pressCurrent(event)
+    Keys.onRightPressed: event => turnCurrent(event, true)
+    Keys.onLeftPressed: event => turnCurrent(event, false)
     Keys.onPressed: event => {
         showsFocus = true;
         event.accepted = false;
     }
     onActiveFocusChanged: {
         showsFocus = activeFocus;
-        if (activeFocus && currentIndex < 0)
+        // Where a control in a row has taken the keyboard, it keeps it.
+        if (activeFocus && currentIndex < 0 && Window.activeFocusItem === list)
             currentIndex = 0;
     }
 }
