@@ -9,7 +9,9 @@ FocusScope {
 
     /// The tabs in the order of the sidebar. A new tab is a new line.
     readonly property var tabs: [
-        { name: "folders", label: "Folders", icon: "folder", view: "Folders/FoldersTab.qml" }
+        { name: "apps", label: "Apps", icon: "apps", view: "Apps/AppsTab.qml" },
+        { name: "folders", label: "Folders", icon: "folder", view: "Folders/FoldersTab.qml" },
+        { name: "symlinks", label: "Symlinks", icon: "link", view: "Symlinks/SymlinksTab.qml" }
     ]
     property int selectedTab: 0
     property int toastDuration: Theme.toastDuration

@@ -16,7 +16,7 @@ bool showsText(QQuickItem* root, const QString& text) {
 }
 
 TEST_F(FoldersTab, SaysWhatItIsFor) {
-    auto& window = open();
+    auto& window = openFolders();
     EXPECT_EQ(window.text("foldersHeading"), "Move Folder");
     EXPECT_EQ(window.text("foldersText"),
               "Relocate any folder to the target drive and replace it with a symlink. Use for Logic Pro Library, "
@@ -29,14 +29,14 @@ TEST_F(FoldersTab, SaysWhatItIsFor) {
 }
 
 TEST_F(FoldersTab, NeedsASource) {
-    auto& window = open();
+    auto& window = openFolders();
     EXPECT_FALSE(window.isEnabled("moveButton"));
     EXPECT_EQ(window.text("sourceHint"), "Choose a folder to move.");
 }
 
 TEST_F(FoldersTab, NeedsATargetDrive) {
     world.volumes->list.clear();
-    auto& window = open(small);
+    auto& window = openFolders(small);
     window.chooseFolder(makePhotos());
     EXPECT_TRUE(window.waitForText("sourceHint", "Connect a drive to move it to."));
     EXPECT_FALSE(window.isEnabled("moveButton"));
@@ -45,7 +45,7 @@ TEST_F(FoldersTab, NeedsATargetDrive) {
 TEST_F(FoldersTab, NeedsAChoiceOfDrive) {
     world.volumes->list.clear();
     addVolume("/Volumes/Second", "Second").isInternal = true;
-    auto& window = open(small);
+    auto& window = openFolders(small);
     window.chooseFolder(makePhotos());
     EXPECT_TRUE(window.waitForText("sourceHint", "Pick a target drive in the sidebar."));
     EXPECT_FALSE(window.isEnabled("moveButton"));
@@ -54,7 +54,7 @@ TEST_F(FoldersTab, NeedsAChoiceOfDrive) {
 }
 
 TEST_F(FoldersTab, ShowsTheChosenFolderAndItsSize) {
-    auto& window = open();
+    auto& window = openFolders();
     const auto photos = makePhotos();
     window.chooseFolder(photos);
     EXPECT_TRUE(window.waitForText("sourceSize", "5 MB"));
@@ -65,7 +65,7 @@ TEST_F(FoldersTab, ShowsTheChosenFolderAndItsSize) {
 }
 
 TEST_F(FoldersTab, OpensAPanelToChooseFrom) {
-    auto& window = open();
+    auto& window = openFolders();
     window.click("chooseButton");
     EXPECT_TRUE(window.waitUntil([&] { return showsText(window.window().contentItem(), "Choose a folder to move"); }));
     window.press(Qt::Key_Escape);
@@ -73,13 +73,13 @@ TEST_F(FoldersTab, OpensAPanelToChooseFrom) {
 }
 
 TEST_F(FoldersTab, TakesADroppedFolder) {
-    auto& window = open();
+    auto& window = openFolders();
     window.drop(makePhotos(), "sourceCard");
     EXPECT_TRUE(window.waitForText("sourceName", "Photos"));
 }
 
 TEST_F(FoldersTab, ForgetsTheFolderWhenItIsCleared) {
-    auto& window = open();
+    auto& window = openFolders();
     window.chooseFolder(makePhotos());
     window.click("clearSourceButton");
     EXPECT_EQ(window.text("sourceName"), "No folder selected");
@@ -87,7 +87,7 @@ TEST_F(FoldersTab, ForgetsTheFolderWhenItIsCleared) {
 }
 
 TEST_F(FoldersTab, SaysWhyAFileCannotBeMoved) {
-    auto& window = open();
+    auto& window = openFolders();
     makeFile(world.home / "Letter.txt");
     window.chooseFolder(world.home / "Letter.txt");
     EXPECT_TRUE(window.waitUntilShown("sourceProblem"));
@@ -98,7 +98,7 @@ TEST_F(FoldersTab, SaysWhyAFileCannotBeMoved) {
 TEST_F(FoldersTab, ListsOnlyCandidatesThatExist) {
     makeFolder(world.home / "Downloads");
     makeFolder(world.home / "Library/Developer/Xcode/DerivedData");
-    auto& window = open();
+    auto& window = openFolders();
     EXPECT_TRUE(window.waitUntilShown("quickPick-Downloads"));
     EXPECT_TRUE(window.isShown("quickPick-Xcode DerivedData"));
     EXPECT_FALSE(window.isShown("quickPick-Logic Pro Library"));
@@ -116,12 +116,12 @@ TEST_F(FoldersTab, TellsHowLargeTheCandidatesAre) {
 }
 
 TEST_F(FoldersTab, SaysThatThereIsNoCandidate) {
-    EXPECT_TRUE(open(small).waitUntilShown("noQuickPicks"));
+    EXPECT_TRUE(openFolders(small).waitUntilShown("noQuickPicks"));
 }
 
 TEST_F(FoldersTab, FillsTheSourceFromACandidate) {
     makeFileOfSize(world.home / "Downloads/Film.mov", 2'000'000);
-    auto& window = open();
+    auto& window = openFolders();
     window.click("quickPick-Downloads");
     EXPECT_TRUE(window.waitForText("sourceName", "Downloads"));
     EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
@@ -129,7 +129,7 @@ TEST_F(FoldersTab, FillsTheSourceFromACandidate) {
 }
 
 TEST_F(FoldersTab, KeepsLongNamesOnOneLine) {
-    auto& window = open(small);
+    auto& window = openFolders(small);
     const auto photos = makePhotos("A folder\nwith a line break and " + std::string(200, 'x'));
     const double heightBefore = window.item("sourceCard").height();
     window.chooseFolder(photos);
@@ -141,7 +141,7 @@ TEST_F(FoldersTab, KeepsLongNamesOnOneLine) {
 }
 
 TEST_F(FoldersTab, ShowsMarkupInANameAsItIs) {
-    auto& window = open();
+    auto& window = openFolders();
     window.chooseFolder(makePhotos("<b>bold"));
     EXPECT_TRUE(window.waitForText("sourceName", "<b>bold"));
     EXPECT_EQ(window.item("sourceName").property("textFormat").toInt(), int(Qt::PlainText));

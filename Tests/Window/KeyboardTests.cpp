@@ -26,7 +26,7 @@ void collectControls(QQuickItem* root, std::vector<QQuickItem*>& found) {
 
 TEST_F(Keyboard, MovesAFolderWithoutThePointer) {
     makeFileOfSize(world.home / "Downloads/Film.mov", 2'000'000);
-    auto& window = open();
+    auto& window = openFolders();
     ASSERT_TRUE(window.waitUntilShown("quickPick-Downloads"));
     tabTo("driveList");
     window.press(Qt::Key_Down);
@@ -45,10 +45,14 @@ TEST_F(Keyboard, MovesAFolderWithoutThePointer) {
 
 TEST_F(Keyboard, PicksATabByItsNumber) {
     auto& window = open();
-    window.press(Qt::Key_1, Qt::ControlModifier);
-    EXPECT_EQ(window.item("rootView").property("selectedTab").toInt(), 0);
+    window.press(Qt::Key_3, Qt::ControlModifier);
+    EXPECT_TRUE(window.isShown("symlinksTab"));
+    window.press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_TRUE(window.isShown("foldersTab"));
     window.press(Qt::Key_8, Qt::ControlModifier);
     EXPECT_TRUE(window.isShown("foldersTab")) << "A tab that is not there cannot be picked.";
+    window.press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_TRUE(window.isShown("appsTab"));
 }
 
 TEST_F(Keyboard, ShowsWhereItIsOnlyWhenItIsUsed) {
@@ -65,7 +69,7 @@ TEST_F(Keyboard, ScrollsWhatItReachesIntoSight) {
     for (const char* folder : {"Downloads", "Music/Logic Pro Library.bundle", "Library/Application Support/Claude",
                                "Library/Developer/Xcode/DerivedData"})
         makeFolder(world.home / folder);
-    auto& window = open(small);
+    auto& window = openFolders(small);
     move(makePhotos());
     ASSERT_TRUE(window.waitUntilShown("quickPickList"));
     tabTo("quickPickList");
@@ -90,7 +94,7 @@ TEST_F(Keyboard, FindsANameOnEveryControl) {
 
 TEST_F(Keyboard, PressesOnceWhileAKeyIsHeldDown) {
     makeFolder(world.home / "Downloads");
-    auto& window = open();
+    auto& window = openFolders();
     const auto pressesOf = [&](const QString& pressed, Qt::Key key) {
         QSignalSpy clicks(&window.item(pressed), SIGNAL(clicked()));
         window.holdDown(key, 3);

@@ -27,7 +27,7 @@ protected:
         const std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
         return test.substr(0, test.find('/'));
     }
-    WindowUnderTest& open() { return WindowTest::open(GetParam()); }
+    WindowUnderTest& open() { return openFolders(GetParam()); }
 
     /// The points that are not blank in the blank strip of the jobs panel between the icons and the names of its rows.
     int strayColours() {

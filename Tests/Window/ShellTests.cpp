@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QImage>
 
+#include <utility>
+
 namespace tarvik::test {
 
 namespace {
@@ -11,10 +13,17 @@ class Shell : public WindowTest {};
 
 TEST_F(Shell, ListsTheTabsThatExist) {
     auto& window = open();
-    EXPECT_EQ(window.text("toolbarTitle"), "Folders");
-    EXPECT_EQ(window.item("tabList").property("count").toInt(), 1);
-    EXPECT_TRUE(window.item("tab-folders").property("isSelected").toBool());
-    EXPECT_TRUE(window.isShown("foldersTab"));
+    EXPECT_EQ(window.item("tabList").property("count").toInt(), 3);
+    EXPECT_EQ(window.text("toolbarTitle"), "Apps");
+    EXPECT_TRUE(window.item("tab-apps").property("isSelected").toBool());
+    EXPECT_TRUE(window.isShown("appsTab"));
+    const std::pair<const char*, const char*> others[] = {{"folders", "Folders"}, {"symlinks", "Symlinks"}};
+    for (const auto& [name, label] : others) {
+        window.openTab(name);
+        EXPECT_EQ(window.text("toolbarTitle"), label);
+        EXPECT_TRUE(window.isShown(QLatin1String(name) + "Tab"));
+        EXPECT_FALSE(window.isShown("appsTab"));
+    }
 }
 
 TEST_F(Shell, NamesItsParts) {

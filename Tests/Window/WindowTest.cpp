@@ -38,6 +38,11 @@ WindowUnderTest& WindowTest::open(QSize size) {
     return opened.emplace(world.host, size);
 }
 
+WindowUnderTest& WindowTest::openFolders(QSize size) {
+    open(size).openTab("folders");
+    return *opened;
+}
+
 Volume& WindowTest::addVolume(const fs::path& mountPath, const std::string& name) {
     return world.volumes->list.emplace_back(driveAt(mountPath, name, 500 * gigabyte, 80 * gigabyte));
 }

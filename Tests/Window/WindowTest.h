@@ -26,6 +26,8 @@ protected:
     void TearDown() override;
 
     WindowUnderTest& open(QSize size = large);
+    /// The same, with the Folders tab in sight.
+    WindowUnderTest& openFolders(QSize size = large);
     /// Lists another volume; unlike the two drives it stands nowhere. The caller may change what is returned before the
     /// window is opened.
     Volume& addVolume(const fs::path& mountPath, const std::string& name);

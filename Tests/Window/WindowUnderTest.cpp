@@ -80,6 +80,10 @@ void WindowUnderTest::click(const QString& name) {
     QTest::mouseClick(m_window, Qt::LeftButton, {}, centre.toPoint());
 }
 
+void WindowUnderTest::type(const QString& text) {
+    for (const QChar character : text) QTest::keyClick(m_window, character.toLatin1());
+}
+
 void WindowUnderTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(m_window, key, modifiers);
 }
@@ -102,6 +106,7 @@ void WindowUnderTest::letUp(Qt::Key key) {
 }
 
 void WindowUnderTest::chooseFolder(const fs::path& path) {
+    if (!isShown("foldersTab")) openTab("folders");
     auto* source = item("foldersTab").property("source").value<QObject*>();
     QMetaObject::invokeMethod(source, "setUrl", Q_ARG(QUrl, urlOf(path)));
 }

@@ -23,6 +23,15 @@ namespace tarvik::test {
 /// - sidebar: appName, tabList, tab-NAME, drivesTitle, refreshDrivesButton, driveSpinner, noDrivesText, driveList,
 ///   bootFree
 /// - a drive, drive-NAME: driveIcon, driveName, driveFree, driveTotal, driveCapacity, driveCheckMark
+/// - Apps tab: appsTab, appsHeading, appsCount, sizingBar, appsSpinner, refreshAppsButton, viewPicker (each choice:
+///   viewPicker-onDrive, -local, -all), appSearch, appSearchClear, selectAllBox, sortPicker (-size, -name, -risk),
+///   hideRiskyBox, includeDataBox, appList, discoveringText, emptyApps, noAppsShown
+/// - an application, app-NAME: appBox, appIcon, appName, appRisk, appPath, appTotal, appSize, appDataSize,
+///   appSizeSpinner, appMoveBackButton, appChevron
+/// - below the applications, appsActionBar: selectionText, targetText, targetFree, clearSelectionButton,
+///   restoreSelectedButton, moveAppsButton
+/// - Symlinks tab: symlinksTab, symlinksHeading, symlinksText, rescanButton, symlinkList, noSymlinks
+/// - a link, symlink-NAME: symlinkPath, symlinkTarget, symlinkSize, symlinkState, symlinkMoveBackButton
 /// - Folders tab: foldersTab, foldersHeading, foldersText
 /// - source card: sourceCard, sourceDropArea, sourceTitle, sourceName, sourcePath, sourceSize, sourceSpinner,
 ///   clearSourceButton, sourceProblem, sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton
@@ -49,12 +58,14 @@ public:
     bool hasFocus(const QString& name) const { return item(name).hasActiveFocus(); }
 
     void click(const QString& name);
+    void type(const QString& text);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     /// Presses a key and keeps it down: its repetitions come, as many as asked for, and no release.
     void holdDown(Qt::Key key, int repetitions);
     void letUp(Qt::Key key);
     void resize(QSize size) { m_window->resize(size); }
-    /// Takes `path` as the folder panel gives it.
+    void openTab(const QString& tab) { click("tab-" + tab); }
+    /// Takes `path` as the folder panel of the Folders tab gives it, and brings that tab into sight.
     void chooseFolder(const fs::path& path);
     /// Drops `path` on the named item.
     void drop(const fs::path& path, const QString& name);

@@ -1,0 +1,40 @@
+import QtQuick
+import Tarvik
+
+/// The picture of an application, loaded in the background; a neutral one until it is there, and where there is none.
+Item {
+    id: icon
+
+    property alias source: picture.source
+    readonly property bool isNeutral: picture.status !== Image.Ready || picture.implicitWidth < 2
+
+    width: 32
+    height: 32
+    Accessible.ignored: true
+
+    Image {
+        id: picture
+        anchors.fill: parent
+        visible: !icon.isNeutral
+        // Twice as many points, for screens that have them.
+        sourceSize: Qt.size(2 * icon.width, 2 * icon.height)
+        asynchronous: true
+        fillMode: Image.PreserveAspectFit
+    }
+    Loader {
+        anchors.fill: parent
+        anchors.margins: 2
+        active: icon.isNeutral
+        sourceComponent: Rectangle {
+            radius: Theme.radius
+            color: Theme.neutralTint
+            border.width: 1
+            border.color: Theme.border
+            Icon {
+                anchors.centerIn: parent
+                name: "apps"
+                color: Theme.neutral
+            }
+        }
+    }
+}

@@ -1,0 +1,152 @@
+import QtQuick
+import Tarvik
+
+/// One application. Space ticks it, the right arrow opens what is known of it, the left one closes that.
+ListRow {
+    id: row
+
+    required property string name
+    required property var bundlePath
+    required property string bundlePathText
+    required property string version
+    required property string iconSource
+    required property string appSizeText
+    required property string dataSizeText
+    required property string totalSizeText
+    required property string riskText
+    required property bool isAlreadySymlinked
+    required property bool isSizeKnown
+    required property bool isSelected
+    required property bool isExpanded
+    /// Whether the column of the button is there, in all rows or in none.
+    property bool hasMoveBackColumn: true
+
+    readonly property int lineHeight: 54
+    readonly property int iconLeft: 28
+    readonly property int nameLeft: iconLeft + 32 + Theme.medium
+    readonly property int sizesWidth: 196
+    readonly property int moveBackWidth: 108
+    signal moveBack
+
+    function setExpanded(isOpen) {
+        AppState.setAppExpanded(bundlePath, isOpen);
+    }
+
+    objectName: "app-" + name
+    implicitHeight: lineHeight + expansion.height
+    bottomInset: expansion.height
+    bottomPadding: expansion.height
+    leftPadding: Theme.margin
+    rightPadding: Theme.large
+    Accessible.name: [name, riskText, isSizeKnown ? totalSizeText : "", isAlreadySymlinked ? "on a drive" : ""].filter(part => part !== "").join(", ")
+    Accessible.checkable: true
+    Accessible.checked: isSelected
+    turns: true
+    onTurned: isOpen => setExpanded(isOpen)
+
+    onClicked: AppState.setAppSelected(bundlePath, !isSelected)
+    onMoveBack: AppState.restoreApp(bundlePath)
+
+    contentItem: Item {
+        CheckBox {
+            objectName: "appBox"
+            width: row.iconLeft
+            height: row.lineHeight
+            focusPolicy: Qt.NoFocus
+            name: "Select " + row.name
+            checkState: row.isSelected ? Qt.Checked : Qt.Unchecked
+            onClicked: row.clicked()
+        }
+        AppIcon {
+            objectName: "appIcon"
+            x: row.iconLeft
+            anchors.verticalCenter: parent.verticalCenter
+            source: row.iconSource
+        }
+        Column {
+            anchors.left: parent.left
+            anchors.leftMargin: row.nameLeft
+            anchors.right: sizes.left
+            anchors.rightMargin: Theme.medium
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 3
+
+            ElidedLabel {
+                objectName: "appName"
+                width: parent.width
+                fullText: row.name
+                font.weight: Font.DemiBold
+                Accessible.ignored: true
+            }
+            Row {
+                width: parent.width
+                height: 18
+                spacing: Theme.small
+                Badge {
+                    id: risk
+                    objectName: "appRisk"
+                    visible: text !== ""
+                    implicitHeight: 18
+                    text: row.riskText
+                    tone: text === "caution" ? "warning" : "danger"
+                }
+                ElidedLabel {
+                    objectName: "appPath"
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: parent.width - (risk.visible ? risk.width + parent.spacing : 0)
+                    fullText: (row.version === "" ? "" : row.version + " \u00b7 ") + row.bundlePathText
+                    color: Theme.textSecondary
+                    font.pixelSize: Theme.captionSize
+                    Accessible.ignored: true
+                }
+            }
+        }
+        AppSizes {
+            id: sizes
+            anchors.right: parent.right
+            anchors.rightMargin: chevron.width + Theme.small + (row.hasMoveBackColumn ? row.moveBackWidth : 0)
+            anchors.verticalCenter: parent.verticalCenter
+            width: row.sizesWidth
+            isKnown: row.isSizeKnown
+            appText: row.appSizeText
+            dataText: row.dataSizeText
+            totalText: row.totalSizeText
+        }
+        Button {
+            objectName: "appMoveBackButton"
+            anchors.right: chevron.left
+            anchors.rightMargin: Theme.tiny
+            anchors.verticalCenter: parent.verticalCenter
+            visible: row.isAlreadySymlinked
+            enabled: !AppState.isRunning && !AppState.isRestoring
+            focusPolicy: Qt.NoFocus
+            text: "Move Back"
+            kind: "quiet"
+            iconName: "back"
+            Accessible.name: "Move Back " + row.name
+            onClicked: row.moveBack()
+        }
+        DisclosureButton {
+            id: chevron
+            objectName: "appChevron"
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            focusPolicy: Qt.NoFocus
+            isOpen: row.isExpanded
+            onClicked: row.setExpanded(!row.isExpanded)
+        }
+    }
+
+    Loader {
+        id: expansion
+        y: row.lineHeight
+        width: row.width
+        height: item ? item.implicitHeight : 0
+        active: row.isExpanded
+        sourceComponent: AppRowExpansion {
+            bundle: row.bundlePath
+            appName: row.name
+            indent: row.leftPadding + row.nameLeft
+        }
+    }
+}

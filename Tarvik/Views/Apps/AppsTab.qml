@@ -1,0 +1,80 @@
+import QtQuick
+import Tarvik
+
+/// The applications: which are here and which are on a drive, how large they are, and the moves of those that are ticked.
+Item {
+    id: tab
+    objectName: "appsTab"
+
+    /// As `ShownApps` counts them.
+    readonly property var scopes: ["onDrive", "local", "all"]
+    readonly property string scope: scopes[shownApps.scope]
+    readonly property bool isEmpty: shownApps.totalCount === 0
+
+    ShownApps {
+        id: shownApps
+        state: AppState
+    }
+
+    AppsHeader {
+        id: header
+        width: parent.width
+        shown: shownApps
+        scope: tab.scope
+        onScopePicked: name => shownApps.scope = tab.scopes.indexOf(name)
+    }
+    Rectangle {
+        anchors.top: header.bottom
+        anchors.bottom: actionBar.top
+        width: parent.width
+        color: Theme.card
+
+        RowList {
+            id: list
+            objectName: "appList"
+            anchors.fill: parent
+            topMargin: Theme.tiny
+            bottomMargin: Theme.tiny
+            clip: true
+            Accessible.name: "Applications"
+            model: shownApps.rows
+            currentIndex: -1
+            // Rows are high once they are opened: a few more than are seen keep the list calm.
+            cacheBuffer: 400
+            delegate: AppRow { hasMoveBackColumn: tab.scope !== "local" }
+        }
+        Loader {
+            anchors.fill: parent
+            active: shownApps.count === 0
+            sourceComponent: {
+                if (!tab.isEmpty)
+                    return noneShown;
+                return AppState.isScanningApps ? discovering : empty;
+            }
+        }
+        Rectangle {
+            width: parent.width
+            height: 1
+            color: Theme.border
+        }
+    }
+    AppsActionBar {
+        id: actionBar
+        anchors.bottom: parent.bottom
+        width: parent.width
+        scope: tab.scope
+    }
+
+    Component {
+        id: discovering
+        DiscoveringAppsView {}
+    }
+    Component {
+        id: empty
+        EmptyAppsView {}
+    }
+    Component {
+        id: noneShown
+        NoAppsShownView { scope: tab.scope }
+    }
+}
