@@ -251,6 +251,12 @@ TEST_F(AppExpansion, IsUsedByTheKeyboardAlone) {
     window.press(Qt::Key_Down);
     window.press(Qt::Key_Right);
     EXPECT_TRUE(window.waitUntilShown("file-deep"));
+    window.click("app-Editor/appName");
+    window.item("moreInfoButton").forceActiveFocus(Qt::TabFocusReason);
+    window.press(Qt::Key_Left);
+    EXPECT_TRUE(window.isShown("appExpansion")) << "an arrow in a control within the row belongs there";
+    window.press(Qt::Key_Space);
+    EXPECT_TRUE(window.isShown("bundleIdRow"));
 }
 
 TEST_F(AppExpansion, ShowsTheBeginningOfAVeryLargeFolder) {
