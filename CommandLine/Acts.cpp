@@ -7,6 +7,7 @@
 #include "CommandLine/FolderActs.h"
 #include "CommandLine/LauncherActs.h"
 #include "CommandLine/LinkActs.h"
+#include "CommandLine/RestoreActs.h"
 
 namespace tarvik::CommandLine::Acts {
 
@@ -23,11 +24,11 @@ void perform(const Host& host, const Options& options) {
         case Verb::launchers:
             return options.repairs ? LauncherActs::repair(host, options) : LauncherActs::list(host, options.format);
         case Verb::moveApp:
-            return AppMoveActs::plan(host, options);
+            return options.isDryRun ? AppMoveActs::plan(host, options) : AppMoveActs::move(host, options);
         case Verb::moveFolder:
             return FolderActs::move(host, options);
         case Verb::moveRestore:
-            return FolderActs::restore(host, options);
+            return RestoreActs::restore(host, options);
         case Verb::backupCreate:
             return BackupActs::create(host, options);
         case Verb::backupList:

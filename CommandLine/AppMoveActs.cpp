@@ -3,10 +3,15 @@
 #include "CommandLine/Columns.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FoundApps.h"
+#include "CommandLine/Outcome.h"
 #include "CommandLine/Records.h"
 #include "CommandLine/Terminal.h"
+#include "CommandLine/WatchedRun.h"
 #include "Discovery/DataPathSize.h"
 #include "Move/AppMove.h"
+#include "Move/FolderMove.h"
+#include "Move/MoveDialogs.h"
+#include "Move/MoveRun.h"
 #include "Platform/Failure.h"
 #include "Platform/SizeCalculator.h"
 #include "Platform/SizingService.h"
@@ -106,7 +111,28 @@ void print(const AppMove::Plan& plan, const DriveInfo& drive, const fs::path& ho
     Terminal::writeResult(tsv({"label", "source", "destination", "bytes"}, jobRecordsOf(plan.jobs)));
 }
 
+/// Whether running applications shall be quit: asked where there is somebody to ask. Without an answer those stay.
+bool quitsRunning(const Host& host, const AppMove::Proposal& proposal, const Options& options) {
+    if (options.quitsRunning || options.yes) return options.quitsRunning;
+    const auto running = AppMove::runningApps(host, proposal.movable);
+    if (running.empty()) return false;
+    if (!Terminal::ask(MoveDialogs::handleRunningApps(running))) throw FolderMove::cancelled();
+    return true;
+}
+
 }  // namespace
+
+void move(const Host& host, const Options& options) {
+    const auto drive = DriveActs::chosen(host, options.drive, options.verb);
+    const auto proposal = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
+    if (!options.yes && !Terminal::ask(AppMove::confirmMove(proposal))) throw FolderMove::cancelled();
+    if (const auto told = AppMove::takeSnapshot(host)) Terminal::say(*told);
+    const bool quitRunning = quitsRunning(host, proposal, options);
+    const auto ended = runWatched(host, proposal.jobs, proposal.drive.mountPath, quitRunning, options.format);
+    std::vector<Outcome> outcomes;
+    for (const auto& job : ended) outcomes.push_back(outcomeOf(job));
+    finish(outcomes, options.format, MoveRun::summary(ended).text);
+}
 
 void plan(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);

@@ -11,4 +11,8 @@ namespace tarvik::CommandLine::AppMoveActs {
 /// sentence for the user when nothing would move or it does not fit on the drive.
 void plan(const Host& host, const Options& options);
 
+/// Moves the named applications to the drive once the user has agreed, and prints what became of each item. Blocks.
+/// @throws as `plan`, and Failure when the answer is no, or when an item could not be moved; the others have been then.
+void move(const Host& host, const Options& options);
+
 }  // namespace tarvik::CommandLine::AppMoveActs

@@ -35,18 +35,19 @@ constexpr std::array<VerbEntry, 9> verbs = {{
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
     {Verb::launchers, "launchers", "tarvik launchers [--repair]"},
-    {Verb::moveApp, "move app", "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]"},
+    {Verb::moveApp, "move app", "tarvik move app NAME... --drive DRIVE [--no-data] [--quit-running] [--dry-run]"},
     {Verb::moveFolder, "move folder", "tarvik move folder PATH --drive DRIVE"},
-    {Verb::moveRestore, "move restore", "tarvik move restore PATH"},
+    {Verb::moveRestore, "move restore", "tarvik move restore NAME|PATH..."},
     {Verb::backupCreate, "backup create", "tarvik backup create PATH... --drive DRIVE"},
     {Verb::backupList, "backup list", "tarvik backup list --drive DRIVE"},
 }};
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 4> owned = {
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> owned = {
     {{"--drive", "move app, move folder and backup"},
      {"--dry-run", "move app alone"},
      {"--no-data", "move app alone"},
+     {"--quit-running", "move app alone"},
      {"--repair", "launchers alone"}}};
 
 /// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
@@ -113,7 +114,8 @@ public:
             ->disable_flag_override();
         m_move = addVerb(m_app, "move", "Move something to a drive, or back");
         m_move->require_subcommand(0, 1);
-        m_moveApp = addVerb(*m_move, "app", "Show what the move of applications to a drive would do");
+        m_moveApp =
+            addVerb(*m_move, "app", "Move applications and their data to a drive, and link their old paths to it");
         // One name only: the library would take a name in brackets for a list. The others are left over.
         m_moveApp->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
             ->type_name("...");
@@ -122,11 +124,13 @@ public:
             ->disable_flag_override();
         m_moveApp->add_flag("--no-data", m_leavesData, "Leave the data where it is, move only the applications")
             ->disable_flag_override();
+        m_moveApp->add_flag("--quit-running", m_options.quitsRunning, "Quit applications that are running first")
+            ->disable_flag_override();
         auto* folder = addVerb(*m_move, "folder", "Move a folder to a drive and link its old path to it");
         folder->add_option("PATH", m_path, "The folder")->type_name("");
         addOption(*folder, "--drive", m_drive, "The drive: its mount path or its name");
-        auto* restore = addVerb(*m_move, "restore", "Bring back what a link leads to");
-        restore->add_option("PATH", m_path, "The link")->type_name("");
+        m_restore = addVerb(*m_move, "restore", "Bring back what links and launchers lead to");
+        m_restore->add_option("NAME|PATH", m_name, "An application, or the path of a link")->type_name("...");
         m_backup = addVerb(m_app, "backup", "Copy things to a drive, or list the copies");
         m_backup->require_subcommand(0, 1);
         m_backupCreate = addVerb(*m_backup, "create", "Make a dated copy of files, folders or applications on a drive");
@@ -203,13 +207,12 @@ private:
             throw wrong("Name the drive whose backups shall be listed, with --drive DRIVE.");
         if (verb == Verb::moveFolder && m_path.empty())
             throw wrong("Name the folder that shall move: a PATH is missing.");
-        if (verb == Verb::moveRestore && m_path.empty())
-            throw wrong("Name the link whose folder shall come back: a PATH is missing.");
+        if (verb == Verb::moveRestore && names.empty())
+            throw wrong("Name the links or the applications that shall come back: a NAME or a PATH is missing.");
         if (verb == Verb::moveFolder && m_drive.empty())
             throw wrong("Name the drive that the folder shall move to, with --drive DRIVE.");
         if (verb == Verb::moveApp && m_drive.empty())
             throw wrong("Name the drive that the applications shall move to, with --drive DRIVE.");
-        if (verb == Verb::moveApp && !m_options.isDryRun) throw wrong("move app only plans yet: add --dry-run.");
     }
 
     /// The library has refused an option. Why, is seen in the arguments.
@@ -228,7 +231,8 @@ private:
                 throw wrong(fmt::format("{} needs a value: {} {}.", name, name, value));
         }
         for (auto word = arguments.begin(); word != end; ++word)
-            for (const std::string flag : {"--yes", "--help", "--version", "--dry-run", "--no-data", "--repair"})
+            for (const std::string flag :
+                 {"--yes", "--help", "--version", "--dry-run", "--no-data", "--quit-running", "--repair"})
                 if (word->starts_with(flag + "=")) throw wrong(fmt::format("{} takes no value.", flag));
         throw wrong("These options do not go together.");
     }
@@ -236,7 +240,8 @@ private:
     /// Takes the words that the library has left over, and those behind the mark, for what the verb still lacks.
     /// @returns the rest.
     Arguments takeWords(Arguments marked) {
-        if (m_apps->count("NAME") + m_moveApp->count("NAME") > 0) m_options.names = {m_name};
+        if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") > 0)
+            m_options.names = {m_name};
         if (m_backupCreate->count("PATH") > 0) m_options.paths = {m_path};
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
         Arguments rest;
@@ -253,7 +258,7 @@ private:
 
     bool takesWord(const std::string& word) {
         const auto words = wordsOf(meant());
-        if (words == "move app" || (words == "apps" && m_options.names.empty())) {
+        if (words == "move app" || words == "move restore" || (words == "apps" && m_options.names.empty())) {
             m_options.names.push_back(word);
             return true;
         }
@@ -261,7 +266,7 @@ private:
             m_options.paths.emplace_back(word);
             return true;
         }
-        if ((words != "move folder" && words != "move restore") || !m_path.empty()) return false;
+        if (words != "move folder" || !m_path.empty()) return false;
         m_path = word;
         return true;
     }
@@ -321,6 +326,7 @@ private:
     CLI::App* m_apps = nullptr;
     CLI::App* m_move = nullptr;
     CLI::App* m_moveApp = nullptr;
+    CLI::App* m_restore = nullptr;
     CLI::App* m_backup = nullptr;
     CLI::App* m_backupCreate = nullptr;
 };

@@ -19,7 +19,8 @@ struct Options {
     Verb verb = Verb::drives;
     /// The item of a move, as it was written.
     fs::path path;
-    /// The applications that are meant, as they were written. `apps` takes one at most; without it, all are meant.
+    /// The applications that are meant, or the links of a restore, as they were written. `apps` takes one at most;
+    /// without it, all are meant.
     std::vector<std::string> names;
     /// The items of a backup, as they were written.
     std::vector<fs::path> paths;
@@ -32,6 +33,8 @@ struct Options {
     bool yes = false;
     /// What an application keeps outside of its bundle moves with it.
     bool includesData = true;
+    /// Running applications are quit before they move.
+    bool quitsRunning = false;
     /// Only shows what would be done.
     bool isDryRun = false;
     /// Mends what is wrong instead of only telling it.

@@ -55,6 +55,9 @@ QCoro::Task<> AppState::moveSelectedApps() {
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
 
+        const auto snapshot = [host = m_host] { return AppMove::takeSnapshot(host); };
+        const std::optional<std::string> told = co_await inBackground(Priority::userInitiated, snapshot);
+        if (told) setInfo(screenText(*told));
         const auto look = [host = m_host, movable = proposal.movable] { return AppMove::runningApps(host, movable); };
         const std::vector<std::string> running = co_await inBackground(Priority::userInitiated, look);
         if (m_isClosing) co_return;

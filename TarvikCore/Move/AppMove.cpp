@@ -1,6 +1,7 @@
 #include "Move/AppMove.h"
 
 #include "Discovery/AppScanner.h"
+#include "Move/APFSSnapshotService.h"
 #include "Move/MoveDialogs.h"
 #include "Move/MovePlanner.h"
 #include "Platform/AppStorageNames.h"
@@ -155,6 +156,13 @@ Dialog confirmMove(const Proposal& proposal) {
     std::copy_if(proposal.movable.begin(), proposal.movable.end(), std::back_inserter(risky), isRisky);
     return MoveDialogs::confirmAppMove(std::ssize(proposal.movable), proposal.totalBytes(), proposal.drive.name,
                                        AppStorageNames::appsRootOn(proposal.drive.mountPath), namesOf(risky));
+}
+
+std::optional<std::string> takeSnapshot(const Host& host) {
+    if (!APFSSnapshotService::isSupported(host)) return std::nullopt;
+    const auto taken = APFSSnapshotService::create(host);
+    if (!taken.succeeded || !taken.snapshot) return std::nullopt;
+    return "APFS snapshot: " + taken.snapshot->name;
 }
 
 std::vector<std::string> runningApps(const Host& host, const std::vector<AppEntry>& movable) {

@@ -62,6 +62,9 @@ Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const st
                  bool includeData);
 /// Asks whether it shall be run, and warns of the risky ones. Pure.
 Dialog confirmMove(const Proposal& proposal);
+/// Takes a snapshot of the system's disk before a batch, where the system can do that. @returns the sentence for the
+/// user when there is one now. Blocks for the system's tool; never fails.
+std::optional<std::string> takeSnapshot(const Host& host);
 /// The names of the movable applications that are in use now. Blocks for one look at the processes.
 std::vector<std::string> runningApps(const Host& host, const std::vector<AppEntry>& movable);
 

@@ -118,16 +118,67 @@ TEST(AppMoveCommand, SaysWhenThePlanDoesNotFit) {
 
 TEST(AppMoveCommand, CallsANameOrADriveThatFitsNothingAWrongCommandLine) {
     const CommandWorld world;
-    const std::string usage = "\nUsage: tarvik move app NAME... --drive DRIVE --dry-run [--no-data]\n";
+    const std::string usage =
+        "\nUsage: tarvik move app NAME... --drive DRIVE [--no-data] [--quit-running] [--dry-run]\n";
     for (const auto& finished : {planOf(world, {"Tunnel", "wonder"}), planOf(world, {"Tunnel"}, "Nope")}) {
         EXPECT_EQ(finished.status, 2);
         EXPECT_EQ(finished.output, "");
         EXPECT_THAT(finished.errors, HasSubstr("There is no "));
         EXPECT_THAT(finished.errors, HasSubstr(usage));
     }
-    const auto real = world.run({"move", "app", "Tunnel", "--drive", "Backup", "--yes"});
-    EXPECT_EQ(real.status, 2);
-    EXPECT_EQ(real.errors, "move app only plans yet: add --dry-run." + usage);
+}
+
+TEST(AppMoveCommand, MovesApplicationsWithTheirDataAndBringsThemBackByName) {
+    const CommandWorld world;
+    const auto app = world.machine.root / "Applications/Full House.app";
+    const auto data = world.machine.home / ".fullhouse";
+    const auto before = test::pictureOf(app) + test::pictureOf(data);
+    const auto moved = world.run({"move", "app", "full house", "Tunnel", "--drive", "Studio Drive", "--yes"});
+    EXPECT_EQ(moved.status, 0) << moved.errors;
+    const auto apps = world.drive / "ExternalTarvik/Apps";
+    EXPECT_EQ(fs::read_symlink(app), apps / "Full House.app");
+    EXPECT_TRUE(fs::is_symlink(data));
+    EXPECT_TRUE(fs::is_symlink(world.machine.root / "Applications/Tunnel.app"));
+    EXPECT_THAT(linesOf(moved.output), Contains("Moved Full House to " + (apps / "Full House.app").native() + "."));
+
+    const auto back = world.run({"move", "restore", "Full House", "Tunnel", data, "--yes", "--format", "tsv"});
+    EXPECT_EQ(back.status, 0) << back.errors;
+    EXPECT_THAT(columnOf(back.output, "label"), ElementsAre("Full House.app", "Tunnel.app", ".fullhouse"));
+    EXPECT_THAT(columnOf(back.output, "status"), ElementsAre("done", "done", "done"));
+    EXPECT_FALSE(fs::is_symlink(app));
+    EXPECT_EQ(test::pictureOf(app) + test::pictureOf(data), before);
+}
+
+TEST(AppMoveCommand, GoesOnAfterAnItemThatFailsAndSaysSo) {
+    const CommandWorld world;
+    test::makeFile(world.drive / "ExternalTarvik/Apps/Tunnel.app");
+    const auto finished = world.run({"move", "app", "Tunnel", "Menu Meters", "--drive", "Studio Drive", "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_THAT(linesOf(finished.errors), Contains("Tunnel: Destination already exists."));
+    EXPECT_EQ(linesOf(finished.errors).back(), "Completed with 1 failure.");
+    EXPECT_THAT(finished.output, HasSubstr("Moved Menu Meters to "));
+    EXPECT_FALSE(fs::is_symlink(world.machine.root / "Applications/Tunnel.app"));
+}
+
+TEST(AppMoveCommand, AsksBeforeItMoves) {
+    const CommandWorld world;
+    const auto before = test::pictureOf(world.machine.root);
+    const auto finished = world.run({"move", "app", "Tunnel", "--drive", "Studio Drive"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "There is no terminal to ask on: pass --yes to go ahead without a question.\n");
+    EXPECT_EQ(test::pictureOf(world.machine.root), before);
+}
+
+TEST(AppMoveCommand, SaysWhatCannotComeBack) {
+    const CommandWorld world;
+    const auto local = world.run({"move", "restore", "Tunnel", "--yes"});
+    EXPECT_EQ(local.status, 1);
+    EXPECT_EQ(local.errors, "No symlink found for Tunnel.\n");
+    const auto unknown = world.run({"move", "restore", "wonder", "--yes"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("\nUsage: tarvik move restore NAME|PATH...\n"));
+    const auto record = world.run({"move", "restore", "Tunnel", "--yes", "--format", "toml"});
+    EXPECT_EQ(toml::parse(record.output)["status"].value<std::string>(), "failed");
 }
 
 }  // namespace tarvik

@@ -122,7 +122,9 @@ TEST(Options, SaysWhatAMoveOfApplicationsLacks) {
               "Name the applications that shall move: a NAME is missing.");
     EXPECT_EQ(sentenceOf({"move", "app", "A", "--dry-run"}),
               "Name the drive that the applications shall move to, with --drive DRIVE.");
-    EXPECT_EQ(sentenceOf({"move", "app", "A", "--drive", "D"}), "move app only plans yet: add --dry-run.");
+    EXPECT_FALSE(optionsOf({"move", "app", "A", "--drive", "D"}).isDryRun);
+    EXPECT_FALSE(optionsOf({"move", "app", "A", "--drive", "D"}).quitsRunning);
+    EXPECT_TRUE(optionsOf({"move", "app", "A", "--drive", "D", "--quit-running"}).quitsRunning);
     EXPECT_EQ(sentenceOf({"move", "app", "A", "", "--drive", "D", "--dry-run"}), "A NAME is empty.");
     EXPECT_EQ(sentenceOf({"apps", ""}), "A NAME is empty.");
     EXPECT_EQ(sentenceOf({"apps", "Logic", "Pro"}),
@@ -136,20 +138,20 @@ TEST(Options, SaysWhatAMoveOfApplicationsLacks) {
 TEST(Options, TakesAPathThatBearsTheNameOfAVerb) {
     for (const auto* name : {"drives", "move", "folder", "restore"}) {
         EXPECT_EQ(optionsOf({"move", "folder", name, "--drive", "D"}).path, name);
-        EXPECT_EQ(optionsOf({"move", "restore", name}).path, name);
+        EXPECT_EQ(optionsOf({"move", "restore", name}).names, Arguments{name});
     }
 }
 
 TEST(Options, TakesEveryNameByteForByte) {
     for (const auto* name : {"a b", " ", "-", "[x]", "{}", "[]", "a,b", "%%", "\"quoted\"", "'", "a=b", "\\n", "é",
                              "\xFF\xFE", "a\nb", "~"}) {
-        EXPECT_EQ(optionsOf({"move", "restore", name}).path, name);
+        EXPECT_EQ(optionsOf({"move", "restore", name}).names, Arguments{name});
         EXPECT_EQ(optionsOf({"apps", name}).names, Arguments{name});
         EXPECT_EQ(optionsOf({"move", "app", name, "x", "--drive", "D", "--dry-run"}).names, (Arguments{name, "x"}));
         EXPECT_EQ(optionsOf({"move", "folder", "/f", "--drive", name}).drive, name);
         EXPECT_EQ(optionsOf({"--root", name, "drives"}).root, name);
     }
-    EXPECT_EQ(optionsOf({"move", "restore", "--", "--yes"}).path, "--yes");
+    EXPECT_EQ(optionsOf({"move", "restore", "a b", "--", "--yes"}).names, (Arguments{"a b", "--yes"}));
 }
 
 TEST(Options, SaysWhatIsWrong) {
@@ -165,7 +167,8 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--drive", "D"}), "Name the folder that shall move: a PATH is missing.");
-    EXPECT_EQ(sentenceOf({"move", "restore"}), "Name the link whose folder shall come back: a PATH is missing.");
+    EXPECT_EQ(sentenceOf({"move", "restore"}),
+              "Name the links or the applications that shall come back: a NAME or a PATH is missing.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f"}),
               "Name the drive that the folder shall move to, with --drive DRIVE.");
     EXPECT_EQ(sentenceOf({"--format", "yaml", "drives"}), "\"yaml\" is no format. There is: human, tsv, toml.");
@@ -186,7 +189,7 @@ TEST(Options, SaysWhatIsWrong) {
 }
 
 TEST(Options, RefusesEmptyPaths) {
-    EXPECT_EQ(sentenceOf({"move", "restore", ""}), sentenceOf({"move", "restore"}));
+    EXPECT_EQ(sentenceOf({"move", "restore", ""}), "A NAME is empty.");
     EXPECT_EQ(sentenceOf({"move", "folder", "", "--drive", "D"}), sentenceOf({"move", "folder", "--drive", "D"}));
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", ""}), sentenceOf({"move", "folder", "/f"}));
     EXPECT_EQ(sentenceOf({"--root", "", "drives"}), "--root needs a path that is not empty.");
@@ -205,9 +208,9 @@ TEST(Options, RefusesAnOptionWithoutItsValueOrGivenTwice) {
 }
 
 TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
-    const std::string app = "tarvik move app NAME... --drive DRIVE --dry-run [--no-data]";
+    const std::string app = "tarvik move app NAME... --drive DRIVE [--no-data] [--quit-running] [--dry-run]";
     const std::string folder = "tarvik move folder PATH --drive DRIVE";
-    const std::string restore = "tarvik move restore PATH";
+    const std::string restore = "tarvik move restore NAME|PATH...";
     const std::string backups = "tarvik backup create PATH... --drive DRIVE\n       tarvik backup list --drive DRIVE";
     EXPECT_EQ(usageFor({"drives", "x"}), "tarvik drives");
     EXPECT_EQ(usageFor({"move", "folder"}), folder);

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "CommandLine/Records.h"
+#include "Move/MoveJob.h"
+#include "Platform/Host.h"
+#include "Platform/Path.h"
+
+#include <vector>
+
+namespace tarvik::CommandLine {
+
+/// Runs the jobs and shows how far the one is that is under way. Signals cut no item short. Blocks; a failure is the
+/// status of its job. @returns the jobs as they ended.
+std::vector<MoveJob> runWatched(const Host& host, std::vector<MoveJob> jobs, const fs::path& drivePath,
+                                bool quitRunning, Format format);
+
+}  // namespace tarvik::CommandLine
