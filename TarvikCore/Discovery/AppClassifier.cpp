@@ -17,18 +17,10 @@ namespace tarvik {
 
 namespace {
 
-std::string without(std::string_view text, std::string_view word) {
-    std::string rest;
-    for (auto place = text.find(word); place != text.npos; place = text.find(word)) {
-        rest += text.substr(0, place);
-        text.remove_prefix(place + word.size());
-    }
-    return rest.append(text);
-}
-
 std::string cleanedNotice(const std::string& notice) {
     constexpr std::int64_t longest = 80;
-    const std::string words = without(without(Text::displayable(notice), "Copyright"), "\u00A9");
+    const std::string words =
+        Text::replacing(Text::replacing(Text::displayable(notice), "Copyright", ""), "\u00A9", "");
     return Text::firstCharacters(Text::trimmed(words), longest);
 }
 

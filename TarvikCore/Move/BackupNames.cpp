@@ -12,11 +12,6 @@ namespace tarvik::BackupNames {
 
 namespace {
 
-void replaceAll(std::string& text, std::string_view wanted, std::string_view replacement) {
-    for (std::size_t at = text.find(wanted); at != text.npos; at = text.find(wanted, at + replacement.size()))
-        text.replace(at, wanted.size(), replacement);
-}
-
 /// The items below `root` whose names change, the longest path first: children before their parents.
 std::vector<fs::path> itemsToRename(const fs::path& root) {
     std::vector<fs::path> items;
@@ -33,10 +28,7 @@ std::vector<fs::path> itemsToRename(const fs::path& root) {
 }  // namespace
 
 std::string visible(std::string_view name) {
-    std::string text(name);
-    replaceAll(text, "Tarvik", "App");
-    replaceAll(text, "tarvik", "app");
-    return text;
+    return Text::replacing(Text::replacing(name, "Tarvik", "App"), "tarvik", "app");
 }
 
 std::string ofSource(const fs::path& source) {

@@ -5,6 +5,7 @@
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/Identifier.h"
+#include "Platform/Text.h"
 
 #include <fmt/format.h>
 
@@ -65,11 +66,6 @@ bool isAt(const fs::path& path, const FileDescriptor& handle) {
     struct stat status {};
     const auto info = Files::info(path);
     return handle && info && ::fstat(handle.get(), &status) == 0 && Files::infoOfStatus(status).inode == info->inode;
-}
-
-void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
-        text.replace(at, from.size(), to);
 }
 
 bool isRealItem(const fs::path& path) {
@@ -151,10 +147,11 @@ bool isCopyUnderWayTo(const fs::path& goal) {
 
 std::string withOwnName(std::string text, const fs::path& hidden, const fs::path& item) {
     const std::string name = hidden.lexically_relative(item.parent_path());
-    replaceAll(text, name, item.filename());
+    text = Text::replacing(text, name, item.filename().native());
     // A message may spell the item's own name in another way.
     for (const auto prefix : {copyPrefix, removalPrefix, exchangePrefix})
-        if (ownName(name, prefix)) replaceAll(text, name.substr(0, prefix.size() + identifierLength + 1), "");
+        if (ownName(name, prefix))
+            text = Text::replacing(text, name.substr(0, prefix.size() + identifierLength + 1), "");
     return text;
 }
 

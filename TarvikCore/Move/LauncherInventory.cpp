@@ -13,7 +13,6 @@
 #include "Platform/Text.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <cstddef>
 #include <map>
@@ -70,12 +69,9 @@ void repair(const Host& host, const LauncherEntry& entry) {
 Dialog confirmRepair(const std::vector<LauncherEntry>& repairable) {
     constexpr std::size_t mostNames = 6;
     std::vector<std::string> names;
-    for (const auto& entry : repairable)
-        if (names.size() < mostNames) names.push_back(entry.launcher.filename());
-    std::string text = fmt::format("{}", fmt::join(names, ", "));
-    if (repairable.size() > mostNames) text += fmt::format(" and {} more", repairable.size() - mostNames);
+    for (const auto& entry : repairable) names.push_back(entry.launcher.filename());
     return {fmt::format("Install or repair {}?", Text::counted(std::ssize(repairable), "launcher")),
-            text + ". What stands in their places goes to the Trash.",
+            Text::listed(names, mostNames) + ". What stands in their places goes to the Trash.",
             {"Repair", "Cancel"}};
 }
 

@@ -4,9 +4,7 @@
 #include "Platform/Text.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <iterator>
 
@@ -17,19 +15,10 @@ namespace {
 constexpr std::size_t mostRisky = 5;
 constexpr std::size_t mostNames = 6;
 
-/// The first names, and how many more there are.
-std::string listed(const std::vector<std::string>& names, std::size_t most) {
-    const auto shown = std::min(names.size(), most);
-    const auto end = names.begin() + static_cast<std::ptrdiff_t>(shown);
-    std::string text = fmt::format("{}", fmt::join(names.begin(), end, ", "));
-    if (names.size() > shown) text += fmt::format(" and {} more", names.size() - shown);
-    return text;
-}
-
 std::string riskWarning(const std::vector<std::string>& risky) {
     const auto count = std::ssize(risky);
     std::string text = fmt::format("\n\n⚠ {} {} warnings: {}", Text::counted(count, "item"),
-                                   count == 1 ? "has" : "have", listed(risky, mostRisky));
+                                   count == 1 ? "has" : "have", Text::listed(risky, mostRisky));
     return risky.size() > mostRisky ? text + "." : text;
 }
 
@@ -48,7 +37,7 @@ Dialog handleRunningApps(const std::vector<std::string>& names) {
     return {fmt::format("{} {} running", Text::counted(std::ssize(names), "selected app"),
                         names.size() == 1 ? "is" : "are"),
             fmt::format("Moving a running app can corrupt it.\n\n{}\n\nQuit them automatically before moving?",
-                        listed(names, mostNames)),
+                        Text::listed(names, mostNames)),
             {"Quit & Move", "Cancel", "Move Anyway"}};
 }
 
@@ -67,7 +56,7 @@ Dialog confirmRestore(std::int64_t count, const std::vector<std::string>& names)
     const std::string_view ending = count == 1 ? "" : "s";
     return {fmt::format("Move {} back?", Text::counted(count, "item")),
             fmt::format("Moves the selected app{0} back from the external drive and removes the symlink{0}.\n\n{1}",
-                        ending, listed(names, mostNames)),
+                        ending, Text::listed(names, mostNames)),
             {"Move Back", "Cancel"}};
 }
 

@@ -4,6 +4,7 @@
 #include "Platform/UserCollation.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <unicode/brkiter.h>
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <memory>
 
@@ -203,6 +205,23 @@ std::vector<std::string_view> Text::lines(std::string_view text) {
         text.remove_prefix(std::min(lines.back().size() + 1, text.size()));
     }
     return lines;
+}
+
+std::string Text::replacing(std::string_view text, std::string_view wanted, std::string_view replacement) {
+    std::string result;
+    for (std::size_t place = 0; !wanted.empty() && (place = text.find(wanted)) != text.npos;) {
+        result.append(text.substr(0, place)).append(replacement);
+        text.remove_prefix(place + wanted.size());
+    }
+    return result.append(text);
+}
+
+std::string Text::listed(const std::vector<std::string>& names, std::size_t most) {
+    const auto shown = std::min(names.size(), most);
+    const auto end = names.begin() + static_cast<std::ptrdiff_t>(shown);
+    std::string text = fmt::format("{}", fmt::join(names.begin(), end, ", "));
+    if (names.size() > shown) text += fmt::format(" and {} more", names.size() - shown);
+    return text;
 }
 
 std::int64_t Text::characterCount(std::string_view text) {

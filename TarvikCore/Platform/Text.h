@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,6 +18,10 @@ bool isValidUtf8(std::string_view bytes);
 std::string displayable(std::string_view bytes);
 /// The lines of a text as views into it, without their line feeds. The last one need not end with one.
 std::vector<std::string_view> lines(std::string_view text);
+/// `text` with `replacement` for every `wanted`, from left to right and byte by byte: all other bytes stay as they are.
+std::string replacing(std::string_view text, std::string_view wanted, std::string_view replacement);
+/// The first `most` of `names`, and how many more there are: "Mail, Music and 3 more". Their bytes stay.
+std::string listed(const std::vector<std::string>& names, std::size_t most);
 /// The number of characters as a user counts them (extended grapheme clusters).
 std::int64_t characterCount(std::string_view text);
 /// The first `count` characters of `text`, and `text` without them.

@@ -25,6 +25,21 @@ TEST(Text, IsSplitIntoItsLines) {
     EXPECT_EQ(Text::lines(""), Lines());
 }
 
+TEST(Text, HasOneWordReplacedByAnotherFromLeftToRight) {
+    EXPECT_EQ(Text::replacing("Tarvik and Tarvik", "Tarvik", "App"), "App and App");
+    EXPECT_EQ(Text::replacing("aaa", "aa", "a"), "aa");
+    EXPECT_EQ(Text::replacing("aa", "a", "aa"), "aaaa");
+    EXPECT_EQ(Text::replacing("\xff one \xff", "one ", ""), "\xff \xff");
+    EXPECT_EQ(Text::replacing("plain", "", "x"), "plain");
+    EXPECT_EQ(Text::replacing("", "a", "x"), "");
+}
+
+TEST(Text, OfManyNamesSaysTheFirstAndHowManyMore) {
+    EXPECT_EQ(Text::listed({}, 2), "");
+    EXPECT_EQ(Text::listed({"One", "Two"}, 2), "One, Two");
+    EXPECT_EQ(Text::listed({"One", "Two", "Three", "Four"}, 2), "One, Two and 2 more");
+}
+
 TEST(Text, TrimsUnicodeWhiteSpaceAndLineBreaksAtBothEnds) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", ""},
