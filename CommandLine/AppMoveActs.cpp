@@ -11,6 +11,7 @@
 #include "Move/AppMove.h"
 #include "Move/FolderMove.h"
 #include "Move/MoveDialogs.h"
+#include "Move/MoveRefusal.h"
 #include "Move/MoveRun.h"
 #include "Platform/Failure.h"
 #include "Platform/SizeCalculator.h"
@@ -98,7 +99,7 @@ std::string tomlOf(const AppMove::Plan& plan, const DriveInfo& drive) {
                           {"totalBytes", total},
                           {"freeBytes", drive.freeBytes},
                           {"freeBytesAfter", drive.freeBytes - total},
-                          {"fits", !AppMove::spaceRefusal(total, drive)},
+                          {"fits", !MoveRefusal::ofSpace(total, drive)},
                           {"remarks", remarksOf(plan)}};
     return toml(facts) + "\n" + toml("jobs", jobRecordsOf(plan.jobs));
 }
@@ -139,7 +140,7 @@ void plan(const Host& host, const Options& options) {
     const auto plan = AppMove::plan(host, chosenApps(host, options), drive, options.includesData);
     print(plan, drive, host.home, options.format);
     if (plan.movesNothing()) throw Failure("CommandLine", 1, "Nothing would move.");
-    if (const auto refusal = AppMove::spaceRefusal(plan.totalBytes(), drive)) throw Failure("CommandLine", 1, *refusal);
+    if (const auto refusal = MoveRefusal::ofSpace(plan.totalBytes(), drive)) throw Failure("CommandLine", 1, *refusal);
 }
 
 }  // namespace tarvik::CommandLine::AppMoveActs

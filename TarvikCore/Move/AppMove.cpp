@@ -4,12 +4,12 @@
 #include "Move/APFSSnapshotService.h"
 #include "Move/MoveDialogs.h"
 #include "Move/MovePlanner.h"
+#include "Move/MoveRefusal.h"
 #include "Platform/AppStorageNames.h"
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/RunningAppsDetector.h"
-#include "Platform/SizeCalculator.h"
 
 #include <fmt/format.h>
 
@@ -132,12 +132,6 @@ bool isRisky(const AppEntry& entry) {
     return entry.riskLevel() != RiskLevel::low;
 }
 
-std::optional<std::string> spaceRefusal(std::int64_t totalBytes, const DriveInfo& drive) {
-    if (totalBytes <= drive.freeBytes) return std::nullopt;
-    return fmt::format("Need {} but {} has {}.", SizeCalculator::format(totalBytes), drive.name,
-                       SizeCalculator::format(drive.freeBytes));
-}
-
 Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const std::optional<DriveInfo>& drive,
                  bool includeData) {
     if (!drive) throw refusal("Select a target drive first.");
@@ -147,7 +141,8 @@ Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const st
     proposal.drive = refreshed(host, *drive);
     proposal.jobs = MovePlanner::buildAppJobs(host, proposal.movable, proposal.drive, includeData);
     if (proposal.jobs.empty()) throw refusal("Everything selected is already symlinked.");
-    if (auto sentence = spaceRefusal(proposal.totalBytes(), proposal.drive)) throw refusal(std::move(*sentence));
+    if (auto sentence = MoveRefusal::ofSpace(proposal.totalBytes(), proposal.drive))
+        throw refusal(std::move(*sentence));
     return proposal;
 }
 

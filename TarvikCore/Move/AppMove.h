@@ -40,9 +40,6 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
 /// Whether a move is more likely to break the application than others; pure.
 bool isRisky(const AppEntry& entry);
 
-/// Nothing when `totalBytes` fit on the drive, also when they fill it; else the sentence for the user. Pure.
-std::optional<std::string> spaceRefusal(std::int64_t totalBytes, const DriveInfo& drive);
-
 /// A move that nothing speaks against but the user.
 struct Proposal {
     /// As it is now: its free space was read anew.

@@ -1,7 +1,7 @@
 #include "Move/BackupPlan.h"
 
-#include "Move/AppMove.h"
 #include "Move/BackupNames.h"
+#include "Move/MoveRefusal.h"
 #include "Platform/AppStorageNames.h"
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
@@ -27,18 +27,6 @@ Failure failure(std::string sentence) {
 
 fs::path withoutLinks(const fs::path& path) {
     return Files::resolved(path).value_or(path);
-}
-
-/// Where a link, or a volume mounted there, leads what is backed up on the drive; nothing when it stays on the drive.
-std::optional<fs::path> placeOffDrive(const fs::path& mountPath) {
-    const fs::path root = withoutLinks(mountPath);
-    const fs::path place = AppStorageNames::backupsRootOn(root);
-    if (!Files::itemExists(place)) return std::nullopt;
-    const fs::path real = withoutLinks(place);
-    const auto there = Files::info(real);
-    const auto drive = Files::info(root);
-    const bool isOnDrive = Files::isAtOrBelow(real, root) && there && drive && there->device == drive->device;
-    return isOnDrive ? std::nullopt : std::optional(real);
 }
 
 Refusal bySource(const fs::path& source, const fs::path& backups) {
@@ -93,13 +81,14 @@ Plan plan(const Host& host, const std::vector<fs::path>& paths, const DriveInfo&
         if (std::find(plan.sources.begin(), plan.sources.end(), source) == plan.sources.end())
             plan.sources.push_back(source);
     }
-    if (const auto elsewhere = placeOffDrive(drive.mountPath))
+    const auto root = withoutLinks(drive.mountPath);
+    if (const auto elsewhere = MoveRefusal::placeOffDrive(root, AppStorageNames::backupsRootOn(root)))
         throw failure(fmt::format("What is backed up on {} would land in {}, which is not on that drive.", drive.name,
                                   elsewhere->native()));
     for (const auto& source : plan.sources) throwIf(bySource(source, AppStorageNames::backupsRootOn(drive.mountPath)));
     throwIf(byNames(plan.sources));
     for (const auto& source : plan.sources) plan.bytesTotal += SizeCalculator::size(host, source);
-    throwIf(AppMove::spaceRefusal(plan.bytesTotal, drive));
+    throwIf(MoveRefusal::ofSpace(plan.bytesTotal, drive));
     return plan;
 }
 

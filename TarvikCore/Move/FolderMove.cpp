@@ -68,9 +68,7 @@ MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, c
     if (auto sentence = MoveRefusal::ofFolder(host, source, drive)) throw refusal(*sentence);
     const std::int64_t size = SizingService::size(host, source, cancellation);
     if (cancellation.isCancelled()) throw cancelled();  // The size is only a part of it.
-    if (drive.freeBytes < size)
-        throw refusal(fmt::format("Need {} but {} has {}.", SizeCalculator::format(size), drive.name,
-                                  SizeCalculator::format(drive.freeBytes)));
+    if (auto sentence = MoveRefusal::ofSpace(size, drive)) throw refusal(*sentence);
     return MoveJob(source.filename(), source, AppStorageNames::foldersRootOn(drive.mountPath) / source.filename(),
                    JobStatus::pending(), size, 0);
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/AppStorageNames.h"
 #include "Platform/Files.h"
+#include "Platform/SizeCalculator.h"
 #include "Platform/SystemFolders.h"
 #include "Platform/TreeObstacle.h"
 #include "Platform/VolumeList.h"
@@ -21,17 +22,6 @@ Refusal byKind(const fs::path& folder) {
     return std::nullopt;
 }
 
-/// Where a link or another volume on the drive leads what is moved to it; nothing when it stays on the drive.
-std::optional<fs::path> placeOffDrive(const fs::path& mountPath) {
-    fs::path deepest = AppStorageNames::foldersRootOn(mountPath);
-    while (!Files::itemExists(deepest) && deepest != mountPath) deepest = deepest.parent_path();
-    const fs::path place = Files::resolved(deepest).value_or(deepest);
-    const auto there = Files::info(place);
-    const auto drive = Files::info(mountPath);
-    const bool isOnDrive = Files::isAtOrBelow(place, mountPath) && there && drive && there->device == drive->device;
-    return isOnDrive ? std::nullopt : std::optional(place);
-}
-
 /// `folder` and `mountPath` with all links resolved.
 Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveInfo& drive) {
     const std::string name = folder.filename();
@@ -39,7 +29,7 @@ Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveIn
     if (Files::isAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
     if (Files::isAtOrBelow(mountPath, folder))
         return fmt::format("{} holds the target drive {} and can't be moved to it.", folder.native(), drive.name);
-    if (const auto elsewhere = placeOffDrive(mountPath))
+    if (const auto elsewhere = placeOffDrive(mountPath, AppStorageNames::foldersRootOn(mountPath)))
         return fmt::format("What is moved to {} would land in {}, which is not on that drive.", drive.name,
                            elsewhere->native());
     return std::nullopt;
@@ -93,6 +83,22 @@ Refusal byContents(const fs::path& folder, const std::optional<TreeObstacle>& ob
 }
 
 }  // namespace
+
+std::optional<std::string> ofSpace(std::int64_t totalBytes, const DriveInfo& drive) {
+    if (totalBytes <= drive.freeBytes) return std::nullopt;
+    return fmt::format("Need {} but {} has {}.", SizeCalculator::format(totalBytes), drive.name,
+                       SizeCalculator::format(drive.freeBytes));
+}
+
+std::optional<fs::path> placeOffDrive(const fs::path& mountPath, const fs::path& place) {
+    fs::path deepest = place;
+    while (!Files::itemExists(deepest) && deepest != mountPath) deepest = deepest.parent_path();
+    const fs::path real = Files::resolved(deepest).value_or(deepest);
+    const auto there = Files::info(real);
+    const auto drive = Files::info(mountPath);
+    const bool isOnDrive = Files::isAtOrBelow(real, mountPath) && there && drive && there->device == drive->device;
+    return isOnDrive ? std::nullopt : std::optional(real);
+}
 
 std::string notAFolder(const fs::path& item) {
     return fmt::format("{} is not a folder. Choose a folder.", item.filename().native());

@@ -4,6 +4,7 @@
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,14 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
 /// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a
 /// whole, a folder of the system, a folder that holds the link, a place outside of the machine. Nothing when it may.
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target);
+
+/// Nothing when `totalBytes` fit on the drive, also when they fill it; else the sentence for the user. Pure.
+std::optional<std::string> ofSpace(std::int64_t totalBytes, const DriveInfo& drive);
+
+/// Where a link, or a volume mounted on the way, leads what is written to `place`, which is below the drive's
+/// `mountPath` and need not be there yet. Nothing when that stays on the drive. The mount path has its links resolved.
+/// Blocks; any thread.
+std::optional<fs::path> placeOffDrive(const fs::path& mountPath, const fs::path& place);
 
 /// What is said of an item that is no folder where only folders can be moved. Pure.
 std::string notAFolder(const fs::path& item);

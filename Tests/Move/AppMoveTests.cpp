@@ -124,11 +124,4 @@ TEST(AppMove, CountsEveryFlagAsARisk) {
     EXPECT_FALSE(AppMove::isRisky({.isAlreadySymlinked = true}));
 }
 
-TEST(AppMove, RefusesOnlyWhatIsLargerThanTheFreeSpace) {
-    const DriveInfo drive{.name = "Studio", .freeBytes = 2'000'000};
-    EXPECT_EQ(AppMove::spaceRefusal(0, drive), std::nullopt);
-    EXPECT_EQ(AppMove::spaceRefusal(2'000'000, drive), std::nullopt);
-    EXPECT_EQ(AppMove::spaceRefusal(3'500'000, drive), "Need 3.5 MB but Studio has 2 MB.");
-}
-
 }  // namespace tarvik
