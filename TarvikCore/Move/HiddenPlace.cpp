@@ -1,5 +1,6 @@
 #include "Move/HiddenPlace.h"
 
+#include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
 #include "Platform/ClashNames.h"
 #include "Platform/Failure.h"
@@ -155,6 +156,16 @@ std::string withOwnName(std::string text, const fs::path& hidden, const fs::path
     return text;
 }
 
+void rethrowInOwnName(const fs::path& hidden, const fs::path& item) {
+    try {
+        throw;
+    } catch (const MoverError& error) {
+        throw MoverError::retold(error, withOwnName(error.description(), hidden, item));
+    } catch (const Failure& failure) {
+        throw Failure(failure.domain(), failure.code(), withOwnName(failure.description(), hidden, item));
+    }
+}
+
 Disposal::Outcome stash(const Host& host, const fs::path& hidden, const fs::path& place) {
     if (!Files::itemExists(hidden)) return {};
     Disposal::Outcome outcome{Disposal::Outcome::End::stayed, hidden};
@@ -164,7 +175,8 @@ Disposal::Outcome stash(const Host& host, const fs::path& hidden, const fs::path
         ignoringFailure([&] {
             Files::rename(hidden, shelved);
             const auto end = MoverStasher::stash(host, shelved, place);
-            if (end.end == Disposal::Outcome::End::stayed)
+            // A link that leads nowhere is passed over as if nothing were there.
+            if (Files::itemExists(shelved))
                 Files::rename(shelved, hidden);
             else
                 outcome = end;

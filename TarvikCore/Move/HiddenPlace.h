@@ -29,6 +29,8 @@ Claim claimForCopyTo(const fs::path& goal, Files::ItemType type);
 bool isCopyUnderWayTo(const fs::path& goal);
 /// What tells of an item under its hidden name, or in a folder of that name, told of its own place.
 std::string withOwnName(std::string text, const fs::path& hidden, const fs::path& item);
+/// Passes on the MoverError or Failure that is being handled, told so.
+[[noreturn]] void rethrowInOwnName(const fs::path& hidden, const fs::path& item);
 /// Disposes of an item under a hidden name as `MoverStasher` does of one that stands at `place`. It is at no moment
 /// where a killed act would leave it in the way.
 Disposal::Outcome stash(const Host& host, const fs::path& hidden, const fs::path& place);

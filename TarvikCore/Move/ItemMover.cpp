@@ -73,17 +73,6 @@ bool renamesWithinVolume(const fs::path& from, const fs::path& to, Goal goal) {
     return true;
 }
 
-/// Passes on what is being handled; it speaks of the goal then, and not of the hidden name.
-[[noreturn]] void rethrowOnBehalfOf(const fs::path& to, const fs::path& temporary) {
-    try {
-        throw;
-    } catch (const MoverError& error) {
-        throw MoverError::retold(error, HiddenPlace::withOwnName(error.description(), temporary, to));
-    } catch (const Failure& failure) {
-        throw Failure(failure.domain(), failure.code(), HiddenPlace::withOwnName(failure.description(), temporary, to));
-    }
-}
-
 /// Leaves at `temporary` a complete copy that has reached the drive, or nothing.
 void copyAcross(const Host& host, const fs::path& from, const fs::path& to, const fs::path& temporary,
                 const ProgressCallback& progress) {
@@ -93,7 +82,7 @@ void copyAcross(const Host& host, const fs::path& from, const fs::path& to, cons
             throw MoverError::verifyFailed(*reason);
     } catch (...) {
         ignoringFailure([&] { Files::removeItem(temporary); });  // Our own unfinished copy: the original is whole.
-        rethrowOnBehalfOf(to, temporary);
+        HiddenPlace::rethrowInOwnName(temporary, to);
     }
 }
 

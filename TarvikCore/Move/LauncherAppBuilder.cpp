@@ -116,19 +116,6 @@ void putInPlace(const Host& host, const fs::path& bundle, const fs::path& launch
     }
 }
 
-/// Passes on what is being handled, which speaks of the launcher then and not of the hidden name.
-[[noreturn]] void rethrowOnBehalfOf(const fs::path& launcher, const fs::path& hidden) {
-    try {
-        throw;
-    } catch (const Failure& failure) {
-        std::string description = failure.description();
-        const std::size_t at = description.find(hidden.native());
-        if (at == std::string::npos) throw;
-        description.replace(at, hidden.native().size(), launcher.native());
-        throw Failure(failure.domain(), failure.code(), description);
-    }
-}
-
 void build(const Host& host, const fs::path& sourceApp, const fs::path& launcher, const fs::path& target,
            const InstallerRunReporter& reporter) {
     HiddenPlace::sweep(host, launcher.parent_path());
@@ -141,7 +128,7 @@ void build(const Host& host, const fs::path& sourceApp, const fs::path& launcher
     } catch (...) {
         // Half a launcher would pass for an application that does not start, and keep a whole one from its place.
         ignoringFailure([&] { Files::removeItem(hidden); });
-        rethrowOnBehalfOf(launcher, hidden);
+        HiddenPlace::rethrowInOwnName(hidden, launcher);
     }
     reporter.log(fmt::format("launcher-app\t{}\t{}", launcher.native(), target.native()));
 }

@@ -177,6 +177,15 @@ TEST(HiddenPlace, StaysWhereItIsWhenNothingTakesIt) {
     EXPECT_EQ(world.namesAtHome().size(), 2U);
 }
 
+TEST(HiddenPlace, KeepsALinkThatLeadsNowhereWhereItIs) {
+    const World world;
+    const fs::path hidden = HiddenPlace::forCopyTo(world.home / "Music");
+    makeLink(hidden, "nowhere");
+    EXPECT_EQ(HiddenPlace::stash(world.host, hidden, world.home / "Music"),
+              (tarvik::Disposal::Outcome{tarvik::Disposal::Outcome::End::stayed, hidden}));
+    EXPECT_THAT(world.namesAtHome(), ElementsAre(hidden.filename().native()));
+}
+
 TEST(HiddenPlace, IsNotSpokenOf) {
     const std::string longName(250, 'n');
     for (const std::string& name : {std::string("Music"), std::string("odd \xff"), longName}) {
