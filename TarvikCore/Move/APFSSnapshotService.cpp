@@ -16,11 +16,11 @@ namespace {
 
 constexpr std::string_view namePrefix = "com.apple.TimeMachine";
 
-/// The pieces of `text` between each two separators.
-std::vector<std::string_view> piecesOf(std::string_view text, char separator) {
+/// The pieces of `text` between each two full stops.
+std::vector<std::string_view> piecesOf(std::string_view text) {
     std::vector<std::string_view> pieces;
     for (;;) {
-        const std::size_t end = text.find(separator);
+        const std::size_t end = text.find('.');
         pieces.push_back(text.substr(0, end));
         if (end == text.npos) return pieces;
         text.remove_prefix(end + 1);
@@ -29,7 +29,7 @@ std::vector<std::string_view> piecesOf(std::string_view text, char separator) {
 
 std::optional<Snapshot> snapshotIn(std::string_view output) {
     constexpr std::string_view mark = "date: ";
-    for (const auto line : piecesOf(output, '\n')) {
+    for (const auto line : Text::lines(output)) {
         const std::size_t found = line.find(mark);
         if (found == line.npos) continue;
         const std::string date = Text::trimmed(line.substr(found + mark.size()));
@@ -61,14 +61,14 @@ std::vector<Snapshot> list(const Host& host) {
     if (!isSupported(host)) return {};
     const auto result = CommandRunner::run(host.tools.tmutil, {"listlocalsnapshots", "/"});
     std::vector<Snapshot> snapshots;
-    for (const auto line : piecesOf(result.stdout, '\n'))
+    for (const auto line : Text::lines(result.stdout))
         if (line.find(namePrefix) != line.npos) snapshots.push_back({std::string(line), timestamp(line)});
     return snapshots;
 }
 
 std::optional<std::chrono::system_clock::time_point> timestamp(std::string_view text) {
     constexpr std::int64_t longest = 19;
-    const auto pieces = piecesOf(text, '.');
+    const auto pieces = piecesOf(text);
     const auto dated = std::find_if(pieces.begin(), pieces.end(), [](std::string_view piece) {
         return piece.find('-') != piece.npos && Text::characterCount(piece) >= longest;
     });
