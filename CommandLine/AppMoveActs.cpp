@@ -9,7 +9,6 @@
 #include "CommandLine/WatchedRun.h"
 #include "Discovery/DataPathSize.h"
 #include "Move/AppMove.h"
-#include "Move/FolderMove.h"
 #include "Move/MoveDialogs.h"
 #include "Move/MoveRefusal.h"
 #include "Move/MoveRun.h"
@@ -117,7 +116,7 @@ bool quitsRunning(const Host& host, const AppMove::Proposal& proposal, const Opt
     if (options.quitsRunning || options.yes) return options.quitsRunning;
     const auto running = AppMove::runningApps(host, proposal.movable);
     if (running.empty()) return false;
-    if (!Terminal::ask(MoveDialogs::handleRunningApps(running))) throw FolderMove::cancelled();
+    Terminal::confirm(MoveDialogs::handleRunningApps(running), false);
     return true;
 }
 
@@ -126,7 +125,7 @@ bool quitsRunning(const Host& host, const AppMove::Proposal& proposal, const Opt
 void move(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto proposal = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
-    if (!options.yes && !Terminal::ask(AppMove::confirmMove(proposal))) throw FolderMove::cancelled();
+    Terminal::confirm(AppMove::confirmMove(proposal), options.yes);
     if (const auto told = AppMove::takeSnapshot(host)) Terminal::say(*told);
     const bool quitRunning = quitsRunning(host, proposal, options);
     const auto ended = runWatched(host, proposal.jobs, proposal.drive.mountPath, quitRunning, options.format);

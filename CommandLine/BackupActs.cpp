@@ -7,7 +7,6 @@
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
 #include "Move/BackupPlan.h"
-#include "Move/FolderMove.h"
 #include "Platform/AppStorageNames.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
@@ -105,7 +104,7 @@ void sayWhereCopiesStay(const Host& host, const fs::path& mountPath, const std::
 void create(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = BackupPlan::plan(host, options.paths, drive);
-    if (!options.yes && !Terminal::ask(BackupPlan::confirm(plan))) throw FolderMove::cancelled();
+    Terminal::confirm(BackupPlan::confirm(plan), options.yes);
 
     const auto unfinishedBefore = BackupService::unfinished(host, drive.mountPath);
     Outcome outcome{.backup = {.rootPath = AppStorageNames::backupsRootOn(drive.mountPath)}};

@@ -19,7 +19,7 @@ void run(const Host& host, const Options& options, Outcome& outcome) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = FolderMove::plan(host, options.path, drive);
     outcome = outcomeOf(plan);
-    if (!options.yes && !Terminal::ask(FolderMove::confirmMove(plan, drive))) throw FolderMove::cancelled();
+    Terminal::confirm(FolderMove::confirmMove(plan, drive), options.yes);
     outcome = outcomeOf(runWatched(host, {plan}, drive.mountPath, false, options.format).front());
 }
 

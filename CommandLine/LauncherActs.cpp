@@ -5,7 +5,6 @@
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
 #include "Discovery/DataPathSize.h"
-#include "Move/FolderMove.h"
 #include "Move/LauncherInventory.h"
 #include "Platform/Failure.h"
 #include "Platform/Text.h"
@@ -125,8 +124,8 @@ void repair(const Host& host, const Options& options) {
                  [](const LauncherEntry& entry) { return entry.isRepairable(); });
     if (repairable.empty()) {
         if (options.format == Format::human) Terminal::say("There is no launcher to repair.");
-    } else if (!options.yes && !Terminal::ask(LauncherInventory::confirmRepair(repairable))) {
-        throw FolderMove::cancelled();
+    } else {
+        Terminal::confirm(LauncherInventory::confirmRepair(repairable), options.yes);
     }
     const auto outcomes = repairAll(host, entries);
     print(outcomes, options.format);

@@ -57,11 +57,7 @@ void confirm(const std::vector<WayBack>& waysBack, bool yes) {
         throw Failure("CommandLine", 1,
                       FolderMove::foreign(foreign->link) +
                           " Leave out --yes and answer the question to bring back what it leads to.");
-    if (yes) return;
-    if (waysBack.size() == 1) {
-        if (!Terminal::ask(FolderMove::confirmRestore(waysBack.front()))) throw FolderMove::cancelled();
-        return;
-    }
+    if (waysBack.size() == 1) return Terminal::confirm(FolderMove::confirmRestore(waysBack.front()), yes);
     std::vector<std::string> names;
     for (const auto& wayBack : waysBack) names.push_back(wayBack.link.filename());
     auto question = MoveDialogs::confirmRestore(std::ssize(names), names);
@@ -69,7 +65,7 @@ void confirm(const std::vector<WayBack>& waysBack, bool yes) {
         question.details.push_back(fmt::format("{} to {}", wayBack.target.native(), wayBack.link.native()));
         if (!wayBack.isOwn) question.details.push_back(FolderMove::foreign(wayBack.link));
     }
-    if (!Terminal::ask(question)) throw FolderMove::cancelled();
+    Terminal::confirm(question, yes);
 }
 
 Outcome outcomeOf(const WayBack& wayBack) {

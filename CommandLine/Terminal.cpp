@@ -1,6 +1,7 @@
 #include "CommandLine/Terminal.h"
 
 #include "CommandLine/Columns.h"
+#include "Move/FolderMove.h"
 #include "Platform/Failure.h"
 #include "Platform/FileError.h"
 #include "Platform/Text.h"
@@ -76,6 +77,10 @@ bool ask(const Dialog& dialog) {
     writeMessage(fmt::format("{}? [y/N] ", goAhead));
     const auto answer = Text::caseFolded(Text::trimmed(readLine()));
     return answer == "y" || answer == "yes" || answer == Text::caseFolded(goAhead);
+}
+
+void confirm(const Dialog& dialog, bool yes) {
+    if (!yes && !ask(dialog)) throw FolderMove::cancelled();
 }
 
 }  // namespace tarvik::CommandLine::Terminal

@@ -23,5 +23,7 @@ std::size_t columns();
 /// Asks on the terminal. True when the answer is the dialog's first button, "y" or "yes", in any case.
 /// @throws Failure when there is no terminal to ask on.
 bool ask(const Dialog& dialog);
+/// Asks before something is changed, unless the answer is given by `yes`. @throws Failure when it is no.
+void confirm(const Dialog& dialog, bool yes);
 
 }  // namespace tarvik::CommandLine::Terminal
