@@ -126,6 +126,22 @@ TEST_F(AppStateApps, AreTickedAndCountedByWhatAMoveWouldTake) {
     EXPECT_FALSE(state->apps()[0].isSelected);
 }
 
+TEST_F(AppStateApps, StayTickedAndOpenWhenTheyAreListedAnew) {
+    const auto editor = app("Editor");
+    app("Player");
+    begin();
+    select({editor});
+    state->setAppExpanded(FilePath(editor), true);
+    state->refreshApps();
+    settle();
+    ASSERT_THAT(state->apps(), SizeIs(2));
+    for (const AppRow& row : state->apps()) {
+        EXPECT_EQ(row.isSelected, row.entry.bundlePath == editor);
+        EXPECT_EQ(row.isExpanded, row.entry.bundlePath == editor);
+    }
+    EXPECT_EQ(state->selectedMovableCount(), 1);
+}
+
 TEST_F(AppStateApps, AreRefusedToMoveWithoutADriveOrASelection) {
     const auto editor = app("Editor");
     state->refreshApps();
