@@ -20,10 +20,10 @@ namespace tarvik {
 namespace {
 
 /// The applications of ticked rows, measured also where the list does not know their sizes yet. Blocks.
-std::vector<AppEntry> measured(const Host& host, const std::vector<AppRow>& rows) {
+std::vector<AppEntry> measured(const Host& host, const std::vector<AppRow>& rows, const Cancellation& cancellation) {
     std::vector<AppEntry> entries;
     for (const AppRow& row : rows)
-        entries.push_back(row.sizesPending ? AppScanner::computeSizes(host, row.entry) : row.entry);
+        entries.push_back(row.sizesPending ? AppScanner::computeSizes(host, row.entry, cancellation) : row.entry);
     return entries;
 }
 
@@ -46,8 +46,10 @@ QCoro::Task<> AppState::moveSelectedApps() {
         std::vector<AppRow> ticked;
         for (const AppRow& row : apps())
             if (row.isSelected) ticked.push_back(row);
-        const auto propose = [host = m_host, ticked, drive = m_selectedDrive, includesData = m_includeAppData] {
-            return AppMove::propose(host, measured(host, ticked), drive, includesData);
+        const auto propose = [host = m_host, ticked, drive = m_selectedDrive, includesData = m_includeAppData,
+                              cancellation = m_stopMeasuring] {
+            const auto chosen = measured(host, ticked, cancellation);
+            return AppMove::propose(host, chosen, drive, includesData && !cancellation.isCancelled());
         };
         proposal = co_await inBackground(Priority::userInitiated, propose);
         if (m_isClosing) co_return;  // Nobody would answer any more.
@@ -124,11 +126,16 @@ QCoro::Task<> AppState::restoreApps() {
         return AppRestore::restoreAll(host, links, begins,
                                       [&](std::size_t, const ByteProgress& newest) { progress.send(newest); });
     };
-    const AppRestore::Outcome outcome = co_await inBackground(Priority::userInitiated, restore);
-    const MoveRun::Summary summary = AppRestore::summary(outcome);
+    MoveRun::Summary summary;
+    try {
+        const AppRestore::Outcome outcome = co_await inBackground(Priority::userInitiated, restore);
+        summary = AppRestore::summary(outcome);
+    } catch (const std::exception& thrown) {
+        summary = {true, thrown.what()};
+    }
     clearSelection();
     endRestore(screenText(summary.text), summary.hasFailures);
-    if (summary.hasFailures && !m_isClosing) refreshAll();
+    if (summary.hasFailures) refreshAll();
 }
 
 }  // namespace tarvik
