@@ -46,7 +46,9 @@ AppState::AppState(Host host, Dialogs& dialogs, QObject* parent)
       foldersTargetFolderName(AppStorageNames::foldersRootOn({})),
       m_host(std::move(host)),
       m_dialogs(dialogs),
-      m_flows([this](const std::exception& failure) { setError(screenText(failure.what())); }) {}
+      m_flows([this](const std::exception& failure) { setError(screenText(failure.what())); }) {
+    connect(this, &AppState::selectionChanged, this, &AppState::selectedTotalChanged);
+}
 
 AppState::~AppState() {
     m_isClosing = true;

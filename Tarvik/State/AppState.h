@@ -79,7 +79,7 @@ class AppState : public QObject {
     /// How many of the ticked applications can move, and how many can come back; what the former take, "1.2 GB".
     Q_PROPERTY(int selectedMovableCount READ selectedMovableCount NOTIFY selectionChanged)
     Q_PROPERTY(int selectedRestorableCount READ selectedRestorableCount NOTIFY selectionChanged)
-    Q_PROPERTY(QString selectedTotalText READ selectedTotalText NOTIFY selectionChanged)
+    Q_PROPERTY(QString selectedTotalText READ selectedTotalText NOTIFY selectedTotalChanged)
     Q_PROPERTY(bool isScanningDrives READ isScanningDrives NOTIFY isScanningDrivesChanged)
 
     /// Whether a run of jobs is under way.
@@ -231,10 +231,13 @@ signals:
     void isScanningAppsChanged();
     void sizeProgressChanged();
     void includeAppDataChanged();
+    /// The user, or an act of theirs, has changed which applications are ticked, or the list has.
     void selectionChanged();
     void checkedDataPathsChanged();
     /// Data of applications has gone to the Trash.
     void dataTrashed();
+    /// Also while the ticked ones are measured.
+    void selectedTotalChanged();
     void isScanningDrivesChanged();
     void isRunningChanged();
     void jobsProgressChanged();

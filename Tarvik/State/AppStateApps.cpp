@@ -34,8 +34,6 @@ struct AppState::Sizing {
 
 void AppState::refreshApps() {
     if (m_isScanningApps || m_isClosing) return;
-    m_stopSizingApps.cancel();
-    m_stopSizingApps = {};
     setScanningApps(true);
     setSizeProgress(0, m_sizeTotal);
     m_flows.add(scanApps());
@@ -98,7 +96,7 @@ void AppState::takeSizes(AppEntry entry) {
     sized.sizesPending = false;
     const bool isSelected = sized.isSelected;
     m_apps.update(static_cast<std::size_t>(row - rows.begin()), std::move(sized));
-    if (isSelected) emit selectionChanged();
+    if (isSelected) emit selectedTotalChanged();
 }
 
 void AppState::sortAppsBySize() {
@@ -126,7 +124,7 @@ void AppState::setIncludeAppData(bool includes) {
     if (m_includeAppData == includes) return;
     m_includeAppData = includes;
     emit includeAppDataChanged();
-    emit selectionChanged();
+    emit selectedTotalChanged();
 }
 
 void AppState::setAppSelected(const FilePath& bundle, bool isSelected) {

@@ -142,6 +142,19 @@ TEST_F(AppStateApps, StayTickedAndOpenWhenTheyAreListedAnew) {
     EXPECT_EQ(state->selectedMovableCount(), 1);
 }
 
+TEST_F(AppStateApps, TellOfTheTotalOfTickedOnesWhenTheyAreMeasured) {
+    const auto editor = app("Editor");
+    begin();
+    select({editor});
+    std::int64_t told = 0;
+    QObject::connect(state.get(), &AppState::selectedTotalChanged, state.get(),
+                     [&] { told = state->selectedTotalBytes(); });
+    makeFileOfSize(editor / "Contents/more", 800'000);
+    state->refreshApps();
+    settle();
+    EXPECT_EQ(told, SizingService::size(world.host, editor));
+}
+
 TEST_F(AppStateApps, AreRefusedToMoveWithoutADriveOrASelection) {
     const auto editor = app("Editor");
     state->refreshApps();

@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace tarvik::test {
 
 namespace {
@@ -121,6 +124,25 @@ TEST_F(ShownAppsTest, FollowsTheList) {
     state->refreshApps();
     settle();
     EXPECT_THAT(names(shown.rows()), ElementsAre("Editor", "Player", "Far", "New"));
+}
+
+TEST_F(ShownAppsTest, StandsStillWhileTickedOnesAreMeasured) {
+    const fs::path editor = world.folder / "Applications/Editor.app";
+    const auto isPending = [&](const std::vector<AppRow>& rows) {
+        return std::any_of(rows.begin(), rows.end(),
+                           [&](const AppRow& each) { return each.entry.bundlePath == editor && each.sizesPending; });
+    };
+    shown.setScope(Scope::all);
+    state->setAppSelected(FilePath(editor), true);
+    std::vector<bool> pendingWhenMeasured;
+    QObject::connect(state.get(), &AppState::sizeProgressChanged, &shown, [&] {
+        if (state->sizeProgress() > 0 && !isPending(state->apps()) && pendingWhenMeasured.empty())
+            pendingWhenMeasured.push_back(isPending(shown.rows()));
+    });
+    state->refreshApps();
+    settle();
+    EXPECT_THAT(pendingWhenMeasured, ElementsAre(true));
+    EXPECT_FALSE(isPending(shown.rows()));
 }
 
 TEST_F(ShownAppsTest, OutlivesItsState) {
