@@ -9,6 +9,7 @@
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <exception>
 #include <unordered_map>
 #include <utility>
 
@@ -53,7 +54,16 @@ QCoro::Task<> AppState::computeSizes(std::vector<AppEntry> entries) {
     const auto sizing = std::make_shared<Sizing>(Sizing{std::move(entries), m_stopSizingApps});
     std::vector<QCoro::Task<>> workers;
     for (int worker = 0; worker < mostAtATime; ++worker) workers.push_back(sizeOneAfterAnother(sizing));
-    for (auto& worker : workers) co_await worker;
+    // Each is waited for, also when one fails: none may go on behind this flow, in an object that is gone.
+    std::exception_ptr failure;
+    for (auto& worker : workers) {
+        try {
+            co_await worker;
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    if (failure) std::rethrow_exception(failure);
 }
 
 QCoro::Task<> AppState::sizeOneAfterAnother(std::shared_ptr<Sizing> sizing) {
