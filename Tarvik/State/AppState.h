@@ -325,7 +325,7 @@ private:
     int m_sizeProgress = 0;
     int m_sizeTotal = 0;
     bool m_includeAppData = true;
-    /// Cancelled when nobody waits any more for the sizes of the applications; a new one for each scan.
+    /// Cancelled when nobody waits any more for the sizes of the applications.
     Cancellation m_stopSizingApps;
     bool m_isScanningDrives = false;
     /// Somebody has asked for the drives since the scan that is under way began.
