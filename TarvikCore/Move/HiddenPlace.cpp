@@ -1,5 +1,7 @@
 #include "Move/HiddenPlace.h"
 
+#include "Move/HealthManifest.h"
+#include "Move/MoveVerifier.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
 #include "Platform/ClashNames.h"
@@ -77,6 +79,16 @@ bool isRealItem(const fs::path& path) {
 bool isMark(const fs::path& link, const fs::path& place) {
     const auto target = Files::linkText(link);
     return target && Files::itemExists(*target) && isRealItem(place);
+}
+
+/// Whether nothing is lost with what stands where a mark leads. A mark can outlive its act, and the place be taken by
+/// another item of that name since.
+bool isNeedless(const Host& host, const fs::path& copy, const fs::path& original) {
+    const auto entries = HealthManifest::load(host);
+    const bool isAnothers = std::any_of(entries.begin(), entries.end(), [&](const HealthManifestEntry& entry) {
+        return entry.destinationPath == copy && entry.sourcePath != original;
+    });
+    return !isAnothers && !MoveVerifier::failureReasonByItem(host, copy, original);
 }
 
 bool goesTo(const fs::path& leftover, const fs::path& place) {
@@ -214,7 +226,7 @@ void clearUnfinished(const Host& host, const fs::path& source, const fs::path& d
         if (marks.empty()) return;
         const FileDescriptor original = locked(source, LOCK_EX);
         const FileDescriptor copy = locked(destination, LOCK_EX);
-        if (!original || !copy) return;
+        if (!original || !copy || !isNeedless(host, destination, source)) return;
         if (MoverStasher::stash(host, destination).end == Disposal::Outcome::End::stayed) return;
         for (const auto& link : marks) Files::removeLink(link);
     });

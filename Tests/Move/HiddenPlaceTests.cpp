@@ -139,6 +139,30 @@ TEST(HiddenPlace, ClearsTheCopyThatAKilledMoveHasLeft) {
     }
 }
 
+TEST(HiddenPlace, NeverTakesForACopyWhatTheOriginalDoesNotHold) {
+    const World world;
+    const fs::path source = world.home / "Music";
+    const fs::path another = world.foldersOnDrive() / "Music";
+    makeFile(source / "song", "la la");
+    makeFile(another / "only copy", "of another Music");
+    makeOldLink(HiddenPlace::forRemovalOf(source), another);
+    HiddenPlace::clearUnfinished(world.host, source, another);
+    EXPECT_EQ(contentOf(another / "only copy"), "of another Music");
+}
+
+TEST(HiddenPlace, NeverTakesForACopyWhatAnotherItemWasMovedTo) {
+    const World world;
+    const fs::path source = world.home / "Music";
+    const fs::path another = world.home / "Band/Music";
+    makeFile(source / "song", "la la");
+    makeFile(another / "song", "hm hm");
+    MoverEngine::moveAndLink(
+        world.host, another, world.foldersOnDrive(), false, [](const JobStatus&) {}, [](std::int64_t, std::int64_t) {});
+    makeOldLink(HiddenPlace::forRemovalOf(source), world.foldersOnDrive() / "Music");
+    HiddenPlace::clearUnfinished(world.host, source, world.foldersOnDrive() / "Music");
+    EXPECT_EQ(contentOf(another / "song"), "hm hm");
+}
+
 TEST(HiddenPlace, NeverTakesForACopyWhatALinkLeadsTo) {
     const World world;
     const fs::path source = world.home / "Music";
