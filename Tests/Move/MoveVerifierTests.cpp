@@ -126,6 +126,18 @@ TEST_F(MoveVerifier, CountsNamesWithLineBreaksAlikeOnBothSides) {
     EXPECT_EQ(reason(), "good");
 }
 
+TEST_F(MoveVerifier, CountsNoLineBreaksOfTheFoldersAroundTheTrees) {
+    const fs::path broken = world.folder / "two\nlines/and\n";
+    fs::create_directories(broken);
+    fs::rename(source, broken / "Tree");
+    source = broken / "Tree";
+    EXPECT_EQ(reason(), "good");
+    std::swap(source, copy);
+    EXPECT_EQ(reason(), "good");
+    fs::remove(copy / "sub/.b");
+    EXPECT_EQ(reason(), "Copy copied with 6 of 7 entries — 1 missing.");
+}
+
 TEST_F(MoveVerifier, WalksATreeThatIsDeeperThanAPathCanSay) {
     for (const auto& root : {source, copy}) {
         const fs::path before = fs::current_path();
