@@ -41,10 +41,14 @@ std::vector<DriveInfo> scan(const Host& host) {
 }
 
 bool isThere(const Host& host, const fs::path& mountPath) {
-    if (!Files::exists(mountPath)) return false;
+    const auto before = Files::infoFollowingLinks(mountPath);
+    if (!before) return false;
     const auto volumes = host.volumes->mounted();
-    return std::any_of(volumes.begin(), volumes.end(),
-                       [&](const Volume& volume) { return volume.mountPath == mountPath; });
+    const bool isMounted = std::any_of(volumes.begin(), volumes.end(),
+                                       [&](const Volume& volume) { return volume.mountPath == mountPath; });
+    // The list takes its time: the drive may have gone since it was read.
+    const auto after = Files::infoFollowingLinks(mountPath);
+    return isMounted && after && after->device == before->device;
 }
 
 }  // namespace tarvik::DriveScanner

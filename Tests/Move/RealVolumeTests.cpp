@@ -2,6 +2,7 @@
 #include "Move/ItemMover.h"
 #include "Move/MoverEngine.h"
 #include "Move/MoverError.h"
+#include "Platform/DriveScanner.h"
 #include "Platform/FileError.h"
 #include "Platform/Files.h"
 #include "Support/RealVolume.h"
@@ -11,6 +12,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -139,6 +142,27 @@ TEST(RealVolumes, ThatAreUnpluggedDuringTheCopyLeaveTheOriginalWhole) {
     EXPECT_EQ(failureOf([&] { move(world, world.home / "Music"); }),
               "Verification failed: The target drive was disconnected while it was written to.");
     EXPECT_EQ(pictureOf(world.home / "Music"), picture);
+}
+
+TEST(RealVolumes, ThatAreUnpluggedWhileTheyAreListedAreNotThere) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    class Volumes : public MadeVolumes {
+    public:
+        std::vector<Volume> mounted() const override {
+            EXPECT_EQ(std::system(meanwhile.c_str()), 0);
+            return list;
+        }
+        std::string meanwhile = "true";
+    };
+    World world;
+    const RealVolume volume = RealVolume::memory(world.folder.path(), megabyte);
+    const auto volumes = std::make_shared<Volumes>();
+    volumes->list = {{.mountPath = volume.path()}};
+    world.host.volumes = volumes;
+    EXPECT_TRUE(DriveScanner::isThere(world.host, volume.path()));
+    // It leaves its mount path behind.
+    volumes->meanwhile = "umount -l '" + volume.path().native() + "'";
+    EXPECT_FALSE(DriveScanner::isThere(world.host, volume.path()));
 }
 
 TEST(RealVolumes, ThatAreUnpluggedAfterTheCopyLeaveTheOriginalWhole) {
