@@ -220,14 +220,17 @@ void clearUnfinished(const Host& host, const fs::path& source, const fs::path& d
             const fs::path link = source.parent_path() / name;
             for (const auto prefix : {copyPrefix, removalPrefix})
                 if (ownName(name, prefix) == ownName(hidden(prefix, source).filename().native(), prefix) &&
-                    Files::linkText(link) == destination && isMark(link, source))
+                    Files::linkText(link) == destination && isRealItem(source))
                     marks.push_back(link);
         }
         if (marks.empty()) return;
         const FileDescriptor original = locked(source, LOCK_EX);
-        const FileDescriptor copy = locked(destination, LOCK_EX);
-        if (!original || !copy || !isNeedless(host, destination, source)) return;
-        if (MoverStasher::stash(host, destination).end == Disposal::Outcome::End::stayed) return;
+        if (!original) return;
+        if (Files::itemExists(destination)) {
+            const FileDescriptor copy = locked(destination, LOCK_EX);
+            if (!copy || !isNeedless(host, destination, source)) return;
+            if (MoverStasher::stash(host, destination).end == Disposal::Outcome::End::stayed) return;
+        }
         for (const auto& link : marks) Files::removeLink(link);
     });
 }

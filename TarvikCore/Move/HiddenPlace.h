@@ -47,7 +47,7 @@ void sweep(const Host& host, const fs::path& folder) noexcept;
 /// Frees `destination` from the complete copy that a killed move of `source` has left there, or from the rest of what a
 /// killed restore has brought back: it goes to the Trash. A link under a hidden name beside `source`, which stands
 /// there as long as both are whole, tells of such an act; and `source` must hold all that stands there. Nothing else is
-/// ever touched. Never fails.
+/// ever touched. Links that lead there and have outlived their act are removed. Never fails.
 void clearUnfinished(const Host& host, const fs::path& source, const fs::path& destination) noexcept;
 
 }  // namespace tarvik::HiddenPlace

@@ -153,7 +153,7 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     const std::uint64_t driveDevice = deviceOf(destinationParent);
     Files::createFolder(destinationParent);
     const fs::path destination = Files::standardized(destinationParent / source.filename());
-    if (Files::itemExists(destination)) HiddenPlace::clearUnfinished(host, source, destination);
+    HiddenPlace::clearUnfinished(host, source, destination);
     requireFree(destination);
 
     ChangeWatch::Beginning beginning(source);

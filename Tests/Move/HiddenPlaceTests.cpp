@@ -139,6 +139,20 @@ TEST(HiddenPlace, ClearsTheCopyThatAKilledMoveHasLeft) {
     }
 }
 
+TEST(HiddenPlace, RemovesALinkThatHasOutlivedItsAct) {
+    const World world;
+    const fs::path source = world.home / "Music";
+    makeFile(source / "song", "la la");
+    makeLink(HiddenPlace::forRemovalOf(source), world.foldersOnDrive() / "Music");
+    {
+        const FileDescriptor held = HiddenPlace::hold(source);
+        HiddenPlace::clearUnfinished(world.host, source, world.foldersOnDrive() / "Music");
+        EXPECT_EQ(world.namesAtHome().size(), 2U);
+    }
+    HiddenPlace::clearUnfinished(world.host, source, world.foldersOnDrive() / "Music");
+    EXPECT_THAT(world.namesAtHome(), ElementsAre("Music"));
+}
+
 TEST(HiddenPlace, NeverTakesForACopyWhatTheOriginalDoesNotHold) {
     const World world;
     const fs::path source = world.home / "Music";
