@@ -2,6 +2,7 @@
 
 #include "Discovery/AppScanner.h"
 #include "Move/HealthManifest.h"
+#include "Move/HiddenPlace.h"
 #include "Move/MoveDialogs.h"
 #include "Move/MoveRefusal.h"
 #include "Platform/AppStorageNames.h"
@@ -38,6 +39,16 @@ std::optional<fs::path> driveOf(const Host& host, const fs::path& target) {
     return volumes / *target.lexically_relative(volumes).begin();
 }
 
+/// Where the space may have gone: the next move would clear it away, but has no room to begin.
+std::string leftoversOn(const Host& host, const DriveInfo& drive) {
+    const fs::path folder = AppStorageNames::foldersRootOn(drive.mountPath);
+    std::int64_t size = 0;
+    for (const fs::path& copy : HiddenPlace::copiesLeftIn(folder)) size += SizingService::size(host, copy);
+    if (size == 0) return {};
+    return fmt::format(" An interrupted move has left {} in {}, under a name that begins with .tarvik-moving-.",
+                       SizeCalculator::format(size), folder.native());
+}
+
 bool leadsToOwnFolder(const Host& host, const fs::path& target) {
     const auto drive = driveOf(host, target);
     const auto holdsIt = [&](std::string_view root) { return Files::isAtOrBelow(target, *drive / root); };
@@ -68,7 +79,7 @@ MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, c
     if (auto sentence = MoveRefusal::ofFolder(host, source, drive)) throw refusal(*sentence);
     const std::int64_t size = SizingService::size(host, source, cancellation);
     if (cancellation.isCancelled()) throw cancelled();  // The size is only a part of it.
-    if (auto sentence = MoveRefusal::ofSpace(size, drive)) throw refusal(*sentence);
+    if (auto sentence = MoveRefusal::ofSpace(size, drive)) throw refusal(*sentence + leftoversOn(host, drive));
     return MoveJob(source.filename(), source, AppStorageNames::foldersRootOn(drive.mountPath) / source.filename(),
                    JobStatus::pending(), size, 0);
 }

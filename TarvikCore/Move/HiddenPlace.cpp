@@ -22,7 +22,6 @@
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <vector>
 
 namespace tarvik::HiddenPlace {
 
@@ -211,6 +210,13 @@ void sweep(const Host& host, const fs::path& folder) noexcept {
             }
         }
     });
+}
+
+std::vector<fs::path> copiesLeftIn(const fs::path& folder) {
+    std::vector<fs::path> copies;
+    for (const auto& name : Files::names(folder))
+        if (ownName(name, copyPrefix) && !isHeld(folder / name)) copies.push_back(folder / name);
+    return copies;
 }
 
 void clearUnfinished(const Host& host, const fs::path& source, const fs::path& destination) noexcept {

@@ -7,6 +7,7 @@
 #include "Platform/Path.h"
 
 #include <string>
+#include <vector>
 
 /// The hidden names that items bear for the length of an act: a copy that is not complete yet, an original that is
 /// about to be removed. What an act that was killed leaves under such a name is cleared away by a later one.
@@ -43,6 +44,9 @@ FileDescriptor hold(const fs::path& item);
 /// free; everything else goes to the Trash, except empty folders and links, which hold nothing. What a running act
 /// holds stays, and so does a link that `clearUnfinished` goes by. Never fails.
 void sweep(const Host& host, const fs::path& folder) noexcept;
+
+/// The copies that killed acts have left directly in `folder`; not those that a running act makes. Never fails.
+std::vector<fs::path> copiesLeftIn(const fs::path& folder);
 
 /// Frees `destination` from the complete copy that a killed move of `source` has left there, or from the rest of what a
 /// killed restore has brought back: it goes to the Trash. A link under a hidden name beside `source`, which stands

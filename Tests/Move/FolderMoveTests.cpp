@@ -1,5 +1,6 @@
 #include "Move/FolderMove.h"
 #include "Move/HealthManifest.h"
+#include "Move/HiddenPlace.h"
 #include "Move/MoveRefusal.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
@@ -120,6 +121,15 @@ TEST_F(FolderMove, RefusesMoreThanTheDriveHasRoomFor) {
     makeFileOfSize(world.home / "Music/song", 2'000'000);
     DriveInfo drive = world.driveInfo();
     drive.freeBytes = 1'000'000;
+    EXPECT_EQ(refusal(world.home / "Music", drive), "Need 2 MB but Backup has 1 MB.");
+
+    const fs::path left = HiddenPlace::forCopyTo(world.foldersOnDrive() / "Music");
+    makeFileOfSize(left / "song", 300'000);
+    EXPECT_THAT(refusal(world.home / "Music", drive),
+                testing::MatchesRegex("Need 2 MB but Backup has 1 MB\\. An interrupted move has left 30[0-9] KB in " +
+                                      world.foldersOnDrive().native() +
+                                      ", under a name that begins with \\.tarvik-moving-\\."));
+    const FileDescriptor held = HiddenPlace::hold(left);
     EXPECT_EQ(refusal(world.home / "Music", drive), "Need 2 MB but Backup has 1 MB.");
 }
 
