@@ -110,7 +110,7 @@ TEST_F(FoldersTab, TellsHowLargeTheCandidatesAre) {
     makeFileOfSize(world.home / "Downloads/Film.mov", 2'000'000);
     makeFileOfSize(world.foldersOnDrive() / "DerivedData/index", 3'000'000);
     makeLink(world.home / "Library/Developer/Xcode/DerivedData", world.foldersOnDrive() / "DerivedData");
-    auto& window = open();
+    auto& window = openFolders();
     EXPECT_TRUE(window.waitForText("quickPick-Downloads/quickPickSize", "2 MB"));
     EXPECT_TRUE(window.waitForText("quickPick-Xcode DerivedData/quickPickSize", "3 MB"));
 }

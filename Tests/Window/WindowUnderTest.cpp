@@ -29,6 +29,10 @@ QQuickItem* findIn(QQuickItem* root, const QString& name) {
     return nullptr;
 }
 
+QPointF centreOf(const QQuickItem& item) {
+    return item.mapToScene({item.width() / 2, item.height() / 2});
+}
+
 QUrl urlOf(const fs::path& path) {
     const auto encoded = QByteArray::fromStdString(path.native()).toPercentEncoding("/");  // It need not be UTF-8.
     return QUrl("file://" + QString::fromLatin1(encoded), QUrl::StrictMode);
@@ -74,10 +78,12 @@ void WindowUnderTest::click(const QString& name) {
     // A dialog stands where it belongs, and takes clicks, once it has taken the keyboard.
     if (name.startsWith(QLatin1String("alertButton-")))
         (void)waitUntil([this] { return isShown("alertButton-0") && hasFocus("alertButton-0"); });
-    QQuickItem& target = item(name);
+    (void)item(name);
     QTest::qWait(0);  // What has just come is laid out first.
-    const QPointF centre = target.mapToScene({target.width() / 2, target.height() / 2});
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centre.toPoint());
+    // A row whose list has been put in another order may still be on its way.
+    const QRectF window(QPointF(), m_window->size());
+    (void)waitUntil([&] { return window.contains(centreOf(item(name))); });
+    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(item(name)).toPoint());
 }
 
 void WindowUnderTest::type(const QString& text) {
@@ -113,7 +119,7 @@ void WindowUnderTest::chooseFolder(const fs::path& path) {
 
 void WindowUnderTest::drop(const fs::path& path, const QString& name) {
     QQuickItem& target = item(name);
-    const QPointF centre = target.mapToScene({target.width() / 2, target.height() / 2});
+    const QPointF centre = centreOf(target);
     QMimeData data;
     data.setUrls({urlOf(path)});
     QDragEnterEvent enter(centre.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, {});
