@@ -10,6 +10,9 @@
 
 namespace tarvik::CommandLine {
 
+/// Why an item stayed where it was when a signal came before its turn.
+inline constexpr const char* notStarted = "Not started: the command was asked to end.";
+
 /// How the move of one item ended, there or back.
 struct Outcome {
     std::string label;

@@ -123,6 +123,10 @@ void restore(const Host& host, const Options& options) {
     std::vector<Outcome> outcomes;
     for (const auto& wayBack : waysBack) {
         auto& outcome = outcomes.emplace_back(outcomeOf(wayBack));
+        if (SignalGuard::isAskedToEnd()) {
+            outcome.failure = notStarted;
+            continue;
+        }
         try {
             bringBack(host, wayBack, outcome, options.format);
         } catch (const Failure& failure) {

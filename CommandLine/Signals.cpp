@@ -1,14 +1,18 @@
 #include "CommandLine/Signals.h"
 
 #include <cerrno>
+#include <csignal>
 #include <unistd.h>
 
 namespace tarvik::CommandLine {
 
 namespace {
 
+volatile std::sig_atomic_t hasCome = 0;
+
 void passOn(int signal, siginfo_t* information, void*) {
     const int error = errno;
+    hasCome = 1;
     const bool fromAnotherProcess = information->si_code == SI_USER && information->si_pid != ::getpid();
     if (fromAnotherProcess && ::getpgrp() == ::getpid()) ::kill(0, signal);
     errno = error;
@@ -17,6 +21,7 @@ void passOn(int signal, siginfo_t* information, void*) {
 }  // namespace
 
 SignalGuard::SignalGuard() {
+    hasCome = 0;
     struct sigaction action {};
     action.sa_sigaction = passOn;
     action.sa_flags = SA_SIGINFO | SA_RESTART;
@@ -30,6 +35,10 @@ SignalGuard::SignalGuard() {
 
 SignalGuard::~SignalGuard() {
     for (std::size_t at = 0; at < guarded.size(); ++at) ::sigaction(guarded[at], &m_before[at], nullptr);
+}
+
+bool SignalGuard::isAskedToEnd() {
+    return hasCome != 0;
 }
 
 void surviveClosedPipes() {

@@ -21,6 +21,9 @@ public:
     SignalGuard(const SignalGuard&) = delete;
     SignalGuard& operator=(const SignalGuard&) = delete;
 
+    /// Whether one of them has come since the guard was made: what has not been started shall not be any more.
+    static bool isAskedToEnd();
+
 private:
     static constexpr std::array<int, 3> guarded = {SIGINT, SIGTERM, SIGHUP};
     std::array<struct sigaction, guarded.size()> m_before{};

@@ -1,5 +1,6 @@
 #include "CommandLine/WatchedRun.h"
 
+#include "CommandLine/Outcome.h"
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/Signals.h"
 #include "Move/MoveRun.h"
@@ -56,10 +57,16 @@ std::vector<MoveJob> runWatched(const Host& host, std::vector<MoveJob> jobs, con
                                 bool quitRunning, Format format) {
     Watch watch(jobs, format);
     const SignalGuard guard;
-    MoveRun::run(
-        host, jobs, drivePath, quitRunning,
-        [&](std::size_t index, const JobStatus& status) { watch.take(index, status); },
-        [&](std::size_t index, const ByteProgress& progress) { watch.take(index, progress); });
+    for (std::size_t index = 0; index < jobs.size(); ++index) {
+        if (SignalGuard::isAskedToEnd()) {
+            watch.take(index, JobStatus::failed(notStarted));
+            continue;
+        }
+        MoveRun::run(
+            host, {jobs[index]}, drivePath, quitRunning,
+            [&](std::size_t, const JobStatus& status) { watch.take(index, status); },
+            [&](std::size_t, const ByteProgress& progress) { watch.take(index, progress); });
+    }
     return std::move(watch).ended();
 }
 

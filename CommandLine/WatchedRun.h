@@ -9,8 +9,8 @@
 
 namespace tarvik::CommandLine {
 
-/// Runs the jobs and shows how far the one is that is under way. Signals cut no item short. Blocks; a failure is the
-/// status of its job. @returns the jobs as they ended.
+/// Runs the jobs and shows how far the one is that is under way. A signal ends a copy as any failure does, and what has
+/// not been started then stays. Blocks; a failure is the status of its job. @returns the jobs as they ended.
 std::vector<MoveJob> runWatched(const Host& host, std::vector<MoveJob> jobs, const fs::path& drivePath,
                                 bool quitRunning, Format format);
 

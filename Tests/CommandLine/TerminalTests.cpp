@@ -134,6 +134,18 @@ TEST(CommandOnASignal, FinishesWhatTheCopyIsFollowedBy) {
     EXPECT_EQ(test::pictureOf(world.moved), picture);
 }
 
+TEST(CommandOnASignal, StartsNothingMore) {
+    const CommandWorld world(R"(cp -aT "$2" "$3" && trap '' INT && kill -INT $PPID)");
+    const auto applications = world.machine.root / "Applications";
+    const auto moved = test::runProgram(
+        world.command,
+        world.onMachine({"move", "app", "Tunnel", "Menu Meters", "--no-data", "--drive", "Studio Drive", "--yes"}));
+    EXPECT_EQ(moved.status, 1);
+    EXPECT_THAT(moved.errors, HasSubstr("Menu Meters: Not started: the command was asked to end.\n"));
+    EXPECT_TRUE(fs::is_symlink(applications / "Tunnel.app"));
+    EXPECT_FALSE(fs::is_symlink(applications / "Menu Meters.app"));
+}
+
 TEST(CommandOnASignal, LetsItsToolsEndOnSignalsAsUsual) {
     const CommandWorld world(R"(kill -PIPE $$; cp -aT "$2" "$3")");
     const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
