@@ -6,10 +6,10 @@
 #include "Platform/PropertyList.h"
 #include "Support/Bundles.h"
 #include "Support/OrdinaryUser.h"
-#include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -185,16 +185,17 @@ TEST_F(LauncherProgram, SaysThatItMayNotReadWhatToOpen) {
     install(launcher, app);
     fs::permissions(targetFile, fs::perms::none);
     const test::OrdinaryUser user(world.folder.path());
-    EXPECT_EQ(complaintOf(launcher),
-              "Far Editor cannot be opened because " + targetFile.native() + " cannot be read: Permission denied.\n");
+    EXPECT_THAT(complaintOf(launcher),
+                testing::StartsWith("Far Editor cannot be opened because " + targetFile.native() +
+                                    " cannot be read: Permission denied.\n"));
 }
 
 TEST_F(LauncherProgram, SaysThatItMayNotReachTheApplication) {
     install(launcher, app);
     fs::permissions(world.drive, fs::perms::none);
     const test::OrdinaryUser user(world.folder.path());
-    EXPECT_EQ(complaintOf(launcher),
-              "Far Editor cannot be opened because " + app.native() + " cannot be reached: Permission denied.\n");
+    EXPECT_THAT(complaintOf(launcher), testing::StartsWith("Far Editor cannot be opened because " + app.native() +
+                                                           " cannot be reached: Permission denied.\n"));
 }
 
 TEST_F(LauncherProgram, SaysThatTheApplicationDoesNotRun) {
@@ -245,15 +246,6 @@ TEST_F(LauncherProgram, OpensNothingOutsideOfABundle) {
     const auto result = CommandRunner::run(test::programOfThisBuild("external-app-launcher"), {});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.stderr, "external-app-launcher works only inside of a launcher's bundle.\n");
-}
-
-TEST_F(LauncherProgram, IsSmall) {
-    if (!Files::exists("/usr/bin/strip")) TARVIK_SKIP_BECAUSE("strip is not installed");
-    const fs::path stripped = world.folder / "stripped";
-    const auto result = CommandRunner::run(
-        "/usr/bin/strip", {"-o", stripped.native(), test::programOfThisBuild("external-app-launcher").native()});
-    ASSERT_EQ(result.status, 0) << result.stderr;
-    EXPECT_LT(fs::file_size(stripped), 200'000U);
 }
 
 }  // namespace tarvik
