@@ -1,18 +1,20 @@
 #include "CommandLine/Signals.h"
 
+#include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <unistd.h>
 
 namespace tarvik::CommandLine {
 
 namespace {
 
-volatile std::sig_atomic_t hasCome = 0;
+/// A signal may be taken by any thread.
+std::atomic<bool> hasCome = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 void passOn(int signal, siginfo_t* information, void*) {
     const int error = errno;
-    hasCome = 1;
+    hasCome = true;
     const bool fromAnotherProcess = information->si_code == SI_USER && information->si_pid != ::getpid();
     if (fromAnotherProcess && ::getpgrp() == ::getpid()) ::kill(0, signal);
     errno = error;
@@ -21,7 +23,7 @@ void passOn(int signal, siginfo_t* information, void*) {
 }  // namespace
 
 SignalGuard::SignalGuard() {
-    hasCome = 0;
+    hasCome = false;
     struct sigaction action {};
     action.sa_sigaction = passOn;
     action.sa_flags = SA_SIGINFO | SA_RESTART;
@@ -38,7 +40,7 @@ SignalGuard::~SignalGuard() {
 }
 
 bool SignalGuard::isAskedToEnd() {
-    return hasCome != 0;
+    return hasCome;
 }
 
 void surviveClosedPipes() {
