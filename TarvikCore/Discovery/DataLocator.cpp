@@ -42,9 +42,15 @@ bool isFolderOfEverybody(const Host& host, const fs::path& folder) {
 /// Whether a tracked file is data of the application: it exists, lies outside the bundle and the sandboxes, and is no
 /// folder of everybody, which installers name too.
 bool isOwnData(const Host& host, const fs::path& path, const fs::path& bundle) {
-    if (Files::isAtOrBelow(path, bundle) || isSandboxed(host, path)) return false;
     const auto item = Files::infoFollowingLinks(path);
-    return item && !(item->type == Files::ItemType::folder && isFolderOfEverybody(host, path));
+    const auto parent = Files::resolved(path.parent_path());
+    if (!item || !parent) return false;
+    // Installers name a home behind a link by the link.
+    for (const fs::path& place : {path, *parent / path.filename()}) {
+        if (Files::isAtOrBelow(place, bundle) || isSandboxed(host, place)) return false;
+        if (item->type == Files::ItemType::folder && isFolderOfEverybody(host, place)) return false;
+    }
+    return true;
 }
 
 std::vector<fs::path> trackedPaths(const Host& host, const AppIdentity& identity, InstallsDB::Reader& installs) {

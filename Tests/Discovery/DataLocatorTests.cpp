@@ -70,6 +70,16 @@ TEST_F(DataLocatorTest, GivesAPathOnceAtItsTrackedPlace) {
     EXPECT_THAT(located(), ElementsAre(tracked, plist, caches));
 }
 
+TEST_F(DataLocatorTest, LeavesOutTheFoldersOfEverybodyAlsoBehindALink) {
+    test::makeFolder(world.home / "Library/Containers/com.acme.editor");
+    const fs::path home = world.folder / "home";
+    test::makeLink(home, world.home);
+    const fs::path tracked = made(home / "tracked");
+    track("com.acme.editor", "Other",
+          {(home / "Library").native(), (home / "Library/Containers/com.acme.editor").native(), tracked.native()});
+    EXPECT_THAT(located(), ElementsAre(tracked));
+}
+
 TEST_F(DataLocatorTest, LeavesOutTheBundleAndWhatIsInIt) {
     made(bundle / "Contents/Info.plist");
     const fs::path sibling = made(world.folder / "Applications/Editor.app.data");
