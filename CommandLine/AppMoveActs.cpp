@@ -23,6 +23,7 @@
 #include <cstddef>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvik::CommandLine::AppMoveActs {
@@ -120,14 +121,37 @@ bool quitsRunning(const Host& host, const AppMove::Proposal& proposal, const Opt
     return true;
 }
 
-}  // namespace
+/// What is to be run.
+struct Agreed {
+    AppMove::Proposal proposal;
+    bool quitRunning = false;
+};
 
-void move(const Host& host, const Options& options) {
+/// @throws Failure when it is refused, or an answer is no.
+Agreed agreed(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
-    const auto proposal = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
+    auto proposal = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
     Terminal::confirm(AppMove::confirmMove(proposal), options.yes);
     if (const auto told = AppMove::takeSnapshot(host)) Terminal::say(*told);
     const bool quitRunning = quitsRunning(host, proposal, options);
+    return {std::move(proposal), quitRunning};
+}
+
+}  // namespace
+
+void move(const Host& host, const Options& options) {
+    Agreed run;
+    try {
+        run = agreed(host, options);
+    } catch (const WrongUse&) {
+        throw;
+    } catch (const Failure& failure) {
+        if (options.format == Format::human) throw;
+        std::vector<Outcome> refused;
+        for (const auto& name : options.names) refused.push_back({.label = name, .failure = failure.description()});
+        return finish(refused, options.format, failure.description());
+    }
+    const auto& [proposal, quitRunning] = run;
     const auto ended = runWatched(host, proposal.jobs, proposal.drive.mountPath, quitRunning, options.format);
     std::vector<Outcome> outcomes;
     for (const auto& job : ended) outcomes.push_back(outcomeOf(job));
@@ -138,8 +162,7 @@ void plan(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = AppMove::plan(host, chosenApps(host, options), drive, options.includesData);
     print(plan, drive, host.home, options.format);
-    if (plan.movesNothing()) throw Failure("CommandLine", 1, "Nothing would move.");
-    if (const auto refusal = MoveRefusal::ofSpace(plan.totalBytes(), drive)) throw Failure("CommandLine", 1, *refusal);
+    if (const auto refusal = AppMove::refusalOf(plan, drive)) throw Failure("CommandLine", 1, *refusal);
 }
 
 }  // namespace tarvik::CommandLine::AppMoveActs

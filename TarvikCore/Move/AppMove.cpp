@@ -128,19 +128,26 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
     return plan;
 }
 
+std::optional<std::string> refusalOf(const Plan& plan, const DriveInfo& drive) {
+    if (plan.movesNothing()) return "Nothing would move.";
+    if (auto sentence = MoveRefusal::ofDriveForJobs(drive, plan.jobs)) return sentence;
+    return MoveRefusal::ofSpace(plan.totalBytes(), drive);
+}
+
 bool isRisky(const AppEntry& entry) {
     return entry.riskLevel() != RiskLevel::low;
 }
 
 Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const std::optional<DriveInfo>& drive,
-                 bool includeData) {
+                 bool includeData, const Cancellation& cancellation) {
     if (!drive) throw refusal("Select a target drive first.");
     if (chosen.empty()) throw refusal("Select at least one app.");
     Proposal proposal{.movable = movableOf(chosen)};
     if (proposal.movable.empty()) throw refusal("Selected apps are already moved. Use Move Back.");
     proposal.drive = refreshed(host, *drive);
-    proposal.jobs = MovePlanner::buildAppJobs(host, proposal.movable, proposal.drive, includeData);
+    proposal.jobs = MovePlanner::buildAppJobs(host, proposal.movable, proposal.drive, includeData, cancellation);
     if (proposal.jobs.empty()) throw refusal("Everything selected is already symlinked.");
+    if (auto sentence = MoveRefusal::ofDriveForJobs(proposal.drive, proposal.jobs)) throw refusal(std::move(*sentence));
     if (auto sentence = MoveRefusal::ofSpace(proposal.totalBytes(), proposal.drive))
         throw refusal(std::move(*sentence));
     return proposal;

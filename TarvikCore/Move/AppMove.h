@@ -3,6 +3,7 @@
 #include "Discovery/AppEntry.h"
 #include "Move/Dialog.h"
 #include "Move/MoveJob.h"
+#include "Platform/Cancellation.h"
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
 
@@ -37,6 +38,10 @@ struct Plan {
 /// thread; never fails.
 Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData);
 
+/// Why the move could not be run, or would move nothing, in the sentence for the user; nothing when it could. Blocks
+/// for a look at the drive.
+std::optional<std::string> refusalOf(const Plan& plan, const DriveInfo& drive);
+
 /// Whether a move is more likely to break the application than others; pure.
 bool isRisky(const AppEntry& entry);
 
@@ -53,10 +58,10 @@ struct Proposal {
 };
 
 /// Makes the move of chosen applications to a drive ready. Blocks like `plan`; changes nothing.
-/// @throws Failure with the sentence for the user when it is refused: no drive, nothing chosen, nothing to move, not
-/// enough space.
+/// @throws Failure with the sentence for the user when it is refused: no drive, nothing chosen, nothing to move, a
+/// drive that cannot take it, not enough space. Once it is cancelled its sizes are too small: it must not be run.
 Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const std::optional<DriveInfo>& drive,
-                 bool includeData);
+                 bool includeData, const Cancellation& cancellation = {});
 /// Asks whether it shall be run, and warns of the risky ones. Pure.
 Dialog confirmMove(const Proposal& proposal);
 /// Takes a snapshot of the system's disk before a batch, where the system can do that. @returns the sentence for the

@@ -10,8 +10,8 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <set>
 #include <string>
+#include <unordered_set>
 #include <utility>
 
 namespace tarvik::MovePlanner {
@@ -39,59 +39,91 @@ bool mayMove(const fs::path& source, const Roots& roots) {
     return Files::exists(source) && !isUnsafePrefsPlist(source) && !isSymbolicLinkOrInsideOne(source, roots);
 }
 
+/// As texts: paths are compared component by component, and there may be thousands.
+using Places = std::unordered_set<std::string>;
+
+bool hasFolderIn(const Places& places, const fs::path& path) {
+    for (fs::path folder = path.parent_path(); folder != folder.parent_path(); folder = folder.parent_path())
+        if (places.contains(folder.native())) return true;
+    return false;
+}
+
 class Plan {
 public:
     Plan(const Host& host, const DriveInfo& drive)
-        : m_host(host),
-          m_roots(standardizedRoots(host)),
+        : m_roots(standardizedRoots(host)),
+          m_host(host),
           m_apps(AppStorageNames::appsRootOn(drive.mountPath)),
           m_data(AppStorageNames::dataRootOn(drive.mountPath)) {}
 
     void addBundle(const AppEntry& entry) {
-        if (!mayMove(entry.bundlePath, m_roots)) return;
-        const fs::path destination = m_apps / nameOf(entry.bundlePath);
-        if (claim(destination)) add(entry.name, entry.bundlePath, destination, entry.appSize);
+        const fs::path bundle = Files::standardized(entry.bundlePath);
+        for (fs::path folder = bundle.parent_path(); m_foldersOfBundles.insert(folder.native()).second;)
+            folder = folder.parent_path();
+        add({entry.name, entry.bundlePath, m_apps / bundle.filename(), entry.appSize, true});
     }
 
     void addData(const AppEntry& entry, const fs::path& path) {
-        if (!mayMove(path, m_roots)) return;
-        const fs::path destination = MoveDestination::dataDestination(m_host, path, m_data);
-        if (claim(destination))
-            add(fmt::format("{} — {}", entry.name, nameOf(path).native()), path, destination,
-                SizingService::size(m_host, path));
+        const fs::path name = Files::standardized(path).filename();
+        add({fmt::format("{} — {}", entry.name, name.native()), path,
+             MoveDestination::dataDestination(m_host, path, m_data), 0, false});
     }
 
-    std::vector<MoveJob> takeJobs() { return std::move(m_jobs); }
+    /// The jobs of what is left when nothing moves twice.
+    std::vector<MoveJob> jobs(const Cancellation& cancellation) const {
+        Places sources;
+        for (const Item& item : m_items)
+            if (!holdsBundle(item)) sources.insert(Files::standardized(item.source));
+        std::vector<MoveJob> jobs;
+        for (const Item& item : m_items) {
+            if (holdsBundle(item) || (!item.isBundle && hasFolderIn(sources, Files::standardized(item.source))))
+                continue;
+            const auto bytes = item.isBundle ? item.bytes : SizingService::size(m_host, item.source, cancellation);
+            jobs.emplace_back(item.label, item.source, item.destination, JobStatus::pending(), bytes, 0);
+        }
+        return jobs;
+    }
 
 private:
-    static fs::path nameOf(const fs::path& path) { return Files::standardized(path).filename(); }
+    struct Item {
+        std::string label;
+        fs::path source;
+        fs::path destination;
+        /// Of a bundle; data is measured when it is sure to move.
+        std::int64_t bytes;
+        bool isBundle;
+    };
 
-    /// Whether no earlier job goes there: what two applications share moves once, with the first of them.
-    bool claim(const fs::path& destination) { return m_destinations.insert(destination).second; }
-
-    void add(std::string label, const fs::path& source, const fs::path& destination, std::int64_t bytes) {
-        m_jobs.emplace_back(std::move(label), source, destination, JobStatus::pending(), bytes, 0);
+    /// Of several for one destination the first: what two applications share moves once.
+    void add(Item item) {
+        if (mayMove(item.source, m_roots) && m_destinations.insert(item.destination.native()).second)
+            m_items.push_back(std::move(item));
     }
 
+    bool holdsBundle(const Item& item) const {
+        return !item.isBundle && m_foldersOfBundles.contains(Files::standardized(item.source));
+    }
+
+    const Roots m_roots;
     const Host& m_host;
-    Roots m_roots;
-    fs::path m_apps;
-    fs::path m_data;
-    std::set<fs::path> m_destinations;
-    std::vector<MoveJob> m_jobs;
+    const fs::path m_apps;
+    const fs::path m_data;
+    Places m_destinations;
+    Places m_foldersOfBundles;
+    std::vector<Item> m_items;
 };
 
 }  // namespace
 
 std::vector<MoveJob> buildAppJobs(const Host& host, const std::vector<AppEntry>& entries, const DriveInfo& drive,
-                                  bool includeData) {
+                                  bool includeData, const Cancellation& cancellation) {
     Plan plan(host, drive);
     for (const AppEntry& entry : entries) {
         plan.addBundle(entry);
         if (!includeData) continue;
         for (const fs::path& path : entry.dataPaths) plan.addData(entry, path);
     }
-    return plan.takeJobs();
+    return plan.jobs(cancellation);
 }
 
 bool isUnsafePrefsPlist(const fs::path& path) {

@@ -2,6 +2,7 @@
 
 #include "Discovery/AppEntry.h"
 #include "Move/MoveJob.h"
+#include "Platform/Cancellation.h"
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
@@ -12,10 +13,12 @@
 namespace tarvik::MovePlanner {
 
 /// The jobs that bring the applications to the drive, all pending, a bundle before its data; of several for one
-/// destination only the first. The data of an application whose bundle stays is planned all the same. A bundle counts
-/// with the size that its entry knows; data is measured here, so this takes as long as the data is large. Any thread.
+/// destination only the first. Data that stands in other data comes with that, and a folder that holds a bundle of the
+/// move is no data. The data of an application whose bundle stays is planned all the same. A bundle counts
+/// with the size that its entry knows; data is measured here, so this takes as long as the data is large, and once it
+/// is cancelled its sizes come out too small. Any thread.
 std::vector<MoveJob> buildAppJobs(const Host& host, const std::vector<AppEntry>& entries, const DriveInfo& drive,
-                                  bool includeData);
+                                  bool includeData, const Cancellation& cancellation = {});
 
 /// Whether this is a preference file in the system's own folder for them. A link in its place would not last: it is
 /// replaced by a new file at the next change of a setting. Pure.

@@ -9,6 +9,8 @@
 
 #include <fmt/format.h>
 
+#include <set>
+
 namespace tarvik::MoveRefusal {
 
 namespace {
@@ -22,17 +24,26 @@ Refusal byKind(const fs::path& folder) {
     return std::nullopt;
 }
 
+std::string readOnly(const DriveInfo& drive) {
+    return fmt::format("{} is read-only. Choose a drive that can be written to.", drive.name);
+}
+
+/// `mountPath` with all links resolved.
+Refusal offDrive(const DriveInfo& drive, const fs::path& mountPath, const fs::path& place) {
+    const auto elsewhere = placeOffDrive(mountPath, place);
+    if (!elsewhere) return std::nullopt;
+    return fmt::format("What is moved to {} would land in {}, which is not on that drive.", drive.name,
+                       elsewhere->native());
+}
+
 /// `folder` and `mountPath` with all links resolved.
 Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveInfo& drive) {
     const std::string name = folder.filename();
-    if (!drive.isWritable) return fmt::format("{} is read-only. Choose a drive that can be written to.", drive.name);
+    if (!drive.isWritable) return readOnly(drive);
     if (Files::isAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
     if (Files::isAtOrBelow(mountPath, folder))
         return fmt::format("{} holds the target drive {} and can't be moved to it.", folder.native(), drive.name);
-    if (const auto elsewhere = placeOffDrive(mountPath, AppStorageNames::foldersRootOn(mountPath)))
-        return fmt::format("What is moved to {} would land in {}, which is not on that drive.", drive.name,
-                           elsewhere->native());
-    return std::nullopt;
+    return offDrive(drive, mountPath, AppStorageNames::foldersRootOn(mountPath));
 }
 
 Refusal bySystem(const Host& host, const fs::path& folder) {
@@ -83,6 +94,18 @@ Refusal byContents(const fs::path& folder, const std::optional<TreeObstacle>& ob
 }
 
 }  // namespace
+
+std::optional<std::string> ofDriveForJobs(const DriveInfo& drive, const std::vector<MoveJob>& jobs) {
+    const auto mountPath = Files::resolved(drive.mountPath);
+    if (!mountPath) return std::nullopt;
+    if (!drive.isWritable) return readOnly(drive);
+    std::set<fs::path> folders;
+    for (const MoveJob& job : jobs) folders.insert(job.destination.parent_path());
+    for (const fs::path& folder : folders)
+        if (auto refusal = offDrive(drive, *mountPath, *mountPath / folder.lexically_relative(drive.mountPath)))
+            return refusal;
+    return std::nullopt;
+}
 
 std::optional<std::string> ofSpace(std::int64_t totalBytes, const DriveInfo& drive) {
     if (totalBytes <= drive.freeBytes) return std::nullopt;

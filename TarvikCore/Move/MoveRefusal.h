@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Move/MoveJob.h"
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// Tells which moves, and which ways back, could only do harm. They are refused before anything is touched.
 namespace tarvik::MoveRefusal {
@@ -19,6 +21,10 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
 /// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a
 /// whole, a folder of the system, a folder that holds the link, a place outside of the machine. Nothing when it may.
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target);
+
+/// Why the jobs may not be run to the drive: it is read-only, or a folder on their way leads off it. Nothing for a
+/// drive that is not there: the run itself finds that out. Blocks; any thread.
+std::optional<std::string> ofDriveForJobs(const DriveInfo& drive, const std::vector<MoveJob>& jobs);
 
 /// Nothing when `totalBytes` fit on the drive, also when they fill it; else the sentence for the user. Pure.
 std::optional<std::string> ofSpace(std::int64_t totalBytes, const DriveInfo& drive);

@@ -1,8 +1,10 @@
 #include "Move/MoveRun.h"
 
+#include "Discovery/AppScanner.h"
 #include "Move/MoverEngine.h"
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
+#include "Platform/Files.h"
 #include "Platform/Text.h"
 
 #include <fmt/format.h>
@@ -13,10 +15,21 @@ namespace tarvik::MoveRun {
 
 namespace {
 
+/// Somebody else may have moved it since the user was asked, or a folder that it stands in: a link would move then, or
+/// the copy on the drive.
+bool hasMovedByNow(const Host& host, const fs::path& source, const fs::path& drivePath) {
+    if (Files::isSymbolicLink(source) || AppScanner::isSymbolicLinkOrInsideOne(host, source)) return true;
+    const auto real = Files::resolved(source);
+    return real && Files::isAtOrBelow(*real, Files::resolved(drivePath).value_or(drivePath));
+}
+
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
     try {
         if (!DriveScanner::isThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
+        if (hasMovedByNow(host, job.source, drivePath))
+            return JobStatus::failed(
+                fmt::format("{} stays: it has been moved by now.", job.source.filename().native()));
         status(index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,

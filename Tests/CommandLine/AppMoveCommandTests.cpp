@@ -167,6 +167,24 @@ TEST(AppMoveCommand, AsksBeforeItMoves) {
     EXPECT_EQ(finished.status, 1);
     EXPECT_EQ(finished.errors, "There is no terminal to ask on: pass --yes to go ahead without a question.\n");
     EXPECT_EQ(test::pictureOf(world.machine.root), before);
+    const auto record = world.run({"move", "app", "Tunnel", "--drive", "Studio Drive", "--format", "tsv"});
+    EXPECT_EQ(record.status, 1);
+    EXPECT_THAT(columnOf(record.output, "status"), ElementsAre("failed"));
+}
+
+TEST(AppMoveCommand, PutsNothingWhereTheDriveLeadsElsewhere) {
+    const CommandWorld world;
+    const auto elsewhere = world.machine.root / "Elsewhere";
+    test::makeFolder(elsewhere);
+    fs::rename(world.drive / "ExternalTarvik", world.drive / "Old");
+    test::makeLink(world.drive / "ExternalTarvik", elsewhere);
+    const auto finished = world.run({"move", "app", "Tunnel", "--drive", "Studio Drive", "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors,
+              "What is moved to Studio Drive would land in " + elsewhere.native() + ", which is not on that drive.\n");
+    EXPECT_TRUE(fs::is_empty(elsewhere));
+    EXPECT_EQ(world.run({"move", "app", "Tunnel", "--drive", "Studio Drive", "--dry-run"}).status, 1)
+        << "it ends as the move would";
 }
 
 TEST(AppMoveCommand, SaysWhatCannotComeBack) {

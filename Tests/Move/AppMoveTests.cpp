@@ -1,5 +1,6 @@
 #include "Discovery/AppScanner.h"
 #include "Move/AppMove.h"
+#include "Platform/Failure.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -122,6 +123,31 @@ TEST(AppMove, CountsEveryFlagAsARisk) {
     EXPECT_TRUE(AppMove::isRisky({.hasLoginItems = true}));
     EXPECT_TRUE(AppMove::isRisky({.hasSystemExtension = true}));
     EXPECT_FALSE(AppMove::isRisky({.isAlreadySymlinked = true}));
+}
+
+TEST_F(AppMoveTest, IsRefusedWhereAFolderOnTheDriveLeadsElsewhere) {
+    test::makeFile(world.home / "Library/Caches/Editor/cache");
+    const fs::path elsewhere = world.folder / "Elsewhere";
+    test::makeFolder(elsewhere);
+    test::makeFolder(world.drive / "ExternalTarvik/Data");
+    test::makeLink(world.drive / "ExternalTarvik/Data/Library", elsewhere);
+    const auto editor = made("Editor");
+    const auto refusal = AppMove::refusalOf(planned({editor}), world.driveInfo());
+    EXPECT_EQ(refusal, "What is moved to Backup would land in " + elsewhere.native() + ", which is not on that drive.");
+    try {
+        AppMove::propose(world.host, {editor}, world.driveInfo(), true);
+        FAIL() << "it was not refused";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.description(), refusal);
+    }
+    EXPECT_EQ(AppMove::refusalOf(planned({editor}, false), world.driveInfo()), std::nullopt);
+}
+
+TEST_F(AppMoveTest, IsRefusedToADriveThatCannotBeWrittenTo) {
+    auto drive = world.driveInfo();
+    drive.isWritable = false;
+    EXPECT_EQ(AppMove::refusalOf(planned({made("Editor")}), drive),
+              "Backup is read-only. Choose a drive that can be written to.");
 }
 
 }  // namespace tarvik

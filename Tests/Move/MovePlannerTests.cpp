@@ -88,6 +88,26 @@ TEST_F(MovePlannerTest, MeasuresDataQuicklyEachFolderOnce) {
     EXPECT_EQ(planned({entry}).at(1).bytesTotal, file);
 }
 
+TEST_F(MovePlannerTest, MovesDataOnceWithTheDataThatItStandsIn) {
+    const fs::path data = library / "Application Support/Acme";
+    const AppEntry inner =
+        entryOf(applications / "Editor.app", {data / "plugins/more/file", data / "plugins.old/file"});
+    const AppEntry outer = entryOf(applications / "Player.app");
+    AppEntry both = outer;
+    both.dataPaths = {data / "plugins", data};
+    EXPECT_THAT(sources({inner, both}), ElementsAre(inner.bundlePath, both.bundlePath, data));
+    both.dataPaths = {data / "plugins"};
+    EXPECT_THAT(sources({both, inner}),
+                ElementsAre(both.bundlePath, data / "plugins", inner.bundlePath, data / "plugins.old/file"));
+}
+
+TEST_F(MovePlannerTest, TakesNoFolderWithABundleForData) {
+    AppEntry entry = entryOf(applications / "Suite/Editor.app", {library / "Editor"});
+    entry.dataPaths.push_back(applications / "Suite");
+    entry.dataPaths.push_back(entry.bundlePath / "Contents");
+    EXPECT_THAT(sources({entry}), ElementsAre(entry.bundlePath, library / "Editor"));
+}
+
 TEST_F(MovePlannerTest, LeavesDataOutUnlessItIsAskedFor) {
     const fs::path bundle = applications / "Editor.app";
     EXPECT_THAT(sources({entryOf(bundle, {library / "a", library / "b"})}, false), ElementsAre(bundle));

@@ -46,6 +46,38 @@ TEST_F(MoveRun, TakesEachJobThroughItsLife) {
     EXPECT_FALSE(tarvik::MoveRun::summary(jobs).hasFailures);
 }
 
+TEST_F(MoveRun, LeavesALinkThatHasTakenAnItemsPlace) {
+    fs::rename(jobs[1].source, world.drive / "Elsewhere");
+    makeLink(jobs[1].source, world.drive / "Elsewhere");
+    run();
+    EXPECT_EQ(jobs[1].status, JobStatus::failed("Two stays: it has been moved by now."));
+    EXPECT_EQ(jobs[2].status, JobStatus::done());
+    EXPECT_EQ(Files::linkText(jobs[1].source), world.drive / "Elsewhere");
+    EXPECT_FALSE(Files::itemExists(jobs[1].destination));
+}
+
+TEST_F(MoveRun, LeavesWhatStandsInAFolderOfApplicationsThatHasBeenMoved) {
+    const auto applications = world.folder / "Applications";
+    makeFile(world.drive / "Suite/Mixer.app/Contents/Info.plist");
+    makeFolder(applications);
+    makeLink(applications / "Suite", world.drive / "Suite");
+    jobs = {MoveJob("Mixer", applications / "Suite/Mixer.app", world.drive / "ExternalTarvik/Apps/Mixer.app",
+                    JobStatus::pending(), 1, 0)};
+    run();
+    EXPECT_EQ(jobs[0].status, JobStatus::failed("Mixer.app stays: it has been moved by now."));
+    EXPECT_TRUE(Files::isFolder(world.drive / "Suite/Mixer.app"));
+}
+
+TEST_F(MoveRun, LeavesWhatAnotherItemHasTakenToTheDrive) {
+    makeFile(world.home / "One/inner/file");
+    jobs[1] = MoveJob("inner", world.home / "One/inner", world.foldersOnDrive() / "inner", JobStatus::pending(), 1, 0);
+    run();
+    EXPECT_EQ(jobs[0].status, JobStatus::done());
+    EXPECT_EQ(jobs[1].status, JobStatus::failed("inner stays: it has been moved by now."));
+    EXPECT_TRUE(Files::isFolder(world.foldersOnDrive() / "One/inner"));
+    EXPECT_FALSE(Files::isSymbolicLink(world.foldersOnDrive() / "One/inner"));
+}
+
 TEST_F(MoveRun, GoesOnAfterAFailedJob) {
     makeFile(world.foldersOnDrive() / "Two/taken");
     run();
