@@ -1,6 +1,7 @@
 #include "CommandLine/LauncherActs.h"
 
 #include "CommandLine/Columns.h"
+#include "CommandLine/Outcome.h"
 #include "CommandLine/Records.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
@@ -56,14 +57,14 @@ void printRecords(const std::vector<std::string>& names, const std::vector<Recor
 }
 
 /// What became of one launcher that was not in order.
-struct Outcome {
+struct RepairOutcome {
     LauncherEntry entry;
     std::string state;
     /// Why it is not in order; empty when it is.
     std::string description;
 };
 
-Outcome repaired(const Host& host, const LauncherEntry& entry) {
+RepairOutcome repaired(const Host& host, const LauncherEntry& entry) {
     if (!entry.isRepairable()) return {entry, "broken", "The application that it opens is not there."};
     try {
         LauncherInventory::repair(host, entry);
@@ -73,19 +74,21 @@ Outcome repaired(const Host& host, const LauncherEntry& entry) {
     }
 }
 
-std::vector<Outcome> repairAll(const Host& host, const std::vector<LauncherEntry>& entries) {
+std::vector<RepairOutcome> repairAll(const Host& host, const std::vector<LauncherEntry>& entries) {
     const SignalGuard guard;
-    std::vector<Outcome> outcomes;
-    for (const auto& entry : entries) outcomes.push_back(repaired(host, entry));
+    std::vector<RepairOutcome> outcomes;
+    for (const auto& entry : entries)
+        outcomes.push_back(SignalGuard::isAskedToEnd() ? RepairOutcome{entry, "failed", notStarted}
+                                                       : repaired(host, entry));
     return outcomes;
 }
 
-std::int64_t countOf(const std::vector<Outcome>& outcomes, std::string_view state) {
+std::int64_t countOf(const std::vector<RepairOutcome>& outcomes, std::string_view state) {
     return std::count_if(outcomes.begin(), outcomes.end(),
-                         [&](const Outcome& outcome) { return outcome.state == state; });
+                         [&](const RepairOutcome& outcome) { return outcome.state == state; });
 }
 
-void print(const std::vector<Outcome>& outcomes, Format format) {
+void print(const std::vector<RepairOutcome>& outcomes, Format format) {
     if (format != Format::human) {
         std::vector<Record> records;
         for (const auto& [entry, state, description] : outcomes)

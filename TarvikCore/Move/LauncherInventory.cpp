@@ -7,6 +7,7 @@
 #include "Move/LauncherAppBuilder.h"
 #include "Move/NestedAppLauncherService.h"
 #include "Move/StaleRootRetarget.h"
+#include "Platform/Failure.h"
 #include "Platform/Files.h"
 #include "Platform/ListedFolder.h"
 #include "Platform/SystemFolders.h"
@@ -63,6 +64,9 @@ std::vector<LauncherEntry> list(const Host& host) {
 }
 
 void repair(const Host& host, const LauncherEntry& entry) {
+    // The user has been asked meanwhile: what came to stand there is not ours to put away.
+    if (Files::itemExists(entry.launcher) && !AppClassifier::readLauncherTarget(entry.launcher))
+        throw Failure("LauncherInventory", 1, fmt::format("{} is no launcher, so it stays.", entry.launcher.native()));
     LauncherAppBuilder::install(host, entry.target, entry.launcher, entry.target, InstallerRunReporter::silent);
 }
 

@@ -122,4 +122,15 @@ TEST(LauncherInventory, CountsWhatWasRepaired) {
     EXPECT_EQ(LauncherInventory::repaired(2), "Installed/repaired 2 Spotlight launchers.");
 }
 
+TEST_F(LauncherInventoryTest, LeavesARealApplicationThatCameMeanwhile) {
+    test::makeBundle(world.drive / "Suite/Mixer.app");
+    test::makeLink(applications / "Suite", world.drive / "Suite");
+    const auto missing = list();
+    ASSERT_EQ(missing.size(), 1U);
+    test::makeBundle(applications / "Mixer.app");
+    const auto before = test::pictureOf(applications);
+    EXPECT_THROW(LauncherInventory::repair(world.host, missing[0]), Failure);
+    EXPECT_EQ(test::pictureOf(applications), before);
+}
+
 }  // namespace tarvik
