@@ -15,6 +15,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -38,7 +39,7 @@ public:
         if (isPath(name)) return FolderMove::planRestore(m_host, name);
         if (!m_entries) m_entries = findApps(m_host);
         const AppEntry& entry = chosenApp(*m_entries, name, m_options.verb);
-        const auto link = AppRestore::restoreEntry(m_host, entry);
+        const auto link = AppRestore::unmeasuredRestoreEntry(m_host, entry);
         if (!link) throw Failure("CommandLine", 1, fmt::format("No symlink found for {}.", entry.name));
         return FolderMove::planRestore(m_host, link->location);
     }
@@ -81,7 +82,13 @@ std::vector<WayBack> agreed(const Host& host, const Options& options, Outcome& r
         refused = {.label = place.filename(), .destination = place};
         const auto wayBack = finder.find(name);
         refused = outcomeOf(wayBack);
-        if (std::find(waysBack.begin(), waysBack.end(), wayBack) == waysBack.end()) waysBack.push_back(wayBack);
+        const auto goesWith = [](const WayBack& one, const WayBack& other) {
+            return one == other || AppRestore::goesWith(one.link, one.target, other.target);
+        };
+        const auto bringsIt = [&](const WayBack& other) { return goesWith(wayBack, other); };
+        if (std::any_of(waysBack.begin(), waysBack.end(), bringsIt)) continue;
+        std::erase_if(waysBack, [&](const WayBack& other) { return goesWith(other, wayBack); });
+        waysBack.push_back(wayBack);
     }
     confirm(waysBack, options.yes);
     return waysBack;
@@ -129,8 +136,8 @@ void restore(const Host& host, const Options& options) {
         }
         try {
             bringBack(host, wayBack, outcome, options.format);
-        } catch (const Failure& failure) {
-            outcome.failure = failure.description();
+        } catch (const std::exception& failure) {
+            outcome.failure = failure.what();
         }
     }
     finishAll(outcomes, options.format);

@@ -109,7 +109,11 @@ WayBack planRestore(const Host& host, const fs::path& path) {
                         link.filename().native(), target->native()));
     if (!Files::exists(*target)) throw refusal(missing(host, link, *target));
     if (auto sentence = MoveRefusal::ofRestore(host, link, *target)) throw refusal(*sentence);
-    return {link, *target, leadsToOwnFolder(host, *target) || isRemembered(host, link, *target)};
+    return {link, *target, isOwn(host, link, *target)};
+}
+
+bool isOwn(const Host& host, const fs::path& link, const fs::path& target) {
+    return leadsToOwnFolder(host, target) || isRemembered(host, link, target);
 }
 
 Dialog confirmRestore(const WayBack& wayBack) {

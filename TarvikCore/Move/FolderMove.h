@@ -40,6 +40,10 @@ struct WayBack {
 /// there, and when the way back could only do harm.
 WayBack planRestore(const Host& host, const fs::path& path);
 
+/// Whether a move has left the link at `link` to `target`, which may be gone. Blocks for a look at the drives and the
+/// manifest.
+bool isOwn(const Host& host, const fs::path& link, const fs::path& target);
+
 /// Asks whether the item shall come back. The first button is "Move Back".
 Dialog confirmRestore(const WayBack& wayBack);
 

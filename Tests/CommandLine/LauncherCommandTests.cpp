@@ -172,4 +172,19 @@ TEST(LauncherCommand, MovesASuiteAndBringsItBackWithItsLaunchers) {
     EXPECT_TRUE(Files::exists(suite / "Tools/Tuner.app"));
 }
 
+TEST(LauncherCommand, BringsAFolderBackOnceAlsoWhenALauncherOfItIsNamed) {
+    for (const bool isLauncherFirst : {true, false}) {
+        const LauncherWorld world;
+        ASSERT_EQ(world.run({"launchers", "--repair", "--yes"}).status, 0);
+        const fs::path suite = world.applications / "Linked Suite";
+        std::vector<std::string> names = {suite.native(), world.inside.native()};
+        if (isLauncherFirst) std::swap(names[0], names[1]);
+        const auto finished = world.run({"move", "restore", names[0], names[1], "--yes", "--format", "tsv"});
+        EXPECT_EQ(finished.status, 0) << finished.errors;
+        EXPECT_THAT(columnOf(finished.output, "label"), ElementsAre("Linked Suite"));
+        EXPECT_TRUE(Files::isFolder(suite / "Inside.app"));
+        EXPECT_FALSE(Files::itemExists(world.inside));
+    }
+}
+
 }  // namespace tarvik
