@@ -15,7 +15,7 @@ public:
     /// answer, and a question that is taken away, is a no.
     virtual QCoro::Task<int> ask(Dialog dialog) = 0;
 
-    /// Takes away every question that is open, as if its last button had been pressed.
+    /// Takes away every question that is open, as if its second button, which cancels, had been pressed.
     virtual void dismissAll() = 0;
 };
 

@@ -74,7 +74,7 @@ QCoro::Task<int> WindowDialogs::ask(Dialog dialog) {
 }
 
 void WindowDialogs::dismissAll() {
-    while (isOpen()) answer(static_cast<int>(m_questions.front()->dialog.buttons.size()) - 1);
+    while (isOpen()) cancel();
 }
 
 }  // namespace tarvik

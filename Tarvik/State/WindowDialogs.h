@@ -24,7 +24,7 @@ class WindowDialogs : public QObject, public Dialogs {
     Q_PROPERTY(QString text READ text NOTIFY changed)
     /// What stands between the two, a line each.
     Q_PROPERTY(QStringList details READ details NOTIFY changed)
-    /// The first is the default, the last is cancel.
+    /// The first is the default, the second is cancel.
     Q_PROPERTY(QStringList buttons READ buttons NOTIFY changed)
 
 public:
@@ -42,6 +42,8 @@ public:
 
     /// Answers the question that is shown. Does nothing when none is.
     Q_INVOKABLE void answer(int button);
+    /// The same, as its button for it.
+    Q_INVOKABLE void cancel() { answer(Dialog::cancelButton); }
 
     QCoro::Task<int> ask(Dialog dialog) override;
     void dismissAll() override;

@@ -45,20 +45,29 @@ T.Popup {
         Accessible.role: Accessible.Dialog
         Accessible.name: Alerts.title
         Accessible.description: Alerts.details.concat(Alerts.text).join("\n")
-        Keys.onReturnPressed: event => answerOnce(event, 0)
-        Keys.onEnterPressed: event => answerOnce(event, 0)
-        Keys.onEscapePressed: event => answerOnce(event, Alerts.buttons.length - 1)
+        // The key that opened the dialog may still be held down: it answers nothing.
+        Keys.onReturnPressed: event => event.isAutoRepeat || Alerts.answer(0)
+        Keys.onEnterPressed: event => event.isAutoRepeat || Alerts.answer(0)
+        Keys.onEscapePressed: event => event.isAutoRepeat || Alerts.cancel()
 
-        /// The key that opened the dialog may still be held down: it answers nothing.
-        function answerOnce(event, button) {
-            if (!event.isAutoRepeat)
-                Alerts.answer(button);
+        Icon {
+            id: sign
+            objectName: "alertSign"
+            y: Math.round((titleMetrics.height - height) / 2)
+            name: "warning"
+            color: Theme.warningFill
+            size: 20
         }
-
+        FontMetrics {
+            id: titleMetrics
+            font: title.font
+        }
         Label {
             id: title
             objectName: "alertTitle"
-            width: parent.width
+            anchors.left: sign.right
+            anchors.leftMargin: Theme.small
+            anchors.right: parent.right
             text: Alerts.title
             wrapMode: Text.Wrap
             font.pixelSize: Theme.headlineSize

@@ -5,8 +5,10 @@
 
 namespace tarvik {
 
-/// A question to the user. The first button is the one that goes ahead.
+/// A question to the user. The first button is the one that goes ahead, the second one cancels.
 struct Dialog {
+    static constexpr int cancelButton = 1;
+
     std::string title;
     std::string text;
     std::vector<std::string> buttons;

@@ -1,3 +1,4 @@
+#include "Support/Bundles.h"
 #include "Window/WindowTest.h"
 
 #include <QKeyEvent>
@@ -45,11 +46,30 @@ TEST_F(AlertDialog, TakesReturnAsTheFirstButton) {
     EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
 }
 
-TEST_F(AlertDialog, TakesEscapeAsTheLastButton) {
+TEST_F(AlertDialog, TakesEscapeAsCancel) {
     auto& window = ask();
     window.press(Qt::Key_Escape);
     EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
     EXPECT_FALSE(window.isShown("jobsPanel"));
+}
+
+TEST_F(AlertDialog, TakesEscapeAsCancelAlsoOfThreeButtons) {
+    auto& window = open();
+    const auto editor = world.folder / "Applications/Editor.app";
+    makeBundle(editor);
+    world.applications->list = {{.process = 1, .bundlePath = editor}};
+    window.state().refreshApps();
+    ASSERT_TRUE(window.waitUntil([&] { return window.state().isIdle(); }));
+    window.state().setAppSelected(FilePath(editor), true);
+    window.state().confirmAndMove();
+    window.click("alertButton-0");
+    ASSERT_TRUE(window.waitForText("alertTitle", "1 selected app is running"));
+    EXPECT_EQ(window.text("alertButton-2"), "Move Anyway");
+    window.press(Qt::Key_Escape);
+    EXPECT_TRUE(window.waitUntilHidden("alertDialog"));
+    EXPECT_TRUE(window.waitUntil([&] { return window.state().isIdle(); }));
+    EXPECT_TRUE(window.state().jobs().empty());
+    EXPECT_TRUE(fs::is_directory(editor) && !fs::is_symlink(editor));
 }
 
 TEST_F(AlertDialog, TakesReturnAsTheButtonThatTheKeyboardIsOn) {
