@@ -160,7 +160,7 @@ QString AppDetails::bundleIdText() const {
 }
 
 QString AppDetails::itemsText() const {
-    return screenText(Text::counted(m_tree.count(), "item"));
+    return QStringLiteral("%1 items").arg(m_tree.count());
 }
 
 QString AppDetails::checkedText() const {

@@ -211,14 +211,21 @@ void AppState::setSelectedDrive(std::optional<DriveInfo> drive) {
     emit selectedDriveChanged();
 }
 
+void AppState::setPreparing(bool isPreparing) {
+    m_isPreparing = isPreparing;
+    emit isBusyChanged();
+}
+
 void AppState::setRunning(bool isRunning) {
     m_isRunning = isRunning;
+    emit isBusyChanged();
     emit isRunningChanged();
     emit jobsProgressChanged();
 }
 
 void AppState::setRestoring(bool isRestoring) {
     m_isRestoring = isRestoring;
+    emit isBusyChanged();
     emit isRestoringChanged();
     emit restoreChanged();
 }

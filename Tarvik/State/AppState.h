@@ -1,9 +1,8 @@
 #pragma once
 
 #include "Discovery/SymlinkEntry.h"
-#include "Move/ByteProgress.h"
-#include "Move/FolderMove.h"
 #include "Move/MoveJob.h"
+#include "Move/TimeLeft.h"
 #include "Platform/Cancellation.h"
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
@@ -16,6 +15,7 @@
 #include "State/NewestValue.h"
 #include "State/QuickPick.h"
 #include "State/RecordListModel.h"
+#include "State/RestoreRun.h"
 #include "State/ScreenText.h"
 #include "State/SymlinkRow.h"
 #include "State/TaskGroup.h"
@@ -82,23 +82,25 @@ class AppState : public QObject {
     Q_PROPERTY(QString selectedTotalText READ selectedTotalText NOTIFY selectedTotalChanged)
     Q_PROPERTY(bool isScanningDrives READ isScanningDrives NOTIFY isScanningDrivesChanged)
 
+    /// Whether something is being moved, or made ready to be: nothing else can be then. The next tells only of the
+    /// latter.
+    Q_PROPERTY(bool isBusy READ isBusy NOTIFY isBusyChanged)
+    Q_PROPERTY(bool isPreparing READ isPreparing NOTIFY isBusyChanged)
     /// Whether a run of jobs is under way.
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
     Q_PROPERTY(double jobsFraction READ jobsFraction NOTIFY jobsProgressChanged)
     /// "1 of 3" during a run, its outcome afterwards.
     Q_PROPERTY(QString jobsSummary READ jobsSummary NOTIFY jobsProgressChanged)
+    /// The place of the job that is under way, and its label; afterwards, of the first one that has failed. Less than 0
+    /// when there is none.
+    Q_PROPERTY(int currentJob READ currentJob NOTIFY jobsProgressChanged)
+    Q_PROPERTY(QString currentJobLabel READ currentJobLabel NOTIFY jobsProgressChanged)
+    /// "About 3 minutes left" of the run, or of what is being moved back; empty while it cannot be told.
+    Q_PROPERTY(QString timeLeft READ timeLeft NOTIFY timeLeftChanged)
 
-    /// Whether an item is being moved back. The others tell of that item, and of the last one afterwards.
+    /// Whether items are being moved back; and how far that is, or how the last time ended.
     Q_PROPERTY(bool isRestoring READ isRestoring NOTIFY isRestoringChanged)
-    Q_PROPERTY(QString restoreLabel READ restoreLabel NOTIFY restoreChanged)
-    /// Both paths in full.
-    Q_PROPERTY(QString restoreFrom READ restoreFrom NOTIFY restoreChanged)
-    Q_PROPERTY(QString restoreTo READ restoreTo NOTIFY restoreChanged)
-    Q_PROPERTY(double restoreFraction READ restoreFraction NOTIFY restoreChanged)
-    Q_PROPERTY(QString restoreBytes READ restoreBytes NOTIFY restoreChanged)
-    /// Empty until it has ended.
-    Q_PROPERTY(QString restoreOutcome READ restoreOutcome NOTIFY restoreChanged)
-    Q_PROPERTY(bool restoreFailed READ restoreFailed NOTIFY restoreChanged)
+    Q_PROPERTY(tarvik::RestoreRun restore READ restore NOTIFY restoreChanged)
 
     /// The message lines; empty when there is nothing to tell. A text stands until another one is set or it is cleared.
     Q_PROPERTY(QString lastError READ lastError NOTIFY lastErrorChanged)
@@ -159,18 +161,16 @@ public:
     int selectedRestorableCount() const { return static_cast<int>(selectedRestorableApps().size()); }
     QString selectedTotalText() const;
     bool isScanningDrives() const { return m_isScanningDrives; }
+    bool isBusy() const { return m_isRunning || m_isRestoring || m_isPreparing; }
+    bool isPreparing() const { return m_isPreparing; }
     bool isRunning() const { return m_isRunning; }
     double jobsFraction() const { return overallProgress(jobs()); }
     QString jobsSummary() const;
+    int currentJob() const;
+    QString currentJobLabel() const;
+    QString timeLeft() const { return m_timeLeft; }
     bool isRestoring() const { return m_isRestoring; }
-    QString restoreLabel() const { return screenPath(m_restore.wayBack.link.filename()); }
-    QString restoreFrom() const { return screenPath(m_restore.wayBack.target); }
-    QString restoreTo() const { return screenPath(m_restore.wayBack.link); }
-    /// The last item that came back is whole, however quick it was.
-    double restoreFraction() const { return hasRestored() ? 1 : m_restore.progress.fraction(); }
-    QString restoreBytes() const;
-    QString restoreOutcome() const { return m_restore.outcome; }
-    bool restoreFailed() const { return m_restore.hasFailed; }
+    const RestoreRun& restore() const { return m_restore; }
     QString lastError() const { return m_lastError; }
     QString lastInfo() const { return m_lastInfo; }
 
@@ -204,6 +204,8 @@ public:
     Q_INVOKABLE void restoreSymlink(const tarvik::FilePath& link);
     /// Whether the current or last run has moved the folder, and its link still stands.
     Q_INVOKABLE bool hasMoved(const tarvik::FilePath& folder) const;
+    /// Forgets the last run, and what was last moved back, unless something is under way.
+    Q_INVOKABLE void clearRun();
     Q_INVOKABLE void clearError();
     Q_INVOKABLE void clearInfo();
 
@@ -239,8 +241,10 @@ signals:
     /// Also while the ticked ones are measured.
     void selectedTotalChanged();
     void isScanningDrivesChanged();
+    void isBusyChanged();
     void isRunningChanged();
     void jobsProgressChanged();
+    void timeLeftChanged();
     void isRestoringChanged();
     void restoreChanged();
     void lastErrorChanged();
@@ -249,14 +253,6 @@ signals:
     void readyToClose();
 
 private:
-    /// The item that is being moved back, or was last.
-    struct Restore {
-        FolderMove::WayBack wayBack;
-        ByteProgress progress;
-        QString outcome;
-        bool hasFailed = false;
-    };
-
     /// One pass of measuring, shared by those who work at it.
     struct Sizing;
 
@@ -290,17 +286,20 @@ private:
     void takeDrives(std::vector<DriveInfo> drives);
     /// @throws Failure when something else is under way.
     void refuseWhenBusy() const;
-    void beginRestore(FolderMove::WayBack wayBack);
+    void beginRestore(RestoreRun restore);
     /// Takes the bytes of the item that is being moved back, from any thread.
     NewestValue<ByteProgress> restoreProgressTaker();
+    /// Reckons anew how long it will take.
+    void reckonTimeLeft(const ByteProgress& progress);
+    void forgetTimeLeft();
     void endRestore(const QString& outcome, bool hasFailed);
     void updateJob(std::size_t index, JobRow row);
     /// Those of `jobs` that are done or have failed.
     std::vector<MoveJob> endedJobs() const;
     void closeWhenReady();
-    bool hasRestored() const { return !m_isRestoring && !m_restore.outcome.isEmpty() && !m_restore.hasFailed; }
 
     void setSelectedDrive(std::optional<DriveInfo> drive);
+    void setPreparing(bool isPreparing);
     void setRunning(bool isRunning);
     void setRestoring(bool isRestoring);
     void setError(const QString& text);
@@ -349,7 +348,9 @@ private:
     /// Counts what could make an earlier look at the links of the jobs untrue.
     int m_linkChanges = 0;
 
-    Restore m_restore;
+    RestoreRun m_restore;
+    TimeLeft m_timeLeftEstimate;
+    QString m_timeLeft;
     QString m_lastError;
     QString m_lastInfo;
 

@@ -19,16 +19,15 @@ namespace tarvik {
 
 namespace {
 
-/// The applications of ticked rows, measured also where the list does not know their sizes yet. Blocks.
+/// The applications of ticked rows, measured also where the list does not know their sizes yet, unless nothing moves
+/// all the same. Blocks.
 std::vector<AppEntry> measured(const Host& host, const std::vector<AppRow>& rows, const Cancellation& cancellation) {
     std::vector<AppEntry> entries;
-    for (const AppRow& row : rows)
-        entries.push_back(row.sizesPending ? AppScanner::computeSizes(host, row.entry, cancellation) : row.entry);
+    for (const AppRow& row : rows) {
+        const bool isWanted = row.sizesPending && !row.entry.isAlreadySymlinked;
+        entries.push_back(isWanted ? AppScanner::computeSizes(host, row.entry, cancellation) : row.entry);
+    }
     return entries;
-}
-
-FolderMove::WayBack wayBackOf(const SymlinkEntry& link) {
-    return {link.location, link.target, true};
 }
 
 }  // namespace
@@ -42,14 +41,14 @@ QCoro::Task<> AppState::moveSelectedApps() {
     bool quitRunning = false;
     AppMove::Proposal proposal;
     {
-        const Raised preparing(m_isPreparing);
+        const Raised preparing([this](bool isPreparing) { setPreparing(isPreparing); });
         std::vector<AppRow> ticked;
         for (const AppRow& row : apps())
             if (row.isSelected) ticked.push_back(row);
         const auto propose = [host = m_host, ticked, drive = m_selectedDrive, includesData = m_includeAppData,
                               cancellation = m_stopMeasuring] {
             const auto chosen = measured(host, ticked, cancellation);
-            return AppMove::propose(host, chosen, drive, includesData && !cancellation.isCancelled());
+            return AppMove::propose(host, chosen, drive, includesData, cancellation);
         };
         proposal = co_await inBackground(Priority::userInitiated, propose);
         if (m_isClosing) co_return;  // Nobody would answer any more.
@@ -84,8 +83,8 @@ QCoro::Task<> AppState::restoreOneApp(fs::path bundle) {
     if (!known) co_return;
     std::optional<SymlinkEntry> link;
     {
-        const Raised preparing(m_isPreparing);
-        const auto find = [host = m_host, entry = *known] { return AppRestore::restoreEntry(host, entry); };
+        const Raised preparing([this](bool isPreparing) { setPreparing(isPreparing); });
+        const auto find = [host = m_host, entry = *known] { return AppRestore::unmeasuredRestoreEntry(host, entry); };
         const std::string name = known->name;
         link = co_await inBackground(Priority::userInitiated, find);
         if (!link) throw Refusal("No symlink found for " + name + ".");
@@ -101,30 +100,37 @@ QCoro::Task<> AppState::restoreApps() {
     refuseWhenBusy();
     std::vector<SymlinkEntry> links;
     {
-        const Raised preparing(m_isPreparing);
-        const auto find = [host = m_host, entries = selectedRestorableApps()] {
-            return AppRestore::dedupedRestoreEntries(host, entries);
+        const Raised preparing([this](bool isPreparing) { setPreparing(isPreparing); });
+        const auto find = [host = m_host, entries = selectedRestorableApps(), cancellation = m_stopMeasuring] {
+            return AppRestore::dedupedRestoreEntries(host, entries, cancellation);
         };
         links = co_await inBackground(Priority::userInitiated, find);
         if (m_isClosing) co_return;
         if (links.empty()) throw Refusal("Select at least one previously moved app.");
-        const Dialog question = MoveDialogs::confirmRestore(std::ssize(links), AppRestore::namesOf(links));
+        const auto word = [host = m_host, links] { return AppRestore::confirmRestore(host, links); };
+        const Dialog question = co_await inBackground(Priority::userInitiated, word);
+        if (m_isClosing) co_return;
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
-    beginRestore(wayBackOf(links.front()));
+    std::vector<FolderMove::WayBack> waysBack;
+    std::vector<std::int64_t> sizes;
+    for (const SymlinkEntry& link : links) {
+        waysBack.push_back({link.location, link.target, true});
+        sizes.push_back(link.targetSize);
+    }
+    beginRestore(RestoreRun(std::move(waysBack), std::move(sizes)));
     const auto progress = restoreProgressTaker();
-    const auto restore = [host = m_host, links, progress, state = QPointer(this)] {
+    const auto restore = [host = m_host, links, progress, state = QPointer(this), stop = m_stopAfterItem] {
         const auto begins = [&](std::size_t index) {
-            UiThread::post([state, wayBack = wayBackOf(links[index])] {
+            UiThread::post([state, index] {
                 if (!state) return;
-                state->m_restore.wayBack = wayBack;
-                state->m_restore.progress = {};
+                state->m_restore.begin(index);
                 emit state->restoreChanged();
             });
         };
-        return AppRestore::restoreAll(host, links, begins,
-                                      [&](std::size_t, const ByteProgress& newest) { progress.send(newest); });
+        return AppRestore::restoreAll(
+            host, links, begins, [&](std::size_t, const ByteProgress& newest) { progress.send(newest); }, stop);
     };
     MoveRun::Summary summary;
     try {

@@ -40,7 +40,7 @@ QCoro::Task<> AppState::trashCheckedData(fs::path bundle) {
     DataTrash::Outcome outcome;
     {
         // Nothing else is moved meanwhile.
-        const Raised preparing(m_isPreparing);
+        const Raised preparing([this](bool isPreparing) { setPreparing(isPreparing); });
         const Dialog question =
             DataTrash::confirm(entry.name, std::ssize(items), m_checkedDataPaths.bytesWithin(entry.dataPaths));
         const int answer = co_await m_dialogs.ask(question);

@@ -21,8 +21,7 @@
 namespace tarvik {
 
 void AppState::refuseWhenBusy() const {
-    if (m_isRunning || m_isRestoring || m_isPreparing || m_isClosing)
-        throw Refusal("Another item is being moved. Try again when it is done.");
+    if (isBusy() || m_isClosing) throw Refusal("Another item is being moved. Try again when it is done.");
 }
 
 void AppState::moveArbitraryFolder(const FilePath& folder) {
@@ -35,7 +34,7 @@ QCoro::Task<> AppState::moveFolder(fs::path folder) {
     const DriveInfo drive = *m_selectedDrive;
     std::vector<MoveJob> jobs;
     {
-        const Raised preparing(m_isPreparing);
+        const Raised preparing([this](bool isPreparing) { setPreparing(isPreparing); });
         const auto plan = [host = m_host, folder, drive, cancellation = m_stopMeasuring] {
             return FolderMove::plan(host, folder, drive, cancellation);
         };
@@ -55,6 +54,8 @@ void AppState::runJobs(std::vector<MoveJob> jobs, const std::string&, const fs::
     m_jobs.replaceAll(std::move(rows));
     m_restore = {};
     emit restoreChanged();
+    forgetTimeLeft();
+    reckonTimeLeft(jobsProgress(this->jobs()));
     setRunning(true);
     clearError();
     m_flows.add(JobRunner::run(std::move(jobs), drivePath, this, quitRunning));
@@ -77,6 +78,7 @@ void AppState::setJobProgress(std::size_t index, const ByteProgress& progress) {
 
 void AppState::updateJob(std::size_t index, JobRow row) {
     m_jobs.update(index, std::move(row));
+    reckonTimeLeft(jobsProgress(jobs()));
     emit jobsProgressChanged();
 }
 
@@ -89,6 +91,7 @@ void AppState::finishRun() {
     } else if (!ended.empty()) {
         setInfo(screenText(summary.text));
     }
+    forgetTimeLeft();
     setRunning(false);
     clearSelection();
     refreshAll();
@@ -115,6 +118,40 @@ QString AppState::jobsSummary() const {
     return ended.empty() ? QString() : screenText(MoveRun::summary(ended).text);
 }
 
+int AppState::currentJob() const {
+    const auto& rows = jobs();
+    const auto current = std::find_if(rows.begin(), rows.end(), [this](const JobRow& row) {
+        return m_isRunning ? !row.job.status.isFinal() : row.job.status.is<JobStatus::Failed>();
+    });
+    return current == rows.end() ? -1 : static_cast<int>(current - rows.begin());
+}
+
+QString AppState::currentJobLabel() const {
+    const int current = currentJob();
+    return current < 0 ? QString() : screenText(jobs()[static_cast<std::size_t>(current)].job.label);
+}
+
+void AppState::clearRun() {
+    if (m_isRunning || m_isRestoring) return;
+    ++m_linkChanges;
+    m_jobs.replaceAll({});
+    m_restore = {};
+    emit jobsProgressChanged();
+    emit restoreChanged();
+}
+
+void AppState::reckonTimeLeft(const ByteProgress& progress) {
+    m_timeLeftEstimate.report(progress.copied, progress.total - progress.copied, TimeLeft::Clock::now());
+    const auto left = m_timeLeftEstimate.estimate();
+    const QString text = left ? screenText(timeLeftText(*left)) : QString();
+    if (std::exchange(m_timeLeft, text) != text) emit timeLeftChanged();
+}
+
+void AppState::forgetTimeLeft() {
+    m_timeLeftEstimate = {};
+    if (!std::exchange(m_timeLeft, QString()).isEmpty()) emit timeLeftChanged();
+}
+
 bool AppState::hasMoved(const FilePath& folder) const {
     return std::any_of(jobs().begin(), jobs().end(), [&](const JobRow& row) {
         return row.job.source == folder.path && row.job.status.is<JobStatus::Done>() && row.isLinked;
@@ -129,7 +166,7 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     refuseWhenBusy();
     FolderMove::WayBack wayBack;
     {
-        const Raised preparing(m_isPreparing);
+        const Raised preparing([this](bool isPreparing) { setPreparing(isPreparing); });
         const auto plan = [host = m_host, link] { return FolderMove::planRestore(host, link); };
         wayBack = co_await inBackground(Priority::userInitiated, plan);
         if (m_isClosing) co_return;  // Nobody would answer any more.
@@ -137,7 +174,7 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
         const int answer = co_await m_dialogs.ask(question);
         if (answer != 0 || m_isClosing) co_return;
     }
-    beginRestore(wayBack);
+    beginRestore(RestoreRun({wayBack}));
     const auto progress = restoreProgressTaker();
     const auto restore = [host = m_host, link = wayBack.link, progress] {
         MoverEngine::restore(host, link, [&](std::int64_t copied, std::int64_t total) {
@@ -157,24 +194,25 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     }
 }
 
-void AppState::beginRestore(FolderMove::WayBack wayBack) {
-    m_restore = {};
-    m_restore.wayBack = std::move(wayBack);
+void AppState::beginRestore(RestoreRun restore) {
+    m_restore = std::move(restore);
+    forgetTimeLeft();
+    reckonTimeLeft(m_restore.all());
     setRestoring(true);
 }
 
 NewestValue<ByteProgress> AppState::restoreProgressTaker() {
     return NewestValue<ByteProgress>([state = QPointer(this)](const ByteProgress& newest) {
         if (!state) return;
-        auto& known = state->m_restore.progress;
-        known = {newest.copied, std::max(newest.total, known.total)};
+        state->m_restore.report(newest);
+        state->reckonTimeLeft(state->m_restore.all());
         emit state->restoreChanged();
     });
 }
 
 void AppState::endRestore(const QString& outcome, bool hasFailed) {
-    m_restore.outcome = outcome;
-    m_restore.hasFailed = hasFailed;
+    m_restore.end(outcome, hasFailed);
+    forgetTimeLeft();
     setRestoring(false);
     if (hasFailed) {
         setError(outcome);
@@ -185,10 +223,6 @@ void AppState::endRestore(const QString& outcome, bool hasFailed) {
         refreshAll();
     }
     closeWhenReady();
-}
-
-QString AppState::restoreBytes() const {
-    return m_restore.progress.isKnown() ? bytesText(m_restore.progress) : QString();
 }
 
 }  // namespace tarvik

@@ -71,6 +71,16 @@ double overallProgress(const std::vector<JobRow>& rows) {
     return done / all;
 }
 
+ByteProgress jobsProgress(const std::vector<JobRow>& rows) {
+    ByteProgress all;
+    for (const auto& [job, isLinked] : rows) {
+        const std::int64_t copied = job.status.is<JobStatus::Done>() ? job.bytesTotal : job.bytesCopied;
+        all.copied += copied;
+        all.total += job.status.isFinal() ? copied : std::max(job.bytesTotal, copied);
+    }
+    return all;
+}
+
 QString bytesText(const ByteProgress& progress) {
     return screenText(Text::byteCount(progress.copied) + " of " + Text::byteCount(progress.total));
 }

@@ -20,6 +20,8 @@ struct JobRow {
 
 /// How far a run is as a whole, 0 to 1, by bytes; by jobs when no size is known.
 double overallProgress(const std::vector<JobRow>& rows);
+/// The same in bytes: what of a failed job has not come will not come.
+ByteProgress jobsProgress(const std::vector<JobRow>& rows);
 
 /// "1.2 MB of 3 MB".
 QString bytesText(const ByteProgress& progress);

@@ -2,6 +2,7 @@
 
 #include "Platform/Failure.h"
 
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -16,13 +17,13 @@ public:
 /// Sets a flag for as long as it lives.
 class Raised {
 public:
-    explicit Raised(bool& flag) : m_flag(flag) { m_flag = true; }
-    ~Raised() { m_flag = false; }
+    explicit Raised(std::function<void(bool)> set) : m_set(std::move(set)) { m_set(true); }
+    ~Raised() { m_set(false); }
     Raised(const Raised&) = delete;
     Raised& operator=(const Raised&) = delete;
 
 private:
-    bool& m_flag;
+    const std::function<void(bool)> m_set;
 };
 
 }  // namespace tarvik

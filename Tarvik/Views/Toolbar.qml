@@ -15,7 +15,16 @@ Item {
         font.weight: Font.DemiBold
         Accessible.role: Accessible.Heading
     }
+    Spinner {
+        objectName: "preparingSpinner"
+        anchors.right: refresh.left
+        anchors.rightMargin: Theme.small
+        anchors.verticalCenter: parent.verticalCenter
+        visible: AppState.isPreparing
+        Accessible.name: "Looking at what is to be moved"
+    }
     IconButton {
+        id: refresh
         objectName: "refreshAllButton"
         anchors.right: parent.right
         anchors.rightMargin: Theme.large

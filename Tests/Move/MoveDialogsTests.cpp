@@ -51,7 +51,7 @@ TEST(MoveDialogs, AskAboutRunningApplications) {
     EXPECT_EQ(MoveDialogs::handleRunningApps(names(6)).text, textOf("One, Two, Three, Four, Five, Six"));
     EXPECT_EQ(MoveDialogs::handleRunningApps(names(7)),
               (Dialog{"7 selected apps are running", textOf("One, Two, Three, Four, Five, Six and 1 more"), buttons}));
-    EXPECT_EQ(MoveDialogs::handleRunningApps({}).title, "0 selected apps are running");
+    EXPECT_EQ(MoveDialogs::handleRunningApps({}), (Dialog{"0 selected apps are running", textOf(""), buttons}));
 }
 
 TEST(MoveDialogs, TakeEveryOtherButtonForANo) {
@@ -76,10 +76,15 @@ TEST(MoveDialogs, AskAboutTheWayBack) {
               (Dialog{"Move 2 items back?",
                       "Moves the selected apps back from the external drive and removes the symlinks.\n\nOne, Two",
                       buttons}));
+    EXPECT_EQ(MoveDialogs::confirmRestore(6, names(6)).text,
+              "Moves the selected apps back from the external drive and removes the symlinks.\n\n"
+              "One, Two, Three, Four, Five, Six");
     EXPECT_EQ(MoveDialogs::confirmRestore(7, names(7)).text,
               "Moves the selected apps back from the external drive and removes the symlinks.\n\n"
               "One, Two, Three, Four, Five, Six and 1 more");
-    EXPECT_EQ(MoveDialogs::confirmRestore(0, {}).title, "Move 0 items back?");
+    EXPECT_EQ(MoveDialogs::confirmRestore(0, {}),
+              (Dialog{"Move 0 items back?",
+                      "Moves the selected apps back from the external drive and removes the symlinks.\n\n", buttons}));
 }
 
 }  // namespace tarvik

@@ -59,6 +59,28 @@ TEST_F(AppStateApps, AreNoneWhereThereAreNone) {
     EXPECT_THAT(state->apps(), IsEmpty());
 }
 
+TEST_F(AppStateApps, AreNoneAnyMoreWhenAllHaveGone) {
+    app("Editor");
+    state->refreshApps();
+    settle();
+    ASSERT_EQ(state->sizeTotal(), 1);
+    fs::remove_all(applications);
+    state->refreshApps();
+    settle();
+    EXPECT_EQ(state->sizeTotal(), 0);
+    EXPECT_EQ(state->sizeProgress(), 0);
+    EXPECT_THAT(state->apps(), IsEmpty());
+}
+
+TEST_F(AppStateApps, OfOneSizeKeepTheirOrder) {
+    for (int number = 10; number < 50; ++number) app("App " + std::to_string(number));
+    state->refreshApps();
+    settle();
+    const auto listed = names();
+    ASSERT_THAT(listed, SizeIs(40));
+    EXPECT_TRUE(std::is_sorted(listed.begin(), listed.end()));
+}
+
 TEST_F(AppStateApps, AreListedByNameAndSortedBySizeWhenAllAreMeasured) {
     app("Big", 400'000);
     app("Small", 4096, 40'000);
@@ -242,6 +264,99 @@ TEST_F(AppStateApps, ThatRunAreAskedAbout) {
     EXPECT_TRUE(Files::isSymbolicLink(editor));
 }
 
+TEST_F(AppStateApps, ThatWillNotQuitStayAndTheOthersMove) {
+    const auto editor = app("Editor");
+    const auto player = app("Player");
+    world.applications->list = {{.process = 1, .bundlePath = editor}};
+    world.applications->quitsWhenAsked = false;
+    begin();
+    dialogs.answers = {0, 0};
+    move({editor, player});
+    EXPECT_THAT(world.applications->terminated, SizeIs(1));
+    EXPECT_EQ(statusOf(0), JobStatus::failed("App is running: Editor.app. Quit it first, or pass --quit-running."));
+    EXPECT_EQ(statusOf(1), JobStatus::done());
+    EXPECT_EQ(state->lastError(), "Completed with 1 failure.");
+    EXPECT_TRUE(Files::isFolder(editor));
+    EXPECT_TRUE(Files::isSymbolicLink(player));
+}
+
+/// The state of a machine whose snapshot tool says what a test wants.
+class AppStateSnapshots : public AppStateApps {
+protected:
+    void beginWithTool(const std::string& script) {
+        world.host.tools.tmutil = world.tool("tmutil", script);
+        state = std::make_unique<AppState>(world.host, dialogs);
+        QObject::connect(state.get(), &AppState::lastInfoChanged, state.get(),
+                         [this] { infos.push_back(state->lastInfo().toStdString()); });
+        begin();
+    }
+
+    std::vector<std::string> infos;
+};
+
+TEST_F(AppStateSnapshots, AreTakenBeforeAMove) {
+    const auto editor = app("Editor");
+    beginWithTool("echo 'Created local snapshot with date: 2026-11-15-174543'");
+    move({editor});
+    EXPECT_THAT(infos, ElementsAre("APFS snapshot: com.apple.TimeMachine.2026-11-15-174543.local", "Moved 1 item."));
+}
+
+TEST_F(AppStateSnapshots, WithoutANameAreNotSpokenOf) {
+    const auto editor = app("Editor");
+    const auto player = app("Player");
+    beginWithTool("echo 'Done.'");
+    move({editor});
+    EXPECT_THAT(infos, ElementsAre("Moved 1 item."));
+    beginWithTool("echo 'Created local snapshot with date: 2026-11-15-174543'; exit 1");
+    move({player});
+    EXPECT_THAT(infos, ElementsAre("Moved 1 item.", "Moved 1 item."));
+}
+
+TEST_F(AppStateSnapshots, StayWhenTheMoveIsGivenUp) {
+    const auto editor = app("Editor");
+    world.applications->list = {{.process = 1, .bundlePath = editor}};
+    dialogs.answers = {0, 1};
+    beginWithTool("echo 'Created local snapshot with date: 2026-11-15-174543'");
+    move({editor});
+    EXPECT_TRUE(Files::isFolder(editor));
+    EXPECT_EQ(state->lastInfo(), "APFS snapshot: com.apple.TimeMachine.2026-11-15-174543.local");
+    EXPECT_THAT(state->jobs(), IsEmpty());
+}
+
+TEST_F(AppStateApps, ThatAreLinksByNowHaveNothingToMove) {
+    const auto editor = app("Editor");
+    begin();
+    fs::create_directories(onDrive("Editor").parent_path());
+    fs::rename(editor, onDrive("Editor"));
+    makeLink(editor, onDrive("Editor"));
+    move({editor});
+    EXPECT_EQ(state->lastError(), "Everything selected is already symlinked.");
+    EXPECT_THAT(dialogs.asked, IsEmpty());
+}
+
+TEST_F(AppStateApps, ThatOnlyFitOneByOneAreRefusedTogether) {
+    const auto editor = app("Editor", 600'000);
+    const auto player = app("Player", 600'000);
+    volumes->set({backup(1'000'000)});
+    begin();
+    move({editor, player});
+    EXPECT_THAT(state->lastError().toStdString(), testing::StartsWith("Need 1.2 MB but Backup has "));
+    EXPECT_THAT(dialogs.asked, IsEmpty());
+    EXPECT_TRUE(Files::isFolder(editor));
+    EXPECT_TRUE(Files::isFolder(player));
+}
+
+TEST_F(AppStateApps, SayWhenTheirDriveHasGoneBeforeTheyWereAskedAbout) {
+    const auto editor = app("Editor");
+    begin();
+    volumes->set({});
+    fs::rename(world.drive, world.folder / "unplugged");
+    move({editor});
+    EXPECT_EQ(dialogs.asked.at(0).title, "Move 1 item to Backup?");
+    EXPECT_EQ(statusOf(0), JobStatus::failed("Target drive disconnected"));
+    EXPECT_TRUE(Files::isFolder(editor));
+}
+
 TEST_F(AppStateApps, ComeBackOneByOne) {
     const auto editor = app("Editor");
     begin();
@@ -276,6 +391,31 @@ TEST_F(AppStateApps, OfOneMovedFolderComeBackTogether) {
     EXPECT_THAT(state->jobs(), IsEmpty());
 }
 
+TEST_F(AppStateApps, OfAFolderWithLaunchersComeBackTogetherToo) {
+    const fs::path suite = world.drive / "ExternalTarvik/Apps/Suite";
+    makeBundle(suite / "Mixer.app", {{"CFBundleIdentifier", "org.example.Mixer"}});
+    makeFolder(applications);
+    makeLink(applications / "Suite", suite);
+    makeLauncher(applications / "Mixer.app", suite / "Mixer.app");
+    begin();
+    ASSERT_THAT(state->apps(), SizeIs(2));
+    for (const auto* first : {"Mixer.app", "Suite/Mixer.app"}) {
+        select({applications / first});
+        state->restoreSelectedApps();
+        settle();
+        EXPECT_EQ(dialogs.asked.back().title, "Move 1 item back?");
+        EXPECT_EQ(state->lastInfo(), "Moved 1 item back.");
+        EXPECT_TRUE(Files::isFolder(applications / "Suite/Mixer.app"));
+        EXPECT_FALSE(Files::itemExists(applications / "Mixer.app"));
+        fs::remove_all(world.trash->folder);
+        fs::rename(applications / "Suite", suite);
+        makeLink(applications / "Suite", suite);
+        makeLauncher(applications / "Mixer.app", suite / "Mixer.app");
+        state->refreshAll();
+        settle();
+    }
+}
+
 TEST_F(AppStateApps, ComeBackAlsoAfterOneThatCannot) {
     const auto editor = app("Editor");
     const auto player = app("Player");
@@ -286,6 +426,7 @@ TEST_F(AppStateApps, ComeBackAlsoAfterOneThatCannot) {
     state->restoreSelectedApps();
     settle();
     EXPECT_EQ(state->lastError(), "Move back completed with 1 failure.");
+    EXPECT_EQ(state->restore().summary(), "Move back completed with 1 failure.");
     EXPECT_TRUE(Files::isSymbolicLink(editor));
     EXPECT_TRUE(Files::isFolder(player));
 }
@@ -299,6 +440,20 @@ TEST_F(AppStateApps, ComeBackFromTheirLauncherToo) {
     EXPECT_EQ(state->lastInfo(), "Restored Editor.app");
     EXPECT_FALSE(Files::exists(applications / "Editor.app/Contents/Resources/ExternalAppTarget.txt"));
     EXPECT_FALSE(Files::exists(onDrive("Editor")));
+}
+
+TEST_F(AppStateApps, AreAskedAboutWhenNoMoveHasLeftTheirLink) {
+    const fs::path own = world.folder / "Elsewhere/Own.app";
+    makeBundle(own);
+    makeFolder(applications);
+    makeLink(applications / "Own.app", own);
+    begin();
+    select({applications / "Own.app"});
+    dialogs.answers = {1};
+    state->restoreSelectedApps();
+    settle();
+    ASSERT_THAT(dialogs.asked, SizeIs(1));
+    EXPECT_THAT(dialogs.asked[0].details, ElementsAre("Own.app is not a symlink that Tarvik has left."));
 }
 
 TEST_F(AppStateApps, NeedATickToComeBack) {

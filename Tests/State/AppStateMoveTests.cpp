@@ -130,6 +130,57 @@ TEST_F(AppStateMoves, FailOneByOneAfterTheDriveWasUnplugged) {
     EXPECT_EQ(contentOf(world.home / "Three/file"), "Three");
 }
 
+TEST_F(AppStateMoves, TellWhichOneIsUnderWayAndThenWhichOneFailed) {
+    holdCopyOf("Three");
+    begin();
+    EXPECT_EQ(state->currentJob(), -1);
+    makeFile(world.foldersOnDrive() / "Two/taken");
+    runJobs(makeFolders({"One", "Two", "Three"}));
+    waitForHeldCopy();
+    EXPECT_EQ(state->currentJob(), 2);
+    EXPECT_EQ(state->currentJobLabel(), "Three");
+    letGo();
+    settle();
+    EXPECT_EQ(state->currentJob(), 1);
+    EXPECT_EQ(state->currentJobLabel(), "Two");
+}
+
+TEST_F(AppStateMoves, TellHowLongTheyStillTakeWhenThatCanBeTold) {
+    holdCopyOf("One");
+    begin();
+    runJobs(makeFolders({"One"}));
+    waitForHeldCopy();
+    state->setJobProgress(0, {5, 20});
+    EXPECT_EQ(state->timeLeft(), "") << "it is too early";
+    // The copy that is held reports as well.
+    spinUntil([&] {
+        state->setJobProgress(0, {3'000'000, 4'000'000});
+        return state->timeLeft() == "Less than a minute left";
+    });
+    letGo();
+    settle();
+    EXPECT_EQ(state->timeLeft(), "");
+}
+
+TEST_F(AppStateMoves, AreForgottenOnceTheyAreOver) {
+    holdCopyOf("One");
+    begin();
+    runJobs(makeFolders({"One"}));
+    waitForHeldCopy();
+    state->clearRun();
+    EXPECT_EQ(state->jobs().size(), 1U) << "it is under way";
+    letGo();
+    settle();
+    state->restoreSymlink(FilePath(world.home / "One"));
+    settle();
+    EXPECT_FALSE(state->restore().isEmpty());
+    state->clearRun();
+    EXPECT_TRUE(state->jobs().empty());
+    EXPECT_TRUE(state->restore().isEmpty());
+    EXPECT_EQ(state->jobsSummary(), "");
+    EXPECT_EQ(state->currentJob(), -1);
+}
+
 TEST_F(AppStateMoves, ShowNoProgressOfATotalOfZero) {
     holdCopyOf("One");
     begin();

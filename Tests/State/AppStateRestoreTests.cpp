@@ -43,11 +43,11 @@ TEST_F(AppStateRestore, BringsAFolderBack) {
     EXPECT_FALSE(Files::exists(world.foldersOnDrive() / "Music"));
     EXPECT_EQ(state->lastInfo(), "Restored Music");
     EXPECT_EQ(state->lastError(), "");
-    EXPECT_EQ(state->restoreLabel(), "Music");
-    EXPECT_EQ(state->restoreOutcome(), "Restored Music");
-    EXPECT_FALSE(state->restoreFailed());
+    EXPECT_EQ(state->restore().label(), "Music");
+    EXPECT_EQ(state->restore().outcome(), "Restored Music");
+    EXPECT_FALSE(state->restore().hasFailed());
     EXPECT_FALSE(state->isRestoring());
-    EXPECT_EQ(state->restoreFraction(), 1);
+    EXPECT_EQ(state->restore().fraction(), 1);
     EXPECT_EQ(volumes->askedCount(), scans + 1) << "everything is looked at anew";
     EXPECT_FALSE(canMoveBack());
 }
@@ -60,7 +60,7 @@ TEST_F(AppStateRestore, ThatIsCancelledChangesNothing) {
     EXPECT_EQ(pictureOf(world.folder.path()), before);
     EXPECT_EQ(state->lastInfo(), "");
     EXPECT_EQ(state->lastError(), "");
-    EXPECT_EQ(state->restoreLabel(), "");
+    EXPECT_EQ(state->restore().label(), "");
     EXPECT_TRUE(canMoveBack());
 }
 
@@ -98,7 +98,7 @@ TEST_F(AppStateRestore, ThatFailsShowsWhatIsAtTheOldPathNow) {
     ASSERT_TRUE(canMoveBack());
     state->restoreSymlink(FilePath(world.home / "Other"));
     settle();
-    EXPECT_TRUE(state->restoreFailed());
+    EXPECT_TRUE(state->restore().hasFailed());
     EXPECT_FALSE(canMoveBack());
     state.reset();
 }
@@ -121,8 +121,8 @@ TEST_F(AppStateRestore, ThatFailsTellsWhyAndRefreshesNoDrives) {
     state->restoreSymlink(FilePath(link));
     settle();
     EXPECT_NE(state->lastError(), "");
-    EXPECT_EQ(state->restoreOutcome(), state->lastError());
-    EXPECT_TRUE(state->restoreFailed());
+    EXPECT_EQ(state->restore().outcome(), state->lastError());
+    EXPECT_TRUE(state->restore().hasFailed());
     EXPECT_FALSE(state->isRestoring());
     EXPECT_EQ(state->lastInfo(), "");
     EXPECT_EQ(volumes->askedCount(), scans);
@@ -152,7 +152,7 @@ TEST_F(AppStateRestore, KeepsItsOutcomeUntilTheNextRun) {
     state->restoreSymlink(FilePath(link));
     settle();
     runJobs(makeFolders({"Other"}));
-    EXPECT_EQ(state->restoreOutcome(), "");
+    EXPECT_EQ(state->restore().outcome(), "");
     settle();
 }
 

@@ -86,6 +86,17 @@ TEST(ShownAppsRule, SortsBySizeWithDataAndKeepsTheOrderOfEquals) {
     EXPECT_THAT(filtered(rows, Scope::all, {}, false, SortKey::name), ElementsAre("a", "b", "c"));
 }
 
+TEST(ShownAppsRule, KeepsTheOrderOfManyEquals) {
+    std::vector<AppRow> rows;
+    std::vector<std::string> expected;
+    for (int number = 60; number > 0; --number) {
+        expected.push_back(std::to_string(number));
+        rows.push_back(row(expected.back(), 7));
+    }
+    EXPECT_THAT(filtered(rows, Scope::all), testing::ElementsAreArray(expected));
+    EXPECT_THAT(filtered(rows, Scope::all, {}, false, SortKey::risk), testing::ElementsAreArray(expected));
+}
+
 TEST_F(ShownAppsTest, BeginsWithWhatIsOnADrive) {
     EXPECT_THAT(names(shown.rows()), ElementsAre("Far"));
     EXPECT_EQ(shown.totalCount(), 3);

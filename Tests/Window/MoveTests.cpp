@@ -78,6 +78,23 @@ TEST_F(Move, ShowsAFailureInFull) {
     EXPECT_FALSE(fs::is_symlink(photos));
 }
 
+TEST_F(Move, IsClosedInThePanelWhenItIsOver) {
+    holdCopies();
+    auto& window = open();
+    startMove(makePhotos());
+    EXPECT_TRUE(window.waitForText("job-Photos/transferBytes", "3 MB of 5 MB"));
+    EXPECT_FALSE(window.isShown("closeRunButton"));
+    EXPECT_EQ(window.text("jobsCurrent"), "Photos");
+    letCopyEnd();
+    EXPECT_TRUE(window.waitUntilShown("closeRunButton"));
+    EXPECT_EQ(window.text("jobsCurrent"), "");
+    window.click("closeRunButton");
+    EXPECT_TRUE(window.waitUntilHidden("jobsPanel"));
+    move(makePhotos("More"));
+    EXPECT_TRUE(window.isShown("job-More"));
+    EXPECT_FALSE(window.isShown("job-Photos"));
+}
+
 TEST_F(Move, RefusesInAToastThatGoes) {
     auto& window = open();
     window.item("rootView").setProperty("toastDuration", 3'600'000);
@@ -286,7 +303,7 @@ TEST_F(MoveBackAcrossVolumes, ShowsAFailureInFull) {
     window.click("job-Photos/moveBackButton");
     window.click("alertButton-0");
     EXPECT_TRUE(window.waitForText("restoreRow/transferStatus", "Failed"));
-    EXPECT_EQ(window.text("restoreRow/transferFailure"), window.state().restoreOutcome());
+    EXPECT_EQ(window.text("restoreRow/transferFailure"), window.state().restore().outcome());
     EXPECT_TRUE(window.text("restoreRow/transferFailure").contains("no space left"));
     EXPECT_TRUE(fs::is_symlink(world.home / "Photos"));
 }

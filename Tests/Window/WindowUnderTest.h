@@ -36,7 +36,9 @@ namespace tarvik::test {
 /// - source card: sourceCard, sourceDropArea, sourceTitle, sourceName, sourcePath, sourceSize, sourceSpinner,
 ///   clearSourceButton, sourceProblem, sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton
 /// - quick picks: quickPicksTitle, quickPickList, quickPick-LABEL (each: quickPickSize), noQuickPicks
-/// - jobs panel: jobsPanel, jobsTitle, jobsSummary, jobsBar, foldButton, jobList, job-LABEL, restoreRow
+/// - jobs panel: jobsPanel, jobsTitle, jobsSummary, jobsCurrent, timeLeft, jobsBar, foldButton, closeRunButton,
+/// jobList,
+///   job-LABEL, restoreRow
 /// - a job, or the restore: transferLabel, transferFrom, transferTo, transferBytes, transferStatus, transferBar,
 ///   transferFailure, moveBackButton
 /// - dialog: alertDialog, alertTitle, alertDetails, alertText, alertButton-INDEX

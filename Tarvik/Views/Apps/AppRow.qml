@@ -118,7 +118,7 @@ ListRow {
             anchors.rightMargin: Theme.tiny
             anchors.verticalCenter: parent.verticalCenter
             visible: row.isAlreadySymlinked
-            enabled: !AppState.isRunning && !AppState.isRestoring
+            enabled: !AppState.isBusy
             focusPolicy: Qt.NoFocus
             text: "Move Back"
             kind: "quiet"

@@ -12,6 +12,11 @@ Rectangle {
     property int indent: 0
     readonly property int mostTreeHeight: 320
 
+    // A row serves one application after the other: nothing of the last one is left to the next.
+    onBundleChanged: {
+        header.showsMore = false;
+        tree.positionViewAtBeginning();
+    }
     implicitHeight: column.implicitHeight + 2 * Theme.medium
     color: Theme.well
 
@@ -33,6 +38,7 @@ Rectangle {
         spacing: Theme.small
 
         AppRowExpansionHeader {
+            id: header
             width: parent.width
             details: appDetails
         }

@@ -33,7 +33,7 @@ RowLayout {
         objectName: "trashButton"
         text: "Move to Trash"
         kind: "danger"
-        enabled: bar.hasChecked && !AppState.isRunning && !AppState.isRestoring
+        enabled: bar.hasChecked && !AppState.isBusy
         onClicked: bar.details.moveToTrash()
     }
 }

@@ -8,7 +8,6 @@ Rectangle {
     objectName: "appsActionBar"
 
     required property string scope
-    readonly property bool isBusy: AppState.isRunning || AppState.isRestoring
     readonly property int movable: AppState.selectedMovableCount
     readonly property int restorable: AppState.selectedRestorableCount
     /// Where all are listed, what can come back is told as well once some of that is ticked.
@@ -80,7 +79,7 @@ Rectangle {
             visible: bar.scope !== "local"
             text: "Move Back"
             iconName: "back"
-            enabled: bar.restorable > 0 && !bar.isBusy
+            enabled: bar.restorable > 0 && !AppState.isBusy
             onClicked: AppState.restoreSelectedApps()
         }
         Button {
@@ -88,7 +87,7 @@ Rectangle {
             visible: bar.scope !== "onDrive"
             text: "Move & Symlink"
             kind: "primary"
-            enabled: bar.movable > 0 && AppState.hasSelectedDrive && !bar.isBusy
+            enabled: bar.movable > 0 && AppState.hasSelectedDrive && !AppState.isBusy
             onClicked: AppState.confirmAndMove()
         }
     }

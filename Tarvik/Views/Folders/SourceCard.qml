@@ -9,8 +9,7 @@ Card {
     objectName: "sourceCard"
 
     required property FolderSource source
-    readonly property bool isBusy: AppState.isRunning || AppState.isRestoring
-    readonly property bool canMove: !source.isEmpty && source.problem === "" && AppState.hasSelectedDrive && !isBusy
+    readonly property bool canMove: !source.isEmpty && source.problem === "" && AppState.hasSelectedDrive && !AppState.isBusy
     /// Why nothing can be moved now, or where to.
     readonly property string hint: {
         if (AppState.isRunning)
@@ -91,7 +90,7 @@ Card {
             visible: card.source.isLink
             text: "Move Back"
             iconName: "back"
-            enabled: !card.isBusy && card.source.problem === ""
+            enabled: !AppState.isBusy && card.source.problem === ""
             onClicked: AppState.restoreSymlink(card.source.path)
         }
         Button {

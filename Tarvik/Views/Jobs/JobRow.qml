@@ -16,6 +16,6 @@ TransferRow {
     bytes: model.bytesText
     fraction: model.progress
     phase: model.state
-    canMoveBack: model.canMoveBack && !AppState.isRunning && !AppState.isRestoring
+    canMoveBack: model.canMoveBack && !AppState.isBusy
     onMoveBack: AppState.restoreSymlink(model.source)
 }

@@ -9,7 +9,8 @@ Rectangle {
 
     property int maximumHeight: 300
     property bool isFolded: false
-    readonly property bool hasRestore: AppState.isRestoring || AppState.restoreOutcome !== ""
+    readonly property bool hasRestore: !AppState.restore.isEmpty
+    readonly property bool isActive: AppState.isRunning || AppState.isRestoring
     readonly property string title: {
         if (AppState.isRunning)
             return "Moving";
@@ -43,30 +44,52 @@ Rectangle {
         }
         Figures {
             objectName: "jobsSummary"
+            text: AppState.isRestoring || list.count === 0 ? AppState.restore.summary : AppState.jobsSummary
+            color: Theme.textSecondary
+        }
+        ElidedLabel {
+            objectName: "jobsCurrent"
             Layout.fillWidth: true
-            text: AppState.isRestoring ? "" : AppState.jobsSummary
+            fullText: AppState.isRunning ? AppState.currentJobLabel : AppState.isRestoring ? AppState.restore.label : ""
+            color: Theme.textSecondary
+        }
+        Figures {
+            objectName: "timeLeft"
+            text: AppState.timeLeft
             color: Theme.textSecondary
         }
         ProgressBar {
             objectName: "jobsBar"
             Layout.preferredWidth: 160
-            visible: AppState.isRunning && list.count > 1
-            value: AppState.jobsFraction
+            visible: AppState.isRunning ? list.count > 1 : AppState.isRestoring && AppState.restore.summary !== ""
+            value: AppState.isRunning ? AppState.jobsFraction : AppState.restore.allFraction
             Accessible.name: "All items"
         }
         IconButton {
             objectName: "foldButton"
-            Layout.rightMargin: Theme.large
+            Layout.rightMargin: closeButton.visible ? 0 : Theme.large
             Layout.topMargin: 6
             Layout.bottomMargin: 6
             iconName: panel.isFolded ? "chevronUp" : "chevronDown"
             help: panel.isFolded ? "Show items" : "Hide items"
             onClicked: panel.isFolded = !panel.isFolded
         }
+        IconButton {
+            id: closeButton
+            objectName: "closeRunButton"
+            Layout.rightMargin: Theme.large
+            visible: !panel.isActive
+            iconName: "close"
+            help: "Close"
+            onClicked: AppState.clearRun()
+        }
     }
     RowList {
         id: list
         objectName: "jobList"
+        /// Stays in sight: the job under way, and afterwards the first one that failed.
+        readonly property int shownJob: AppState.currentJob
+        onShownJobChanged: if (shownJob >= 0) positionViewAtIndex(shownJob, ListView.Contain)
         anchors.top: header.bottom
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.small

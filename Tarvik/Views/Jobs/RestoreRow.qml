@@ -5,12 +5,12 @@ import Tarvik
 TransferRow {
     objectName: "restoreRow"
     height: visible ? implicitHeight : 0
-    label: AppState.restoreLabel
-    from: AppState.restoreFrom
-    to: AppState.restoreTo
-    status: AppState.isRestoring ? "Moving back" : AppState.restoreFailed ? "Failed" : "Done"
-    failure: AppState.restoreFailed ? AppState.restoreOutcome : ""
-    bytes: AppState.restoreBytes
-    fraction: AppState.restoreFraction
-    phase: AppState.isRestoring ? "copying" : AppState.restoreFailed ? "failed" : "done"
+    label: AppState.restore.label
+    from: AppState.restore.from
+    to: AppState.restore.to
+    status: AppState.isRestoring ? "Moving back" : AppState.restore.hasFailed ? "Failed" : "Done"
+    failure: AppState.restore.hasFailed ? AppState.restore.outcome : ""
+    bytes: AppState.restore.bytes
+    fraction: AppState.restore.fraction
+    phase: AppState.isRestoring ? "copying" : AppState.restore.hasFailed ? "failed" : "done"
 }

@@ -70,7 +70,7 @@ Item {
         RowLayout {
             Layout.leftMargin: Theme.iconSize + Theme.small
             spacing: Theme.small
-            visible: row.from !== ""
+            visible: row.from !== "" && row.phase !== "pending"
             ElidedLabel {
                 objectName: "transferFrom"
                 Layout.fillWidth: true

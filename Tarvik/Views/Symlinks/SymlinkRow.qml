@@ -11,7 +11,6 @@ ListRow {
     required property string targetText
     required property string sizeText
     required property bool isValid
-    readonly property bool isBusy: AppState.isRunning || AppState.isRestoring
     readonly property int stateWidth: 62
     readonly property int sizeWidth: 72
     readonly property int moveBackWidth: 108
@@ -30,7 +29,7 @@ ListRow {
     Keys.onSpacePressed: event => restoreOnce(event)
 
     function restoreOnce(event) {
-        if (!event.isAutoRepeat && !isBusy)
+        if (!event.isAutoRepeat && !AppState.isBusy)
             restore();
     }
 
@@ -106,7 +105,7 @@ ListRow {
             objectName: "symlinkMoveBackButton"
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            enabled: !row.isBusy
+            enabled: !AppState.isBusy
             focusPolicy: Qt.NoFocus
             text: "Move Back"
             kind: "quiet"
