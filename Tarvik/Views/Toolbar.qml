@@ -20,7 +20,7 @@ Item {
         anchors.right: refresh.left
         anchors.rightMargin: Theme.small
         anchors.verticalCenter: parent.verticalCenter
-        visible: AppState.isPreparing
+        visible: AppState.isPreparing && !Alerts.isOpen
         Accessible.name: "Looking at what is to be moved"
     }
     IconButton {

@@ -267,6 +267,23 @@ TEST_F(AppsTab, StartsNoOtherMoveDuringARun) {
     EXPECT_TRUE(window.waitUntil([&] { return window.state().isIdle(); }));
 }
 
+TEST_F(AppsTab, ShowsThatAMoveIsMadeReady) {
+    app("Editor");
+    auto& window = openScope("local");
+    window.click("app-Editor/appBox");
+    ASSERT_TRUE(window.waitUntil([&] { return window.state().isIdle(); }));
+    BusyThreads busyThreads(BusyThreads::all(), Priority::userInitiated);
+    EXPECT_FALSE(window.isShown("preparingSpinner"));
+    window.click("moveAppsButton");
+    EXPECT_TRUE(window.waitUntilShown("preparingSpinner"));
+    EXPECT_FALSE(window.isEnabled("moveAppsButton"));
+    busyThreads.end();
+    EXPECT_TRUE(window.waitUntilShown("alertDialog"));
+    EXPECT_FALSE(window.isShown("preparingSpinner")) << "it is the user who is waited for";
+    window.press(Qt::Key_Escape);
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveAppsButton"); }));
+}
+
 TEST_F(AppsTab, IsUsedByTheKeyboardAlone) {
     app("Editor");
     app("Player");
@@ -305,6 +322,7 @@ TEST_F(AppsTab, ShowsTheIconsThatBundlesHave) {
     makeIcon(broken, Qt::red, "org.example.Broken");
     makeFile(broken / "Contents/Resources/Icon.icns",
              iconFile({{"ic07", pngBeginning(128, 128) + std::string(50, 'x')}}));
+    testing::internal::CaptureStderr();  // The library that decodes it says so there.
     auto& window = openScope("local");
     const auto isNeutral = [&](const char* name) {
         return window.item(QStringLiteral("app-%1/appIcon").arg(name)).property("isNeutral").toBool();
@@ -314,6 +332,8 @@ TEST_F(AppsTab, ShowsTheIconsThatBundlesHave) {
     EXPECT_EQ(window.window().grabWindow().pixelColor(icon.mapToScene({16, 16}).toPoint()), QColor(200, 0, 0));
     EXPECT_TRUE(isNeutral("Plain"));
     EXPECT_TRUE(isNeutral("Broken"));
+    opened.reset();
+    testing::internal::GetCapturedStderr();
 }
 
 TEST_F(AppsTab, KeepsLongNamesInTheirRow) {

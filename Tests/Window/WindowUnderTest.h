@@ -19,7 +19,8 @@ namespace tarvik::test {
 ///
 /// Things are found by their `objectName`; "a/b" is the b inside a. Only what is shown is found. The names:
 ///
-/// - shell: rootView, toolbarTitle, refreshAllButton, tabContent, infoToast, errorToast (each: toastText, toastTimer)
+/// - shell: rootView, toolbarTitle, preparingSpinner, refreshAllButton, tabContent, infoToast, errorToast (each:
+/// toastText, toastTimer)
 /// - sidebar: appName, tabList, tab-NAME, drivesTitle, refreshDrivesButton, driveSpinner, noDrivesText, driveList,
 ///   bootFree
 /// - a drive, drive-NAME: driveIcon, driveName, driveFree, driveTotal, driveCapacity, driveCheckMark
