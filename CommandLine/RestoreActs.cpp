@@ -50,15 +50,14 @@ private:
     std::optional<std::vector<AppEntry>> m_entries;
 };
 
-/// Asks one question about all of them. @throws Failure when the answer is no.
-void confirm(const std::vector<WayBack>& waysBack, bool yes) {
-    const auto foreign =
-        std::find_if(waysBack.begin(), waysBack.end(), [](const WayBack& wayBack) { return !wayBack.isOwn; });
-    if (yes && foreign != waysBack.end())
-        throw Failure("CommandLine", 1,
-                      FolderMove::foreign(foreign->link) +
-                          " Leave out --yes and answer the question to bring back what it leads to.");
-    if (waysBack.size() == 1) return Terminal::confirm(FolderMove::confirmRestore(waysBack.front()), yes);
+/// One of the things that were named: its way back, or why there is none.
+struct Item {
+    Outcome outcome;
+    std::optional<WayBack> wayBack;
+};
+
+Dialog questionAbout(const std::vector<WayBack>& waysBack) {
+    if (waysBack.size() == 1) return FolderMove::confirmRestore(waysBack.front());
     std::vector<std::string> names;
     for (const auto& wayBack : waysBack) names.push_back(wayBack.link.filename());
     auto question = MoveDialogs::confirmRestore(std::ssize(names), names);
@@ -66,6 +65,26 @@ void confirm(const std::vector<WayBack>& waysBack, bool yes) {
         question.details.push_back(fmt::format("{} to {}", wayBack.target.native(), wayBack.link.native()));
         if (!wayBack.isOwn) question.details.push_back(FolderMove::foreign(wayBack.link));
     }
+    return question;
+}
+
+/// Asks one question about all that can come back, and tells what cannot. @throws Failure when the answer is no.
+void confirm(const std::vector<Item>& items, bool yes) {
+    std::vector<WayBack> waysBack;
+    std::vector<std::string> refusals;
+    for (const auto& item : items) {
+        if (item.wayBack) waysBack.push_back(*item.wayBack);
+        if (!item.wayBack) refusals.push_back(item.outcome.failure);
+    }
+    if (waysBack.empty()) return;
+    const auto foreign =
+        std::find_if(waysBack.begin(), waysBack.end(), [](const WayBack& wayBack) { return !wayBack.isOwn; });
+    if (yes && foreign != waysBack.end())
+        throw Failure("CommandLine", 1,
+                      FolderMove::foreign(foreign->link) +
+                          " Leave out --yes and answer the question to bring back what it leads to.");
+    auto question = questionAbout(waysBack);
+    question.details.insert(question.details.end(), refusals.begin(), refusals.end());
     Terminal::confirm(question, yes);
 }
 
@@ -73,25 +92,37 @@ Outcome outcomeOf(const WayBack& wayBack) {
     return {wayBack.link.filename(), wayBack.target, wayBack.link, 0, {}, FolderMove::movedBack(wayBack)};
 }
 
-/// What is to come back, each once, when the user has agreed. What it throws is about the item of `refused`.
-std::vector<WayBack> agreed(const Host& host, const Options& options, Outcome& refused) {
-    std::vector<WayBack> waysBack;
+Item itemOf(Finder& finder, const std::string& name) {
+    try {
+        const auto wayBack = finder.find(name);
+        return {outcomeOf(wayBack), wayBack};
+    } catch (const WrongUse&) {
+        throw;
+    } catch (const Failure& failure) {
+        const auto place = Files::standardized(name);
+        return {{.label = place.filename(), .destination = place, .failure = failure.description()}, std::nullopt};
+    }
+}
+
+/// Whether the one comes back, or is gone, when the other has come back.
+bool goesWith(const Item& one, const Item& other) {
+    if (!one.wayBack || !other.wayBack) return false;
+    return one.wayBack == other.wayBack ||
+           AppRestore::goesWith(one.wayBack->link, one.wayBack->target, other.wayBack->target);
+}
+
+/// Each once, however often it was named.
+std::vector<Item> namedItems(const Host& host, const Options& options) {
+    std::vector<Item> items;
     Finder finder(host, options);
     for (const auto& name : options.names) {
-        const auto place = Files::standardized(name);
-        refused = {.label = place.filename(), .destination = place};
-        const auto wayBack = finder.find(name);
-        refused = outcomeOf(wayBack);
-        const auto goesWith = [](const WayBack& one, const WayBack& other) {
-            return one == other || AppRestore::goesWith(one.link, one.target, other.target);
-        };
-        const auto bringsIt = [&](const WayBack& other) { return goesWith(wayBack, other); };
-        if (std::any_of(waysBack.begin(), waysBack.end(), bringsIt)) continue;
-        std::erase_if(waysBack, [&](const WayBack& other) { return goesWith(other, wayBack); });
-        waysBack.push_back(wayBack);
+        auto item = itemOf(finder, name);
+        const auto bringsIt = [&](const Item& other) { return goesWith(item, other); };
+        if (std::any_of(items.begin(), items.end(), bringsIt)) continue;
+        std::erase_if(items, [&](const Item& other) { return goesWith(other, item); });
+        items.push_back(std::move(item));
     }
-    confirm(waysBack, options.yes);
-    return waysBack;
+    return items;
 }
 
 void bringBack(const Host& host, const WayBack& wayBack, Outcome& outcome, Format format) {
@@ -116,26 +147,28 @@ void finishAll(const std::vector<Outcome>& outcomes, Format format) {
 }  // namespace
 
 void restore(const Host& host, const Options& options) {
-    std::vector<WayBack> waysBack;
-    Outcome refused;
+    auto items = namedItems(host, options);
+    std::vector<Outcome> outcomes;
     try {
-        waysBack = agreed(host, options, refused);
-    } catch (const WrongUse&) {
-        throw;
+        confirm(items, options.yes);
     } catch (const Failure& failure) {
-        refused.failure = failure.description();
-        return finish(refused, options.format);
+        if (options.format == Format::human) throw;
+        for (auto& item : items) {
+            if (item.wayBack) item.outcome.failure = failure.description();
+            outcomes.push_back(std::move(item.outcome));
+        }
+        return finishAll(outcomes, options.format);
     }
     const SignalGuard guard;
-    std::vector<Outcome> outcomes;
-    for (const auto& wayBack : waysBack) {
-        auto& outcome = outcomes.emplace_back(outcomeOf(wayBack));
+    for (auto& item : items) {
+        auto& outcome = outcomes.emplace_back(std::move(item.outcome));
+        if (!item.wayBack) continue;
         if (SignalGuard::isAskedToEnd()) {
             outcome.failure = notStarted;
             continue;
         }
         try {
-            bringBack(host, wayBack, outcome, options.format);
+            bringBack(host, *item.wayBack, outcome, options.format);
         } catch (const std::exception& failure) {
             outcome.failure = failure.what();
         }
