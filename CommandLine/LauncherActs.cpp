@@ -35,6 +35,8 @@ std::string stateOf(const LauncherEntry& entry) {
             return "relocated";
         case Condition::incomplete:
             return "incomplete";
+        case Condition::needless:
+            return "needless";
         case Condition::broken:
             return "broken";
     }

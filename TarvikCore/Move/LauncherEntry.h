@@ -12,6 +12,7 @@ struct LauncherEntry {
         outdated,    ///< it opens something else than the application behind a link that it stands for
         relocated,   ///< its application has moved to the place where this version looks for it
         incomplete,  ///< it has no program
+        needless,    ///< its application has come back with the folder that it stands in
         broken,      ///< its application is gone
     };
 
@@ -20,7 +21,7 @@ struct LauncherEntry {
     fs::path target;
     Condition condition = Condition::ok;
 
-    /// Whether a new launcher makes it good.
+    /// Whether it can be made good: by a new launcher, or by taking a needless one away.
     bool isRepairable() const { return condition != Condition::ok && condition != Condition::broken; }
 
     bool operator==(const LauncherEntry&) const = default;

@@ -12,6 +12,7 @@
 #include "Platform/ListedFolder.h"
 #include "Platform/SystemFolders.h"
 #include "Platform/Text.h"
+#include "Platform/TrashCan.h"
 
 #include <fmt/format.h>
 
@@ -31,6 +32,8 @@ std::optional<LauncherEntry> entryOf(const Host& host, const fs::path& bundle) {
     if (!text) return std::nullopt;
     if (!text->is_absolute()) return LauncherEntry{bundle, *text, Condition::broken};
     const fs::path target = Files::standardized(*text);
+    if (NestedAppLauncherService::hasComeBack(bundle.parent_path(), target))
+        return LauncherEntry{bundle, target, Condition::needless};
     if (!Files::exists(target)) {
         const auto relocated = StaleRootRetarget::candidate(host, target);
         return relocated ? LauncherEntry{bundle, *relocated, Condition::relocated}
@@ -67,6 +70,10 @@ void repair(const Host& host, const LauncherEntry& entry) {
     // The user has been asked meanwhile: what came to stand there is not ours to put away.
     if (Files::itemExists(entry.launcher) && !AppClassifier::readLauncherTarget(entry.launcher))
         throw Failure("LauncherInventory", 1, fmt::format("{} is no launcher, so it stays.", entry.launcher.native()));
+    if (entry.condition == Condition::needless) {
+        host.trash->moveToTrash(entry.launcher);
+        return;
+    }
     LauncherAppBuilder::install(host, entry.target, entry.launcher, entry.target, InstallerRunReporter::silent);
 }
 

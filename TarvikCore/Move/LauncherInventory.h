@@ -15,7 +15,7 @@ namespace tarvik::LauncherInventory {
 /// links in /Applications still need, by path. Blocks; never fails: what cannot be read is left out.
 std::vector<LauncherEntry> list(const Host& host);
 
-/// Makes a launcher that is repairable anew. Blocks. @throws Failure
+/// Makes a launcher that is repairable anew; a needless one goes to the Trash. Blocks. @throws Failure
 void repair(const Host& host, const LauncherEntry& entry);
 
 /// Asks whether the repairable ones shall be made anew. The first button is "Repair". Pure.

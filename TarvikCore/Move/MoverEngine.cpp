@@ -197,7 +197,10 @@ void restore(const Host& host, const fs::path& link, const ProgressCallback& pro
     try {
         ItemMover::move(host, target, goal, launched ? ItemMover::Goal::launcher : ItemMover::Goal::link, progress);
     } catch (const Failure&) {
-        if (isInternalized(goal)) recordRestore(host, goal);  // Only its removal from the drive has failed.
+        if (isInternalized(goal)) {  // Only its removal from the drive has failed.
+            recordRestore(host, goal);
+            NestedAppLauncherService::removeLaunchers(host, goal, target);
+        }
         throw;
     }
     verifyInternalized(goal);

@@ -73,6 +73,18 @@ void installLauncher(const Host& host, const NestedAppLauncherCandidate& candida
     LauncherAppBuilder::install(host, candidate.targetApp, candidate.launcher, candidate.targetApp, reporter);
 }
 
+/// Whether the last `depth` components of the path lead from the root to an application through real folders.
+bool standsBelow(const fs::path& root, const fs::path& target, int depth) {
+    fs::path folder = target;
+    for (int level = 0; level < depth; ++level) folder = folder.parent_path();
+    fs::path place = root;
+    for (const fs::path& component : target.lexically_relative(folder)) {
+        place /= component;
+        if (Files::isSymbolicLink(place) || !Files::isFolder(place)) return false;
+    }
+    return !isSameItem(place, target);
+}
+
 std::int64_t install(const Host& host, const Candidates& candidates, const InstallerRunReporter& reporter) {
     std::int64_t installed = 0;
     for (const auto& candidate : candidates) {
@@ -117,6 +129,15 @@ Candidates missingCandidates(const Host&, const fs::path& applicationRoot) {
     for (const auto& candidate : candidates)
         if (settled.insert(candidate.launcher).second) missing.push_back(candidate);
     return missing;
+}
+
+bool hasComeBack(const fs::path& applicationRoot, const fs::path& target) {
+    bool isBack = false;
+    for (int depth = 2; depth <= maxDepth + 2; ++depth) isBack = isBack || standsBelow(applicationRoot, target, depth);
+    if (!isBack) return false;
+    const Candidates linked = symlinkedAppFolderCandidates(applicationRoot);
+    return std::none_of(linked.begin(), linked.end(),
+                        [&](const NestedAppLauncherCandidate& candidate) { return candidate.targetApp == target; });
 }
 
 std::int64_t installMissingLaunchers(const Host& host, const fs::path& applicationRoot,

@@ -92,6 +92,33 @@ TEST_F(LauncherInventoryTest, MendsWhatCanBeMended) {
     EXPECT_THAT(Files::names(world.trash->folder), ElementsAre("Hollow.app", "Old.app"));
 }
 
+TEST_F(LauncherInventoryTest, TakesTheLaunchersOfAFolderAwayThatHasComeBack) {
+    const fs::path suite = world.drive / "ExternalTarvik/Folders/Suite";
+    test::makeBundle(suite / "Mixer.app");
+    test::makeBundle(applications / "Suite/Mixer.app");
+    test::makeBundle(applications / "Suite/Tools/Tuner.app");
+    launcherFor(applications / "Mixer.app", suite / "Mixer.app");
+    launcherFor(applications / "Tuner.app", suite / "Tools/Tuner.app");
+    launcherFor(applications / "Gone.app", suite / "Gone.app");
+    EXPECT_THAT(list(),
+                ElementsAre(LauncherEntry{applications / "Gone.app", suite / "Gone.app", Condition::broken},
+                            LauncherEntry{applications / "Mixer.app", suite / "Mixer.app", Condition::needless},
+                            LauncherEntry{applications / "Tuner.app", suite / "Tools/Tuner.app", Condition::needless}));
+    for (const auto& entry : list())
+        if (entry.isRepairable()) LauncherInventory::repair(world.host, entry);
+    EXPECT_THAT(Files::names(applications), ElementsAre("Gone.app", "Suite"));
+    EXPECT_TRUE(Files::exists(suite / "Mixer.app"));
+}
+
+TEST_F(LauncherInventoryTest, LeavesALauncherForWhatALinkLeadsTo) {
+    const fs::path suite = world.drive / "ExternalTarvik/Folders/Suite";
+    test::makeBundle(suite / "Mixer.app");
+    test::makeBundle(applications / "Suite/Mixer.app");
+    test::makeLink(applications / "Other", suite);
+    launcherFor(applications / "Mixer.app", suite / "Mixer.app");
+    EXPECT_THAT(list(), ElementsAre(LauncherEntry{applications / "Mixer.app", suite / "Mixer.app", Condition::ok}));
+}
+
 TEST_F(LauncherInventoryTest, SaysWhyALauncherCannotBeMade) {
     fs::remove(world.host.tools.externalAppLauncher);
     try {
