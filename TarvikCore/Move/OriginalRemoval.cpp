@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <exception>
 #include <functional>
 #include <optional>
 #include <string>
@@ -54,13 +55,14 @@ void removeBy(const Host& host, const fs::path& original, const fs::path& aside,
     try {
         requireUnchanged(aside);
         onBehalfOf(original, [&] { Files::removeItem(aside, Files::Obstacles::knownToBeNone); });
-    } catch (const Failure& failure) {
+    } catch (const std::exception& failure) {
         try {
             putBack();
         } catch (const Failure&) {
-            throw Failure(failure.domain(), failure.code(),
-                          fmt::format("{} What is left of {} is now {}.", failure.description(),
-                                      original.filename().native(), aside.native()));
+            const auto* const known = dynamic_cast<const Failure*>(&failure);
+            throw Failure(known ? known->domain() : "OriginalRemoval", known ? known->code() : 0,
+                          fmt::format("{} What is left of {} is now {}.", failure.what(), original.filename().native(),
+                                      aside.native()));
         }
         throw;
     }
@@ -94,7 +96,9 @@ LinkInWaiting::~LinkInWaiting() {
 
 void replaceByLink(const Host& host, const LinkInWaiting& link, const ChangeWatch::Mark& start) {
     const fs::path& original = link.original();
-    const auto exchange = [&] { Files::exchange(link.place(), original, HiddenPlace::forExchangeOf(original)); };
+    // The way back must not fail for want of memory.
+    const fs::path between = HiddenPlace::forExchangeOf(original);
+    const auto exchange = [&] { Files::exchange(link.place(), original, between); };
     removeBy(host, original, link.place(), start, exchange, exchange);
 }
 

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <new>
 #include <unistd.h>
 
 namespace tarvik::Files {
@@ -16,8 +17,7 @@ bool isMountPoint(const TreeWalk& walk) {
     return SystemCalls::readGuard(walk.folderHandle(), walk.name(), guard) == 0 && guard.isMountPoint;
 }
 
-void removeTree(const fs::path& path) {
-    bool hasBegun = false;
+void removeEntries(const fs::path& path, bool& hasBegun) {
     const auto requireNoError = [&](const char* verb, const fs::path& place, int error) {
         if (error && hasBegun) throw IncompleteRemoval(verb, place, error);
         if (error) throw FileError(verb, place, error);
@@ -38,6 +38,16 @@ void removeTree(const fs::path& path) {
         hasBegun = true;
     }
     if (::rmdir(path.c_str()) != 0) requireNoError("remove", path, errno);
+}
+
+void removeTree(const fs::path& path) {
+    bool hasBegun = false;
+    try {
+        removeEntries(path, hasBegun);
+    } catch (const std::bad_alloc&) {
+        if (hasBegun) throw IncompleteRemoval("remove", path, ENOMEM);
+        throw;
+    }
 }
 
 }  // namespace

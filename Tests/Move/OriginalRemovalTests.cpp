@@ -2,6 +2,7 @@
 #include "Move/OriginalRemoval.h"
 #include "Platform/Files.h"
 #include "Support/RealVolume.h"
+#include "Support/ScarceMemory.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
@@ -9,7 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <functional>
+#include <new>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -102,6 +105,36 @@ TEST(OriginalRemoval, LeavesAnOriginalThatHoldsAVolume) {
               "Could not remove the mounted volume " + inside.path().native() + ": Device or resource busy");
     EXPECT_TRUE(Files::exists(pair.original / "song"));
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
+}
+
+TEST(OriginalRemoval, PutsTheOriginalBackForWantOfMemory) {
+    bool isOver = false;
+    for (int ordinal = 1; !isOver; ++ordinal) {
+        SCOPED_TRACE(ordinal);
+        const Pair pair;
+        bool isWhole = true;
+        {
+            const OriginalRemoval::LinkInWaiting link(pair.original, pair.copy);
+            try {
+                const ScarceMemory memory(ordinal);
+                OriginalRemoval::replaceByLink(pair.world.host, link, pair.start);
+                isOver = !ScarceMemory::hasStruck();
+                isWhole = false;
+            } catch (const Files::IncompleteRemoval& error) {
+                EXPECT_EQ(error.code(), ENOMEM);
+                EXPECT_TRUE(Files::isFolder(pair.original));
+                isWhole = false;
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(ScarceMemory::hasStruck());
+            }
+        }
+        if (isWhole) {
+            EXPECT_EQ(pictureOf(pair.original), pair.picture);
+        }
+        EXPECT_EQ(Files::isSymbolicLink(pair.original), isOver);
+        ASSERT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
+        ASSERT_LT(ordinal, 1000);
+    }
 }
 
 TEST(Files, LetsTwoItemsTakeEachOthersName) {
