@@ -1,5 +1,6 @@
 #include "Move/DriveCopy.h"
 
+#include "Move/HiddenPlace.h"
 #include "Move/MoverError.h"
 #include "Move/MoverStasher.h"
 #include "Platform/Files.h"
@@ -9,13 +10,10 @@
 
 namespace tarvik {
 
-DriveCopy::DriveCopy(const Host& host, const fs::path& source, fs::path goal) : m_host(host), m_goal(std::move(goal)) {
-    try {
-        m_claim = HiddenPlace::claimForCopyTo(m_goal, Files::ItemType::folder);
-        m_hidden = m_place = Files::isFolder(source) ? m_claim.path : m_claim.path / m_goal.filename();
-    } catch (const FileError& error) {
-        throw MoverError::copyFailed(error.description());
-    }
+DriveCopy::DriveCopy(const Host& host, const fs::path& source, fs::path goal) try
+    : m_host(host), m_goal(std::move(goal)), m_hidden(source, m_goal), m_place(m_hidden.path()) {
+} catch (const FileError& error) {
+    throw MoverError::copyFailed(error.description());
 }
 
 void DriveCopy::arrive() {
@@ -26,7 +24,7 @@ void DriveCopy::arrive() {
         throw MoverError::copyFailed(FileError("create", m_goal, error.code()).description());
     }
     m_place = m_goal;
-    clearClaim();
+    m_hidden.clearFolder();
     try {
         Files::flushVolume(m_goal.parent_path());
     } catch (const FileError& error) {
@@ -37,21 +35,17 @@ void DriveCopy::arrive() {
 Disposal::Outcome DriveCopy::stash() {
     if (m_place == m_goal) return MoverStasher::stash(m_host, m_goal);
     const auto outcome = HiddenPlace::stash(m_host, m_place, m_goal);
-    clearClaim();
+    m_hidden.clearFolder();
     return outcome;
 }
 
 void DriveCopy::remove() noexcept {
     ignoringFailure([&] { Files::removeItem(m_place); });
-    clearClaim();
-}
-
-void DriveCopy::clearClaim() noexcept {
-    ignoringFailure([&] { Files::removeEmptyFolder(m_claim.path); });
+    m_hidden.clearFolder();
 }
 
 std::string DriveCopy::inOwnName(std::string text) const {
-    return HiddenPlace::withOwnName(std::move(text), m_hidden, m_goal);
+    return HiddenPlace::withOwnName(std::move(text), m_hidden.path(), m_goal);
 }
 
 }  // namespace tarvik

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Move/CopyPlace.h"
 #include "Move/Disposal.h"
-#include "Move/HiddenPlace.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
@@ -11,9 +11,6 @@ namespace tarvik {
 
 /// The copy that a move makes. It grows under a hidden name beside its goal and gets the goal's name only when it is
 /// complete: what a killed move leaves is never taken for the item, nor does it stand in the way of the next move.
-///
-/// A folder grows in the place that is claimed for it. The copy tool makes a single file anew, which would then no
-/// longer be marked as in use: so it gets a folder of its own.
 ///
 /// One thread; `host` must outlive it.
 class DriveCopy {
@@ -40,13 +37,9 @@ public:
     std::string inOwnName(std::string text) const;
 
 private:
-    /// Removes the folder around a single file, when that has left it.
-    void clearClaim() noexcept;
-
     const Host& m_host;
     fs::path m_goal;
-    HiddenPlace::Claim m_claim;
-    fs::path m_hidden;
+    CopyPlace m_hidden;
     fs::path m_place;
 };
 

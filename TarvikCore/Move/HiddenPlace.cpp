@@ -133,12 +133,12 @@ fs::path forExchangeOf(const fs::path& item) {
     return hidden(exchangePrefix, item);
 }
 
-Claim claimForCopyTo(const fs::path& goal, Files::ItemType type) {
+Claim claimForCopyTo(const fs::path& goal) {
     Claim claim;
     for (int attempt = 0; attempt < mostClaims; ++attempt) {
         claim.path = forCopyTo(goal);
         try {
-            if (!Files::claim(claim.path, type)) continue;
+            if (!Files::claim(claim.path)) continue;
         } catch (const FileError& error) {
             throw FileError("create", goal, error.code());
         }
@@ -181,7 +181,7 @@ Disposal::Outcome stash(const Host& host, const fs::path& hidden, const fs::path
     if (!Files::itemExists(hidden)) return {};
     Disposal::Outcome outcome{Disposal::Outcome::End::stayed, hidden};
     ignoringFailure([&] {
-        const auto shelf = claimForCopyTo(place, Files::ItemType::folder);
+        const auto shelf = claimForCopyTo(place);
         const fs::path shelved = shelf.path / place.filename();
         ignoringFailure([&] {
             Files::rename(hidden, shelved);

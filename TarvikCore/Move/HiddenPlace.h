@@ -24,8 +24,8 @@ struct Claim {
     fs::path path;
     FileDescriptor held;
 };
-/// Takes a place for a copy of an item of this type, as `Files::claim` does. @throws FileError, which tells of `goal`.
-Claim claimForCopyTo(const fs::path& goal, Files::ItemType type);
+/// Takes a place for a copy, by an empty folder. @throws FileError, which tells of `goal`.
+Claim claimForCopyTo(const fs::path& goal);
 /// Whether a running act is making a copy that will stand at `goal`.
 bool isCopyUnderWayTo(const fs::path& goal);
 /// What tells of an item under its hidden name, or in a folder of that name, told of its own place.

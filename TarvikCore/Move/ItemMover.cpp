@@ -2,6 +2,7 @@
 
 #include "Discovery/AppScanner.h"
 #include "Move/ChangeWatch.h"
+#include "Move/CopyPlace.h"
 #include "Move/CopyProof.h"
 #include "Move/FileCopier.h"
 #include "Move/HiddenPlace.h"
@@ -73,16 +74,18 @@ bool renamesWithinVolume(const fs::path& from, const fs::path& to, Goal goal) {
     return true;
 }
 
-/// Leaves at `temporary` a complete copy that has reached the drive, or nothing.
-void copyAcross(const Host& host, const fs::path& from, const fs::path& to, const fs::path& temporary,
+/// Leaves a complete copy that has reached the drive, in no folder of its own, or nothing.
+void copyAcross(const Host& host, const fs::path& from, const fs::path& to, CopyPlace& copy,
                 const ProgressCallback& progress) {
     try {
-        copyWithProgress(host, from, temporary, progress);
-        if (auto reason = CopyProof::reasonAgainst(host, from, temporary, CopyProof::Count::no))
+        copyWithProgress(host, from, copy.path(), progress);
+        if (auto reason = CopyProof::reasonAgainst(host, from, copy.path(), CopyProof::Count::no))
             throw MoverError::verifyFailed(*reason);
+        copy.leaveFolder();
     } catch (...) {
-        ignoringFailure([&] { Files::removeItem(temporary); });  // Our own unfinished copy: the original is whole.
-        HiddenPlace::rethrowInOwnName(temporary, to);
+        ignoringFailure([&] { Files::removeItem(copy.path()); });  // Our own unfinished copy: the original is whole.
+        copy.clearFolder();
+        HiddenPlace::rethrowInOwnName(copy.path(), to);
     }
 }
 
@@ -114,9 +117,9 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
                 const ProgressCallback& progress) {
     if (const auto obstacle = TreeObstacle::toRemoval(from)) throw obstacle->error();
     const auto start = ChangeWatch::mark(from);
-    const auto claim = HiddenPlace::claimForCopyTo(to, Files::info(from).value_or(Files::ItemInfo{}).type);
-    const fs::path& temporary = claim.path;
-    copyAcross(host, from, to, temporary, progress);
+    CopyPlace copy(from, to);
+    copyAcross(host, from, to, copy, progress);
+    const fs::path& temporary = copy.path();
     arrive(host, temporary, to, goal);
     // What was replaced stands at `temporary` until nothing can go wrong any more.
     const auto discardReplaced = [&] {

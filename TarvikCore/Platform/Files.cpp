@@ -155,14 +155,10 @@ void createFolder(const fs::path& folder) {
     if (error) throw FileError("create the folder", folder, error.value());
 }
 
-bool claim(const fs::path& path, ItemType type) {
-    const bool isFolder = type == ItemType::folder;
-    const int result = isFolder ? ::mkdir(path.c_str(), 0700)
-                       : FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) ? 0
-                                                                                                             : -1;
-    if (result == 0) return true;
+bool claim(const fs::path& path) {
+    if (::mkdir(path.c_str(), 0700) == 0) return true;
     if (errno == EEXIST) return false;
-    throw FileError(isFolder ? "create the folder" : "create", path, errno);
+    throw FileError("create the folder", path, errno);
 }
 
 void createSymbolicLink(const fs::path& link, const fs::path& target) {

@@ -190,7 +190,7 @@ TEST_F(MoverEngine, LeavesThePlaceToWhatComesThereDuringTheCopy) {
 
 TEST_F(MoverEngine, LeavesThePlaceToACopyThatIsUnderWay) {
     makeFolder(world.foldersOnDrive());
-    auto other = HiddenPlace::claimForCopyTo(destination, Files::ItemType::folder);
+    auto other = HiddenPlace::claimForCopyTo(destination);
     world.withDitto("exit 3");
     EXPECT_EQ(failureOfMove(), "Destination already exists.");
     EXPECT_TRUE(Files::exists(other.path));

@@ -82,12 +82,10 @@ TEST(Files, RenameNeverReplaces) {
 
 TEST(Files, ClaimsAPlaceOnce) {
     const TemporaryFolder folder;
-    EXPECT_TRUE(Files::claim(folder / "a", Files::ItemType::folder));
+    EXPECT_TRUE(Files::claim(folder / "a"));
     EXPECT_TRUE(Files::isFolder(folder / "a"));
-    EXPECT_FALSE(Files::claim(folder / "a", Files::ItemType::folder));
-    EXPECT_TRUE(Files::claim(folder / "b", Files::ItemType::regular));
-    EXPECT_FALSE(Files::claim(folder / "b", Files::ItemType::regular));
-    EXPECT_THROW(Files::claim(folder / "missing/c", Files::ItemType::folder), FileError);
+    EXPECT_FALSE(Files::claim(folder / "a"));
+    EXPECT_THROW(Files::claim(folder / "missing/c"), FileError);
 }
 
 TEST(Files, RefusesToGuessTheWorkingDirectory) {
