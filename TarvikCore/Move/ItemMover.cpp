@@ -4,10 +4,10 @@
 #include "Move/ChangeWatch.h"
 #include "Move/CopyPlace.h"
 #include "Move/CopyProof.h"
+#include "Move/Disposal.h"
 #include "Move/FileCopier.h"
 #include "Move/HiddenPlace.h"
 #include "Move/MoverError.h"
-#include "Move/MoverStasher.h"
 #include "Move/OriginalRemoval.h"
 #include "Move/ProgressTimer.h"
 #include "Platform/Files.h"
@@ -27,6 +27,10 @@ bool isSameVolume(const fs::path& item, const fs::path& folder) {
     const auto own = Files::info(item);
     const auto other = Files::infoFollowingLinks(folder);
     return own && other && own->device == other->device;
+}
+
+bool isSameItem(const std::optional<Files::ItemInfo>& one, const std::optional<Files::ItemInfo>& other) {
+    return one && other && one->device == other->device && one->inode == other->inode;
 }
 
 void copyWithProgress(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
@@ -56,17 +60,25 @@ void leavePlace(const fs::path& item, const fs::path& to, Goal goal) {
     goal == Goal::free ? Files::rename(to, item) : Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
 }
 
+/// Disposes of what the item has replaced at `to`, and what stands at `replaced` now. A link holds nothing. A launcher
+/// is known by one file alone, so that someone may keep more in it. @throws FileError when it stays where it is.
+void discardReplaced(const Host& host, const fs::path& replaced, const fs::path& to, Goal goal) {
+    if (goal == Goal::link) return Files::removeLink(replaced);
+    if (goal == Goal::free) return;
+    if (HiddenPlace::stash(host, replaced, to).end == Disposal::Outcome::End::stayed)
+        throw FileError("remove", to, EPERM);
+}
+
 /// Renames, or tells that the goal is on another volume.
-bool renamesWithinVolume(const fs::path& from, const fs::path& to, Goal goal) {
+bool renamesWithinVolume(const Host& host, const fs::path& from, const fs::path& to, Goal goal) {
     try {
         takePlace(from, to, goal);
     } catch (const FileError& error) {
         if (error.code() == EXDEV) return false;
         throw;
     }
-    if (goal == Goal::free) return true;
     try {
-        Files::removeItem(from);
+        discardReplaced(host, from, to, goal);
     } catch (...) {
         ignoringFailure([&] { leavePlace(from, to, goal); });
         throw;
@@ -93,16 +105,18 @@ void copyAcross(const Host& host, const fs::path& from, const fs::path& to, Copy
 void giveUpArrival(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
     ignoringFailure([&] {
         leavePlace(temporary, to, goal);
-        MoverStasher::stash(host, temporary);
+        HiddenPlace::stash(host, temporary, to);
     });
 }
 
 /// Puts the complete copy at `temporary` in its place, for good, or leaves the place as it was.
 void arrive(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
+    const auto copy = Files::info(temporary);
     try {
         takePlace(temporary, to, goal);
     } catch (...) {
-        ignoringFailure([&] { Files::removeItem(temporary); });  // Nobody has seen the copy yet.
+        // Nobody has seen the copy yet. But if what stood at the goal could not be put back, it stands here.
+        if (isSameItem(Files::info(temporary), copy)) ignoringFailure([&] { Files::removeItem(temporary); });
         throw;
     }
     try {
@@ -121,22 +135,20 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
     copyAcross(host, from, to, copy, progress);
     const fs::path& temporary = copy.path();
     arrive(host, temporary, to, goal);
-    // What was replaced stands at `temporary` until nothing can go wrong any more.
-    const auto discardReplaced = [&] {
-        if (goal != Goal::free) ignoringFailure([&] { Files::removeItem(temporary); });
-    };
+    // What was replaced stands at `temporary` until nothing can go wrong any more. What stays there a later act clears.
+    const auto discard = [&] { ignoringFailure([&] { discardReplaced(host, temporary, to, goal); }); };
     try {
         OriginalRemoval::remove(host, from, start);
     } catch (const MoverError&) {
         giveUpArrival(host, temporary, to, goal);
         throw;
     } catch (const Failure& failure) {
-        discardReplaced();
+        discard();
         throw Failure("ItemMover", failure.code(),
                       fmt::format("{} is in its place again, but what it was copied from could not be removed. {}",
                                   to.filename().native(), failure.description()));
     }
-    discardReplaced();
+    discard();
 }
 
 }  // namespace
@@ -144,7 +156,7 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
 void move(const Host& host, const fs::path& from, const fs::path& to, Goal goal, const ProgressCallback& progress) {
     if (goal == Goal::free && Files::itemExists(to))
         throw FileError("move", from.native() + " to " + to.native(), EEXIST);
-    if (isSameVolume(from, to.parent_path()) && renamesWithinVolume(from, to, goal)) return;
+    if (isSameVolume(from, to.parent_path()) && renamesWithinVolume(host, from, to, goal)) return;
     moveAcross(host, from, to, goal, progress);
 }
 

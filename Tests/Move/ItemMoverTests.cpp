@@ -3,6 +3,7 @@
 #include "Move/MoverEngine.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Support/Bundles.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -90,6 +91,111 @@ TEST_F(FileOnADrive, StaysThereWhenTheWayBackFails) {
     EXPECT_EQ(failureOfRestore(), "Verification failed: movie copied with a different file size.");
     expectStillMoved();
     EXPECT_FALSE(Files::itemExists(world->trash->folder));
+}
+
+TEST_F(FileOnADrive, StaysThereWhenItWasWrittenToMeanwhile) {
+    world->withDitto("cp -a \"$2\" \"$3\"; printf 'PICTURES' > \"$2\"");
+    EXPECT_EQ(failureOfRestore(), "Verification failed: movie was changed while it was copied.");
+    EXPECT_EQ(Files::linkText(link), file);
+    EXPECT_EQ(contentOf(file), "PICTURES");
+    EXPECT_THAT(world->namesAtHome(), ElementsAre("movie"));
+    // The copy stood in its place for a moment, where someone may have written to it.
+    EXPECT_EQ(contentOf(world->trash->folder / "movie"), "pictures");
+}
+
+namespace {
+
+/// An application on a drive, and a launcher for it at home in which the user keeps something.
+class LauncherOfMovedApplication : public testing::Test {
+protected:
+    void use(const fs::path& drive) {
+        world.emplace(drive);
+        world->withRealDitto();
+        launcher = world->home / "My Editor.app";
+        application = world->foldersOnDrive() / "Editor.app";
+        makeBundle(application);
+        makeLauncher(launcher, application);
+        makeFile(launcher / "notes", "mine");
+        pictureOfApplication = pictureOf(application);
+        pictureOfLauncher = pictureOf(launcher);
+    }
+
+    std::string failureOfRestore() const {
+        try {
+            MoverEngine::restore(world->host, launcher);
+        } catch (const Failure& failure) {
+            return failure.description();
+        }
+        return "done";
+    }
+
+    void expectRestored() const {
+        EXPECT_EQ(pictureOf(launcher), pictureOfApplication);
+        EXPECT_FALSE(Files::itemExists(application));
+    }
+
+    std::optional<World> world;
+    fs::path launcher;
+    fs::path application;
+    std::string pictureOfApplication;
+    std::string pictureOfLauncher;
+};
+
+}  // namespace
+
+TEST_F(LauncherOfMovedApplication, GoesToTheTrashWithinAVolume) {
+    use({});
+    EXPECT_EQ(failureOfRestore(), "done");
+    expectRestored();
+    EXPECT_THAT(world->namesAtHome(), ElementsAre("My Editor.app"));
+    EXPECT_EQ(pictureOf(world->trash->folder / "My Editor.app"), pictureOfLauncher);
+}
+
+TEST_F(LauncherOfMovedApplication, GoesToTheTrashAcrossVolumes) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder mounts;
+    const RealVolume volume = RealVolume::memory(mounts.path(), 20'000'000);
+    use(volume.path());
+    EXPECT_EQ(failureOfRestore(), "done");
+    expectRestored();
+    EXPECT_THAT(world->namesAtHome(), ElementsAre("My Editor.app"));
+    EXPECT_EQ(pictureOf(world->trash->folder / "My Editor.app"), pictureOfLauncher);
+}
+
+TEST_F(LauncherOfMovedApplication, IsSetAsideWhereTheTrashRefuses) {
+    use({});
+    world->trash->refuses = true;
+    EXPECT_EQ(failureOfRestore(), "done");
+    expectRestored();
+    const auto aside = Files::names(world->home / ".TarvikTrash");
+    ASSERT_EQ(aside.size(), 1U);
+    EXPECT_THAT(aside[0], testing::StartsWith("My Editor.app-"));
+    EXPECT_EQ(pictureOf(world->home / ".TarvikTrash" / aside[0]), pictureOfLauncher);
+}
+
+TEST_F(LauncherOfMovedApplication, StaysWhereNothingTakesIt) {
+    use({});
+    world->trash->refuses = true;
+    makeFile(world->home / ".TarvikTrash", "no folder");
+    EXPECT_EQ(failureOfRestore(), "Could not remove " + launcher.native() + ": Operation not permitted");
+    EXPECT_EQ(pictureOf(launcher), pictureOfLauncher);
+    EXPECT_EQ(pictureOf(application), pictureOfApplication);
+    EXPECT_THAT(world->namesAtHome(), ElementsAre(".TarvikTrash", "My Editor.app"));
+}
+
+TEST_F(LauncherOfMovedApplication, IsClearedLaterWhereNothingTakesItAcrossVolumes) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder mounts;
+    const RealVolume volume = RealVolume::memory(mounts.path(), 20'000'000);
+    use(volume.path());
+    world->trash->refuses = true;
+    makeFile(world->home / ".TarvikTrash", "no folder");
+    EXPECT_EQ(failureOfRestore(), "done");
+    expectRestored();
+    world->trash->refuses = false;
+    HiddenPlace::sweep(world->host, world->home);
+    EXPECT_THAT(world->namesAtHome(), ElementsAre(".TarvikTrash", "My Editor.app"));
+    EXPECT_EQ(pictureOf(world->trash->folder / "My Editor.app (left by an interrupted move)"), pictureOfLauncher);
 }
 
 }  // namespace tarvik::test
