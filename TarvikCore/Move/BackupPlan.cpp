@@ -62,13 +62,28 @@ void throwIf(const Refusal& refusal) {
     if (refusal) throw failure(*refusal);
 }
 
-/// Two backups of one second would share a folder, and set aside each other's copies.
-void waitForFreeFolder(const Host& host, const fs::path& drive) {
+/// Makes the folder of this second or of one of the next. Two backups in one folder would set aside each other's
+/// copies.
+fs::path claimedFolder(const Host& host, const fs::path& drive) {
     constexpr auto pause = std::chrono::milliseconds(20);
     constexpr int pausesInTwoSeconds = 100;
-    for (int turn = 0; Files::itemExists(BackupService::folderAt(drive, host.now())); ++turn) {
-        if (turn == pausesInTwoSeconds) throw failure("Other backups are being made on this drive. Try again later.");
-        std::this_thread::sleep_for(pause);
+    Files::createFolder(AppStorageNames::backupsRootOn(drive));
+    for (int turn = 0; turn <= pausesInTwoSeconds; ++turn) {
+        if (turn > 0) std::this_thread::sleep_for(pause);
+        fs::path folder = BackupService::folderAt(drive, host.now());
+        if (Files::createNewFolder(folder)) return folder;
+    }
+    throw failure("Other backups are being made on this drive. Try again later.");
+}
+
+/// Fills the claimed folder. When that fails and nothing is in it, it is removed.
+BackupRecord madeIn(const Host& host, const fs::path& folder, const Plan& plan,
+                    const BackupService::ProgressCallback& progress) {
+    try {
+        return BackupService::createIn(host, folder, plan.sources, plan.drive.mountPath, progress);
+    } catch (...) {
+        ignoringFailure([&] { Files::removeEmptyFolder(folder); });
+        throw;
     }
 }
 
@@ -103,8 +118,7 @@ Dialog confirm(const Plan& plan) {
 BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress) {
     const auto& mountPath = plan.drive.mountPath;
     if (!DriveScanner::isThere(host, mountPath)) throw failure("Target drive disconnected");
-    waitForFreeFolder(host, mountPath);
-    const auto record = BackupService::create(host, plan.sources, mountPath, progress);
+    const auto record = madeIn(host, claimedFolder(host, mountPath), plan, progress);
     for (const auto& source : plan.sources)
         if (!Files::itemExists(record.rootPath / BackupNames::ofSource(source)))
             throw failure(fmt::format("{} was gone when its turn came: the backup in {} does not hold it.",

@@ -92,24 +92,14 @@ std::optional<BackupRecord> recordIn(const fs::path& folder) {
     }
 }
 
-}  // namespace
-
-fs::path folderAt(const fs::path& drive, std::chrono::system_clock::time_point instant) {
-    return AppStorageNames::backupsRootOn(Files::standardized(drive)) / idAt(instant);
-}
-
-BackupRecord create(const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
-                    const ProgressCallback& progress) {
-    const fs::path folder = folderAt(drive, host.now());
-    const Drive volume(drive);
-    const auto found = existing(host, sources);
-    Files::createFolder(folder);
+/// Makes the copies and the record.
+BackupRecord fill(const Host& host, const fs::path& folder, const std::vector<Source>& sources, const Drive& volume,
+                  const ProgressCallback& progress) {
     BackupRecord record{.id = folder.filename(), .rootPath = folder};
-
     std::int64_t total = 0;
-    for (const auto& source : found) total += source.size;
+    for (const auto& source : sources) total += source.size;
     std::int64_t done = 0;
-    for (const auto& source : found) {
+    for (const auto& source : sources) {
         volume.requireThat(folder);
         const fs::path target = folder / BackupNames::ofSource(source.path);
         copy(host, source, target, [&](std::int64_t copied, std::int64_t) { progress(done + copied, total); });
@@ -125,6 +115,27 @@ BackupRecord create(const Host& host, const std::vector<fs::path>& sources, cons
     Files::writeDurably(folder / recordName, Json::compact(Json::encoded(record)));
     volume.requireThat(folder / recordName);
     return asWritten(record);
+}
+
+}  // namespace
+
+fs::path folderAt(const fs::path& drive, std::chrono::system_clock::time_point instant) {
+    return AppStorageNames::backupsRootOn(Files::standardized(drive)) / idAt(instant);
+}
+
+BackupRecord create(const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
+                    const ProgressCallback& progress) {
+    const fs::path folder = folderAt(drive, host.now());
+    const Drive volume(drive);
+    const auto found = existing(host, sources);
+    Files::createFolder(folder);
+    return fill(host, folder, found, volume, progress);
+}
+
+BackupRecord createIn(const Host& host, const fs::path& folder, const std::vector<fs::path>& sources,
+                      const fs::path& drive, const ProgressCallback& progress) {
+    const Drive volume(drive);
+    return fill(host, folder, existing(host, sources), volume, progress);
 }
 
 std::vector<BackupRecord> list(const Host& /*host*/, const fs::path& drive) {

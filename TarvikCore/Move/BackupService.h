@@ -30,6 +30,10 @@ BackupRecord create(
     const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
     const ProgressCallback& progress = [](std::int64_t, std::int64_t) {});
 
+/// The same in a `folder` that stands in `TarvikBackups` on the drive already, which the caller has to itself.
+BackupRecord createIn(const Host& host, const fs::path& folder, const std::vector<fs::path>& sources,
+                      const fs::path& drive, const ProgressCallback& progress);
+
 /// The backups on the drive, the newest first. What has no readable record is passed over. Never fails.
 std::vector<BackupRecord> list(const Host& host, const fs::path& drive);
 

@@ -33,6 +33,13 @@ int writeAll(int descriptor, std::string_view bytes) {
     return 0;
 }
 
+/// False when something stands there already.
+bool makeFolder(const fs::path& folder, mode_t mode) {
+    if (::mkdir(folder.c_str(), mode) == 0) return true;
+    if (errno == EEXIST) return false;
+    throw FileError("create the folder", folder, errno);
+}
+
 }  // namespace
 
 ItemType typeOfMode(mode_t mode) {
@@ -155,10 +162,12 @@ void createFolder(const fs::path& folder) {
     if (error) throw FileError("create the folder", folder, error.value());
 }
 
+bool createNewFolder(const fs::path& folder) {
+    return makeFolder(folder, 0777);
+}
+
 bool claim(const fs::path& path) {
-    if (::mkdir(path.c_str(), 0700) == 0) return true;
-    if (errno == EEXIST) return false;
-    throw FileError("create the folder", path, errno);
+    return makeFolder(path, 0700);
 }
 
 void createSymbolicLink(const fs::path& link, const fs::path& target) {

@@ -65,8 +65,10 @@ std::vector<std::string> names(const fs::path& folder);
 fs::path readLink(const fs::path& path);
 /// Makes the folder and those above it that are missing. An existing folder is fine.
 void createFolder(const fs::path& folder);
-/// Takes a place for the caller alone, by an empty folder. False when something stands there already.
+/// Makes the folder, as open as any new one. False when something stands there already.
 /// @throws FileError when nothing can be made there.
+bool createNewFolder(const fs::path& folder);
+/// The same for the caller alone, to take the place.
 bool claim(const fs::path& path);
 /// Makes a link at `link` that holds `target` as it stands. @throws FileError also when something is there.
 void createSymbolicLink(const fs::path& link, const fs::path& target);

@@ -10,6 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
 
 namespace tarvik {
 namespace {
@@ -175,6 +178,58 @@ TEST_F(BackupPlanned, WaitsForAFolderOfItsOwn) {
     };
     EXPECT_EQ(run(plan).id, "20261115_174544");
     EXPECT_TRUE(Files::exists(backups / "20261115_174543/Music/older"));
+}
+
+TEST_F(BackupPlanned, SharesItsFolderWithNoneThatBeginsMeanwhile) {
+    makeFile(home / "Music/song");
+    makeFile(home / "Pictures/one");
+    makeFile(home / "Pictures/two");
+    const auto music = planOf({home / "Music"});
+    const auto pictures = planOf({home / "Pictures"});
+    const auto clock = [](const std::function<int()>& seconds) {
+        return [seconds] {
+            return std::chrono::system_clock::time_point(std::chrono::seconds(test::madeNow + seconds()));
+        };
+    };
+    for (int moment = 1; moment <= 3; ++moment) {
+        const auto asked = std::make_shared<int>(0);
+        const auto othersAsked = std::make_shared<int>(0);
+        Host otherProcess = world.host;
+        otherProcess.now = clock([=] { return ++*othersAsked > 2 ? 1 : 0; });
+        std::optional<BackupRecord> others;
+        Host host = world.host;
+        host.now = clock([&, asked] {
+            if (++*asked == moment) others = BackupPlan::run(otherProcess, pictures, [](std::int64_t, std::int64_t) {});
+            return *asked > moment ? 2 : 0;
+        });
+        const auto own = BackupPlan::run(host, music, [](std::int64_t, std::int64_t) {});
+        if (!others) continue;  // It asked for the time less often.
+        EXPECT_NE(own.rootPath, others->rootPath) << moment;
+        EXPECT_EQ(Files::names(own.rootPath), (std::vector<std::string>{"Music", "backup.json"}));
+        EXPECT_EQ(Files::names(others->rootPath), (std::vector<std::string>{"Pictures", "backup.json"}));
+        EXPECT_EQ(own.backupFileCount, 1);
+        EXPECT_EQ(others->backupFileCount, 2);
+        EXPECT_FALSE(Files::exists(world.trash->folder)) << "nothing was in the way";
+        fs::remove_all(backups);
+    }
+}
+
+TEST_F(BackupPlanned, LeavesNoFolderWhenNothingHasArrived) {
+    makeFile(home / "Music/song");
+    makeFile(home / "Pictures/picture");
+    const auto plan = planOf({home / "Music", home / "Pictures"});
+    world.withDitto("echo 'no room' >&2; exit 1");
+    EXPECT_EQ(failureOf(plan), "Copy failed: ditto failed: no room");
+    EXPECT_TRUE(Files::names(backups).empty());
+    world.withDitto(R"(case "$2" in */Music) cp -aT "$2" "$3";; *) exit 1;; esac)");
+    EXPECT_EQ(failureOf(plan), "Copy failed: ditto failed: exit 1");
+    EXPECT_EQ(Files::names(backups / "20261115_174543"), std::vector<std::string>{"Music"});
+}
+
+TEST_F(BackupPlanned, StandsInAFolderThatIsAsOpenAsOthers) {
+    const auto record = run(planOf({}));
+    makeFolder(world.drive / "other");
+    EXPECT_EQ(test::statusOf(record.rootPath).st_mode, test::statusOf(world.drive / "other").st_mode);
 }
 
 /// What only real second volumes show.

@@ -80,6 +80,18 @@ TEST(Files, RenameNeverReplaces) {
     EXPECT_EQ(contentOf(folder / "c"), "A");
 }
 
+TEST(Files, MakesANewFolderOnlyOnce) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(Files::createNewFolder(folder / "new"));
+    EXPECT_FALSE(Files::createNewFolder(folder / "new"));
+    Files::createFolder(folder / "ordinary");
+    EXPECT_EQ(test::statusOf(folder / "new").st_mode, test::statusOf(folder / "ordinary").st_mode);
+    test::makeLink(folder / "dangling", "nowhere");
+    EXPECT_FALSE(Files::createNewFolder(folder / "dangling"));
+    EXPECT_THROW(Files::createNewFolder(folder / "missing/inside"), FileError);
+    EXPECT_FALSE(Files::exists(folder / "missing"));
+}
+
 TEST(Files, ClaimsAPlaceOnce) {
     const TemporaryFolder folder;
     EXPECT_TRUE(Files::claim(folder / "a"));
