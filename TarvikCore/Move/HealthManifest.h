@@ -10,8 +10,10 @@
 /// recording. The health check reads it to find moved paths whose link has gone.
 ///
 /// It is no ledger. Nothing here fails: a move is not undone because the manifest could not be written, and a damaged
-/// file is overwritten by the next record. There is no lock: of two changes at one time, one may be lost. Every
-/// operation blocks and may be called from any thread.
+/// file gives way to the next record. What it held is then kept beside it, as "health-manifest (damaged
+/// 2026-11-15).json". Where it only cannot be read for the moment, for want of memory or handles, it stays, and what
+/// was to be changed is not. Two changes at one time, by two programs too, wait for each other, but not for longer than
+/// two seconds. Every operation blocks and may be called from any thread.
 namespace tarvik::HealthManifest {
 
 /// Where the file stands, in the user's Library.

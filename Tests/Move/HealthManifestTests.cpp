@@ -1,13 +1,24 @@
 #include "Move/HealthManifest.h"
+#include "Platform/FileDescriptor.h"
+#include "Platform/Files.h"
 #include "Platform/Json.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fcntl.h>
 #include <random>
+#include <string>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <thread>
 #include <unordered_set>
+#include <vector>
 
 namespace tarvik {
 namespace {
@@ -16,6 +27,8 @@ using Instant = std::chrono::system_clock::time_point;
 using test::contentOf;
 using test::makeFile;
 using test::makeFolder;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 constexpr Instant autumn{std::chrono::seconds(test::madeNow)};
 
@@ -38,11 +51,39 @@ constexpr const char* oneEntry = R"([
 ]
 )";
 
+/// As if every handle that the program may have were in use.
+class NoHandles {
+public:
+    NoHandles() {
+        ::getrlimit(RLIMIT_NOFILE, &m_before);
+        const rlimit none{0, m_before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoHandles() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
+    NoHandles(const NoHandles&) = delete;
+    NoHandles& operator=(const NoHandles&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
 class HealthManifestFile : public testing::Test {
 protected:
     std::vector<HealthManifestEntry> loadOf(std::string_view content) const {
         makeFile(file, content);
         return HealthManifest::load(world.host);
+    }
+
+    std::vector<std::string> namesBesideIt() const {
+        auto names = Files::names(file.parent_path());
+        std::erase(names, file.filename().native());
+        return names;
+    }
+
+    FileDescriptor lockedFolder() const {
+        FileDescriptor folder(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        EXPECT_EQ(::flock(folder.get(), LOCK_EX), 0);
+        return folder;
     }
 
     const test::World world;
@@ -154,8 +195,76 @@ TEST_F(HealthManifestFile, IgnoresKeysThatItDoesNotKnow) {
     EXPECT_EQ(loadOf(Json::pretty(json)), std::vector{foo});
 }
 
-TEST_F(HealthManifestFile, IsOverwrittenWhenItIsDamaged) {
-    makeFile(file, "[{]");
+TEST_F(HealthManifestFile, GivesWayWhenItIsDamagedAndIsKept) {
+    auto oneWrong = nlohmann::json::array({foo, bar});
+    oneWrong[1]["sizeBytes"] = "much";
+    const std::vector<std::string> contents = {"[{]", Json::pretty(oneWrong), "{}"};
+    for (const std::string& content : contents) {
+        makeFile(file, content);
+        HealthManifest::record(world.host, foo);
+        EXPECT_EQ(contentOf(file), oneEntry);
+    }
+    EXPECT_THAT(namesBesideIt(), ElementsAre("health-manifest (damaged 2026-11-15) 2.json",
+                                             "health-manifest (damaged 2026-11-15) 3.json",
+                                             "health-manifest (damaged 2026-11-15).json"));
+    EXPECT_EQ(contentOf(file.parent_path() / "health-manifest (damaged 2026-11-15).json"), contents[0]);
+    EXPECT_EQ(contentOf(file.parent_path() / "health-manifest (damaged 2026-11-15) 2.json"), contents[1]);
+    EXPECT_EQ(contentOf(file.parent_path() / "health-manifest (damaged 2026-11-15) 3.json"), contents[2]);
+}
+
+TEST_F(HealthManifestFile, IsKeptWhenItIsFarTooLarge) {
+    makeFile(file, oneEntry);
+    fs::resize_file(file, std::uintmax_t{1} << 40);
+    HealthManifest::forget(world.host, foo.sourcePath);
+    EXPECT_EQ(contentOf(file), "[]\n");
+    EXPECT_EQ(fs::file_size(file.parent_path() / "health-manifest (damaged 2026-11-15).json"), std::uintmax_t{1} << 40);
+}
+
+TEST_F(HealthManifestFile, GivesWayWithoutATraceWhenItIsEmpty) {
+    makeFile(file, "");
+    HealthManifest::record(world.host, foo);
+    EXPECT_EQ(contentOf(file), oneEntry);
+    EXPECT_THAT(namesBesideIt(), IsEmpty());
+}
+
+TEST_F(HealthManifestFile, StaysAsItIsWhenItCannotBeReadForTheMoment) {
+    HealthManifest::record(world.host, foo);
+    {
+        const NoHandles noHandles;
+        EXPECT_TRUE(HealthManifest::load(world.host).empty());
+        HealthManifest::record(world.host, bar);
+        HealthManifest::forget(world.host, foo.sourcePath);
+    }
+    EXPECT_EQ(contentOf(file), oneEntry);
+    EXPECT_THAT(namesBesideIt(), IsEmpty());
+}
+
+TEST_F(HealthManifestFile, GivesWayWhenItMayNotBeReadAndIsKept) {
+    makeFile(file, oneEntry);
+    fs::permissions(file, fs::perms::none);
+    fs::permissions(file.parent_path(), fs::perms::all);
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        HealthManifest::record(world.host, bar);
+        EXPECT_EQ(HealthManifest::load(world.host), std::vector{bar});
+    }
+    EXPECT_EQ(contentOf(file.parent_path() / "health-manifest (damaged 2026-11-15).json"), oneEntry);
+}
+
+TEST_F(HealthManifestFile, WaitsForAnotherChange) {
+    makeFolder(file.parent_path());
+    FileDescriptor other = lockedFolder();
+    std::thread change([&] { HealthManifest::record(world.host, bar); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    makeFile(file, oneEntry);
+    other.close();
+    change.join();
+    EXPECT_EQ(HealthManifest::load(world.host), (std::vector{foo, bar}));
+}
+
+TEST_F(HealthManifestFile, IsWrittenInTheEndWhateverElseHoldsItsFolder) {
+    makeFolder(file.parent_path());
+    const FileDescriptor other = lockedFolder();
     HealthManifest::record(world.host, foo);
     EXPECT_EQ(contentOf(file), oneEntry);
 }
