@@ -47,10 +47,12 @@ Mark mark(const fs::path& root) {
     return Beginning(root).mark();
 }
 
-std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {
+std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark, Root name) {
     struct stat status {};
     if (::lstat(root.c_str(), &status) != 0) throw FileError("read", root, errno);
-    if (isAfter(SystemCalls::contentChangeTime(status), mark.time)) return fs::path();
+    const timespec changedAt =
+        name == Root::renamed ? SystemCalls::contentChangeTime(status) : SystemCalls::statusChangeTime(status);
+    if (isAfter(changedAt, mark.time)) return fs::path();
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
     TreeWalk walk(root, {.order = TreeWalk::Order::any});
     if (walk.rootError()) throw FileError("read", root, walk.rootError());

@@ -36,11 +36,13 @@ private:
 /// The same where there is nothing to do meanwhile.
 Mark mark(const fs::path& root);
 
+/// Whether the root has got another name since the mark, which is a status change of its own.
+enum class Root { unmoved, renamed };
+
 /// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
 /// itself; nothing when all is as it was. It goes by the time of the last status change, which no program can set back;
-/// the root itself, which may have been renamed since, by the time of its content. On a volume that keeps whole seconds
-/// only, a change within the second of the mark counts. @throws FileError when something cannot be read: nothing can be
-/// told then.
-std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark);
+/// for a renamed root by the time of its content. On a volume that keeps whole seconds only, a change within the second
+/// of the mark counts. @throws FileError when something cannot be read: nothing can be told then.
+std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark, Root name);
 
 }  // namespace tarvik::ChangeWatch

@@ -12,13 +12,17 @@ namespace tarvik::test {
 
 namespace {
 
+using tarvik::ChangeWatch::Root;
+
 class ChangeWatch : public testing::Test {
 protected:
     ChangeWatch() {
         makeFile(tree / "sub/file", "12345");
         makeLink(tree / "link", "sub");
     }
-    std::string changed() { return tarvik::ChangeWatch::changedBelow(world.host, tree, start).value_or("nothing"); }
+    std::string changed(Root name = Root::unmoved) {
+        return tarvik::ChangeWatch::changedBelow(world.host, tree, start, name).value_or("nothing");
+    }
 
     World world;
     fs::path tree = world.home / "";
@@ -70,6 +74,28 @@ TEST_F(ChangeWatch, LooksAtASingleFile) {
     EXPECT_EQ(changed(), "nothing");
     makeFile(tree, "54321");
     EXPECT_EQ(changed(), "");
+}
+
+TEST_F(ChangeWatch, FindsARootThatWasReplacedByAnOlderOne) {
+    const fs::path folder = tree / "sub";
+    for (const fs::path& root : {folder / "file", folder}) {
+        const fs::path older = world.folder / "older";
+        fs::copy(root, older, fs::copy_options::recursive);
+        tree = root;
+        start = tarvik::ChangeWatch::mark(root);
+        fs::remove_all(root);
+        fs::rename(older, root);
+        EXPECT_EQ(changed(), "");
+    }
+}
+
+TEST_F(ChangeWatch, LetsARootHaveAnotherName) {
+    start = tarvik::ChangeWatch::mark(tree);
+    fs::rename(tree / "sub", world.folder / "renamed");
+    tree = world.folder / "renamed";
+    EXPECT_EQ(changed(Root::renamed), "nothing");
+    makeFile(tree / "file", "54321");
+    EXPECT_EQ(changed(Root::renamed), "file");
 }
 
 }  // namespace tarvik::test

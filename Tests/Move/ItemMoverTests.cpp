@@ -103,6 +103,15 @@ TEST_F(FileOnADrive, StaysThereWhenItWasWrittenToMeanwhile) {
     EXPECT_EQ(contentOf(world->trash->folder / "movie"), "pictures");
 }
 
+TEST_F(FileOnADrive, StaysThereWhenItWasReplacedByAnOlderOneMeanwhile) {
+    world->withDitto(
+        "cp -a \"$2\" \"$3\"; printf 'PICTURES' > \"$2.new\"\n"
+        "touch -d '2001-01-01' \"$2.new\"; mv \"$2.new\" \"$2\"");
+    EXPECT_EQ(failureOfRestore(), "Verification failed: movie was changed while it was copied.");
+    EXPECT_EQ(Files::linkText(link), file);
+    EXPECT_EQ(contentOf(file), "PICTURES");
+}
+
 namespace {
 
 /// An application on a drive, and a launcher for it at home in which the user keeps something.
