@@ -8,6 +8,7 @@
 #include <chrono>
 #include <sys/stat.h>
 #include <thread>
+#include <utility>
 
 namespace tarvik::ChangeWatch {
 
@@ -16,10 +17,13 @@ namespace {
 // Kernels stamp files with the time of their last clock tick, 10 ms apart at the most.
 constexpr auto clockTick = std::chrono::milliseconds(10);
 
+// The coarsest stamps there are, those of FAT, tell every other second, and stand for the time until the next one.
+constexpr time_t coarsestStep = 2;
+
 bool isAfter(const timespec& time, const timespec& mark) {
-    if (time.tv_sec != mark.tv_sec) return time.tv_sec > mark.tv_sec;
-    const bool isWholeSecond = time.tv_nsec == 0;
-    return isWholeSecond || time.tv_nsec > mark.tv_nsec;
+    const bool isCoarse = time.tv_nsec == 0;
+    if (isCoarse) return time.tv_sec + coarsestStep > mark.tv_sec;
+    return std::pair(time.tv_sec, time.tv_nsec) > std::pair(mark.tv_sec, mark.tv_nsec);
 }
 
 /// The flush must not begin before the clocks have moved on: a page that is written to again in between would bear no

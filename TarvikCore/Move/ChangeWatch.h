@@ -41,8 +41,9 @@ enum class Root { unmoved, renamed };
 
 /// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
 /// itself; nothing when all is as it was. It goes by the time of the last status change, which no program can set back;
-/// for a renamed root by the time of its content. On a volume that keeps whole seconds only, a change within the second
-/// of the mark counts. @throws FileError when something cannot be read: nothing can be told then.
+/// for a renamed root by the time of its content. A time of a whole second is taken for one of a volume that keeps no
+/// finer ones: it counts when it is less than two seconds before the mark's. @throws FileError when something cannot be
+/// read: nothing can be told then.
 std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark, Root name);
 
 }  // namespace tarvik::ChangeWatch

@@ -98,4 +98,26 @@ TEST_F(ChangeWatch, LetsARootHaveAnotherName) {
     EXPECT_EQ(changed(Root::renamed), "file");
 }
 
+TEST_F(ChangeWatch, KnowsTimesThatTellOnlyEveryOtherSecond) {
+    tree = tree / "sub/file";
+    const auto changedAt = [&](timespec time) {
+        const timespec times[] = {time, time};
+        EXPECT_EQ(::utimensat(AT_FDCWD, tree.c_str(), times, 0), 0);
+        return changed(Root::renamed);
+    };
+    start.time = {1001, 900'000'000};
+    EXPECT_EQ(changedAt({1002, 0}), "");
+    EXPECT_EQ(changedAt({1001, 0}), "");
+    EXPECT_EQ(changedAt({1000, 0}), "") << "written at 1001.95, for instance";
+    for (const time_t wellBefore : {999, 998, 900}) EXPECT_EQ(changedAt({wellBefore, 0}), "nothing") << wellBefore;
+    // Finer times are taken as they are.
+    EXPECT_EQ(changedAt({1001, 900'000'001}), "");
+    EXPECT_EQ(changedAt({1001, 900'000'000}), "nothing");
+    EXPECT_EQ(changedAt({1000, 1}), "nothing");
+    EXPECT_EQ(changedAt({1002, 1}), "");
+    start.time = {1000, 0};
+    EXPECT_EQ(changedAt({1000, 0}), "");
+    EXPECT_EQ(changedAt({998, 0}), "nothing");
+}
+
 }  // namespace tarvik::test
