@@ -86,9 +86,12 @@ BackupRecord make(const Host& host, const BackupPlan::Plan& plan, Format format)
     // The first report comes late: until then the bar stands at its beginning.
     display.progress({0, plan.bytesTotal});
     display.step("backing up");
-    return BackupPlan::run(host, plan, [&](std::int64_t copied, std::int64_t total) {
-        display.progress({copied, total});
-    });
+    return BackupPlan::run(
+        host, plan,
+        [&](std::int64_t copied, std::int64_t total) {
+            display.progress({copied, total});
+        },
+        SignalGuard::isAskedToEnd);
 }
 
 /// Where the copies stay that a failed backup has made, when it got so far.

@@ -78,9 +78,9 @@ fs::path claimedFolder(const Host& host, const fs::path& drive) {
 
 /// Fills the claimed folder. When that fails and nothing is in it, it is removed.
 BackupRecord madeIn(const Host& host, const fs::path& folder, const Plan& plan,
-                    const BackupService::ProgressCallback& progress) {
+                    const BackupService::ProgressCallback& progress, const BackupService::StopRequest& isAskedToStop) {
     try {
-        return BackupService::createIn(host, folder, plan.sources, plan.drive.mountPath, progress);
+        return BackupService::createIn(host, folder, plan.sources, plan.drive.mountPath, progress, isAskedToStop);
     } catch (...) {
         ignoringFailure([&] { Files::removeEmptyFolder(folder); });
         throw;
@@ -115,10 +115,11 @@ Dialog confirm(const Plan& plan) {
             {"Back Up", "Cancel"}};
 }
 
-BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress) {
+BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress,
+                 const BackupService::StopRequest& isAskedToStop) {
     const auto& mountPath = plan.drive.mountPath;
     if (!DriveScanner::isThere(host, mountPath)) throw failure("Target drive disconnected");
-    const auto record = madeIn(host, claimedFolder(host, mountPath), plan, progress);
+    const auto record = madeIn(host, claimedFolder(host, mountPath), plan, progress, isAskedToStop);
     for (const auto& source : plan.sources)
         if (!Files::itemExists(record.rootPath / BackupNames::ofSource(source)))
             throw failure(fmt::format("{} was gone when its turn came: the backup in {} does not hold it.",

@@ -35,7 +35,9 @@ Dialog confirm(const Plan& plan);
 /// Makes the backup, in a folder of its own, whoever else makes one at the same time: where one of this second stands
 /// already, the next second is waited for. A failed one that holds nothing leaves no folder. Blocks.
 /// @throws Failure with the sentence for the user; see `BackupService::create`.
-BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress);
+BackupRecord run(
+    const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress,
+    const BackupService::StopRequest& isAskedToStop = [] { return false; });
 
 /// What the user reads when it is done: "Backed up 2 items to /Volumes/T/TarvikBackups/20261115_174543".
 std::string done(const Plan& plan, const BackupRecord& record);

@@ -9,12 +9,14 @@
 #include "Platform/Json.h"
 #include "Platform/LocalTime.h"
 #include "Platform/SizeCalculator.h"
+#include "Platform/Text.h"
 #include "Platform/TreeWalk.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -61,9 +63,18 @@ struct Source {
     std::int64_t size = 0;
 };
 
-std::vector<Source> existing(const Host& host, const std::vector<fs::path>& paths) {
+void throwIfStopped(const StopRequest& isAskedToStop, std::int64_t copied, std::int64_t count) {
+    if (!isAskedToStop()) return;
+    const auto sentence = copied == 0 ? std::string("The backup was stopped before anything was copied.")
+                                      : fmt::format("The backup was stopped after {} of {}. It is not complete.",
+                                                    copied, Text::counted(count, "item"));
+    throw Failure("BackupService", ECANCELED, sentence);
+}
+
+std::vector<Source> existing(const Host& host, const std::vector<fs::path>& paths, const StopRequest& isAskedToStop) {
     std::vector<Source> sources;
     for (const auto& path : paths) {
+        throwIfStopped(isAskedToStop, 0, std::ssize(paths));
         const fs::path source = Files::standardized(path);
         if (!Files::exists(source)) continue;
         if (!source.has_filename()) throw FileError("back up", source, EINVAL);
@@ -94,12 +105,14 @@ std::optional<BackupRecord> recordIn(const fs::path& folder) {
 
 /// Makes the copies and the record.
 BackupRecord fill(const Host& host, const fs::path& folder, const std::vector<Source>& sources, const Drive& volume,
-                  const ProgressCallback& progress) {
+                  const ProgressCallback& progress, const StopRequest& isAskedToStop) {
     BackupRecord record{.id = folder.filename(), .rootPath = folder};
     std::int64_t total = 0;
     for (const auto& source : sources) total += source.size;
     std::int64_t done = 0;
+    std::int64_t copies = 0;
     for (const auto& source : sources) {
+        throwIfStopped(isAskedToStop, copies, std::ssize(sources));
         volume.requireThat(folder);
         const fs::path target = folder / BackupNames::ofSource(source.path);
         copy(host, source, target, [&](std::int64_t copied, std::int64_t) { progress(done + copied, total); });
@@ -107,6 +120,7 @@ BackupRecord fill(const Host& host, const fs::path& folder, const std::vector<So
         record.sourceFileCount += countFiles(source.path);
         record.backupFileCount += countFiles(target);
         done += source.size;
+        ++copies;
     }
 
     volume.requireThat(folder);
@@ -124,18 +138,19 @@ fs::path folderAt(const fs::path& drive, std::chrono::system_clock::time_point i
 }
 
 BackupRecord create(const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
-                    const ProgressCallback& progress) {
+                    const ProgressCallback& progress, const StopRequest& isAskedToStop) {
     const fs::path folder = folderAt(drive, host.now());
     const Drive volume(drive);
-    const auto found = existing(host, sources);
+    const auto found = existing(host, sources, isAskedToStop);
     Files::createFolder(folder);
-    return fill(host, folder, found, volume, progress);
+    return fill(host, folder, found, volume, progress, isAskedToStop);
 }
 
 BackupRecord createIn(const Host& host, const fs::path& folder, const std::vector<fs::path>& sources,
-                      const fs::path& drive, const ProgressCallback& progress) {
+                      const fs::path& drive, const ProgressCallback& progress, const StopRequest& isAskedToStop) {
     const Drive volume(drive);
-    return fill(host, folder, existing(host, sources), volume, progress);
+    const auto found = existing(host, sources, isAskedToStop);
+    return fill(host, folder, found, volume, progress, isAskedToStop);
 }
 
 std::vector<BackupRecord> list(const Host& /*host*/, const fs::path& drive) {

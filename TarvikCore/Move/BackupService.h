@@ -21,18 +21,23 @@ namespace tarvik::BackupService {
 /// between two copies: never twice at the same time.
 using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t total)>;
 
+/// Asked before each source is measured and before each is copied: true when none shall be begun any more. On the
+/// calling thread.
+using StopRequest = std::function<bool()>;
+
 /// Copies the sources in their order; one at which nothing exists is passed over, and of a link the link is copied.
 /// A copy whose name is taken sets aside what bears it, with the reason "backup-conflict"; see `BackupNames` for the
 /// names. Backups that begin in the same second share one folder, and the later record stays.
-/// @throws Failure when a folder cannot be made, a copy or a rename fails, the drive goes away, or the record cannot be
-/// written. What has been copied stays.
+/// @throws Failure when a folder cannot be made, a copy or a rename fails, the drive goes away, the record cannot be
+/// written, or, with ECANCELED, it was stopped. What has been copied stays.
 BackupRecord create(
     const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
-    const ProgressCallback& progress = [](std::int64_t, std::int64_t) {});
+    const ProgressCallback& progress = [](std::int64_t, std::int64_t) {},
+    const StopRequest& isAskedToStop = [] { return false; });
 
 /// The same in a `folder` that stands in `TarvikBackups` on the drive already, which the caller has to itself.
 BackupRecord createIn(const Host& host, const fs::path& folder, const std::vector<fs::path>& sources,
-                      const fs::path& drive, const ProgressCallback& progress);
+                      const fs::path& drive, const ProgressCallback& progress, const StopRequest& isAskedToStop);
 
 /// The backups on the drive, the newest first. What has no readable record is passed over. Never fails.
 std::vector<BackupRecord> list(const Host& host, const fs::path& drive);

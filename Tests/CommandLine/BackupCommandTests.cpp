@@ -273,6 +273,24 @@ TEST(BackupCommand, StoppedOrKilledInTheMiddleLeavesNoBackup) {
     }
 }
 
+TEST(BackupCommand, StoppedBetweenTwoCopiesBeginsNoOther) {
+    for (const std::string signal : {"INT", "TERM", "HUP"}) {
+        const CommandWorld world("trap '' INT TERM HUP; cp -aT \"$2\" \"$3\" && kill -" + signal + " $PPID");
+        test::makeFile(world.machine.home / "Docs/letter");
+        const auto stopped = world.run(backupOf({world.library, world.machine.home / "Docs"}));
+        EXPECT_EQ(stopped.status, 1);
+        EXPECT_EQ(stopped.output, "");
+        ASSERT_EQ(foldersOn(world.drive).size(), 1U);
+        const auto left = foldersOn(world.drive).front();
+        EXPECT_EQ(stopped.errors, "backing up\nWhat was copied so far stays in " + left.native() +
+                                      ".\nThe backup was stopped after 1 of 2 items. It is not complete.\n");
+        EXPECT_EQ(test::pictureOf(left / world.library.filename()), test::pictureOf(world.library));
+        EXPECT_FALSE(fs::exists(left / "Docs"));
+        EXPECT_THAT(world.run({"backup", "list", "--drive", "Studio Drive"}).errors,
+                    HasSubstr("There are no backups on Studio Drive."));
+    }
+}
+
 TEST(BackupCommand, SaysWhatAFullDriveOrAReadOnlyOneLacks) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const CommandWorld world;

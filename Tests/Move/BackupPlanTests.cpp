@@ -226,6 +226,15 @@ TEST_F(BackupPlanned, LeavesNoFolderWhenNothingHasArrived) {
     EXPECT_EQ(Files::names(backups / "20261115_174543"), std::vector<std::string>{"Music"});
 }
 
+TEST_F(BackupPlanned, LeavesNoFolderWhenItIsStoppedBeforeItsFirstCopy) {
+    makeFile(home / "Music/song");
+    const auto plan = planOf({home / "Music"});
+    EXPECT_THROW(BackupPlan::run(
+                     world.host, plan, [](std::int64_t, std::int64_t) {}, [&] { return Files::exists(backups); }),
+                 Failure);
+    EXPECT_TRUE(Files::names(backups).empty());
+}
+
 TEST_F(BackupPlanned, StandsInAFolderThatIsAsOpenAsOthers) {
     const auto record = run(planOf({}));
     makeFolder(world.drive / "other");

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <mutex>
@@ -191,6 +192,29 @@ TEST_F(Backups, LeaveNoRecordWhenACopyFails) {
     EXPECT_EQ(Files::names(folder), (Names{"one", "two"})) << "what has been copied stays";
     EXPECT_TRUE(listed().empty());
     EXPECT_EQ(BackupService::unfinished(world.host, world.drive), Names{"20261115_174543"});
+}
+
+TEST_F(Backups, BeginNoFurtherSourceWhenAskedToStop) {
+    for (const char* file : {"one/1", "two/2", "three/3"}) makeFile(world.home / file);
+    const auto stoppedWhen = [&](const BackupService::StopRequest& isAskedToStop) -> std::string {
+        try {
+            BackupService::create(
+                world.host, {world.home / "one", world.home / "two", world.home / "three"}, world.drive,
+                [](std::int64_t, std::int64_t) {}, isAskedToStop);
+        } catch (const Failure& failure) {
+            EXPECT_EQ(failure.code(), ECANCELED);
+            return failure.description();
+        }
+        return "backed up";
+    };
+    EXPECT_EQ(stoppedWhen([] { return true; }), "The backup was stopped before anything was copied.");
+    EXPECT_FALSE(Files::exists(folder)) << "nothing was even measured";
+    EXPECT_EQ(stoppedWhen([&] { return Files::exists(folder); }), "The backup was stopped before anything was copied.");
+    EXPECT_EQ(stoppedWhen([&] { return Files::exists(folder / "two"); }),
+              "The backup was stopped after 2 of 3 items. It is not complete.");
+    EXPECT_EQ(Files::names(folder), (Names{"one", "two"})) << "what has been copied stays";
+    EXPECT_TRUE(listed().empty());
+    EXPECT_EQ(stoppedWhen([&] { return Files::exists(folder / "three"); }), "backed up") << "all was begun";
 }
 
 TEST_F(Backups, LeaveNoRecordWhenARenameFails) {
