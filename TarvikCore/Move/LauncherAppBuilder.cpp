@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace tarvik::LauncherAppBuilder {
 
@@ -87,12 +88,21 @@ fs::path launcherBinary(const Host& host) {
     throw Failure("launcher", 1, "Launcher binary is missing.");
 }
 
+/// Makes a folder as open as another one: a claimed place is its owner's alone.
+void openAs(const fs::path& other, const fs::path& folder) {
+    std::error_code error;
+    const auto permissions = fs::status(other, error).permissions();
+    if (!error) fs::permissions(folder, permissions, error);
+    if (error) throw FileError("create the folder", folder, error.value());
+}
+
 /// Writes the launcher that will stand at `launcher`.
 void writeBundle(const Host& host, const fs::path& bundle, const fs::path& sourceApp, const fs::path& launcher,
                  const fs::path& target) {
     const fs::path resources = bundle / "Contents/Resources";
     Files::createFolder(bundle / "Contents/MacOS");
     Files::createFolder(resources);
+    openAs(bundle / "Contents", bundle);
     const PropertyList metadata = PropertyList::dictionaryAt(sourceApp / "Contents/Info.plist");
     const auto icon = copyIcon(sourceApp, resources, metadata);
     Files::createFile(bundle / "Contents/Info.plist", infoOf(metadata, launcher, icon).xml());
@@ -100,6 +110,15 @@ void writeBundle(const Host& host, const fs::path& bundle, const fs::path& sourc
                       permissionsOfProgram);
     Files::createFile(bundle / LauncherLayout::targetFile, target.native());
     Files::createFile(bundle / "Contents/PkgInfo", "APPL????");
+}
+
+HiddenPlace::Claim claimedPlace(const fs::path& launcher) {
+    try {
+        Files::createFolder(launcher.parent_path());
+        return HiddenPlace::claimForCopyTo(launcher, Files::ItemType::folder);
+    } catch (const FileError& error) {
+        throw FileError("create the folder", launcher, error.code());
+    }
 }
 
 /// Gives the finished bundle its place, which is freed first.
@@ -119,16 +138,14 @@ void putInPlace(const Host& host, const fs::path& bundle, const fs::path& launch
 void build(const Host& host, const fs::path& sourceApp, const fs::path& launcher, const fs::path& target,
            const InstallerRunReporter& reporter) {
     HiddenPlace::sweep(host, launcher.parent_path());
-    const fs::path hidden = HiddenPlace::forCopyTo(launcher);
+    const HiddenPlace::Claim hidden = claimedPlace(launcher);
     try {
-        Files::createFolder(hidden);
-        const FileDescriptor held = HiddenPlace::hold(hidden);
-        writeBundle(host, hidden, sourceApp, launcher, target);
-        putInPlace(host, hidden, launcher, reporter);
+        writeBundle(host, hidden.path, sourceApp, launcher, target);
+        putInPlace(host, hidden.path, launcher, reporter);
     } catch (...) {
         // Half a launcher would pass for an application that does not start, and keep a whole one from its place.
-        ignoringFailure([&] { Files::removeItem(hidden); });
-        HiddenPlace::rethrowInOwnName(hidden, launcher);
+        ignoringFailure([&] { Files::removeItem(hidden.path); });
+        HiddenPlace::rethrowInOwnName(hidden.path, launcher);
     }
     reporter.log(fmt::format("launcher-app\t{}\t{}", launcher.native(), target.native()));
 }

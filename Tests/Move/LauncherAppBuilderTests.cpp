@@ -1,4 +1,5 @@
 #include "Discovery/AppScanner.h"
+#include "Move/HiddenPlace.h"
 #include "Move/LauncherAppBuilder.h"
 #include "Platform/CommandRunner.h"
 #include "Platform/FileError.h"
@@ -14,9 +15,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tarvik {
@@ -109,7 +112,7 @@ TEST_F(LauncherAppBuilderTest, WritesAWholeBundle) {
     EXPECT_EQ(contentOf(program), "the program");
     EXPECT_EQ(statusOf(program).st_mode & 07777U, 0755U);
     EXPECT_EQ(statusOf(targetFile).st_mode & 07777U, 0644U);
-    EXPECT_EQ(statusOf(launcher).st_mode & 05U, 05U);
+    EXPECT_EQ(statusOf(launcher).st_mode, statusOf(applications).st_mode) << "as open as any new folder";
     EXPECT_EQ(PropertyList::dictionaryAt(launcher / "Contents/Info.plist"),
               PropertyList(Info{{"CFBundleExecutable", "ExternalAppLauncher"},
                                 {"CFBundleIdentifier", "org.example.editor.externallauncher"},
@@ -419,6 +422,24 @@ TEST_F(LauncherAppBuilderTest, WritesAListThatOthersReadWhateverTheNamesHold) {
     test::makeFile(target / "Contents/MacOS/program");
     EXPECT_EQ(install(launcher, target), "done");
     EXPECT_THAT(readByPython(launcher / "Contents/Info.plist"), HasSubstr("'CFBundleName' '\\ufffd \\ufffd\\x7f'\n"));
+}
+
+TEST_F(LauncherAppBuilderTest, LosesNothingToASweepOfAnotherAct) {
+    std::atomic<bool> isDone = false;
+    std::vector<std::thread> others;
+    for (int other = 0; other < 4; ++other)
+        others.emplace_back([&] {
+            while (!isDone) HiddenPlace::sweep(world.host, applications);
+        });
+    for (int turn = 0; turn < 40 && !HasFailure(); ++turn) {
+        EXPECT_EQ(install(), "done");
+        EXPECT_THAT(Files::names(launcher / "Contents"), ElementsAre("Info.plist", "MacOS", "PkgInfo", "Resources"));
+        fs::remove_all(launcher);
+    }
+    isDone = true;
+    for (auto& other : others) other.join();
+    EXPECT_THAT(Files::names(applications), IsEmpty());
+    EXPECT_FALSE(Files::exists(world.trash->folder));
 }
 
 TEST_F(LauncherAppBuilderTest, ClearsWhatAKilledInstallHasLeft) {
