@@ -148,7 +148,8 @@ QCoro::Task<> AppDetails::list(QPointer<AppDetails> details, Host host, fs::path
 }
 
 void AppDetails::updateRows() {
-    const CheckedPaths checked = m_state ? m_state->checkedDataPaths() : CheckedPaths();
+    static const CheckedPaths nothing;
+    const CheckedPaths& checked = m_state ? m_state->checkedDataPaths() : nothing;
     m_checkedCount = static_cast<int>(checked.within(m_entry.dataPaths).size());
     m_checkedSizeText = screenText(SizeCalculator::format(checked.bytesWithin(m_entry.dataPaths)));
     m_rows.replaceAll(m_tree.rows(checked, m_state ? m_state->host().home : fs::path()));

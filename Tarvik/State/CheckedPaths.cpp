@@ -4,28 +4,45 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
+#include <set>
 
 namespace tarvik {
 
 namespace {
 
-bool isWithin(const fs::path& path, const std::vector<fs::path>& roots) {
-    return std::any_of(roots.begin(), roots.end(),
-                       [&](const fs::path& root) { return Files::isAtOrBelow(path, Files::standardized(root)); });
+/// Standardized, in the order of paths, none at or below another one.
+std::vector<fs::path> uppermost(const std::vector<fs::path>& roots) {
+    std::set<fs::path> sorted;
+    for (const fs::path& root : roots) sorted.insert(Files::standardized(root));
+    std::vector<fs::path> kept;
+    for (const fs::path& root : sorted)
+        if (kept.empty() || !Files::isAtOrBelow(root, kept.back())) kept.push_back(root);
+    return kept;
 }
 
 }  // namespace
 
-std::map<fs::path, std::int64_t>::const_iterator CheckedPaths::ancestorOf(const fs::path& path) const {
-    return std::find_if(m_paths.begin(), m_paths.end(),
-                        [&](const auto& entry) { return Files::isAtOrBelow(path, entry.first); });
+CheckedPaths::Paths::const_iterator CheckedPaths::ancestorOf(const fs::path& path) const {
+    // As none lies below another one, nothing stands between them.
+    const auto after = m_paths.upper_bound(path);
+    if (after == m_paths.begin()) return m_paths.end();
+    const auto before = std::prev(after);
+    return Files::isAtOrBelow(path, before->first) ? before : m_paths.end();
+}
+
+std::pair<CheckedPaths::Paths::const_iterator, CheckedPaths::Paths::const_iterator> CheckedPaths::rangeBelow(
+    const fs::path& path) const {
+    const auto first = m_paths.lower_bound(path);
+    const auto last = std::find_if_not(first, m_paths.end(),
+                                       [&](const auto& entry) { return Files::isAtOrBelow(entry.first, path); });
+    return {first, last};
 }
 
 CheckedPaths::State CheckedPaths::stateOf(const fs::path& path) const {
     if (ancestorOf(path) != m_paths.end()) return State::all;
-    const bool hasSome = std::any_of(m_paths.begin(), m_paths.end(),
-                                     [&](const auto& entry) { return Files::isAtOrBelow(entry.first, path); });
-    return hasSome ? State::some : State::none;
+    const auto next = m_paths.lower_bound(path);
+    return next != m_paths.end() && Files::isAtOrBelow(next->first, path) ? State::some : State::none;
 }
 
 void CheckedPaths::check(const fs::path& path, std::int64_t bytes) {
@@ -59,25 +76,31 @@ void CheckedPaths::setBytes(const fs::path& path, std::int64_t bytes) {
 }
 
 void CheckedPaths::eraseBelow(const fs::path& path) {
-    std::erase_if(m_paths, [&](const auto& entry) { return Files::isAtOrBelow(entry.first, path); });
+    const auto [first, last] = rangeBelow(path);
+    m_paths.erase(first, last);
 }
 
 std::vector<fs::path> CheckedPaths::within(const std::vector<fs::path>& roots) const {
     std::vector<fs::path> paths;
-    for (const auto& [path, bytes] : m_paths)
-        if (isWithin(path, roots)) paths.push_back(path);
+    for (const fs::path& root : uppermost(roots)) {
+        const auto [first, last] = rangeBelow(root);
+        std::transform(first, last, std::back_inserter(paths), [](const auto& entry) { return entry.first; });
+    }
     return paths;
 }
 
 std::int64_t CheckedPaths::bytesWithin(const std::vector<fs::path>& roots) const {
     std::int64_t sum = 0;
-    for (const auto& [path, bytes] : m_paths)
-        if (isWithin(path, roots)) sum += bytes;
+    for (const fs::path& root : uppermost(roots)) {
+        const auto [first, last] = rangeBelow(root);
+        sum = std::accumulate(first, last, sum,
+                              [](std::int64_t before, const auto& entry) { return before + entry.second; });
+    }
     return sum;
 }
 
 void CheckedPaths::removeWithin(const std::vector<fs::path>& roots) {
-    std::erase_if(m_paths, [&](const auto& entry) { return isWithin(entry.first, roots); });
+    for (const fs::path& root : roots) eraseBelow(Files::standardized(root));
 }
 
 }  // namespace tarvik

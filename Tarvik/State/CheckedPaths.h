@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace tarvik {
@@ -37,10 +38,14 @@ public:
     bool operator==(const CheckedPaths&) const = default;
 
 private:
-    void eraseBelow(const fs::path& path);
-    std::map<fs::path, std::int64_t>::const_iterator ancestorOf(const fs::path& path) const;
+    using Paths = std::map<fs::path, std::int64_t>;
 
-    std::map<fs::path, std::int64_t> m_paths;
+    /// Those at or below a path: in the order of paths they stand together.
+    std::pair<Paths::const_iterator, Paths::const_iterator> rangeBelow(const fs::path& path) const;
+    void eraseBelow(const fs::path& path);
+    Paths::const_iterator ancestorOf(const fs::path& path) const;
+
+    Paths m_paths;
 };
 
 }  // namespace tarvik

@@ -11,7 +11,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <numeric>
 #include <optional>
 
 namespace tarvik::DataTrash {
@@ -33,9 +35,9 @@ bool leadsThroughLink(const fs::path& item, const fs::path& root) {
     return false;
 }
 
-bool isAllowed(const fs::path& item, const std::vector<fs::path>& dataPaths) {
-    return std::any_of(dataPaths.begin(), dataPaths.end(), [&](const fs::path& path) {
-        const fs::path root = Files::standardized(path);
+/// The roots are standardized.
+bool isAllowed(const fs::path& item, const std::vector<fs::path>& roots) {
+    return std::any_of(roots.begin(), roots.end(), [&](const fs::path& root) {
         return Files::isAtOrBelow(item, root) && !leadsThroughLink(item, root);
     });
 }
@@ -51,13 +53,17 @@ std::vector<fs::path> uppermost(const std::vector<fs::path>& items) {
     std::vector<fs::path> places;
     std::vector<fs::path> kept;
     for (const fs::path& item : items) places.push_back(placeOf(item));
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        const bool goesWithAnother = std::any_of(places.begin(), places.end(), [&](const fs::path& other) {
-            const auto position = static_cast<std::size_t>(&other - places.data());
-            return other == places[i] ? position < i : Files::isAtOrBelow(places[i], other);
-        });
-        if (!goesWithAnother) kept.push_back(items[i]);
-    }
+    std::vector<std::size_t> order(items.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t one, std::size_t other) { return places[one] < places[other]; });
+    // All that lies in a folder follows it in the order of paths, before anything else does.
+    std::vector<std::size_t> positions;
+    for (const std::size_t position : order)
+        if (positions.empty() || !Files::isAtOrBelow(places[position], places[positions.back()]))
+            positions.push_back(position);
+    std::sort(positions.begin(), positions.end());
+    for (const std::size_t position : positions) kept.push_back(items[position]);
     return kept;
 }
 
@@ -88,10 +94,12 @@ Outcome moveToTrash(const Host& host, const std::vector<fs::path>& dataPaths, co
             outcome.failures.emplace_back(failure.what());
         }
     };
+    std::vector<fs::path> roots;
+    for (const fs::path& path : dataPaths) attempt([&] { roots.push_back(Files::standardized(path)); });
     for (const fs::path& named : items) {
         attempt([&] {
             const fs::path item = Files::standardized(named);
-            if (!isAllowed(item, dataPaths)) throw Refused(item, "is none of the application's own files");
+            if (!isAllowed(item, roots)) throw Refused(item, "is none of the application's own files");
             if (isLinkToDrive(host, item)) throw Refused(item, "is a link to a drive: use Move Back");
             allowed.push_back(item);
         });

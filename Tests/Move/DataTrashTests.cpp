@@ -1,9 +1,15 @@
 #include "Move/DataTrash.h"
 #include "Platform/Files.h"
+#include "Platform/TrashCan.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace tarvik::test {
 
@@ -12,6 +18,17 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+/// Notes what it is given.
+class OrderOfTrash : public TrashCan {
+public:
+    fs::path moveToTrash(const fs::path& item) const override {
+        items.push_back(item);
+        return item;
+    }
+
+    mutable std::vector<fs::path> items;
+};
 
 class DataTrashTest : public testing::Test {
 protected:
@@ -46,6 +63,25 @@ TEST_F(DataTrashTest, TakesWhatLiesInAnotherItemWithThatOne) {
     const auto outcome = trash({caches / "deep/two", caches, caches / "one", caches});
     EXPECT_EQ(outcome, (DataTrash::Outcome{.movedCount = 1, .failures = {}}));
     EXPECT_TRUE(Files::exists(trashed("Editor/deep/two")));
+}
+
+TEST_F(DataTrashTest, TellsWhatLiesInAFolderFromWhatIsNamedAlike) {
+    const std::vector<std::string> names = {"deep!", "deep -", "deep.plist", "deep\x01", "deep", "deep-er"};
+    std::vector<fs::path> items;
+    for (const auto& name : names) {
+        makeFile(caches / name / "inside");
+        for (const fs::path& item : {caches / name / "inside", caches / name}) items.push_back(item);
+    }
+    std::rotate(items.begin(), items.begin() + 3, items.end());
+    EXPECT_EQ(trash(items), (DataTrash::Outcome{.movedCount = 6, .failures = {}}));
+    for (const auto& name : names) EXPECT_TRUE(Files::exists(trashed(name.c_str()) / "inside")) << name;
+}
+
+TEST_F(DataTrashTest, TakesTheItemsInTheOrderInWhichTheyAreNamed) {
+    const auto order = std::make_shared<OrderOfTrash>();
+    world.host.trash = order;
+    trash({support / "three", caches / "one", caches / "deep/two"});
+    EXPECT_THAT(order->items, ElementsAre(support / "three", caches / "one", caches / "deep/two"));
 }
 
 TEST_F(DataTrashTest, TakesAnItemOnceThatIsNamedInTwoWays) {

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
+#include <set>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +30,28 @@ TEST(Files, KnowsWhatLiesBelowAFolder) {
     EXPECT_TRUE(Files::isAtOrBelow("/a", "/"));
     EXPECT_FALSE(Files::isAtOrBelow("/a/bc", "/a/b"));
     EXPECT_FALSE(Files::isAtOrBelow("/a", "/a/b"));
+}
+
+TEST(Files, KeepsAFolderTogetherWithAllBelowItInTheOrderOfPaths) {
+    std::set<fs::path> paths = {"/"};
+    // All but the last one sort before a slash.
+    for (const std::string mark : {"\x01", " ", "!", "#", "-", ".", "~"})
+        for (const std::string path : {"/a", "/a/a", "/a/b", "/a/a/a", "/b"})
+            for (const std::string end : {"", "/a", "/a/b"}) {
+                paths.insert(path + end);
+                paths.insert(path + mark + end);
+                paths.insert(path + mark + "a" + end);
+                paths.insert(path + "/" + mark + end);
+            }
+    for (const auto& folder : paths) {
+        bool hasEnded = false;
+        for (auto path = paths.lower_bound(folder); path != paths.end(); ++path) {
+            const bool isInside = Files::isAtOrBelow(*path, folder);
+            EXPECT_FALSE(isInside && hasEnded) << folder << " " << *path;
+            hasEnded = hasEnded || !isInside;
+        }
+        for (auto path = paths.begin(); *path != folder; ++path) EXPECT_FALSE(Files::isAtOrBelow(*path, folder));
+    }
 }
 
 TEST(Files, TellsAnItemFromWhatItLeadsTo) {

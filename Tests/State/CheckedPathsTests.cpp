@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <vector>
+
 namespace tarvik::test {
 
 namespace {
@@ -64,6 +67,36 @@ TEST(CheckedPaths, LetGoOfWhatIsInAFolderThatIsLeftOut) {
     paths.check(root / "b", 20);
     paths.uncheck(root / "a", childrenOf);
     EXPECT_THAT(paths.within({root}), ElementsAre(root / "b"));
+}
+
+TEST(CheckedPaths, TellWhatLiesInAFolderFromWhatIsNamedAlike) {
+    const std::vector<std::string> names = {"a!", "a -", "a.plist", "a\x01", "a", "ab"};
+    for (const auto& ticked : names) {
+        CheckedPaths paths;
+        for (const auto& name : names) paths.check(root / name / "x", 1);
+        paths.check(root / ticked, 1);
+        for (const auto& name : names) {
+            EXPECT_EQ(paths.stateOf(root / name), name == ticked ? State::all : State::some) << ticked << " " << name;
+            EXPECT_EQ(paths.stateOf(root / name / "x"), State::all);
+            EXPECT_EQ(paths.stateOf(root / name / "y"), name == ticked ? State::all : State::none);
+            EXPECT_THAT(paths.within({root / name}), ElementsAre(name == ticked ? root / name : root / name / "x"));
+        }
+        paths.uncheck(root / ticked, childrenOf);
+        EXPECT_EQ(paths.within({root}).size(), names.size() - 1);
+        EXPECT_EQ(paths.stateOf(root / ticked / "x"), State::none);
+    }
+}
+
+TEST(CheckedPaths, AreCountedOnceWhereRootsLieInOneAnother) {
+    CheckedPaths paths;
+    paths.check(root / "b", 20);
+    paths.check(root / "a/x", 3);
+    const std::vector<fs::path> roots = {root / "b/", root / "a/x", "/data/./a", root / "b", root / "a"};
+    EXPECT_THAT(paths.within(roots), ElementsAre(root / "a/x", root / "b"));
+    EXPECT_EQ(paths.bytesWithin(roots), 23);
+    EXPECT_THAT(paths.within({root / "a/x/deep"}), IsEmpty()) << "only what lies in the root itself";
+    paths.removeWithin(roots);
+    EXPECT_EQ(paths, CheckedPaths());
 }
 
 TEST(CheckedPaths, AreCountedByTheRootsThatTheyLieIn) {
