@@ -68,7 +68,7 @@ void AppDetails::restart() {
     m_isVerifying = m_state && !m_bundle.isEmpty();
     emit verificationChanged();
     takeEntry();
-    if (m_isVerifying) verify(this, m_state->host(), m_bundle.path, m_cancellation);
+    if (m_isVerifying) verify(this, m_state->host(), m_bundle.path, m_toolLimit, m_cancellation);
 }
 
 void AppDetails::takeEntryAgain() {
@@ -106,12 +106,14 @@ void AppDetails::readFolder(const fs::path& folder) {
     list(this, m_state->host(), folder, m_cancellation);
 }
 
-QCoro::Task<> AppDetails::verify(QPointer<AppDetails> details, Host host, fs::path bundle, Cancellation cancellation) {
-    const auto read = [host, bundle, cancellation] {
+QCoro::Task<> AppDetails::verify(QPointer<AppDetails> details, Host host, fs::path bundle,
+                                 std::chrono::duration<double> toolLimit, Cancellation cancellation) {
+    const auto read = [host, bundle, toolLimit, cancellation] {
         Verification result;
         if (cancellation.isCancelled()) return result;  // The row was closed before its turn came.
-        result.developer = screenText(CodesignMetadata::teamName(host, bundle));
-        result.notarization = screenText(CodesignMetadata::notarizationStatus(host, bundle));
+        result.developer = screenText(CodesignMetadata::teamName(host, bundle, toolLimit));
+        if (cancellation.isCancelled()) return result;
+        result.notarization = screenText(CodesignMetadata::notarizationStatus(host, bundle, toolLimit));
         return result;
     };
     const Verification found = co_await inBackground(Priority::userInitiated, read);

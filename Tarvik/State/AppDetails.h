@@ -16,6 +16,7 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ class AppDetails : public QObject {
     /// "3 items", the data paths.
     Q_PROPERTY(QString itemsText READ itemsText NOTIFY rowsChanged)
     Q_PROPERTY(bool hasData READ hasData NOTIFY rowsChanged)
-    /// Both empty until they are known.
+    /// Both empty until they are known; "Unknown" when a tool does not answer.
     Q_PROPERTY(QString developer READ developer NOTIFY verificationChanged)
     Q_PROPERTY(QString notarization READ notarization NOTIFY verificationChanged)
     Q_PROPERTY(bool isVerifying READ isVerifying NOTIFY verificationChanged)
@@ -57,6 +58,9 @@ public:
     void setState(AppState* state);
     FilePath bundle() const { return m_bundle; }
     void setBundle(const FilePath& bundle);
+    /// How long each tool may take to tell of a signature, from the next bundle on. The program waits for them at its
+    /// end.
+    void setToolLimit(std::chrono::duration<double> limit) { m_toolLimit = limit; }
     QString bundleIdText() const;
     bool isMacAppStore() const { return m_entry.isMacAppStore; }
     bool isAlreadySymlinked() const { return m_entry.isAlreadySymlinked; }
@@ -100,7 +104,8 @@ private:
     const DataRow* rowAt(int row) const;
 
     // No members: the object may go while a slow drive is read.
-    static QCoro::Task<> verify(QPointer<AppDetails> details, Host host, fs::path bundle, Cancellation cancellation);
+    static QCoro::Task<> verify(QPointer<AppDetails> details, Host host, fs::path bundle,
+                                std::chrono::duration<double> toolLimit, Cancellation cancellation);
     static QCoro::Task<> look(QPointer<AppDetails> details, Host host, std::vector<fs::path> paths,
                               Cancellation cancellation);
     static QCoro::Task<> list(QPointer<AppDetails> details, Host host, fs::path folder, Cancellation cancellation);
@@ -114,6 +119,7 @@ private:
     QString m_checkedSizeText;
     Verification m_verification;
     bool m_isVerifying = false;
+    std::chrono::duration<double> m_toolLimit = std::chrono::seconds(10);
     /// Of all that is read of this bundle.
     Cancellation m_cancellation;
 };

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 namespace tarvik {
 namespace {
 
@@ -67,6 +69,14 @@ TEST(CodesignMetadata, ReadsStandardErrorAloneHoweverMuchTheToolPrints) {
         "spctl",
         "i=0; while [ $i -lt 300 ]; do printf '%01000d' 0; printf '%01000d' 0 >&2; i=$((i+1)); done; echo rejected");
     EXPECT_EQ(CodesignMetadata::notarizationStatus(world.host, "/Editor.app"), "Unknown");
+}
+
+TEST(CodesignMetadata, NothingIsKnownFromAToolThatDoesNotAnswerInTime) {
+    World world;
+    const auto limit = std::chrono::milliseconds(200);
+    world.host.tools.codesign = world.host.tools.spctl = world.tool("hung", "exec sleep 600");
+    EXPECT_EQ(CodesignMetadata::teamName(world.host, "/Editor.app", limit), "Unknown");
+    EXPECT_EQ(CodesignMetadata::notarizationStatus(world.host, "/Editor.app", limit), "Unknown");
 }
 
 TEST(CodesignMetadata, AMissingToolTellsNothing) {
