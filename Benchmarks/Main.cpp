@@ -1,214 +1,78 @@
-// Holds Tarvik against what a user would pick instead, side by side in one run, and prints a table of ratios.
-//   tarvik-benchmark [FILES] [ROUNDS]
-//   tarvik-benchmark discovery [ROUNDS]     only how quickly applications and links are found
+// Holds Tarvik against what a user would pick instead, side by side in one run, and prints tables of ratios.
+//   tarvik-benchmark [FILES] [ROUNDS]          all parts
+//   tarvik-benchmark discovery [ROUNDS]        how quickly applications and links are found
+//   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
+//   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
 #include "Discovery.h"
 #include "Measure.h"
-#include "Move/MoveVerifier.h"
-#include "Platform/Files.h"
-#include "Platform/Host.h"
+#include "Moves.h"
 #include "Platform/ProgramLocation.h"
-#include "Platform/RunningAppsDetector.h"
-#include "Platform/SizingService.h"
-#include "Practice/PracticeMachine.h"
 #include "Support/RealVolume.h"
-#include "Support/TemporaryFolder.h"
-#include "Table.h"
+#include "Window.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
-#include <functional>
-#include <iostream>
-#include <iterator>
-#include <optional>
-#include <regex>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace {
 
 using namespace tarvik;
-using test::RealVolume;
-
-constexpr std::int64_t gigabyte = 1'000'000'000;
 
 struct Sizes {
     std::size_t files = 60'000;
     int rounds = 5;
 };
 
-/// An internal volume and two kinds of drive, below a home folder.
-class Machine {
-public:
-    Machine()
-        : m_internal(RealVolume::ext4(m_folder.path(), 12 * gigabyte)),
-          m_memoryDrive(RealVolume::memory(m_folder.path(), 8 * gigabyte)),
-          m_diskDrive(RealVolume::ext4(m_folder.path(), 12 * gigabyte)) {}
-
-    const fs::path& home() const { return m_folder.path(); }
-    const fs::path& internal() const { return m_internal.path(); }
-    const fs::path& memoryDrive() const { return m_memoryDrive.path(); }
-    const fs::path& diskDrive() const { return m_diskDrive.path(); }
-
-    std::vector<std::string> moveCommand(const fs::path& folder, const fs::path& drive) const {
-        return {(ProgramLocation::folder() / "tarvik").native(),
-                "--home",
-                home().native(),
-                "--yes",
-                "move",
-                "folder",
-                folder.native(),
-                "--drive",
-                drive.native()};
-    }
-
-private:
-    test::TemporaryFolder m_folder;
-    RealVolume m_internal;
-    RealVolume m_memoryDrive;
-    RealVolume m_diskDrive;
-};
-
-/// The moves of a tree that `make` sets up at the given path, by us and by the peer in turn. Every round starts with
-/// flushed volumes and an empty drive.
-void compareMoves(const Machine& machine, const fs::path& drive, const std::string& figure,
-                  const std::function<void(const fs::path&)>& make, int rounds, const std::string& aim,
-                  std::int64_t& peakMemory) {
-    const fs::path source = machine.internal() / "Tree";
-    const auto prepare = [&] {
-        fs::remove_all(source);
-        for (const auto& name : Files::names(drive)) fs::remove_all(drive / name);
-        make(source);
-        Files::flushVolume(machine.internal());
-        Files::flushVolume(drive);
-    };
-    std::vector<double> ours;
-    std::vector<double> theirs;
-    std::vector<double> theirsFlushed;
-    for (int round = 0; round < rounds; ++round) {
-        prepare();
-        const auto run = Measure::program(machine.moveCommand(source, drive));
-        ours.push_back(run.seconds);
-        peakMemory = std::max(peakMemory, run.peakMemory);
-        prepare();
-        theirs.push_back(Measure::program({"mv", source.native(), (drive / "Tree").native()}).seconds);
-        theirsFlushed.push_back(theirs.back() + Measure::seconds([&] { Files::flushVolume(drive); }));
-    }
-    Table::ratio(figure, ours, "mv, nothing proved", theirs, aim);
-    Table::ratio("", ours, "mv, then flushed", theirsFlushed, "");
+void setRounds(Sizes& sizes, const std::string& word) {
+    sizes.rounds = std::max(1, std::atoi(word.c_str()));
 }
 
-/// Lines of a busy machine's process list: a third of them are applications, some of which name their program twice.
-std::vector<std::string> processLines() {
-    constexpr int count = 2000;
-    std::vector<std::string> lines;
-    for (int number = 0; number < count; ++number) {
-        const std::string app = fmt::format("/Applications/Some Editor {}.app", number);
-        const std::string program = app + "/Contents/MacOS/Some Editor";
-        lines.push_back(number % 3 == 0 ? program + " " + program + " --type=renderer --enable-features=a,b,c"
-                        : number % 3 == 1
-                            ? fmt::format("/usr/libexec/daemon{0} /usr/libexec/daemon{0} -x /var/db", number)
-                            : fmt::format("worker{0} /opt/tools/lib/worker{0} --config=\"/etc/a\"", number));
-    }
-    return lines;
+/// FILES and ROUNDS.
+Sizes sizesFrom(const std::vector<std::string>& words, std::size_t first) {
+    Sizes sizes;
+    if (words.size() > first) sizes.files = std::strtoul(words[first].c_str(), nullptr, 10);
+    if (words.size() > first + 1) setRounds(sizes, words[first + 1]);
+    return sizes;
 }
 
-/// How long it takes to find the bundles that the lines of a process list name.
-void compareProcessLines(int rounds) {
-    const auto lines = processLines();
-    const std::vector<std::string_view> views(lines.begin(), lines.end());
-    const std::regex expression(R"((/[^"\n]+?\.app)(?:/Contents/|\s|$))");
-    std::size_t found = 0;
-    Table::compare(
-        "bundles in 2,000 process lines", [&] { found += RunningAppsDetector::bundlePathsIn(views).size(); },
-        "std::regex",
-        [&] {
-            for (const auto& line : lines)
-                found += static_cast<std::size_t>(
-                    std::distance(std::sregex_iterator(line.begin(), line.end(), expression), {}));
-        },
-        rounds, "10 ms");
-    if (found == 0) throw std::runtime_error("no bundle was found");
+void runPart(const std::string& part, const std::vector<std::string>& words) {
+    test::RealVolume::prepareProcess();
+    if (const auto reason = test::RealVolume::unavailableReason()) throw std::runtime_error(*reason);
+    if (part == "moves") {
+        const Sizes sizes = sizesFrom(words, 1);
+        return Moves::measure(sizes.files, sizes.rounds);
+    }
+    Sizes sizes;
+    if (words.size() > 1) setRounds(sizes, words[1]);
+    if (part == "discovery") return Discovery::measure(sizes.rounds);
+    WindowSpeed::measure(sizes.rounds);
 }
 
-void measureMoves(const Sizes& sizes) {
-    const Machine machine;
-    const Host host = Host::thisMachine(machine.home());
-    const auto practice =
-        Practice::build(machine.internal() / "practice", {.apps = 0, .specialApps = false, .files = sizes.files});
-    const fs::path tree = practice.home;
-    Table::heading(fmt::format("{} files, {} folders, {:.1f} GB, medians of {} rounds; ext4 in image files on the disk",
-                               practice.files, practice.folders, static_cast<double>(practice.bytes) / gigabyte,
-                               sizes.rounds));
-
-    {
-        const Measure::OneCore oneCore;
-        Table::compare(
-            "size of the tree, one core", [&] { SizingService::size(host, tree); }, "du -s",
-            [&] {
-                Measure::program({"du", "-s", tree.native()});
-            },
-            sizes.rounds, "<= 0.85");
-    }
-    compareProcessLines(sizes.rounds);
-    const auto copyTree = [&](const fs::path& to) { Measure::program({"cp", "-a", tree.native(), to.native()}); };
-    const fs::path copy = machine.diskDrive() / "Copy";
-    copyTree(copy);
-    Table::compare(
-        "verification of a copy",
-        [&] {
-            if (MoveVerifier::failureReason(host, tree, copy)) throw std::runtime_error("the copy is not good");
-        },
-        "du -s of both sides",
-        [&] {
-            Measure::program({"du", "-s", tree.native(), copy.native()});
-        },
-        sizes.rounds, "<= 1.50");
-
-    std::int64_t peakMemory = 0;
-    const auto makeBigFile = [](const fs::path& folder) {
-        fs::create_directories(folder);
-        Measure::program(
-            {"dd", "if=/dev/zero", "of=" + (folder / "film").native(), "bs=4M", "count=1024", "status=none"});
-    };
-    for (const fs::path& drive : {machine.memoryDrive(), machine.diskDrive()}) {
-        const std::string kind = drive == machine.diskDrive() ? "ext4 to ext4" : "ext4 to memory";
-        compareMoves(machine, drive, "move of the tree, " + kind, copyTree, sizes.rounds, "<= 0.75", peakMemory);
-        compareMoves(machine, drive, "move of one 4 GB file, " + kind, makeBigFile, sizes.rounds, "<= 1.05",
-                     peakMemory);
-    }
-    Table::line("peak memory of a move", fmt::format("{:.1f} MB", static_cast<double>(peakMemory) / 1e6), "", "", "",
-                "<= 48 MB");
-
-    std::vector<double> frames;
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    for (int round = 0; round <= sizes.rounds; ++round) {
-        const std::string text = Measure::outputOf({(ProgramLocation::folder() / "tarvik-window").native(), "--root",
-                                                    practice.root.native(), "--time-to-first-frame"});
-        if (round > 0) frames.push_back(std::strtod(text.c_str(), nullptr));
-    }
-    Table::line("window, start to first frame", fmt::format("{:.0f} ms", Measure::median(frames)), "", "", "",
-                "400 ms");
+/// Each part is a process of its own: the system counts what a program holds in memory to those that it starts.
+void runAll(const Sizes& sizes) {
+    const std::string rounds = std::to_string(sizes.rounds);
+    const std::string program = ProgramLocation::executable();
+    Measure::part({program, "discovery", rounds});
+    Measure::part({program, "window", rounds});
+    Measure::part({program, "moves", std::to_string(sizes.files), rounds});
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
-        RealVolume::prepareProcess();
-        if (const auto reason = RealVolume::unavailableReason()) throw std::runtime_error(*reason);
-        Sizes sizes;
-        const bool onlyDiscovery = argc > 1 && argv[1] == std::string_view("discovery");
-        if (argc > 1 && !onlyDiscovery) sizes.files = std::strtoul(argv[1], nullptr, 10);
-        if (argc > 2) sizes.rounds = std::max(1, std::atoi(argv[2]));
-        Discovery::measure(sizes.rounds);
-        if (onlyDiscovery) return 0;
-        fmt::print("\n");
-        measureMoves(sizes);
+        const std::vector<std::string> words(argv + 1, argv + argc);
+        const std::string part = words.empty() ? "" : words.front();
+        if (part == "discovery" || part == "window" || part == "moves") {
+            runPart(part, words);
+        } else {
+            runAll(sizesFrom(words, 0));
+        }
         return 0;
     } catch (const std::exception& failure) {
         fmt::print(stderr, "{}\n", failure.what());

@@ -1,9 +1,8 @@
 #include "Measure.h"
 
-#include "Platform/CommandRunner.h"
-
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <fcntl.h>
 #include <sched.h>
 #include <spawn.h>
@@ -37,35 +36,62 @@ double processorSeconds() {
     return sum;
 }
 
-}  // namespace
-
-Run program(const std::vector<std::string>& command) {
+/// Runs a program to its end. @returns what it used.
+struct rusage spawn(const std::vector<std::string>& command, const posix_spawn_file_actions_t* actions) {
     std::vector<char*> words;
     for (const auto& word : command) words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
+    int status = -1;
+    struct rusage usage {};
+    pid_t child = 0;
+    if (::posix_spawnp(&child, words[0], actions, nullptr, words.data(), environ) == 0)
+        ::wait4(child, &status, 0, &usage);
+    if (status != 0) throw std::runtime_error("failed: " + command.front());
+    return usage;
+}
+
+/// A file that is gone when it is closed.
+class Scratch {
+public:
+    Scratch() : m_file(std::tmpfile()) {
+        if (!m_file) throw std::runtime_error("There is no room for a temporary file.");
+    }
+    ~Scratch() { std::fclose(m_file); }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    int descriptor() const { return ::fileno(m_file); }
+    std::string content() const {
+        std::rewind(m_file);
+        std::string text;
+        for (int byte = std::getc(m_file); byte != EOF; byte = std::getc(m_file)) text += static_cast<char>(byte);
+        return text;
+    }
+
+private:
+    std::FILE* m_file;
+};
+
+}  // namespace
+
+Run program(const std::vector<std::string>& command) {
+    const Scratch output;
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_adddup2(&actions, output.descriptor(), STDOUT_FILENO);
     ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     Run run;
-    int status = -1;
     struct rusage usage {};
-    run.seconds = seconds([&] {
-        pid_t child = 0;
-        if (::posix_spawnp(&child, words[0], &actions, nullptr, words.data(), environ) == 0)
-            ::wait4(child, &status, 0, &usage);
-    });
+    run.seconds = seconds([&] { usage = spawn(command, &actions); });
     ::posix_spawn_file_actions_destroy(&actions);
-    if (status != 0) throw std::runtime_error("failed: " + command.front());
     run.peakMemory = static_cast<std::int64_t>(usage.ru_maxrss) * 1024;
+    run.output = output.content();
     return run;
 }
 
-std::string outputOf(const std::vector<std::string>& command) {
-    const CommandResult result = CommandRunner::run(command.front(), {command.begin() + 1, command.end()});
-    if (!result.succeeded()) throw std::runtime_error("failed: " + command.front() + "\n" + result.stderr);
-    return result.stdout;
+void part(const std::vector<std::string>& command) {
+    spawn(command, nullptr);
 }
 
 double seconds(const std::function<void()>& act) {

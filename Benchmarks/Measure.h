@@ -11,14 +11,17 @@ namespace tarvik::Measure {
 /// What one run of a program cost.
 struct Run {
     double seconds = 0;
-    /// The largest resident memory of the program or of a child that it waited for, in bytes.
+    /// The largest resident memory of the program or of a child that it waited for, in bytes. The system counts to it
+    /// what this program has had at most: no figure below that can be seen.
     std::int64_t peakMemory = 0;
+    /// What it printed on standard output.
+    std::string output;
 };
 
-/// Runs a program to its end, its output dropped. @throws std::runtime_error when it fails.
+/// Runs a program to its end. @throws std::runtime_error when it fails.
 Run program(const std::vector<std::string>& command);
-/// What a program prints on standard output. @throws std::runtime_error when it fails.
-std::string outputOf(const std::vector<std::string>& command);
+/// Runs a program that prints where this one does. @throws std::runtime_error when it fails.
+void part(const std::vector<std::string>& command);
 /// Seconds that a function takes.
 double seconds(const std::function<void()>& act);
 /// What an act takes by the clock, and of the processors' time in this program and in those that it has waited for: on

@@ -49,6 +49,10 @@ Options Options::parse(const std::vector<std::string>& arguments) {
             options.size = sizeFrom(value());
         } else if (argument == "--time-to-first-frame") {
             options.wantsTimeToFirstFrame = true;
+        } else if (argument == "--measure-refresh") {
+            options.measuresRefresh = true;
+        } else if (argument == "--measure-scrolling") {
+            options.measuresRefresh = options.measuresScrolling = true;
         } else if (argument == "--version") {
             options.wantsVersion = true;
         } else if (argument == "--help" || argument == "-h") {
@@ -68,6 +72,8 @@ std::string Options::help() {
            "  --picture FILE         save a picture of the window as PNG and quit\n"
            "  --size WxH             the size of the window\n"
            "  --time-to-first-frame  print the milliseconds from the start to the first frame and quit\n"
+           "  --measure-refresh      print what the first refresh takes and quit\n"
+           "  --measure-scrolling    the same while the list is scrolled\n"
            "  --version, --help\n";
 }
 

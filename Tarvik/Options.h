@@ -18,6 +18,9 @@ struct Options {
     /// Width and height of the window in points.
     std::optional<std::pair<int, int>> size;
     bool wantsTimeToFirstFrame = false;
+    /// See `RefreshMeasurement`.
+    bool measuresRefresh = false;
+    bool measuresScrolling = false;
     bool wantsVersion = false;
     bool wantsHelp = false;
 

@@ -4,6 +4,7 @@
 #include "Platform/Failure.h"
 #include "Platform/StandardStreams.h"
 #include "ProcessAge.h"
+#include "RefreshMeasurement.h"
 #include "State/AppState.h"
 #include "State/Background.h"
 #include "State/QmlModule.h"
@@ -18,6 +19,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -67,6 +69,8 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     QVariantMap initial;
     if (options.size) initial = {{"width", options.size->first}, {"height", options.size->second}};
     engine.setInitialProperties(initial);
+    std::optional<RefreshMeasurement> measurement;
+    if (options.measuresRefresh) measurement.emplace(state, options.measuresScrolling);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tarvik/Views/MainWindow.qml")));
     if (engine.rootObjects().isEmpty()) return EXIT_FAILURE;
 
@@ -74,6 +78,7 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     new CloseGuard(window, state);
     if (options.picture) savePictureWhenReady(window, state, *options.picture);
     if (options.wantsTimeToFirstFrame) printTimeOfFirstFrame(window);
+    if (measurement) measurement->watch(window);
     return application.exec();
 }
 
