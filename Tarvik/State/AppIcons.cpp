@@ -1,6 +1,8 @@
 #include "State/AppIcons.h"
 
 #include "Platform/BundleIcon.h"
+#include "Platform/Cancellation.h"
+#include "State/Background.h"
 
 #include <QFutureWatcher>
 #include <QImage>
@@ -36,7 +38,7 @@ QImage load(const fs::path& bundle, QSize size) {
 
 class Response : public QQuickImageResponse {
 public:
-    explicit Response(const QFuture<QImage>& icon) {
+    Response(const QFuture<QImage>& icon, Cancellation notWanted) : m_notWanted(std::move(notWanted)) {
         connect(&m_icon, &QFutureWatcherBase::finished, this, &QQuickImageResponse::finished);
         m_icon.setFuture(icon);
     }
@@ -46,8 +48,12 @@ public:
         return QQuickTextureFactory::textureFactoryForImage(icon.resultCount() > 0 ? icon.result() : emptyPoint());
     }
 
+    /// The row has gone: most that is scrolled past is never loaded.
+    void cancel() override { m_notWanted.cancel(); }
+
 private:
     QFutureWatcher<QImage> m_icon;
+    Cancellation m_notWanted;
 };
 
 }  // namespace
@@ -58,18 +64,15 @@ QString AppIcons::source(const fs::path& bundle) {
     return QStringLiteral("image://%1/%2").arg(QLatin1String(name), QString::fromLatin1(bytes));
 }
 
-AppIcons::AppIcons() {
-    m_pool.setMaxThreadCount(2);
-}
-
 QQuickImageResponse* AppIcons::requestImageResponse(const QString& id, const QSize& requestedSize) {
     const fs::path bundle(QByteArray::fromHex(id.toLatin1()).toStdString());
     const QSize size = requestedSize.isEmpty() ? usualSize : requestedSize;
     const auto promise = std::make_shared<QPromise<QImage>>();
-    auto* response = new Response(promise->future());
+    const Cancellation notWanted;
+    auto* response = new Response(promise->future(), notWanted);
     promise->start();
-    m_pool.start([promise, bundle, size] {
-        promise->addResult(load(bundle, size));
+    Background::run(Priority::pictures, [promise, bundle, size, notWanted] {
+        if (!notWanted.isCancelled()) promise->addResult(load(bundle, size));
         promise->finish();
     });
     return response;

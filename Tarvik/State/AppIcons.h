@@ -5,7 +5,6 @@
 #include <QQuickAsyncImageProvider>
 #include <QSize>
 #include <QString>
-#include <QThreadPool>
 
 namespace tarvik {
 
@@ -18,12 +17,7 @@ public:
     /// The address of a bundle's icon.
     static QString source(const fs::path& bundle);
 
-    AppIcons();
     QQuickImageResponse* requestImageResponse(const QString& id, const QSize& requestedSize) override;
-
-private:
-    /// A pool of its own: icons do not wait until all applications are measured.
-    QThreadPool m_pool;
 };
 
 }  // namespace tarvik

@@ -16,6 +16,8 @@ struct AppRow {
     bool isSelected = false;
     bool isExpanded = false;
 
+    bool operator==(const AppRow&) const = default;
+
     static std::vector<Role<AppRow>> roles();
     /// The bundle's path: two bundles can share an identifier.
     static std::string key(const AppRow& row) { return row.entry.bundlePath.native(); }

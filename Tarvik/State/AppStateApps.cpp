@@ -5,10 +5,13 @@
 #include "State/AppState.h"
 #include "State/Background.h"
 #include "State/ScreenText.h"
+#include "State/UiThread.h"
 
 #include <QScopeGuard>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <exception>
 #include <unordered_map>
 #include <utility>
@@ -18,6 +21,8 @@ namespace tarvik {
 namespace {
 
 constexpr int mostAtATime = 8;
+/// How long one of them keeps a thread from other work.
+constexpr std::chrono::milliseconds longestTurn{10};
 
 /// Whether the sizes that an entry had are worth showing until it is measured anew.
 bool isSameButForSizes(const AppEntry& known, const AppEntry& found) {
@@ -28,9 +33,17 @@ bool isSameButForSizes(const AppEntry& known, const AppEntry& found) {
 }  // namespace
 
 struct AppState::Sizing {
-    std::vector<AppEntry> entries;
-    Cancellation cancellation;
-    std::size_t next = 0;
+    Sizing(std::vector<AppEntry> all, Cancellation stop) : entries(std::move(all)), cancellation(std::move(stop)) {}
+    /// The next one that nobody measures yet, from any thread; null when there is none.
+    const AppEntry* takeNext() {
+        const std::size_t index = next++;
+        return index < entries.size() && !cancellation.isCancelled() ? &entries[index] : nullptr;
+    }
+    bool isOver() const { return next >= entries.size() || cancellation.isCancelled(); }
+
+    const std::vector<AppEntry> entries;
+    const Cancellation cancellation;
+    std::atomic<std::size_t> next = 0;
 };
 
 void AppState::refreshApps() {
@@ -51,7 +64,7 @@ QCoro::Task<> AppState::scanApps() {
 }
 
 QCoro::Task<> AppState::computeSizes(std::vector<AppEntry> entries) {
-    const auto sizing = std::make_shared<Sizing>(Sizing{std::move(entries), m_stopSizingApps});
+    const auto sizing = std::make_shared<Sizing>(std::move(entries), m_stopSizingApps);
     std::vector<QCoro::Task<>> workers;
     for (int worker = 0; worker < mostAtATime; ++worker) workers.push_back(sizeOneAfterAnother(sizing));
     // Each is waited for, also when one fails: none may go on behind this flow, in an object that is gone.
@@ -67,16 +80,22 @@ QCoro::Task<> AppState::computeSizes(std::vector<AppEntry> entries) {
 }
 
 QCoro::Task<> AppState::sizeOneAfterAnother(std::shared_ptr<Sizing> sizing) {
-    while (sizing->next < sizing->entries.size() && !sizing->cancellation.isCancelled()) {
-        const auto measure = [host = m_host, entry = sizing->entries[sizing->next++],
-                              cancellation = sizing->cancellation] {
-            return AppScanner::computeSizes(host, entry, cancellation);
-        };
-        AppEntry measured = co_await inBackground(Priority::utility, measure);
-        if (sizing->cancellation.isCancelled()) co_return;  // The sizes are only a part.
-        takeSizes(std::move(measured));
-        setSizeProgress(m_sizeProgress + 1, m_sizeTotal);
-    }
+    // Small ones follow each other without a way over the UI thread, which may be drawing. This flow goes on only when
+    // what they have posted has been taken.
+    const auto measure = [this, host = m_host, sizing] {
+        const auto end = std::chrono::steady_clock::now() + longestTurn;
+        do {
+            const AppEntry* entry = sizing->takeNext();
+            if (!entry) return;
+            AppEntry measured = AppScanner::computeSizes(host, *entry, sizing->cancellation);
+            if (sizing->cancellation.isCancelled()) return;  // The sizes are only a part.
+            UiThread::post([this, measured = std::move(measured)] {
+                takeSizes(measured);
+                setSizeProgress(m_sizeProgress + 1, m_sizeTotal);
+            });
+        } while (std::chrono::steady_clock::now() < end);
+    };
+    while (!sizing->isOver()) co_await inBackground(Priority::utility, measure);
 }
 
 void AppState::takeApps(std::vector<AppEntry> entries) {
@@ -98,8 +117,9 @@ void AppState::takeApps(std::vector<AppEntry> entries) {
 
 void AppState::takeSizes(AppEntry entry) {
     const auto& rows = apps();
-    const auto row = std::find_if(rows.begin(), rows.end(),
-                                  [&](const AppRow& other) { return other.entry.bundlePath == entry.bundlePath; });
+    const auto row = std::find_if(rows.begin(), rows.end(), [&, path = entry.bundlePath.native()](const AppRow& other) {
+        return other.entry.bundlePath.native() == path;
+    });
     if (row == rows.end()) return;
     AppRow sized = *row;
     sized.entry = std::move(entry);

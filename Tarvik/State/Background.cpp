@@ -1,5 +1,6 @@
 #include "State/Background.h"
 
+#include "Platform/ThreadPriority.h"
 #include "State/UiThread.h"
 
 #include <QThreadPool>
@@ -27,7 +28,10 @@ public:
             m_work.push_back(std::move(work));
         }
         // The threads get no more than a nudge: what one thread leaves to another goes through our own lock alone.
-        m_threads.start([] { shared().take()(); });
+        m_threads.start([] {
+            if (priority != Priority::userInitiated) ThreadPriority::lower();
+            shared().take()();
+        });
     }
 
     void waitForDone() { m_threads.waitForDone(); }
@@ -35,8 +39,7 @@ public:
 private:
     Pool() {
         // A move holds a thread for as long as it takes: scans and plans must not wait for it.
-        m_threads.setMaxThreadCount(std::max(4, QThread::idealThreadCount()));
-        if (priority == Priority::utility) m_threads.setThreadPriority(QThread::LowPriority);
+        m_threads.setMaxThreadCount(priority == Priority::pictures ? 2 : std::max(4, QThread::idealThreadCount()));
     }
 
     std::function<void()> take() {
@@ -54,16 +57,20 @@ private:
 }  // namespace
 
 void run(Priority priority, std::function<void()> work) {
-    if (priority == Priority::userInitiated) {
-        Pool<Priority::userInitiated>::shared().add(std::move(work));
-    } else {
-        Pool<Priority::utility>::shared().add(std::move(work));
+    switch (priority) {
+        case Priority::userInitiated:
+            return Pool<Priority::userInitiated>::shared().add(std::move(work));
+        case Priority::utility:
+            return Pool<Priority::utility>::shared().add(std::move(work));
+        case Priority::pictures:
+            return Pool<Priority::pictures>::shared().add(std::move(work));
     }
 }
 
 void finish() {
     Pool<Priority::userInitiated>::shared().waitForDone();
     Pool<Priority::utility>::shared().waitForDone();
+    Pool<Priority::pictures>::shared().waitForDone();
     UiThread::runPosted();
 }
 

@@ -16,11 +16,13 @@ namespace tarvik {
 enum class Priority {
     /// The user waits for it: drive scans, planning, moves, restores.
     userInitiated,
-    /// It may take its time: sizes, checks.
+    /// It may take its time: sizes, checks. It steps back behind the window.
     utility,
+    /// Pictures for what is on the screen, which do not wait for sizes; they step back too.
+    pictures,
 };
 
-/// The two pools of threads behind `inBackground`.
+/// The pools of threads behind `inBackground`, one for each priority.
 namespace Background {
 
 /// Runs `work` on a thread of the pool of its priority. Any thread; never blocks. `work` must not throw.

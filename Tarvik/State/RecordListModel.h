@@ -7,6 +7,7 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -76,6 +77,8 @@ public:
 
     /// Replaces one record and announces the roles that differ. `index` must be in the list.
     void update(std::size_t index, Record record) {
+        if constexpr (std::equality_comparable<Record>)
+            if (m_records[index] == record) return;
         QList<int> changed;
         for (std::size_t role = 0; role < m_roles.size(); ++role)
             if (m_roles[role].value(m_records[index]) != m_roles[role].value(record))
@@ -181,8 +184,10 @@ private:
     template <typename Element>
     static void moveElement(std::vector<Element>& elements, std::size_t from, std::size_t to) {
         const auto at = [&](std::size_t i) { return elements.begin() + static_cast<std::ptrdiff_t>(i); };
-        if (from < to) std::rotate(at(from), at(from + 1), at(to));
-        if (from > to) std::rotate(at(to), at(from), at(from + 1));
+        // Not by `std::rotate`, which swaps: three times as much for each record in between.
+        Element moved = std::move(elements[from]);
+        if (from < to) *(std::move(at(from + 1), at(to), at(from))) = std::move(moved);
+        if (from >= to) *(std::move_backward(at(to), at(from), at(from + 1)) - 1) = std::move(moved);
     }
 
     static std::size_t indexOf(const std::vector<std::size_t>& values, std::size_t value) {
