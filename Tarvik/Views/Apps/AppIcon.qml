@@ -30,10 +30,14 @@ Item {
             color: Theme.neutralTint
             border.width: 1
             border.color: Theme.border
-            Icon {
+            Loader {
                 anchors.centerIn: parent
-                name: "apps"
-                color: Theme.neutral
+                // Most pictures are there in a moment: until then the drawing is not worth making.
+                active: picture.status !== Image.Loading
+                sourceComponent: Icon {
+                    name: "apps"
+                    color: Theme.neutral
+                }
             }
         }
     }

@@ -112,19 +112,21 @@ ListRow {
             dataText: row.dataSizeText
             totalText: row.totalSizeText
         }
-        Button {
-            objectName: "appMoveBackButton"
+        Loader {
             anchors.right: chevron.left
             anchors.rightMargin: Theme.tiny
             anchors.verticalCenter: parent.verticalCenter
-            visible: row.isAlreadySymlinked
-            enabled: !AppState.isBusy
-            focusPolicy: Qt.NoFocus
-            text: "Move Back"
-            kind: "quiet"
-            iconName: "back"
-            Accessible.name: "Move Back " + row.name
-            onClicked: row.moveBack()
+            active: row.isAlreadySymlinked
+            sourceComponent: Button {
+                objectName: "appMoveBackButton"
+                enabled: !AppState.isBusy
+                focusPolicy: Qt.NoFocus
+                text: "Move Back"
+                kind: "quiet"
+                iconName: "back"
+                Accessible.name: "Move Back " + row.name
+                onClicked: row.moveBack()
+            }
         }
         DisclosureButton {
             id: chevron

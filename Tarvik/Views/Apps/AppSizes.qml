@@ -23,12 +23,13 @@ Item {
             Accessible.name: "Measuring the application"
         }
     }
+    // What is not shown has no text: laying that out is most of the work for a new row.
     Label {
         objectName: "appTotal"
         width: parent.width
         visible: sizes.isKnown
         horizontalAlignment: Text.AlignRight
-        text: sizes.totalText
+        text: sizes.isKnown ? sizes.totalText : ""
         font.weight: Font.DemiBold
         Accessible.ignored: true
     }
@@ -38,7 +39,7 @@ Item {
         width: sizes.columnWidth
         visible: sizes.isKnown
         horizontalAlignment: Text.AlignRight
-        text: "app " + sizes.appText
+        text: sizes.isKnown ? "app " + sizes.appText : ""
         color: Theme.textSecondary
         font.pixelSize: Theme.captionSize
         Accessible.ignored: true
@@ -50,7 +51,7 @@ Item {
         width: sizes.columnWidth
         visible: sizes.isKnown
         horizontalAlignment: Text.AlignRight
-        text: "data " + sizes.dataText
+        text: sizes.isKnown ? "data " + sizes.dataText : ""
         color: Theme.textSecondary
         font.pixelSize: Theme.captionSize
         Accessible.ignored: true
