@@ -80,8 +80,10 @@ MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, c
     const std::int64_t size = SizingService::size(host, source, cancellation);
     if (cancellation.isCancelled()) throw cancelled();  // The size is only a part of it.
     if (auto sentence = MoveRefusal::ofSpace(size, drive)) throw refusal(*sentence + leftoversOn(host, drive));
-    return MoveJob(source.filename(), source, AppStorageNames::foldersRootOn(drive.mountPath) / source.filename(),
-                   JobStatus::pending(), size, 0);
+    MoveJob job(source.filename(), source, AppStorageNames::foldersRootOn(drive.mountPath) / source.filename(),
+                JobStatus::pending(), size, 0);
+    job.driveMark = DriveScanner::markOf(host, drive.mountPath).value_or(std::string());
+    return job;
 }
 
 Dialog confirmMove(const MoveJob& job, const DriveInfo& drive) {

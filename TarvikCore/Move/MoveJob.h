@@ -4,6 +4,7 @@
 #include "Platform/Path.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tarvik {
@@ -26,6 +27,9 @@ struct MoveJob {
     /// The planned size in bytes; only grows during a run.
     std::int64_t bytesTotal = 0;
     std::int64_t bytesCopied = 0;
+    /// What `DriveScanner::markOf` told of the drive that is meant: empty when it was not there. Nothing for a job that
+    /// goes to whatever drive stands at its place.
+    std::optional<std::string> driveMark;
 };
 
 }  // namespace tarvik

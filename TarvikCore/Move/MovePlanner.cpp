@@ -3,6 +3,7 @@
 #include "Discovery/AppBundleScanRoots.h"
 #include "Move/MoveDestination.h"
 #include "Platform/AppStorageNames.h"
+#include "Platform/DriveScanner.h"
 #include "Platform/Files.h"
 #include "Platform/SizingService.h"
 
@@ -54,7 +55,8 @@ public:
         : m_roots(standardizedRoots(host)),
           m_host(host),
           m_apps(AppStorageNames::appsRootOn(drive.mountPath)),
-          m_data(AppStorageNames::dataRootOn(drive.mountPath)) {}
+          m_data(AppStorageNames::dataRootOn(drive.mountPath)),
+          m_driveMark(DriveScanner::markOf(host, drive.mountPath).value_or(std::string())) {}
 
     void addBundle(const AppEntry& entry) {
         const fs::path bundle = Files::standardized(entry.bundlePath);
@@ -80,6 +82,7 @@ public:
                 continue;
             const auto bytes = item.isBundle ? item.bytes : SizingService::size(m_host, item.source, cancellation);
             jobs.emplace_back(item.label, item.source, item.destination, JobStatus::pending(), bytes, 0);
+            jobs.back().driveMark = m_driveMark;
         }
         return jobs;
     }
@@ -108,6 +111,7 @@ private:
     const Host& m_host;
     const fs::path m_apps;
     const fs::path m_data;
+    const std::string m_driveMark;
     Places m_destinations;
     Places m_foldersOfBundles;
     std::vector<Item> m_items;

@@ -1,6 +1,7 @@
 #include "Move/MoveRun.h"
 
 #include "Discovery/AppScanner.h"
+#include "Move/MoveRefusal.h"
 #include "Move/MoverEngine.h"
 #include "Platform/DriveScanner.h"
 #include "Platform/Failure.h"
@@ -15,10 +16,9 @@ namespace tarvik::MoveRun {
 
 namespace {
 
-/// Somebody else may have moved it since the user was asked, or a folder that it stands in: a link would move then, or
-/// the copy on the drive.
-bool hasMovedByNow(const Host& host, const fs::path& source, const fs::path& drivePath) {
-    if (Files::isSymbolicLink(source) || AppScanner::isSymbolicLinkOrInsideOne(host, source)) return true;
+/// A folder that it stands in may have been moved since the user was asked: the copy on the drive would move then.
+bool standsOnDriveByNow(const Host& host, const fs::path& source, const fs::path& drivePath) {
+    if (AppScanner::isSymbolicLinkOrInsideOne(host, source)) return true;
     const auto real = Files::resolved(source);
     return real && Files::isAtOrBelow(*real, Files::resolved(drivePath).value_or(drivePath));
 }
@@ -26,8 +26,15 @@ bool hasMovedByNow(const Host& host, const fs::path& source, const fs::path& dri
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
     try {
-        if (!DriveScanner::isThere(host, drivePath)) return JobStatus::failed("Target drive disconnected");
-        if (hasMovedByNow(host, job.source, drivePath))
+        const auto mark = DriveScanner::markOf(host, drivePath);
+        const bool wasThere = !job.driveMark || !job.driveMark->empty();
+        if (!mark || !wasThere) return JobStatus::failed("Target drive disconnected");
+        if (job.driveMark && job.driveMark != mark)
+            return JobStatus::failed(
+                fmt::format("Target drive disconnected. Another drive is at {} now.", drivePath.native()));
+        if (const auto target = Files::linkText(job.source))
+            return JobStatus::failed(MoveRefusal::alreadyALink(job.source, *target));
+        if (standsOnDriveByNow(host, job.source, drivePath))
             return JobStatus::failed(
                 fmt::format("{} stays: it has been moved by now.", job.source.filename().native()));
         status(index, JobStatus::copying(0));

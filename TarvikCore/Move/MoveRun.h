@@ -19,8 +19,9 @@ using JobStatusCallback = std::function<void(std::size_t job, const JobStatus&)>
 /// Called from a background thread too.
 using JobProgressCallback = std::function<void(std::size_t job, const ByteProgress&)>;
 
-/// Runs every job in list order; a failed one never stops the rest. Before each job the drive must still stand at
-/// `drivePath`. Every outcome is a status; nothing is thrown. Blocks until the last job has ended.
+/// Runs every job in list order; a failed one never stops the rest. Before each job the drive that was meant when
+/// it was planned must still stand at `drivePath`. Every outcome is a status; nothing is thrown. Blocks until the last
+/// job has ended.
 void run(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& drivePath, bool quitRunning,
          const JobStatusCallback& status, const JobProgressCallback& progress);
 

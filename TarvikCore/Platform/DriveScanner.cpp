@@ -1,7 +1,10 @@
 #include "Platform/DriveScanner.h"
 
+#include "Platform/FileSystemStatus.h"
 #include "Platform/Files.h"
 #include "Platform/VolumeList.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -41,14 +44,21 @@ std::vector<DriveInfo> scan(const Host& host) {
 }
 
 bool isThere(const Host& host, const fs::path& mountPath) {
+    return markOf(host, mountPath).has_value();
+}
+
+std::optional<std::string> markOf(const Host& host, const fs::path& mountPath) {
     const auto before = Files::infoFollowingLinks(mountPath);
-    if (!before) return false;
+    if (!before) return std::nullopt;
     const auto volumes = host.volumes->mounted();
-    const bool isMounted = std::any_of(volumes.begin(), volumes.end(),
-                                       [&](const Volume& volume) { return volume.mountPath == mountPath; });
+    const auto volume =
+        std::find_if(volumes.begin(), volumes.end(), [&](const Volume& each) { return each.mountPath == mountPath; });
     // The list takes its time: the drive may have gone since it was read.
     const auto after = Files::infoFollowingLinks(mountPath);
-    return isMounted && after && after->device == before->device;
+    if (volume == volumes.end() || !after || after->device != before->device) return std::nullopt;
+    if (volume->identifier) return *volume->identifier;
+    const auto status = fileSystemStatus(mountPath);
+    return fmt::format("{}-{}-{}", after->device, status ? status->identifier : 0, after->inode);
 }
 
 }  // namespace tarvik::DriveScanner

@@ -3,6 +3,8 @@
 #include "Platform/DriveInfo.h"
 #include "Platform/Host.h"
 
+#include <optional>
+#include <string>
 #include <vector>
 
 /// Lists the drives that something can be moved to or from.
@@ -15,5 +17,9 @@ std::vector<DriveInfo> scan(const Host& host);
 /// Whether a volume is mounted at exactly this path: a mount path can outlive its drive as an empty folder of the
 /// internal disk. Blocks and never fails, as `scan`.
 bool isThere(const Host& host, const fs::path& mountPath);
+
+/// Tells the volume at this path from another one that may take its place, of the same name or not: by the UUID of its
+/// file system, else by what is known of the mounted file system. Nothing when none is there. Blocks as `isThere`.
+std::optional<std::string> markOf(const Host& host, const fs::path& mountPath);
 
 }  // namespace tarvik::DriveScanner

@@ -24,6 +24,7 @@ std::optional<FileSystemStatus> fileSystemStatus(const fs::path& path) noexcept 
     if (result != 0) return std::nullopt;
 
     FileSystemStatus status;
+    status.identifier = answer.f_fsid;
     status.isReadOnly = (answer.f_flag & ST_RDONLY) != 0;
     if (answer.f_blocks != 0) {
         status.totalBytes = bytesOf(answer.f_blocks, answer.f_frsize);

@@ -14,6 +14,8 @@ struct FileSystemStatus {
     /// What an ordinary user's file may still take.
     std::optional<std::int64_t> availableBytes;
     bool isReadOnly = false;
+    /// What tells it from the others that are mounted now. Not every file system has a number that lasts.
+    std::uint64_t identifier = 0;
 
     bool operator==(const FileSystemStatus&) const = default;
 };

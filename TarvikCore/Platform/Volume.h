@@ -22,6 +22,8 @@ struct Volume {
     std::optional<bool> isReadOnly;
     /// The format in words: "ext4", "APFS", "exFAT".
     std::optional<std::string> formatDescription;
+    /// What no other volume has: the UUID of its file system, or what that has for one.
+    std::optional<std::string> identifier;
 
     bool operator==(const Volume&) const = default;
 };

@@ -93,6 +93,8 @@ Facts read(std::uint64_t deviceNumber) {
     Facts facts;
     if (const char* label = udev_device_get_property_value(device.get(), "ID_FS_LABEL_ENC"))
         facts.label = decoded(label);
+    if (const char* identifier = udev_device_get_property_value(device.get(), "ID_FS_UUID_ENC"))
+        facts.identifier = decoded(identifier);
     facts.contentType = textOf(udev_device_get_property_value(device.get(), "ID_FS_TYPE"));
     facts.isLoopDevice = textOf(udev_device_get_sysname(device.get())).starts_with("loop");
     addDisks(database.get(), device.get(), facts.disks, 0);

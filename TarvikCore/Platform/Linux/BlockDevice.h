@@ -14,6 +14,8 @@ namespace tarvik::BlockDevice {
 struct Facts {
     /// The label of the file system on it.
     std::optional<std::string> label;
+    /// The UUID of the file system on it.
+    std::optional<std::string> identifier;
     std::string contentType;
     bool isLoopDevice = false;
     std::vector<DiskFacts> disks;

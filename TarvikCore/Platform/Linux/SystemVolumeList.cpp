@@ -79,7 +79,8 @@ Volume volumeOf(MountFacts mount, const FileSystemStatus& status) {
             .isInternal = VolumeRules::isInternal(mount),
             .isBrowsable = true,
             .isReadOnly = status.isReadOnly,
-            .formatDescription = VolumeRules::formatDescription(mount)};
+            .formatDescription = VolumeRules::formatDescription(mount),
+            .identifier = std::move(device.identifier)};
 }
 
 bool isFolder(const fs::path& path) {

@@ -31,7 +31,7 @@ NSArray<NSURLResourceKey>* volumeKeys() {
     return @[
         NSURLVolumeNameKey, NSURLVolumeTotalCapacityKey, NSURLVolumeAvailableCapacityForImportantUsageKey,
         NSURLVolumeIsInternalKey, NSURLVolumeIsBrowsableKey, NSURLVolumeIsReadOnlyKey,
-        NSURLVolumeLocalizedFormatDescriptionKey
+        NSURLVolumeLocalizedFormatDescriptionKey, NSURLVolumeUUIDStringKey
     ];
 }
 
@@ -55,7 +55,8 @@ public:
                                    .isInternal = flag(values, NSURLVolumeIsInternalKey),
                                    .isBrowsable = flag(values, NSURLVolumeIsBrowsableKey),
                                    .isReadOnly = flag(values, NSURLVolumeIsReadOnlyKey),
-                                   .formatDescription = text(values, NSURLVolumeLocalizedFormatDescriptionKey)});
+                                   .formatDescription = text(values, NSURLVolumeLocalizedFormatDescriptionKey),
+                                   .identifier = text(values, NSURLVolumeUUIDStringKey)});
             }
         }
         return volumes;
