@@ -18,8 +18,7 @@ namespace {
 using Refusal = std::optional<std::string>;
 
 Refusal byKind(const fs::path& folder) {
-    if (const auto target = Files::linkText(folder))
-        return fmt::format("{} is already a symlink to {}.", folder.filename().native(), target->native());
+    if (const auto target = Files::linkText(folder)) return alreadyALink(folder, *target);
     if (!Files::isFolder(folder)) return notAFolder(folder);
     return std::nullopt;
 }
@@ -121,6 +120,10 @@ std::optional<fs::path> placeOffDrive(const fs::path& mountPath, const fs::path&
     const auto drive = Files::info(mountPath);
     const bool isOnDrive = Files::isAtOrBelow(real, mountPath) && there && drive && there->device == drive->device;
     return isOnDrive ? std::nullopt : std::optional(real);
+}
+
+std::string alreadyALink(const fs::path& link, const fs::path& target) {
+    return fmt::format("{} is already a symlink to {}.", link.filename().native(), target.native());
 }
 
 std::string notAFolder(const fs::path& item) {

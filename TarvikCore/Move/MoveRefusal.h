@@ -34,6 +34,8 @@ std::optional<std::string> ofSpace(std::int64_t totalBytes, const DriveInfo& dri
 /// Blocks; any thread.
 std::optional<fs::path> placeOffDrive(const fs::path& mountPath, const fs::path& place);
 
+/// What is said of a link that was to be moved. Pure.
+std::string alreadyALink(const fs::path& link, const fs::path& target);
 /// What is said of an item that is no folder where only folders can be moved. Pure.
 std::string notAFolder(const fs::path& item);
 

@@ -32,6 +32,7 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
         if (job.driveMark && job.driveMark != mark)
             return JobStatus::failed(
                 fmt::format("Target drive disconnected. Another drive is at {} now.", drivePath.native()));
+        // Another Tarvik may have been faster; the link would only be moved itself.
         if (const auto target = Files::linkText(job.source))
             return JobStatus::failed(MoveRefusal::alreadyALink(job.source, *target));
         if (standsOnDriveByNow(host, job.source, drivePath))

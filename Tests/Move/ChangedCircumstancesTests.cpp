@@ -232,6 +232,18 @@ TEST_F(ChangedCircumstances, ABundleThatHasGoneFailsAlone) {
     EXPECT_THAT(run(proposal), ElementsAre("Source path no longer exists.", "done"));
 }
 
+TEST_F(ChangedCircumstances, ABundleThatSomeoneElseHasMovedToAnotherDriveStaysThere) {
+    const auto proposal = agreed({"Editor"});
+    const fs::path other = world.folder / "Volumes/Other/ExternalTarvik/Apps/Editor.app";
+    makeFolder(other.parent_path());
+    fs::rename(bundle("Editor"), other);
+    makeLink(bundle("Editor"), other);
+    EXPECT_THAT(run(proposal), ElementsAre("Editor.app is already a symlink to " + other.native() + "."));
+    EXPECT_EQ(Files::linkText(bundle("Editor")), other);
+    EXPECT_EQ(pictureOf(other), pictures[0]);
+    EXPECT_FALSE(Files::itemExists(onDrive / "Editor.app"));
+}
+
 TEST_F(ChangedCircumstances, AMoveIsDoneThoughItsRecordCannotBeWritten) {
     makeFolder(HealthManifest::file(world.host) / "in the way");
     const auto proposal = agreed({"Editor"});
