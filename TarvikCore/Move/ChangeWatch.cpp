@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <thread>
 #include <utility>
@@ -28,16 +29,25 @@ bool isAfter(const timespec& time, const timespec& mark) {
 
 /// The flush must not begin before the clocks have moved on: a page that is written to again in between would bear no
 /// later time.
-Mark markNow() {
+Mark markNow(const fs::path& root) {
     Mark result;
+    result.root = std::make_shared<const FileDescriptor>(
+        ::open(root.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC));
     ::clock_gettime(CLOCK_REALTIME, &result.time);
     std::this_thread::sleep_for(clockTick);
     return result;
 }
 
+/// Whether it is another item than the one that stood there at the mark. One that could not be opened is not known.
+bool isAnother(const struct stat& status, const Mark& mark) {
+    struct stat before {};
+    if (!mark.root || !*mark.root || ::fstat(mark.root->get(), &before) != 0) return false;
+    return before.st_dev != status.st_dev || before.st_ino != status.st_ino;
+}
+
 }  // namespace
 
-Beginning::Beginning(const fs::path& root) : m_root(root), m_mark(markNow()), m_flush(root) {}
+Beginning::Beginning(const fs::path& root) : m_root(root), m_mark(markNow(root)), m_flush(root) {}
 
 Mark Beginning::mark() {
     const int error = m_flush.error();
@@ -51,12 +61,10 @@ Mark mark(const fs::path& root) {
     return Beginning(root).mark();
 }
 
-std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark, Root name) {
+std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {
     struct stat status {};
     if (::lstat(root.c_str(), &status) != 0) throw FileError("read", root, errno);
-    const timespec changedAt =
-        name == Root::renamed ? SystemCalls::contentChangeTime(status) : SystemCalls::statusChangeTime(status);
-    if (isAfter(changedAt, mark.time)) return fs::path();
+    if (isAnother(status, mark) || isAfter(SystemCalls::contentChangeTime(status), mark.time)) return fs::path();
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
     TreeWalk walk(root, {.order = TreeWalk::Order::any});
     if (walk.rootError()) throw FileError("read", root, walk.rootError());

@@ -1,19 +1,23 @@
 #pragma once
 
 #include "Move/VolumeFlush.h"
+#include "Platform/FileDescriptor.h"
 #include "Platform/Host.h"
 #include "Platform/Path.h"
 
 #include <ctime>
+#include <memory>
 #include <optional>
 
 /// Finds out whether something was written in a tree while it was copied. A copy of a file that changed under the
 /// copier's hands can have the right size and the wrong bytes, so a proof by size is not enough.
 namespace tarvik::ChangeWatch {
 
-/// A moment before the first byte is read.
+/// A moment before the first byte is read, and what stood at the root then. It is held open, so that nothing else gets
+/// its number.
 struct Mark {
     timespec time{};
+    std::shared_ptr<const FileDescriptor> root;
 };
 
 /// The beginning of a watch over the tree at `root`. It marks the present moment and waits until the file systems'
@@ -36,14 +40,12 @@ private:
 /// The same where there is nothing to do meanwhile.
 Mark mark(const fs::path& root);
 
-/// Whether the root has got another name since the mark, which is a status change of its own.
-enum class Root { unmoved, renamed };
-
 /// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
-/// itself; nothing when all is as it was. It goes by the time of the last status change, which no program can set back;
-/// for a renamed root by the time of its content. A time of a whole second is taken for one of a volume that keeps no
-/// finer ones: it counts when it is less than two seconds before the mark's. @throws FileError when something cannot be
-/// read: nothing can be told then.
-std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark, Root name);
+/// itself; nothing when all is as it was. Something else at the root counts, however old it is. It goes by the time of
+/// the last status change, which no program can set back; the root itself, which may have been renamed since, by the
+/// time of its content. A time of a whole second is taken for one of a volume that keeps no finer ones: it counts when
+/// it is less than two seconds before the mark's. @throws FileError when something cannot be read: nothing can be told
+/// then.
+std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark);
 
 }  // namespace tarvik::ChangeWatch

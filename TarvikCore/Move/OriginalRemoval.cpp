@@ -16,11 +16,10 @@ namespace tarvik::OriginalRemoval {
 
 namespace {
 
-/// Why the original, now at `place`, is to be kept.
-std::optional<std::string> reasonToKeep(const Host& host, const fs::path& original, const fs::path& place,
+/// Why the original, now at `aside`, is to be kept.
+std::optional<std::string> reasonToKeep(const Host& host, const fs::path& original, const fs::path& aside,
                                         const ChangeWatch::Mark& start) {
-    using enum ChangeWatch::Root;
-    const auto changed = ChangeWatch::changedBelow(host, place, start, place == original ? unmoved : renamed);
+    const auto changed = ChangeWatch::changedBelow(host, aside, start);
     if (!changed) return std::nullopt;
     const fs::path item = changed->empty() ? original.filename() : original.filename() / *changed;
     return fmt::format("{} was changed while it was copied.", item.native());

@@ -226,6 +226,19 @@ TEST_F(ChangedCircumstances, ABundleThatIsReplacedWhileItIsCopiedStays) {
     EXPECT_THAT(remembered(), IsEmpty());
 }
 
+TEST_F(ChangedCircumstances, ABundleThatIsReplacedByItsOwnKindWhileItIsCopiedStays) {
+    const auto proposal = agreed({"Editor"});
+    const fs::path next = world.folder / "Editor 2.app";
+    fs::copy(bundle("Editor"), next, fs::copy_options::recursive);
+    makeFileOfSize(next / "Contents/Resources/data", 5'000, 7);  // Other bytes, and as many.
+    const std::string picture = pictureOf(next);
+    const std::string place = "'" + bundle("Editor").native() + "'";
+    world.withDitto("cp -aT \"$2\" \"$3\" && mv " + place + " '" + (world.folder / "old").native() + "' && mv '" +
+                    next.native() + "' " + place);
+    EXPECT_THAT(run(proposal), ElementsAre("Verification failed: Editor.app was changed while it was copied."));
+    EXPECT_EQ(pictureOf(bundle("Editor")), picture);
+}
+
 TEST_F(ChangedCircumstances, ABundleThatHasGoneFailsAlone) {
     const auto proposal = agreed({"Editor", "Player"});
     fs::remove_all(bundle("Editor"));
