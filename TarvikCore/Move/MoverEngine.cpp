@@ -170,6 +170,7 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
         FileCopier::copy(host, source, copy.place(), size, progress);
         status(JobStatus::verifying());
         if (auto reason = reasonAgainstCopy(host, source, copy, driveDevice)) throw MoverError::verifyFailed(*reason);
+        requireNotRunning(host, source, quitRunning);  // It may have been started meanwhile.
         status(JobStatus::linking());
         replaceByLink(host, source, copy, link, start);
     } catch (const Files::IncompleteRemoval& failure) {

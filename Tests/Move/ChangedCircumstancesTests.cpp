@@ -189,6 +189,19 @@ TEST_F(ChangedDrive, ThatIsSwappedInTheMiddleOfAJobTakesNoMore) {
     EXPECT_THAT(remembered(), IsEmpty());
 }
 
+TEST_F(ChangedCircumstances, AnApplicationThatIsStartedDuringItsMoveStays) {
+    const auto proposal = agreed({"Editor", "Player"});
+    also = [&](std::size_t index, const JobStatus& status) {
+        if (index == 0 && status == JobStatus::verifying())
+            world.applications->list.push_back({.bundlePath = bundle("Editor")});
+    };
+    EXPECT_THAT(run(proposal),
+                ElementsAre("App is running: Editor.app. Quit it first, or pass --quit-running.", "done"));
+    EXPECT_TRUE(isHome("Editor", 0));
+    EXPECT_THAT(Files::names(onDrive), ElementsAre("Player.app"));
+    EXPECT_THAT(remembered(), ElementsAre("Player.app"));
+}
+
 TEST_F(ChangedCircumstances, AnApplicationThatWillNotQuitStaysAndOthersMove) {
     const auto proposal = agreed({"Editor", "Player"});
     world.applications->list.push_back({.bundlePath = bundle("Editor")});
