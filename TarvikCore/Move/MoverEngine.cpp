@@ -21,6 +21,7 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <chrono>
 
 namespace tarvik::MoverEngine {
@@ -193,6 +194,8 @@ void restore(const Host& host, const fs::path& link, const ProgressCallback& pro
     const fs::path target = launched ? *launched : Files::readLink(goal);
     if (!Files::exists(target)) throw MoverError::sourceMissing();
     if (Files::isSymbolicLink(target)) throw stillALink(goal);  // One link would only take another's place.
+    if (HiddenPlace::isCopyUnderWayTo(goal))
+        throw Failure("MoverEngine", EBUSY, fmt::format("{} is being moved back already.", goal.filename().native()));
     HiddenPlace::sweep(host, goal.parent_path());
     HiddenPlace::sweep(host, target.parent_path());
     try {
