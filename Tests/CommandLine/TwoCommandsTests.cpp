@@ -143,4 +143,23 @@ TEST(TwoCommands, LoseNothingHoweverTheyMeet) {
     }
 }
 
+TEST(TwoCommands, AreBothRemembered) {
+    const CommandWorld world;
+    const fs::path manifest = world.machine.home / "Library/Application Support/Tarvik/health-manifest.json";
+    for (int round = 0; round < 5; ++round) {
+        std::vector<std::string> folders;
+        for (const auto* name : {"First", "Second"}) {
+            folders.push_back(world.machine.home / (name + std::to_string(round)));
+            test::makeFile(fs::path(folders.back()) / "file");
+        }
+        const auto moveOf = [&](const std::string& folder) {
+            return world.onMachine({"move", "folder", folder, "--drive", "Studio Drive", "--yes"});
+        };
+        RunningProgram first(world.command, moveOf(folders[0]));
+        RunningProgram second(world.command, moveOf(folders[1]));
+        finishBoth(first, second);
+        for (const auto& folder : folders) EXPECT_THAT(test::contentOf(manifest), HasSubstr(folder));
+    }
+}
+
 }  // namespace tarvik
