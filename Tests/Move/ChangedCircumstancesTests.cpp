@@ -15,6 +15,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -79,25 +80,26 @@ protected:
     std::function<void(std::size_t, const JobStatus&)> also;
 };
 
-struct Mounts {
-    static RealVolume make(const fs::path& folder) { return RealVolume::memory(folder, 4'000'000); }
+/// Made before the world that has it for its drive; nothing where there can be none.
+struct Mounted {
+    fs::path place() const { return volume ? volume->path() : fs::path(); }
+
     TemporaryFolder mounts;
+    std::optional<RealVolume> volume = RealVolume::unavailableReason(RealVolume::Kind::memory)
+                                           ? std::nullopt
+                                           : std::optional(RealVolume::memory(mounts.path(), 4'000'000));
 };
 
 /// The same with a drive that is a real volume.
-class ChangedDrive : private Mounts, public ChangedCircumstances {
+class ChangedDrive : private Mounted, public ChangedCircumstances {
 protected:
-    ChangedDrive() : ChangedDrive(Mounts::make(Mounts::mounts.path())) {}
+    ChangedDrive() : ChangedCircumstances(place()) {}
+    void SetUp() override { TARVIK_NEEDS_MEMORY_VOLUMES(); }
 
     /// A shell line that unplugs the drive.
     std::string unplugging() const { return "umount -l '" + world.drive.native() + "'"; }
     /// One that plugs another drive in at the same place.
     std::string plugging() const { return "mount -t tmpfs -o size=4m none '" + world.drive.native() + "'"; }
-
-    RealVolume volume;
-
-private:
-    explicit ChangedDrive(RealVolume made) : ChangedCircumstances(made.path()), volume(std::move(made)) {}
 };
 
 }  // namespace
@@ -137,7 +139,6 @@ TEST_F(ChangedCircumstances, ADriveThatComesBetweenGetsNothing) {
 }
 
 TEST_F(ChangedDrive, ThatGoesAfterTheQuestionTakesNothing) {
-    TARVIK_NEEDS_MEMORY_VOLUMES();
     const auto proposal = agreed({"Editor"});
     ASSERT_EQ(std::system(unplugging().c_str()), 0);
     world.volumes->list.clear();
@@ -147,7 +148,6 @@ TEST_F(ChangedDrive, ThatGoesAfterTheQuestionTakesNothing) {
 }
 
 TEST_F(ChangedDrive, ThatIsSwappedAfterTheQuestionTakesNothing) {
-    TARVIK_NEEDS_MEMORY_VOLUMES();
     const auto proposal = agreed({"Editor"});
     ASSERT_EQ(std::system((unplugging() + " && " + plugging()).c_str()), 0);
     EXPECT_THAT(run(proposal), ElementsAre(StartsWith("Target drive disconnected. Another drive is at ")));
@@ -156,7 +156,6 @@ TEST_F(ChangedDrive, ThatIsSwappedAfterTheQuestionTakesNothing) {
 }
 
 TEST_F(ChangedDrive, ThatGoesInTheMiddleOfTheSecondJobOfFiveLosesNothing) {
-    TARVIK_NEEDS_MEMORY_VOLUMES();
     const auto proposal = agreed({"One", "Two", "Three", "Four", "Five"});
     // The first copy is kept by a second look at the drive, for the time when it has gone.
     makeFolder(world.folder / "look");
@@ -178,7 +177,6 @@ TEST_F(ChangedDrive, ThatGoesInTheMiddleOfTheSecondJobOfFiveLosesNothing) {
 }
 
 TEST_F(ChangedDrive, ThatIsSwappedInTheMiddleOfAJobTakesNoMore) {
-    TARVIK_NEEDS_MEMORY_VOLUMES();
     const auto proposal = agreed({"One", "Two"});
     world.withDitto(unplugging() + " && " + plugging() + "; exec '" + programOfThisBuild("stand-ins/ditto").native() +
                     "' \"$@\"");
