@@ -1,122 +1,29 @@
 #include "Faults/FaultWorld.h"
 
+#include "Faults/FaultTrees.h"
+#include "Move/HealthManifest.h"
 #include "Platform/CommandRunner.h"
 #include "Platform/Files.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <set>
 #include <sstream>
-#include <string_view>
-#include <sys/xattr.h>
-#include <utility>
 
 namespace tarvik::test {
 
 namespace {
 
-/// The calls that change a file system, and those that bring data to a drive.
-constexpr std::string_view changingCalls =
-    "mkdir,mkdirat,symlink,symlinkat,link,linkat,unlink,unlinkat,rmdir,rename,renameat,renameat2,open,openat,creat,"
-    "write,"
-    "pwrite64,copy_file_range,sendfile,ioctl,fsync,fdatasync,syncfs,chmod,fchmod,fchmodat,chown,fchown,lchown,fchownat,"
-    "utimensat,setxattr,lsetxattr,fsetxattr,truncate,ftruncate,fallocate,mknod,mknodat,close";
-
-bool isChanging(std::string_view call, std::string_view line) {
-    if (call == "open" || call == "openat") return line.find("O_CREAT") != std::string_view::npos;
-    if (call == "ioctl") return line.find("FICLONE") != std::string_view::npos;
-    return true;
-}
-
-/// The calls of a tracer's log that change something in `root`, each with its ordinal among its thread's calls.
-std::vector<Fault> changesIn(const fs::path& root, std::istream& log) {
-    std::vector<Fault> changes;
-    std::map<std::pair<std::string, std::string>, int> ordinals;
-    for (std::string line; std::getline(log, line);) {
-        const std::size_t bracket = line.find('(');
-        const bool isEndOfCall = line.find("resumed>") != std::string::npos;
-        if (bracket == std::string::npos || isEndOfCall) continue;
-        const std::size_t space = line.rfind(' ', bracket);
-        const std::size_t begin = space == std::string::npos ? 0 : space + 1;
-        const std::string thread = line.substr(0, line.find(' '));
-        const std::string call = line.substr(begin, bracket - begin);
-        const int ordinal = ++ordinals[{begin == 0 ? "" : thread, call}];
-        if (line.find(root.native()) != std::string::npos && isChanging(call, line))
-            changes.push_back({call, ordinal, begin != 0, ""});
-    }
-    return changes;
-}
-
-/// The first, the last and a few in between of each call.
-std::vector<Fault> someOf(std::vector<Fault> points) {
-    constexpr std::size_t wanted = 4;
-    std::map<std::string, std::set<Fault>> byCall;
-    for (Fault& point : points) byCall[point.call].insert(std::move(point));
-    std::vector<Fault> some;
-    for (const auto& [call, all] : byCall) {
-        const std::vector<Fault> sorted(all.begin(), all.end());
-        const std::size_t count = std::min(wanted, sorted.size());
-        for (std::size_t i = 0; i < count; ++i)
-            some.push_back(sorted[count == 1 ? 0 : i * (sorted.size() - 1) / (count - 1)]);
-    }
-    return some;
-}
-
-/// More items than the copy tool handles on one thread.
-void makeCrowd(const fs::path& tree) {
-    for (int number = 0; number < 80; ++number)
-        makeFileOfSize(tree / std::to_string(number % 6) / std::to_string(number), 500, static_cast<unsigned>(number));
-}
-
-void makeReference(const fs::path& tree) {
-    makeFileOfSize(tree / "song", 20'000);
-    makeFile(tree / "sub/.hidden", "notes");
-    makeFile(tree / "sub/deep/odd \xff\n name", "odd");
-    makeLink(tree / "sub/link", "../song");
-    makeLink(tree / "dangling", "nowhere");
-    makeFolder(tree / "empty");
-    makePipe(tree / "pipe");
-    fs::create_hard_link(tree / "song", tree / "sub/same song");
-    makeFile(tree / "sealed/inside", "read only");
-    fs::permissions(tree / "sealed", fs::perms::owner_read | fs::perms::owner_exec);
-    makeFile(tree / "tagged", "with a tag");
-    ::setxattr((tree / "tagged").c_str(), "user.tag", "blue", 4, 0);
-    makeFile(tree / "holes", "start");
-    fs::resize_file(tree / "holes", 50'000);
-}
-
-/// Whether the trees are the same to the last byte.
-bool isSameTree(const fs::path& tree, const fs::path& reference) {
-    if (!Files::isFolder(tree) || Files::names(tree) != Files::names(reference)) return false;
-    if (pictureOf(tree) != pictureOf(reference)) return false;
-    for (const auto& entry : fs::recursive_directory_iterator(reference)) {
-        if (!entry.is_regular_file() || entry.is_symlink()) continue;
-        if (contentOf(entry.path()) != contentOf(tree / fs::relative(entry.path(), reference))) return false;
-    }
-    return true;
-}
-
-bool holdsSameTree(const fs::path& folder, const fs::path& reference) {
-    if (isSameTree(folder, reference)) return true;
-    const auto names = Files::names(folder);
-    return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-        return Files::isFolder(folder / name) && holdsSameTree(folder / name, reference);
-    });
-}
+constexpr const char* appName = "Mixer";
 
 void clear(const fs::path& folder) {
     for (const auto& name : Files::names(folder)) fs::remove_all(folder / name);
 }
 
-void copyTree(const fs::path& from, const fs::path& to) {
-    fs::create_directories(to.parent_path());
-    CommandRunner::run("/bin/cp", {"-a", from.native(), to.native()});
-}
-
-void writeScript(const fs::path& path, const std::string& line) {
-    makeFile(path, "#!/bin/sh\n" + line + "\n");
+void writeScript(const fs::path& path, const std::string& lines) {
+    makeFile(path, "#!/bin/sh\n" + lines + "\n");
     fs::permissions(path, fs::perms::owner_all);
 }
 
@@ -125,76 +32,175 @@ RealVolume makeDrive(const fs::path& volumes) {
     return RealVolume::memory(volumes, 8'000'000);
 }
 
+/// The words before a command that let it see no process but its own: how many calls it takes to look at them all would
+/// differ from run to run. Nothing where the system does not allow that.
+const std::optional<std::vector<std::string>>& aloneOnTheMachine() {
+    static const auto words = [] {
+        for (const auto& options : {std::vector<std::string>{}, {"--user", "--map-current-user"}}) {
+            std::vector<std::string> all = {"/usr/bin/unshare"};
+            all.insert(all.end(), options.begin(), options.end());
+            all.insert(all.end(), {"--pid", "--fork", "--mount-proc"});
+            auto trial = std::vector<std::string>(all.begin() + 1, all.end());
+            trial.emplace_back("/bin/true");
+            if (Files::exists(all.front()) && CommandRunner::run(all.front(), trial).succeeded())
+                return std::optional(all);
+        }
+        return std::optional<std::vector<std::string>>();
+    }();
+    return words;
+}
+
 }  // namespace
 
-FaultWorld::FaultWorld(Act act, Victim victim)
-    : m_act(act),
+Stand FaultItem::standAt(const fs::path& place) const {
+    if (!Files::itemExists(place)) return Stand::nothing;
+    if (Files::linkText(place) == drive) return Stand::link;
+    return FaultTrees::isSame(place, reference) ? Stand::whole : Stand::part;
+}
+
+Stand FaultItem::inStash() const {
+    const fs::path stash = drive.parent_path() / ".TarvikTrash";
+    for (const auto& name : Files::names(stash))
+        if (name.starts_with(drive.filename().native())) return standAt(stash / name);
+    return Stand::nothing;
+}
+
+bool FaultItem::hasNoBadLink() const {
+    const auto target = Files::linkText(home);
+    return !target || FaultTrees::isSame(*target, reference);
+}
+
+FaultWorld::FaultWorld(Subject subject, Act act, Victim victim)
+    : m_subject(subject),
+      m_act(act),
       m_victim(victim),
-      m_drive(makeDrive(m_folder / "root/Volumes")),
-      m_home(m_folder / "root/Users/ada"),
-      m_item(m_home / "Studio/Music"),
-      m_destination(m_drive.path() / "ExternalTarvik/Folders/Music"),
-      m_reference(m_folder / "reference") {
-    makeReference(m_reference);
-    if (victim == Victim::copierThreads) makeCrowd(m_reference / "crowd");
+      m_root(m_folder / "root"),
+      m_drive(makeDrive(m_root / "Volumes")),
+      m_home(m_root / "Users/ada") {
     makeFolder(m_home);
-    // The program of this build with a copy tool of our own choice beside it.
-    makeFolder(m_folder / "bin/stand-ins");
-    fs::copy_file(programOfThisBuild("tarvik"), m_folder / "bin/tarvik");
+    makeFolder(applications());
+    // The programs of this build with a copy tool of our own choice beside them.
+    makeFolder(programs() / "stand-ins");
+    for (const char* name : {"tarvik", "external-app-launcher"})
+        fs::copy_file(programOfThisBuild(name), programs() / name);
+    if (subject == Subject::folder) addFolder(victim == Victim::copierThreads);
+    if (subject == Subject::application) addApplication();
+    if (subject == Subject::suite) addSuite();
+    HealthManifest::record(host(), {m_home / "Other", m_drive / "Other", std::nullopt, 1, host().now()});
+    if (act == Act::restore)
+        for (const auto& item : m_items)
+            HealthManifest::record(host(), {item.home, item.drive, std::nullopt, 1, host().now()});
+    m_memory = contentOf(HealthManifest::file(host()));
+    if (subject != Subject::suite) return;
+    // What launchers are like is another test's matter: here they must be as a run without a fault leaves them.
+    FaultTrees::copy(m_items.front().reference, m_items.front().home);
+    runUnharmed(Act::move);
+    for (const auto& launcher : launchers()) {
+        FaultTrees::copy(launcher, m_folder / "launchers" / launcher.filename());
+        FaultTrees::copy(launcher, m_folder / "plain launchers" / launcher.filename());
+        fs::remove(m_folder / "plain launchers" / launcher.filename() / "Contents/Resources/Icon.icns");
+    }
+}
+
+std::optional<std::string> FaultWorld::unavailableReason(Subject subject) {
+    if (!Files::exists("/usr/bin/strace")) return "strace is not installed";
+    if (subject == Subject::application && !aloneOnTheMachine())
+        return "a process table of one's own is not allowed here";
+    return std::nullopt;
+}
+
+void FaultWorld::addItem(const fs::path& home, const fs::path& onDrive, const std::string& label) {
+    m_items.push_back({label, home.filename(), home, m_drive / "ExternalTarvik" / onDrive,
+                       m_folder / "reference" / std::to_string(m_items.size()) / home.filename()});
+}
+
+void FaultWorld::addFolder(bool isCrowded) {
+    addItem(m_home / "Studio/Music", "Folders/Music", "Music");
+    FaultTrees::makeFolderOfAllKinds(m_items.front().reference);
+    if (isCrowded) FaultTrees::makeCrowd(m_items.front().reference / "crowd");
+}
+
+void FaultWorld::addApplication() {
+    const std::string name = appName;
+    addItem(applications() / (name + ".app"), "Apps/" + name + ".app", name);
+    FaultTrees::makeApplication(m_items.front().reference);
+    for (const std::string data : {"Application Support/Mixer", "Caches/org.example.Mixer"}) {
+        const fs::path place = "Library/" + data;
+        addItem(m_home / place, "Data" / place, name + " — " + place.filename().native());
+        FaultTrees::makeData(m_items.back().reference, static_cast<unsigned>(m_items.size()));
+    }
+}
+
+void FaultWorld::addSuite() {
+    addItem(applications() / "Suite", "Folders/Suite", "Suite");
+    for (const char* name : {"One.app", "Two.app"}) FaultTrees::makeApplication(m_items.front().reference / name);
+    makeFile(m_items.front().reference / "Read me", "a suite");
 }
 
 void FaultWorld::prepare() const {
-    clear(m_home);
-    clear(m_drive.path());
-    if (m_act == Act::move) {
-        copyTree(m_reference, m_item);
-    } else {
-        copyTree(m_reference, m_destination);
-        makeLink(m_item, m_destination);
+    for (const fs::path& folder : {m_home, applications(), m_drive.path()}) clear(folder);
+    makeFile(HealthManifest::file(host()), m_memory);
+    for (const auto& item : m_items) {
+        FaultTrees::copy(item.reference, m_act == Act::move ? item.home : item.drive);
+        if (m_act == Act::restore) makeLink(item.home, item.drive);
     }
+    if (m_act == Act::move) return;
+    for (const auto& name : Files::names(m_folder / "launchers"))
+        FaultTrees::copy(m_folder / "launchers" / name, applications() / name);
+}
+
+std::vector<std::string> FaultWorld::command(Act act) const {
+    std::vector<std::string> words = {(programs() / "tarvik").native(),
+                                      "--root",
+                                      m_root.native(),
+                                      "--home",
+                                      m_home.native(),
+                                      "--yes",
+                                      "--format",
+                                      "human",
+                                      "move"};
+    const bool isApp = m_subject == Subject::application;
+    const std::string first = isApp ? std::string(appName) : m_items.front().home.native();
+    if (act == Act::move) {
+        words.insert(words.end(), {isApp ? "app" : "folder", first, "--drive", m_drive.path().native()});
+        return words;
+    }
+    words.insert(words.end(), {"restore", first});
+    for (auto item = m_items.begin() + 1; item != m_items.end(); ++item) words.push_back(item->home.native());
+    return words;
 }
 
 CommandResult FaultWorld::runTraced(Act act, const std::vector<std::string>& tracing) const {
-    const fs::path ditto = m_folder / "bin/stand-ins/ditto";
-    const std::string realDitto = programOfThisBuild("stand-ins/ditto").native();
-    std::vector<std::string> command = {(m_folder / "bin/tarvik").native(),
-                                        "--root",
-                                        (m_folder / "root").native(),
-                                        "--home",
-                                        m_home.native(),
-                                        "--yes",
-                                        "--format",
-                                        "human",
-                                        "move"};
-    if (act == Act::move) {
-        command.insert(command.end(), {"folder", m_item.native(), "--drive", m_drive.path().native()});
-    } else {
-        command.insert(command.end(), {"restore", m_item.native()});
-    }
-    std::vector<std::string> tracer = {"-qqq", "-y"};
+    const fs::path ditto = programs() / "stand-ins/ditto";
+    const std::string realDitto = "exec '" + programOfThisBuild("stand-ins/ditto").native() + "' \"$@\"";
+    std::vector<std::string> words = command(act);
+    std::vector<std::string> tracer = {"/usr/bin/strace", "-qqq", "-y"};
     tracer.insert(tracer.end(), tracing.begin(), tracing.end());
     if (m_victim == Victim::engine) {
-        writeScript(ditto, "exec '" + realDitto + "' \"$@\"");
-        command.insert(command.begin(), tracer.begin(), tracer.end());
-        return CommandRunner::run("/usr/bin/strace", command);
+        writeScript(ditto, realDitto);
+        words.insert(words.begin(), tracer.begin(), tracer.end());
+    } else {
+        std::string script = "case $2 in */'" + m_items.front().home.filename().native() + "') set -- ";
+        for (const auto& word : tracer) script += " '" + word + "'";
+        script += " '" + programOfThisBuild("stand-ins/ditto").native() + "' \"$@\"; exec \"$@\";; esac\n";
+        writeScript(ditto, script + realDitto);
     }
-    std::string script = "exec /usr/bin/strace";
-    for (const auto& word : tracer) script += " '" + word + "'";
-    writeScript(ditto, script + " '" + realDitto + "' \"$@\"");
-    const fs::path program = command.front();
-    command.erase(command.begin());
-    return CommandRunner::run(program, command);
+    if (m_subject == Subject::application)
+        words.insert(words.begin(), aloneOnTheMachine()->begin(), aloneOnTheMachine()->end());
+    const fs::path program = words.front();
+    words.erase(words.begin());
+    return CommandRunner::run(program, words);
 }
 
 CommandResult FaultWorld::list(std::vector<Fault>& points) const {
     prepare();
     const fs::path log = m_folder / "log";
-    std::vector<std::string> tracing = {"-o", log.native(), "-e", "trace=" + std::string(changingCalls)};
+    std::vector<std::string> tracing = {"-o", log.native(), "-e", "trace=" + std::string(FaultPoints::calls)};
     if (m_victim == Victim::copierThreads) tracing.emplace_back("-f");
     CommandResult result = runTraced(m_act, tracing);
     std::istringstream lines(contentOf(log));
-    points = m_victim == Victim::copierThreads ? someOf(changesIn(m_folder / "root", lines))
-                                               : changesIn(m_folder / "root", lines);
+    points = FaultPoints::in(m_root, lines);
+    if (m_victim == Victim::copierThreads) points = FaultPoints::someOf(std::move(points));
     // The engine flushes from a thread of its own, which the listing above does not follow.
     if (m_victim == Victim::engine) points.push_back({"syncfs", 1, true, ""});
     return result;
@@ -213,63 +219,79 @@ CommandResult FaultWorld::run(const Fault& fault) const {
     return runTraced(m_act, tracing);
 }
 
-CommandResult FaultWorld::runAgain() const {
-    return runOther(m_act);
+CommandResult FaultWorld::runUnharmed(Act act) const {
+    return runTraced(act, {"-o", "/dev/null", "-e", "trace=none"});
 }
 
-CommandResult FaultWorld::runOther(Act act) const {
-    return runTraced(act, {"-o", "/dev/null", "-e", "trace=none"});
+CommandResult FaultWorld::repairLaunchers() const {
+    return CommandRunner::run(programs() / "tarvik",
+                              {"--root", m_root.native(), "--home", m_home.native(), "--yes", "launchers", "--repair"});
 }
 
 bool FaultWorld::hasStruck() const {
     return contentOf(m_folder / "log").find("(INJECTED)") != std::string::npos;
 }
 
-bool FaultWorld::isRemembered() const {
-    const fs::path manifest = m_home / "Library/Application Support/Tarvik/health-manifest.json";
-    return Files::exists(manifest) && contentOf(manifest).find(m_item.native()) != std::string::npos;
+bool FaultWorld::isRemembered(const FaultItem& item) const {
+    const auto entries = HealthManifest::load(host());
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const HealthManifestEntry& entry) { return entry.sourcePath == item.home; });
 }
 
-bool FaultWorld::isWholeAtHome() const {
-    return isSameTree(m_item, m_reference);
-}
-bool FaultWorld::isWholeOnDrive() const {
-    return holdsSameTree(m_drive.path(), m_reference);
-}
-bool FaultWorld::isSomethingAtHome() const {
-    return Files::itemExists(m_item);
-}
-bool FaultWorld::isLinkAtHome() const {
-    return Files::isSymbolicLink(m_item);
+bool FaultWorld::isMemorySound() const {
+    const auto entries = HealthManifest::load(host());
+    return !entries.empty() && entries.front().sourcePath == m_home / "Other";
 }
 
-bool FaultWorld::isLinkGood() const {
-    const auto target = Files::linkText(m_item);
-    return target && isSameTree(*target, m_reference);
+bool FaultWorld::isWholeSomewhere(const FaultItem& item) const {
+    return item.atHome() == Stand::whole || FaultTrees::isSameIn(m_drive.path(), item.reference);
 }
 
-Stand FaultWorld::standOf(const fs::path& item) const {
-    if (!Files::itemExists(item)) return Stand::nothing;
-    if (Files::linkText(item) == m_destination) return Stand::link;
-    return isSameTree(item, m_reference) ? Stand::whole : Stand::part;
-}
-
-Places FaultWorld::places() const {
-    const fs::path folders = m_destination.parent_path();
-    const fs::path stash = folders / ".TarvikTrash";
-    Places places{standOf(m_item), standOf(m_destination), Stand::nothing, {}};
-    for (const auto& [folder, known] : {std::pair(m_item.parent_path(), ""), std::pair(folders, ".TarvikTrash")})
-        for (const auto& name : Files::names(folder))
-            if (name != m_item.filename() && name != known) places.leftovers.push_back(name);
-    for (const auto& name : Files::names(stash)) {
-        if (places.stash != Stand::nothing) places.leftovers.push_back(name);
-        places.stash = standOf(stash / name);
+std::vector<std::string> FaultWorld::leftovers() const {
+    std::set<fs::path> known = {HealthManifest::file(host()).parent_path()};
+    std::set<fs::path> folders;
+    for (const auto& item : m_items) {
+        known.insert({item.home, item.drive, item.drive.parent_path() / ".TarvikTrash"});
+        folders.insert({item.home.parent_path(), item.drive.parent_path()});
     }
+    for (const auto& launcher : launchers()) known.insert(launcher);
+    std::vector<std::string> found;
+    for (const auto& folder : folders)
+        for (const auto& name : Files::names(folder))
+            if (!known.contains(folder / name)) found.push_back(name);
+    for (const auto& item : m_items)
+        if (Files::names(item.drive.parent_path() / ".TarvikTrash").size() > 1)
+            found.push_back(item.drive.filename().native() + " in the stash");
+    return found;
+}
+
+std::vector<fs::path> FaultWorld::launchers() const {
+    std::vector<fs::path> places;
+    if (m_subject != Subject::suite) return places;
+    for (const auto& name : Files::names(m_items.front().reference))
+        if (name.ends_with(".app")) places.push_back(applications() / name);
     return places;
 }
 
+bool FaultWorld::isLauncherWhole(const fs::path& launcher) const {
+    return FaultTrees::isSame(launcher, m_folder / "launchers" / launcher.filename()) ||
+           FaultTrees::isSame(launcher, m_folder / "plain launchers" / launcher.filename());
+}
+
+bool FaultWorld::areReferenceLaunchersGood() const {
+    const auto places = launchers();
+    return std::all_of(places.begin(), places.end(), [&](const fs::path& place) {
+        const fs::path contents = m_folder / "launchers" / place.filename() / "Contents";
+        const fs::path program = contents / "MacOS/ExternalAppLauncher";
+        return Files::exists(program) && contentOf(program) == contentOf(programOfThisBuild("external-app-launcher")) &&
+               (statusOf(program).st_mode & 07777U) == 0755U &&
+               contentOf(contents / "Resources/ExternalAppTarget.txt") == m_items.front().drive / place.filename() &&
+               Files::exists(contents / "Info.plist") && Files::exists(contents / "Resources/Icon.icns");
+    });
+}
+
 std::string FaultWorld::picture() const {
-    return pictureOf(m_home) + "--\n" + pictureOf(m_drive.path());
+    return pictureOf(m_home) + "--\n" + pictureOf(applications()) + "--\n" + pictureOf(m_drive.path());
 }
 
 }  // namespace tarvik::test

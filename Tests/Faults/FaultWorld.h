@@ -1,55 +1,60 @@
 #pragma once
 
+#include "Faults/FaultPoints.h"
 #include "Platform/CommandResult.h"
+#include "Platform/Host.h"
 #include "Platform/Path.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 
-#include <compare>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace tarvik::test {
 
+/// What is moved: a folder, an application with its data, a folder of the applications that holds two of them.
+enum class Subject { folder, application, suite };
 enum class Act { move, restore };
-/// Whose system calls are made to fail: those of the program that moves, or of the tool that copies, on one thread or
-/// on the several that it takes for many items.
+/// Whose system calls are made to fail: those of the program that moves, or of the tool that copies the first item, on
+/// one thread or on the several that it takes for many items.
 enum class Victim { engine, copier, copierThreads };
-
-/// One way in which a system call goes wrong, in the words of the tracer: "error=EIO", "signal=KILL".
-struct Fault {
-    std::string call;
-    int ordinal = 0;
-    /// Meant for the call of whichever thread comes to it, and not for the first thread's alone.
-    bool isOfAnyThread = false;
-    std::string effect;
-    /// Met by every call from that one on.
-    bool isForGood = false;
-
-    std::string text() const { return call + " " + std::to_string(ordinal) + " " + effect; }
-    auto operator<=>(const Fault&) const = default;
-};
 
 /// What stands at one place.
 enum class Stand { nothing, link, part, whole };
 
-/// The places where the tree, or a part of it, may be after a run.
-struct Places {
-    /// At the item's place in the home folder. A link is one to the item's place on the drive.
-    Stand home = Stand::nothing;
-    /// At the item's place on the drive.
-    Stand drive = Stand::nothing;
-    /// Among what was disposed of beside that place.
-    Stand stash = Stand::nothing;
-    /// What else a run left in the folders, by name.
-    std::vector<std::string> leftovers;
+/// One of the items that an act takes.
+struct FaultItem {
+    /// What the program calls it when it moves it, and when it brings it back.
+    std::string movedAs, restoredAs;
+    /// Its place at home, and the one on the drive.
+    fs::path home, drive;
+    /// A third copy of it.
+    fs::path reference;
+
+    const std::string& calledIn(Act act) const { return act == Act::move ? movedAs : restoredAs; }
+    /// At its place in the home folder. A link is one to the item's place on the drive.
+    Stand atHome() const { return standAt(home); }
+    Stand onDrive() const { return standAt(drive); }
+    /// Among what was disposed of beside its place on the drive.
+    Stand inStash() const;
+    /// Whether a link at its place at home, if there is one, leads to all of it.
+    bool hasNoBadLink() const;
+
+private:
+    Stand standAt(const fs::path& place) const;
 };
 
 /// A small machine with a real second volume, on which one act is run over and over with another fault each time.
-/// Every run starts from the same state; a third copy of the tree stands aside for comparison.
+/// Every run starts from the same state; a third copy of each tree stands aside for comparison.
 class FaultWorld {
 public:
-    FaultWorld(Act act, Victim victim);
+    FaultWorld(Subject subject, Act act, Victim victim);
+
+    /// Why such a world cannot be made here; nothing when it can.
+    static std::optional<std::string> unavailableReason(Subject subject);
+
+    const std::vector<FaultItem>& items() const { return m_items; }
 
     /// Brings home and drive into the state before the act.
     void prepare() const;
@@ -58,41 +63,54 @@ public:
     CommandResult list(std::vector<Fault>& points) const;
     /// Runs the act with one fault. One of any thread meets each of them at its n-th call.
     CommandResult run(const Fault& fault) const;
+    /// An act on what the last run has left, without a fault.
+    CommandResult runUnharmed(Act act) const;
+    /// The command that mends launchers, on what the last run has left.
+    CommandResult repairLaunchers() const;
 
-    /// The act once more on what the last run has left, without a fault.
-    CommandResult runAgain() const;
-    /// The same of another act.
-    CommandResult runOther(Act act) const;
     /// Whether the fault of the last run met its call.
     bool hasStruck() const;
     /// Whether the program's memory of what it moved holds the item.
-    bool isRemembered() const;
-    /// The tree stands whole at its place in the home folder, as a folder.
-    bool isWholeAtHome() const;
-    /// The tree stands whole somewhere on the drive, be it disposed of.
-    bool isWholeOnDrive() const;
-    /// Whether the place is taken, by the item, what is left of it, or its link.
-    bool isSomethingAtHome() const;
-    /// A link at the place in the home folder.
-    bool isLinkAtHome() const;
-    /// What the link leads to is the whole tree.
-    bool isLinkGood() const;
-    Places places() const;
+    bool isRemembered(const FaultItem& item) const;
+    /// Whether that memory still holds what it held of other items.
+    bool isMemorySound() const;
+    /// The item stands whole in its place at home, as what it is, or somewhere on the drive, be it disposed of.
+    bool isWholeSomewhere(const FaultItem& item) const;
+    /// What a run left in the folders around the items, by name.
+    std::vector<std::string> leftovers() const;
+
+    /// The places of the launchers that belong to the moved folder.
+    std::vector<fs::path> launchers() const;
+    /// Whether a launcher is all that it should be, but for its icon, without which it works. What it opens need not be
+    /// there.
+    bool isLauncherWhole(const fs::path& launcher) const;
+    /// Whether the launchers that a run without a fault leaves are what they should be.
+    bool areReferenceLaunchersGood() const;
+
     /// What stands where, for a failure's message.
     std::string picture() const;
 
 private:
+    void addFolder(bool isCrowded);
+    void addApplication();
+    void addSuite();
+    void addItem(const fs::path& home, const fs::path& onDrive, const std::string& label);
+    std::vector<std::string> command(Act act) const;
     CommandResult runTraced(Act act, const std::vector<std::string>& tracing) const;
-    Stand standOf(const fs::path& item) const;
+    fs::path programs() const { return m_folder / "bin"; }
+    fs::path applications() const { return m_root / "Applications"; }
+    Host host() const { return Host::rootedAt(m_root, m_home); }
 
+    Subject m_subject;
     Act m_act;
     Victim m_victim;
     TemporaryFolder m_folder;
+    fs::path m_root;
     RealVolume m_drive;
     fs::path m_home;
-    fs::path m_item;
-    fs::path m_destination;
-    fs::path m_reference;
+    std::vector<FaultItem> m_items;
+    /// The program's memory before the act.
+    std::string m_memory;
 };
 
 }  // namespace tarvik::test
