@@ -58,10 +58,11 @@ TEST(RestoreCommand, SaysInItsQuestionWhatCannotComeBack) {
     test::RunningProgram program(world.command,
                                  world.onMachine({"move", "restore", "Full House", world.library.native()}),
                                  test::RunningProgram::Streams::terminal);
+    EXPECT_TRUE(program.waitForOutput("Move Logic Pro Library.bundle back?"));
     EXPECT_TRUE(program.waitForOutput("No symlink found for Full House."));
-    program.type("n\n");
+    program.type("y\n");
     EXPECT_EQ(program.finish().status, 1);
-    EXPECT_TRUE(fs::is_symlink(world.library));
+    EXPECT_FALSE(fs::is_symlink(world.library));
 }
 
 }  // namespace tarvik
