@@ -115,7 +115,7 @@ void writeBundle(const Host& host, const fs::path& bundle, const fs::path& sourc
 HiddenPlace::Claim claimedPlace(const fs::path& launcher) {
     try {
         Files::createFolder(launcher.parent_path());
-        return HiddenPlace::claimForCopyTo(launcher, Files::ItemType::folder);
+        return HiddenPlace::claimForCopyTo(launcher);
     } catch (const FileError& error) {
         throw FileError("create the folder", launcher, error.code());
     }
