@@ -142,6 +142,10 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     return byContents(folder, TreeObstacle::toMove(folder));
 }
 
+std::optional<std::string> ofContents(const fs::path& item) {
+    return Files::exists(item) ? byContents(item, TreeObstacle::toMove(item)) : std::nullopt;
+}
+
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target) {
     const fs::path resolved = Files::resolved(target).value_or(target);
     const fs::path goal = Files::resolved(link.parent_path()).value_or(link.parent_path()) / link.filename();

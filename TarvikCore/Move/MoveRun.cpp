@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvik::MoveRun {
 
@@ -26,9 +27,10 @@ bool standsOnDriveByNow(const Host& host, const fs::path& source, const fs::path
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
     try {
+        const auto drive = Files::infoFollowingLinks(drivePath);
         const auto mark = DriveScanner::markOf(host, drivePath);
         const bool wasThere = !job.driveMark || !job.driveMark->empty();
-        if (!mark || !wasThere) return JobStatus::failed("Target drive disconnected");
+        if (!drive || !mark || !wasThere) return JobStatus::failed("Target drive disconnected");
         if (job.driveMark && job.driveMark != mark)
             return JobStatus::failed(
                 fmt::format("Target drive disconnected. Another drive is at {} now.", drivePath.native()));
@@ -38,13 +40,15 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
         if (standsOnDriveByNow(host, job.source, drivePath))
             return JobStatus::failed(
                 fmt::format("{} stays: it has been moved by now.", job.source.filename().native()));
+        if (auto refusal = MoveRefusal::ofContents(job.source)) return JobStatus::failed(std::move(*refusal));
         status(index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,
             [&](const JobStatus& reached) { status(index, reached); },
             [&](std::int64_t copied, std::int64_t total) {
                 progress(index, {copied, total});
-            });
+            },
+            drive->device);
         return JobStatus::done();
     } catch (const std::exception& failure) {
         return JobStatus::failed(failure.what());

@@ -46,6 +46,10 @@ std::uint64_t deviceOf(fs::path folder) {
     return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
 }
 
+void requireDrive(const fs::path& folder, std::uint64_t device) {
+    if (deviceOf(folder) != device) throw Failure("MoverEngine", ENODEV, "Target drive disconnected");
+}
+
 ChangeWatch::Mark markOf(ChangeWatch::Beginning& beginning) {
     try {
         return beginning.mark();
@@ -147,12 +151,15 @@ void verifyInternalized(const fs::path& item) {
 }  // namespace
 
 void moveAndLink(const Host& host, const fs::path& item, const fs::path& destinationParent, bool quitRunning,
-                 const StatusCallback& status, const ProgressCallback& progress) {
+                 const StatusCallback& status, const ProgressCallback& progress,
+                 std::optional<std::uint64_t> driveDevice) {
     const fs::path source = Files::standardized(item);
     if (!Files::exists(source)) throw MoverError::sourceMissing();
     requireNotRunning(host, source, quitRunning);
-    const std::uint64_t driveDevice = deviceOf(destinationParent);
+    const std::uint64_t device = driveDevice.value_or(deviceOf(destinationParent));
+    requireDrive(destinationParent, device);
     Files::createFolder(destinationParent);
+    requireDrive(destinationParent, device);
     const fs::path destination = Files::standardized(destinationParent / source.filename());
     HiddenPlace::clearUnfinished(host, source, destination);
     requireFree(destination);
@@ -170,7 +177,7 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     try {
         FileCopier::copy(host, source, copy.place(), size, progress);
         status(JobStatus::verifying());
-        if (auto reason = reasonAgainstCopy(host, source, copy, driveDevice)) throw MoverError::verifyFailed(*reason);
+        if (auto reason = reasonAgainstCopy(host, source, copy, device)) throw MoverError::verifyFailed(*reason);
         requireNotRunning(host, source, quitRunning);  // It may have been started meanwhile.
         status(JobStatus::linking());
         replaceByLink(host, source, copy, link, start);

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 /// Takes one item off the internal disk and leaves a symbolic link; and brings it back. What was moved is remembered in
 /// `HealthManifest`, and in the tracking database where there is one, until it is back; neither can fail an act.
@@ -25,9 +26,12 @@ inline constexpr std::chrono::seconds quitTimeout{8};
 /// Moves `source` into `destinationParent` under its own name and links the old path to it. The original is touched
 /// only after a complete copy has been proved and flushed to the drive. An application that runs is refused; with
 /// `quitRunning` it is asked to quit first, which may take `quitTimeout`.
-/// @throws MoverError; FileError when `destinationParent` cannot be made.
+/// `driveDevice` is the device of the volume that the user has chosen, so that nothing goes to the disk below a drive
+/// that has gone since; without it, it is that of `destinationParent`.
+/// @throws MoverError; FileError when `destinationParent` cannot be made; Failure when the drive has gone.
 void moveAndLink(const Host& host, const fs::path& source, const fs::path& destinationParent, bool quitRunning,
-                 const StatusCallback& status, const ProgressCallback& progress);
+                 const StatusCallback& status, const ProgressCallback& progress,
+                 std::optional<std::uint64_t> driveDevice = std::nullopt);
 
 /// Puts what the link, or the generated launcher, at `link` leads to back in its place. That one stands until the item
 /// is there to take its place, and again when the move back fails. `progress` may be empty.

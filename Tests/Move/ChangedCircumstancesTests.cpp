@@ -134,7 +134,7 @@ TEST_F(ChangedCircumstances, ADriveThatComesBetweenGetsNothing) {
     const auto proposal = agreed({"Editor"});
     EXPECT_THAT(run(proposal), ElementsAre("Target drive disconnected"));
     world.volumes->list = volumes;
-    EXPECT_THAT(run(proposal), ElementsAre(StartsWith("Target drive disconnected. Another drive is at ")));
+    EXPECT_THAT(run(proposal), ElementsAre("Target drive disconnected")) << "nobody knows which one was meant";
     EXPECT_TRUE(isHome("Editor", 0));
 }
 

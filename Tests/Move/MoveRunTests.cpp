@@ -3,6 +3,7 @@
 #include "Support/Tree.h"
 #include "Support/World.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tarvik::test {
@@ -77,6 +78,17 @@ TEST_F(MoveRun, LeavesWhatAnotherItemHasTakenToTheDrive) {
     EXPECT_EQ(jobs[1].status, JobStatus::failed("inner stays: it has been moved by now."));
     EXPECT_TRUE(Files::isFolder(world.foldersOnDrive() / "One/inner"));
     EXPECT_FALSE(Files::isSymbolicLink(world.foldersOnDrive() / "One/inner"));
+}
+
+TEST_F(MoveRun, CopiesNothingOfWhatCouldNotBeRemoved) {
+    makeSocket(world.home / "Two/socket");
+    run();
+    EXPECT_THAT(history[1],
+                testing::ElementsAre(JobStatus::failed("Two can't be moved: " + (world.home / "Two/socket").native() +
+                                                       " is a socket, which no copy can hold.")));
+    EXPECT_EQ(jobs[2].status, JobStatus::done());
+    EXPECT_FALSE(Files::itemExists(world.foldersOnDrive() / "Two"));
+    EXPECT_FALSE(Files::itemExists(world.trash->folder));
 }
 
 TEST_F(MoveRun, GoesOnAfterAFailedJob) {

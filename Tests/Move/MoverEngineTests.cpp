@@ -72,6 +72,25 @@ TEST_F(MoverEngine, GivesARunningApplicationEightSecondsToQuit) {
     EXPECT_EQ(tarvik::MoverEngine::quitTimeout, std::chrono::seconds(8));
 }
 
+TEST_F(MoverEngine, WritesNothingToTheDiskBelowADriveThatHasGone) {
+    const auto device = Files::infoFollowingLinks(world.drive)->device;
+    const auto moveTo = [&](std::uint64_t drive) {
+        tarvik::MoverEngine::moveAndLink(
+            world.host, source, world.foldersOnDrive() / "new", false, [](const JobStatus&) {},
+            [](std::int64_t, std::int64_t) {}, drive);
+    };
+    const std::string before = pictureOf(world.folder.path());
+    try {
+        moveTo(device + 1);
+        FAIL() << "it was moved";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.description(), "Target drive disconnected");
+    }
+    EXPECT_EQ(pictureOf(world.folder.path()), before);
+    moveTo(device);
+    EXPECT_TRUE(Files::isSymbolicLink(source));
+}
+
 TEST_F(MoverEngine, MovesAFolderAndLeavesAnAbsoluteLink) {
     move();
     EXPECT_EQ(Files::linkText(source), destination);
