@@ -88,11 +88,13 @@ bool renamesWithinVolume(const Host& host, const fs::path& from, const fs::path&
 
 /// Leaves a complete copy that has reached the drive, in no folder of its own, or nothing.
 void copyAcross(const Host& host, const fs::path& from, const fs::path& to, CopyPlace& copy,
-                const ProgressCallback& progress) {
+                const ChangeWatch::Mark& start, const ProgressCallback& progress) {
     try {
         copyWithProgress(host, from, copy.path(), progress);
         if (auto reason = CopyProof::reasonAgainst(host, from, copy.path(), CopyProof::Count::no))
             throw MoverError::verifyFailed(*reason);
+        // Once the copy stands in its place, programs write to it, and it could not be given up without that.
+        OriginalRemoval::requireUnchanged(host, from, start);
         copy.leaveFolder();
     } catch (...) {
         ignoringFailure([&] { Files::removeItem(copy.path()); });  // Our own unfinished copy: the original is whole.
@@ -101,12 +103,19 @@ void copyAcross(const Host& host, const fs::path& from, const fs::path& to, Copy
     }
 }
 
-/// Takes the copy out of its place again. Someone may have written to it by now, so it goes to the Trash.
-void giveUpArrival(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
+/// Takes the copy out of its place again. Someone may have written to it by now, so it goes to the Trash. @returns the
+/// sentence that says where it is; empty when nothing can be said.
+std::string giveUpArrival(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
+    Disposal::Outcome copy;
     ignoringFailure([&] {
         leavePlace(temporary, to, goal);
-        HiddenPlace::stash(host, temporary, to);
+        copy = HiddenPlace::stash(host, temporary, to);
     });
+    if (copy.end == Disposal::Outcome::End::trashed)
+        return " What was written in its new place meanwhile is in the Trash.";
+    return copy.place.empty()
+               ? std::string()
+               : fmt::format(" What was written in its new place meanwhile is at {}.", copy.place.native());
 }
 
 /// Puts the complete copy at `temporary` in its place, for good, or leaves the place as it was.
@@ -132,16 +141,16 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
     if (const auto obstacle = TreeObstacle::toRemoval(from)) throw obstacle->error();
     const auto start = ChangeWatch::mark(from);
     CopyPlace copy(from, to);
-    copyAcross(host, from, to, copy, progress);
+    copyAcross(host, from, to, copy, start, progress);
     const fs::path& temporary = copy.path();
     arrive(host, temporary, to, goal);
     // What was replaced stands at `temporary` until nothing can go wrong any more. What stays there a later act clears.
     const auto discard = [&] { ignoringFailure([&] { discardReplaced(host, temporary, to, goal); }); };
     try {
         OriginalRemoval::remove(host, from, start);
-    } catch (const MoverError&) {
-        giveUpArrival(host, temporary, to, goal);
-        throw;
+    } catch (const MoverError& error) {
+        const std::string whereabouts = giveUpArrival(host, temporary, to, goal);
+        throw MoverError::retold(error, error.description() + whereabouts);
     } catch (const Failure& failure) {
         discard();
         throw Failure("ItemMover", failure.code(),

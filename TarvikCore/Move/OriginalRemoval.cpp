@@ -40,20 +40,22 @@ void requireNoObstacle(const fs::path& original) {
     if (const auto obstacle = TreeObstacle::toRemoval(original)) throw obstacle->error();
 }
 
+void requireUnchangedAt(const Host& host, const fs::path& original, const fs::path& place,
+                        const ChangeWatch::Mark& start) {
+    std::optional<std::string> reason;
+    onBehalfOf(original, [&] { reason = reasonToKeep(host, original, place, start); });
+    if (reason) throw MoverError::verifyFailed(*reason);
+}
+
 /// Both callbacks are given by who knows what stands in the original's place meanwhile.
 void removeBy(const Host& host, const fs::path& original, const fs::path& aside, const ChangeWatch::Mark& start,
               const std::function<void()>& putAside, const std::function<void()>& putBack) {
-    const auto requireUnchanged = [&](const fs::path& place) {
-        std::optional<std::string> reason;
-        onBehalfOf(original, [&] { reason = reasonToKeep(host, original, place, start); });
-        if (reason) throw MoverError::verifyFailed(*reason);
-    };
     // Most changes are seen here, before a program can have written to the copy by the old path.
-    requireUnchanged(original);
+    requireUnchangedAt(host, original, original, start);
     const FileDescriptor held = HiddenPlace::hold(original);
     onBehalfOf(original, putAside);
     try {
-        requireUnchanged(aside);
+        requireUnchangedAt(host, original, aside, start);
         onBehalfOf(original, [&] { Files::removeItem(aside, Files::Obstacles::knownToBeNone); });
     } catch (const std::exception& failure) {
         try {
@@ -69,6 +71,10 @@ void removeBy(const Host& host, const fs::path& original, const fs::path& aside,
 }
 
 }  // namespace
+
+void requireUnchanged(const Host& host, const fs::path& original, const ChangeWatch::Mark& start) {
+    requireUnchangedAt(host, original, original, start);
+}
 
 void remove(const Host& host, const fs::path& original, const ChangeWatch::Mark& start) {
     requireNoObstacle(original);

@@ -16,6 +16,9 @@
 /// - another Failure, which names the hidden place, when it could not even be put back.
 namespace tarvik::OriginalRemoval {
 
+/// Whether it has been changed, before a copy of it is put where programs write to it. @throws as above.
+void requireUnchanged(const Host& host, const fs::path& original, const ChangeWatch::Mark& start);
+
 /// Leaves nothing in the original's place.
 void remove(const Host& host, const fs::path& original, const ChangeWatch::Mark& start);
 

@@ -99,15 +99,6 @@ TEST_F(ChangeWatch, FindsARootThatWasReplacedByAnOlderOne) {
     }
 }
 
-TEST_F(ChangeWatch, LetsARootHaveAnotherName) {
-    start = tarvik::ChangeWatch::mark(tree);
-    fs::rename(tree / "sub", world.folder / "renamed");
-    tree = world.folder / "renamed";
-    EXPECT_EQ(changed(), "nothing");
-    makeFile(tree / "file", "54321");
-    EXPECT_EQ(changed(), "file");
-}
-
 TEST_F(ChangeWatch, KnowsTimesThatTellOnlyEveryOtherSecond) {
     tree = tree / "sub/file";
     const auto changedAt = [&](timespec time) {
