@@ -131,6 +131,8 @@ struct Agreed {
 Agreed agreed(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     auto proposal = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
+    if (options.yes)
+        for (const auto& sentence : proposal.staying) Terminal::say(Columns::oneLine(sentence));
     Terminal::confirm(AppMove::confirmMove(proposal), options.yes);
     if (const auto told = AppMove::takeSnapshot(host)) Terminal::say(*told);
     const bool quitRunning = quitsRunning(host, proposal, options);

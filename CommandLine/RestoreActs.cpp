@@ -1,5 +1,6 @@
 #include "CommandLine/RestoreActs.h"
 
+#include "CommandLine/Columns.h"
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Outcome.h"
 #include "CommandLine/ProgressDisplay.h"
@@ -64,6 +65,8 @@ Dialog questionAbout(const std::vector<WayBack>& waysBack) {
     for (const auto& wayBack : waysBack) {
         question.details.push_back(fmt::format("{} to {}", wayBack.target.native(), wayBack.link.native()));
         if (!wayBack.isOwn) question.details.push_back(FolderMove::foreign(wayBack.link));
+        if (auto sentence = FolderMove::dataStays(wayBack); !sentence.empty())
+            question.details.push_back(std::move(sentence));
     }
     return question;
 }
@@ -169,6 +172,9 @@ void restore(const Host& host, const Options& options) {
         }
         try {
             bringBack(host, *item.wayBack, outcome, options.format);
+            // Without a question nobody has been told.
+            const auto remark = FolderMove::dataStays(*item.wayBack);
+            if (options.yes && !remark.empty()) Terminal::say(Columns::oneLine(remark));
         } catch (const std::exception& failure) {
             outcome.failure = failure.what();
         }

@@ -116,7 +116,7 @@ QCoro::Task<> AppState::restoreApps() {
     std::vector<FolderMove::WayBack> waysBack;
     std::vector<std::int64_t> sizes;
     for (const SymlinkEntry& link : links) {
-        waysBack.push_back({link.location, link.target, true});
+        waysBack.push_back({link.location, link.target, true, {}});
         sizes.push_back(link.targetSize);
     }
     beginRestore(RestoreRun(std::move(waysBack), std::move(sizes)));

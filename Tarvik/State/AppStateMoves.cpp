@@ -188,7 +188,7 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
         failure = screenText(thrown.what());
     }
     if (failure.isEmpty()) {
-        endRestore(screenText(FolderMove::restored(link)), false);
+        endRestore(screenText(FolderMove::restored(wayBack.link)), false);
     } else {
         endRestore(failure, true);
     }

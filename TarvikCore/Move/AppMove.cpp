@@ -91,6 +91,15 @@ std::string reasonToStay(const Host& host, const AppEntry& entry, const DriveInf
     return fmt::format("{} is not there any more.", entry.bundlePath.native());
 }
 
+/// A sentence for each application whose bundle stays, and why: as a whole, or all but its data.
+std::optional<std::string> stayOf(const Host& host, const AppEntry& entry, const DriveInfo& drive, const Jobs& jobs,
+                                  const Places& sources) {
+    if (!entry.isAlreadySymlinked && sources.contains(entry.bundlePath.native())) return std::nullopt;
+    const bool onlyDataMoves = !entry.isAlreadySymlinked && movesData(entry, sources);
+    return (onlyDataMoves ? "Only data of " + entry.name + " would move: " : entry.name + " stays: ") +
+           reasonToStay(host, entry, drive, jobs);
+}
+
 }  // namespace
 
 std::int64_t Plan::totalBytes() const {
@@ -111,11 +120,8 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
     const Places sources = sourcesOf(plan.jobs);
     const auto running = RunningAppsDetector::bundlePaths(host);
     for (const auto& entry : chosen) {
-        if (entry.isAlreadySymlinked || !sources.contains(entry.bundlePath.native())) {
-            const bool onlyDataMoves = !entry.isAlreadySymlinked && movesData(entry, sources);
-            plan.staying.push_back(
-                (onlyDataMoves ? "Only data of " + entry.name + " would move: " : entry.name + " stays: ") +
-                reasonToStay(host, entry, drive, plan.jobs));
+        if (auto sentence = stayOf(host, entry, drive, plan.jobs, sources)) {
+            plan.staying.push_back(std::move(*sentence));
             continue;
         }
         if (isRisky(entry)) plan.risky.push_back(entry);
@@ -150,14 +156,21 @@ Proposal propose(const Host& host, const std::vector<AppEntry>& chosen, const st
     if (auto sentence = MoveRefusal::ofDriveForJobs(proposal.drive, proposal.jobs)) throw refusal(std::move(*sentence));
     if (auto sentence = MoveRefusal::ofSpace(proposal.totalBytes(), proposal.drive))
         throw refusal(std::move(*sentence));
+    const Places sources = sourcesOf(proposal.jobs);
+    for (const auto& entry : proposal.movable)
+        if (auto sentence = stayOf(host, entry, proposal.drive, proposal.jobs, sources))
+            proposal.staying.push_back(std::move(*sentence));
     return proposal;
 }
 
 Dialog confirmMove(const Proposal& proposal) {
     std::vector<AppEntry> risky;
     std::copy_if(proposal.movable.begin(), proposal.movable.end(), std::back_inserter(risky), isRisky);
-    return MoveDialogs::confirmAppMove(std::ssize(proposal.movable), proposal.totalBytes(), proposal.drive.name,
-                                       AppStorageNames::appsRootOn(proposal.drive.mountPath), namesOf(risky));
+    Dialog question =
+        MoveDialogs::confirmAppMove(std::ssize(proposal.movable), proposal.totalBytes(), proposal.drive.name,
+                                    AppStorageNames::appsRootOn(proposal.drive.mountPath), namesOf(risky));
+    question.details = proposal.staying;
+    return question;
 }
 
 std::optional<std::string> takeSnapshot(const Host& host) {

@@ -52,6 +52,8 @@ struct Proposal {
     /// Those of the chosen applications that are not on a drive already, and their jobs.
     std::vector<AppEntry> movable;
     std::vector<MoveJob> jobs;
+    /// A sentence for each of them whose bundle stays all the same.
+    std::vector<std::string> staying;
 
     /// In bytes.
     std::int64_t totalBytes() const;

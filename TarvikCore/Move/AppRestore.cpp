@@ -80,6 +80,9 @@ Dialog confirmRestore(const Host& host, const std::vector<SymlinkEntry>& links) 
     for (const auto& link : links) {
         names.push_back(link.location.filename());
         if (!FolderMove::isOwn(host, link.location, link.target)) doubts.push_back(FolderMove::foreign(link.location));
+        const auto data = FolderMove::dataLinksOf(host, link.location);
+        if (auto sentence = FolderMove::dataStays({link.location, link.target, true, data}); !sentence.empty())
+            doubts.push_back(std::move(sentence));
     }
     Dialog question = MoveDialogs::confirmRestore(std::ssize(links), names);
     question.details = std::move(doubts);
@@ -94,8 +97,8 @@ Outcome restoreAll(const Host& host, const std::vector<SymlinkEntry>& links, con
         const fs::path& place = links[index].location;
         begins(index);
         try {
-            FolderMove::planRestore(host, place);
-            MoverEngine::restore(host, place, [&](std::int64_t copied, std::int64_t total) {
+            const auto wayBack = FolderMove::planRestore(host, place);
+            MoverEngine::restore(host, wayBack.link, [&](std::int64_t copied, std::int64_t total) {
                 progress(index, {copied, total});
             });
         } catch (const std::exception& failure) {

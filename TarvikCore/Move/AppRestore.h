@@ -36,8 +36,8 @@ bool goesWith(const fs::path& place, const fs::path& target, const fs::path& oth
 std::vector<SymlinkEntry> dedupedRestoreEntries(const Host& host, const std::vector<AppEntry>& entries,
                                                 const Cancellation& cancellation = {});
 
-/// Asks whether they shall come back, and tells which of them no move has left. Blocks for a look at the drives and the
-/// manifest.
+/// Asks whether they shall come back, and tells which of them no move has left, and whose data stays. Blocks for a look
+/// at the drives, the manifest and the data.
 Dialog confirmRestore(const Host& host, const std::vector<SymlinkEntry>& links);
 
 /// What came of a restore of several items.

@@ -11,11 +11,13 @@
 #include "Platform/SizeCalculator.h"
 #include "Platform/SizingService.h"
 #include "Platform/SystemFolders.h"
+#include "Platform/Text.h"
 #include "Platform/WrittenPath.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -61,6 +63,18 @@ bool isRemembered(const Host& host, const fs::path& link, const fs::path& target
     return std::any_of(entries.begin(), entries.end(), [&](const HealthManifestEntry& entry) {
         return entry.sourcePath == link && entry.destinationPath == target;
     });
+}
+
+/// The link of a moved folder beside the launcher, of which its application is a part.
+std::optional<fs::path> movedFolderOf(const fs::path& launcher, const fs::path& target) {
+    if (Files::isSymbolicLink(launcher)) return std::nullopt;
+    for (const auto& name : Files::names(launcher.parent_path())) {
+        const fs::path link = launcher.parent_path() / name;
+        const auto text = Files::linkText(link);
+        const fs::path folder = text ? Files::standardized(launcher.parent_path() / *text) : fs::path();
+        if (text && folder != target && Files::isAtOrBelow(target, folder)) return link;
+    }
+    return std::nullopt;
 }
 
 std::string missing(const Host& host, const fs::path& link, const fs::path& target) {
@@ -111,7 +125,18 @@ WayBack planRestore(const Host& host, const fs::path& path) {
                         link.filename().native(), target->native()));
     if (!Files::exists(*target)) throw refusal(missing(host, link, *target));
     if (auto sentence = MoveRefusal::ofRestore(host, link, *target)) throw refusal(*sentence);
-    return {link, *target, isOwn(host, link, *target)};
+    if (const auto folder = movedFolderOf(link, *target)) return planRestore(host, *folder);
+    return {link, *target, isOwn(host, link, *target), dataLinksOf(host, link)};
+}
+
+std::vector<fs::path> dataLinksOf(const Host& host, const fs::path& bundle) {
+    const auto entry =
+        bundle.extension() == ".app" ? AppScanner::metadataEntry(host, bundle) : std::optional<AppEntry>();
+    if (!entry) return {};
+    std::vector<fs::path> links;
+    for (const fs::path& path : entry->dataPaths)
+        if (Files::isSymbolicLink(path)) links.push_back(path);
+    return links;
 }
 
 bool isOwn(const Host& host, const fs::path& link, const fs::path& target) {
@@ -122,7 +147,16 @@ Dialog confirmRestore(const WayBack& wayBack) {
     Dialog dialog = MoveDialogs::confirmRestore(wayBack.link.filename(), wayBack.target);
     dialog.details.push_back(fmt::format("To {}", wayBack.link.native()));
     if (!wayBack.isOwn) dialog.details.push_back(foreign(wayBack.link));
+    if (auto sentence = dataStays(wayBack); !sentence.empty()) dialog.details.push_back(std::move(sentence));
     return dialog;
+}
+
+std::string dataStays(const WayBack& wayBack) {
+    if (wayBack.data.empty()) return {};
+    const auto count = std::ssize(wayBack.data);
+    return fmt::format("{} of the data of {} {} on a drive: {}{}.", Text::counted(count, "item"),
+                       wayBack.link.filename().native(), count == 1 ? "stays" : "stay", wayBack.data.front().native(),
+                       count == 1 ? "" : " and others");
 }
 
 std::string movedBack(const WayBack& wayBack) {

@@ -9,6 +9,7 @@
 #include "Platform/Path.h"
 
 #include <string>
+#include <vector>
 
 /// The decisions around the move of one folder, for every front: what is refused, what is asked, which job is run.
 namespace tarvik::FolderMove {
@@ -31,14 +32,21 @@ struct WayBack {
     fs::path target;
     /// Whether a move has left the link: it leads to a folder of this program on a drive, or is remembered.
     bool isOwn = true;
+    /// The links to data of an application, which stays where it is.
+    std::vector<fs::path> data;
 
     bool operator==(const WayBack&) const = default;
 };
 
-/// The way back of what the link at `path` leads to. Changes nothing. @throws Failure with the sentence for the user
-/// when nothing stands at `path`, when it is no link or a relative one, when its target or the drive with it is not
-/// there, and when the way back could only do harm.
+/// The way back of what the link, or the launcher, at `path` leads to; for the launcher of an application in a moved
+/// folder, that of the folder. Changes nothing. @throws Failure with the sentence for the user when nothing stands at
+/// `path`, when it is no link or a relative one, when its target or the drive with it is not there, and when the way
+/// back could only do harm.
 WayBack planRestore(const Host& host, const fs::path& path);
+
+/// The data of an application that is behind links of its own: it does not come back with the bundle. Blocks; empty
+/// when anything else stands there.
+std::vector<fs::path> dataLinksOf(const Host& host, const fs::path& bundle);
 
 /// Whether a move has left the link at `link` to `target`, which may be gone. Blocks for a look at the drives and the
 /// manifest.
@@ -49,6 +57,9 @@ Dialog confirmRestore(const WayBack& wayBack);
 
 /// What the user reads when the item is back: "Moved Music back to /home/Music."
 std::string movedBack(const WayBack& wayBack);
+
+/// What is said of the data that an application leaves behind; empty when there is none.
+std::string dataStays(const WayBack& wayBack);
 
 /// What is said of a link that no move has left.
 std::string foreign(const fs::path& link);

@@ -150,4 +150,15 @@ TEST_F(AppMoveTest, IsRefusedToADriveThatCannotBeWrittenTo) {
               "Backup is read-only. Choose a drive that can be written to.");
 }
 
+TEST_F(AppMoveTest, TellsInItsQuestionWhichOfTwoOfOneNameStays) {
+    const auto own = world.home / "Applications/Quill.app";
+    test::makeBundle(own);
+    const auto first = made("Quill");
+    const auto proposal = AppMove::propose(world.host, {first, entryOf(own)}, world.driveInfo(), false);
+    EXPECT_THAT(AppMove::confirmMove(proposal).details,
+                ElementsAre("Quill stays: " + first.bundlePath.native() + " would take its place on the drive."));
+    EXPECT_THAT(AppMove::confirmMove(AppMove::propose(world.host, {first}, world.driveInfo(), false)).details,
+                IsEmpty());
+}
+
 }  // namespace tarvik

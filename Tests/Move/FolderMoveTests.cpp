@@ -4,6 +4,7 @@
 #include "Move/MoveRefusal.h"
 #include "Platform/Failure.h"
 #include "Platform/Files.h"
+#include "Support/Bundles.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
@@ -338,6 +339,46 @@ TEST_F(FolderMove, RefusesToBringBackAWholeVolume) {
     makeLink(world.home / "stick", volume.path());
     EXPECT_EQ(refusalOfRestore(world.home / "stick"),
               volume.path().native() + " is a whole volume and can't be moved.");
+}
+
+TEST_F(FolderMove, BringsTheMovedFolderOfALauncherBack) {
+    const fs::path applications = world.folder / "Applications";
+    const fs::path suite = world.foldersOnDrive() / "Suite";
+    makeBundle(suite / "Mixer.app");
+    makeBundle(world.foldersOnDrive() / "Alone.app");
+    makeFolder(applications);
+    makeLink(applications / "Suite", suite);
+    makeLauncher(applications / "Mixer.app", suite / "Mixer.app");
+    makeLauncher(applications / "Alone.app", world.foldersOnDrive() / "Alone.app");
+    const auto linkOf = [&](const char* name) {
+        return tarvik::FolderMove::planRestore(world.host, applications / name).link.filename();
+    };
+    EXPECT_EQ(linkOf("Mixer.app"), "Suite");
+    EXPECT_EQ(linkOf("Suite"), "Suite");
+    EXPECT_EQ(linkOf("Alone.app"), "Alone.app");
+}
+
+TEST_F(FolderMove, TellsOfTheDataThatAnApplicationLeavesOnADrive) {
+    const fs::path editor = world.folder / "Applications/Editor.app";
+    const fs::path caches = world.home / "Library/Caches/Editor";
+    const fs::path support = world.home / "Library/Application Support/Editor";
+    makeBundle(world.foldersOnDrive() / "Editor.app");
+    makeFolder(editor.parent_path());
+    makeLink(editor, world.foldersOnDrive() / "Editor.app");
+    makeFile(caches / "cache");
+    const auto remark = [&] {
+        return tarvik::FolderMove::dataStays(tarvik::FolderMove::planRestore(world.host, editor));
+    };
+    EXPECT_EQ(remark(), "");
+    makeFile(world.drive / "Data/support/file");
+    makeFolder(support.parent_path());
+    makeLink(support, world.drive / "Data/support");
+    EXPECT_EQ(remark(), "1 item of the data of Editor.app stays on a drive: " + support.native() + ".");
+    fs::rename(caches, world.drive / "Data/caches");
+    makeLink(caches, world.drive / "Data/caches");
+    EXPECT_THAT(remark(), testing::StartsWith("2 items of the data of Editor.app stay on a drive: "));
+    EXPECT_THAT(tarvik::FolderMove::confirmRestore(tarvik::FolderMove::planRestore(world.host, editor)).details,
+                testing::Contains(remark()));
 }
 
 }  // namespace tarvik::test
