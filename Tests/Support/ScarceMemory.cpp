@@ -33,11 +33,18 @@ bool ScarceMemory::hasStruck() {
 
 }  // namespace tarvik::test
 
+// All of them, so that no other library's half of a pair meets ours.
 void* operator new(std::size_t size) {
     return tarvik::test::memoryOf(size);
 }
 void* operator new[](std::size_t size) {
     return tarvik::test::memoryOf(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size > 0 ? size : 1);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size > 0 ? size : 1);
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);
@@ -49,5 +56,11 @@ void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
