@@ -57,6 +57,7 @@ QtObject {
 
     readonly property int controlHeight: 30
     readonly property int controlHeightSmall: 24
+    readonly property int iconButtonSize: 28
     readonly property int rowHeight: 32
     readonly property int toolbarHeight: 48
     readonly property int sidebarWidth: 244

@@ -128,14 +128,20 @@ ListRow {
                 onClicked: row.moveBack()
             }
         }
-        DisclosureButton {
+        // Its drawing is a good part of the work for a row: it comes a moment later.
+        Loader {
             id: chevron
-            objectName: "appChevron"
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            focusPolicy: Qt.NoFocus
-            isOpen: row.isExpanded
-            onClicked: row.setExpanded(!row.isExpanded)
+            width: Theme.iconButtonSize
+            height: Theme.iconButtonSize
+            asynchronous: true
+            sourceComponent: DisclosureButton {
+                objectName: "appChevron"
+                focusPolicy: Qt.NoFocus
+                isOpen: row.isExpanded
+                onClicked: row.setExpanded(!row.isExpanded)
+            }
         }
     }
 

@@ -39,9 +39,15 @@ Item {
             Accessible.name: "Applications"
             model: shownApps.rows
             currentIndex: -1
-            // Rows are high once they are opened: a few more than are seen keep the list calm.
-            cacheBuffer: 400
+            // Rows that nobody sees are not made: all at once they would keep a click waiting. While one scrolls, each is
+            // one that has been seen before.
+            cacheBuffer: 0
             delegate: AppRow { hasMoveBackColumn: tab.scope !== "local" }
+        }
+        // New rows are made before the frame that draws them: both in one go would keep a click waiting.
+        Connections {
+            target: shownApps.rows
+            function onCountChanged() { Qt.callLater(list.forceLayout) }
         }
         Loader {
             anchors.fill: parent

@@ -9,8 +9,8 @@ T.Button {
     property string iconName
     property string help
 
-    implicitWidth: 28
-    implicitHeight: 28
+    implicitWidth: Theme.iconButtonSize
+    implicitHeight: Theme.iconButtonSize
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.role: Accessible.Button
