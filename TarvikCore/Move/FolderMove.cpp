@@ -124,8 +124,8 @@ WayBack planRestore(const Host& host, const fs::path& path) {
             fmt::format("{} is a relative symlink, to {}: no move leaves one, so there is nothing to move back.",
                         link.filename().native(), target->native()));
     if (!Files::exists(*target)) throw refusal(missing(host, link, *target));
-    if (auto sentence = MoveRefusal::ofRestore(host, link, *target)) throw refusal(*sentence);
     if (const auto folder = movedFolderOf(link, *target)) return planRestore(host, *folder);
+    if (auto sentence = MoveRefusal::ofRestore(host, link, *target)) throw refusal(*sentence);
     return {link, *target, isOwn(host, link, *target), dataLinksOf(host, link)};
 }
 

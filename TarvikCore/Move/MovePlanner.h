@@ -14,9 +14,9 @@ namespace tarvik::MovePlanner {
 
 /// The jobs that bring the applications to the drive, all pending, a bundle before its data; of several for one
 /// destination only the first. Data that stands in other data comes with that, and a folder that holds a bundle of the
-/// move is no data. The data of an application whose bundle stays is planned all the same. A bundle counts
-/// with the size that its entry knows; data is measured here, so this takes as long as the data is large, and once it
-/// is cancelled its sizes come out too small. Any thread.
+/// move is no data. The data of an application whose bundle stays is planned all the same. A bundle counts with the
+/// size that its entry knows; data is measured here, so this takes as long as the data is large, and once it is
+/// cancelled its sizes come out too small. Any thread.
 std::vector<MoveJob> buildAppJobs(const Host& host, const std::vector<AppEntry>& entries, const DriveInfo& drive,
                                   bool includeData, const Cancellation& cancellation = {});
 
