@@ -1,7 +1,7 @@
 #include "Discovery/AppBundleEnumerator.h"
 
-#include "Platform/Files.h"
-#include "Platform/ListedFolder.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/ListedFolder.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 #include "Discovery/AppBundleScanRoots.h"
 
 #include "Discovery/AppBundleEnumerator.h"
-#include "Platform/Files.h"
-#include "Platform/ListedFolder.h"
-#include "Platform/SystemFolders.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/SystemFolders.h"
 
 #include <cstddef>
 #include <utility>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
 
 #include <vector>
 

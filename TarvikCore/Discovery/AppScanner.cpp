@@ -1,17 +1,17 @@
 #include "Discovery/AppScanner.h"
 
+#include "AppData/DataLocator.h"
+#include "Applications/AppClassifier.h"
+#include "Applications/AppFlags.h"
+#include "Applications/AppIdentity.h"
 #include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/AppBundleScanRoots.h"
-#include "Discovery/AppClassifier.h"
-#include "Discovery/AppFlags.h"
-#include "Discovery/AppIdentity.h"
-#include "Discovery/DataLocator.h"
-#include "Discovery/InstallsDB.h"
-#include "Platform/Files.h"
-#include "Platform/PropertyList.h"
-#include "Platform/SizingService.h"
-#include "Platform/SystemFolders.h"
-#include "Platform/Text.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/SystemFolders.h"
+#include "Platform/Storage/SizingService.h"
+#include "Platform/Text/PropertyList.h"
+#include "Platform/Text/Text.h"
+#include "Records/InstallsDB.h"
 
 #include <algorithm>
 #include <map>
@@ -34,9 +34,10 @@ std::string nameOf(const PropertyList& info, const fs::path& bundle) {
     return bundle.stem();
 }
 
-/// An empty identifier identifies nothing: rows are told apart by their path then.
-std::string idOf(const std::optional<std::string>& bundleIdentifier, const fs::path& bundle) {
-    return bundleIdentifier && !bundleIdentifier->empty() ? *bundleIdentifier : bundle.native();
+/// An empty identifier identifies nothing: the bundle counts as one that has none.
+std::optional<std::string> identifierIn(const PropertyList& info) {
+    auto identifier = info.text("CFBundleIdentifier");
+    return identifier && !identifier->empty() ? std::move(identifier) : std::nullopt;
 }
 
 std::optional<AppEntry> entryOf(const Host& host, const fs::path& bundle, InstallsDB::Reader& installs) {
@@ -48,13 +49,13 @@ std::optional<AppEntry> entryOf(const Host& host, const fs::path& bundle, Instal
 
     AppEntry entry{.name = nameOf(info, bundle),
                    .bundlePath = bundle,
-                   .bundleIdentifier = info.text("CFBundleIdentifier"),
+                   .bundleIdentifier = identifierIn(info),
                    .version = info.text("CFBundleShortVersionString"),
                    .isMacAppStore = AppFlags::isMacAppStore(bundle),
                    .hasLoginItems = AppFlags::hasLoginItems(bundle),
                    .hasSystemExtension = AppFlags::hasSystemExtension(bundle),
                    .isAlreadySymlinked = target || isSymbolicLinkOrInsideOne(host, bundle)};
-    entry.id = idOf(entry.bundleIdentifier, bundle);
+    entry.id = entry.bundleIdentifier.value_or(bundle.native());
     entry.dataPaths = DataLocator::locate(host,
                                           {.bundlePath = bundle,
                                            .displayName = entry.name,
@@ -93,7 +94,7 @@ std::vector<AppEntry> discoverMetadata(const Host& host) {
 
 std::optional<AppEntry> metadataEntry(const Host& host, const fs::path& bundle) {
     InstallsDB::Reader installs(InstallsDB::defaultPath(host));
-    return entryOf(host, bundle, installs);
+    return entryOf(host, Files::standardized(bundle), installs);
 }
 
 AppEntry computeSizes(const Host& host, const AppEntry& entry, const Cancellation& cancellation) {

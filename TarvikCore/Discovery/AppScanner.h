@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Discovery/AppEntry.h"
-#include "Platform/Cancellation.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Applications/AppEntry.h"
+#include "Platform/Basics/Cancellation.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
 
 #include <optional>
 #include <vector>

@@ -1,8 +1,8 @@
 #include "Discovery/ApplicationsRootScan.h"
 
 #include "Discovery/AppBundleEnumerator.h"
-#include "Platform/Files.h"
-#include "Platform/ListedFolder.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/ListedFolder.h"
 
 #include <cstddef>
 #include <utility>

@@ -1,11 +1,11 @@
 #include "Discovery/ExternalAppsRootsDiscovery.h"
 
-#include "Platform/AppStorageNames.h"
-#include "Platform/DriveInfo.h"
-#include "Platform/DriveScanner.h"
-#include "Platform/ExistingPaths.h"
-#include "Platform/ListedFolder.h"
-#include "Platform/SystemFolders.h"
+#include "Platform/Files/ExistingPaths.h"
+#include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/SystemFolders.h"
+#include "Platform/Storage/DriveInfo.h"
+#include "Platform/Storage/DriveScanner.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,15 +1,15 @@
 #include "Discovery/InstalledAppsScanner.h"
 
+#include "AppData/Slug.h"
+#include "AppData/SupplementalInstall.h"
+#include "Applications/AppClassifier.h"
+#include "Applications/AppFlags.h"
 #include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/AppBundleScanRoots.h"
-#include "Discovery/AppClassifier.h"
-#include "Discovery/AppFlags.h"
-#include "Discovery/Slug.h"
-#include "Discovery/SupplementalInstall.h"
-#include "Platform/Files.h"
-#include "Platform/PropertyList.h"
-#include "Platform/SystemFolders.h"
-#include "Platform/Text.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/SystemFolders.h"
+#include "Platform/Text/PropertyList.h"
+#include "Platform/Text/Text.h"
 
 #include <algorithm>
 #include <map>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Discovery/AppRecord.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Applications/AppRecord.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
 
 #include <chrono>
 #include <optional>

@@ -1,9 +1,9 @@
 #include "Discovery/SymlinkScanner.h"
 
-#include "Platform/Files.h"
-#include "Platform/ListedFolder.h"
-#include "Platform/SizeCalculator.h"
-#include "Platform/SystemFolders.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/SystemFolders.h"
+#include "Platform/Storage/SizeCalculator.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -61,11 +61,15 @@ std::vector<SymlinkEntry> links(const std::vector<fs::path>& roots) {
     return found;
 }
 
+std::vector<SymlinkEntry> measured(const Host& host, std::vector<SymlinkEntry> links,
+                                   const Cancellation& cancellation) {
+    for (SymlinkEntry& link : links)
+        if (link.isValid) link.targetSize = SizeCalculator::size(host, link.target, cancellation);
+    return links;
+}
+
 std::vector<SymlinkEntry> scan(const Host& host, const std::vector<fs::path>& roots, const Cancellation& cancellation) {
-    std::vector<SymlinkEntry> entries = links(roots);
-    for (SymlinkEntry& entry : entries)
-        if (entry.isValid) entry.targetSize = SizeCalculator::size(host, entry.target, cancellation);
-    return entries;
+    return measured(host, links(roots), cancellation);
 }
 
 }  // namespace tarvik::SymlinkScanner

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Discovery/SymlinkEntry.h"
-#include "Platform/Cancellation.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Cancellation.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
 
 #include <vector>
 
@@ -18,8 +18,12 @@ std::vector<fs::path> defaultRoots(const Host& host);
 /// Nothing is measured: this is as quick as listing the folders.
 std::vector<SymlinkEntry> links(const std::vector<fs::path>& roots);
 
-/// The same with the sizes of the targets, one after the other: takes as long as what the links point at is large. Once
-/// it is cancelled, the sizes that are still missing come out too small.
+/// The links with the sizes of their targets, measured one after the other: takes as long as what they point at is
+/// large. Once it is cancelled, the sizes that are still missing come out too small.
+std::vector<SymlinkEntry> measured(const Host& host, std::vector<SymlinkEntry> links,
+                                   const Cancellation& cancellation = {});
+
+/// Both in one.
 std::vector<SymlinkEntry> scan(const Host& host, const std::vector<fs::path>& roots,
                                const Cancellation& cancellation = {});
 

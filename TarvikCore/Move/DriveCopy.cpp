@@ -1,9 +1,10 @@
 #include "Move/DriveCopy.h"
 
-#include "Move/HiddenPlace.h"
-#include "Move/MoverError.h"
-#include "Move/MoverStasher.h"
-#include "Platform/Files.h"
+#include "Copying/HiddenName.h"
+#include "Copying/HiddenPlace.h"
+#include "Copying/MoverError.h"
+#include "Copying/MoverStasher.h"
+#include "Platform/Files/Files.h"
 
 #include <cerrno>
 #include <utility>
@@ -34,7 +35,7 @@ void DriveCopy::arrive() {
 
 Disposal::Outcome DriveCopy::stash() {
     if (m_place == m_goal) return MoverStasher::stash(m_host, m_goal);
-    const auto outcome = HiddenPlace::stash(m_host, m_place, m_goal);
+    auto outcome = HiddenPlace::stash(m_host, m_place, m_goal);
     m_hidden.clearFolder();
     return outcome;
 }
@@ -45,7 +46,7 @@ void DriveCopy::remove() noexcept {
 }
 
 std::string DriveCopy::inOwnName(std::string text) const {
-    return HiddenPlace::withOwnName(std::move(text), m_hidden.path(), m_goal);
+    return HiddenName::inOwnName(std::move(text), m_hidden.path(), m_goal);
 }
 
 }  // namespace tarvik

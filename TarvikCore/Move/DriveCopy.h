@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Move/CopyPlace.h"
-#include "Move/Disposal.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Copying/CopyPlace.h"
+#include "Copying/Disposal.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
 
 #include <string>
 

@@ -1,27 +1,36 @@
 #include "Move/ItemMover.h"
 
+#include "Copying/ChangeWatch.h"
+#include "Copying/CopyPlace.h"
+#include "Copying/CopyProof.h"
+#include "Copying/Disposal.h"
+#include "Copying/FileCopier.h"
+#include "Copying/HiddenName.h"
+#include "Copying/HiddenPlace.h"
+#include "Copying/MoverError.h"
 #include "Discovery/AppScanner.h"
-#include "Move/ChangeWatch.h"
-#include "Move/CopyPlace.h"
-#include "Move/CopyProof.h"
-#include "Move/Disposal.h"
-#include "Move/FileCopier.h"
-#include "Move/HiddenPlace.h"
-#include "Move/MoverError.h"
 #include "Move/OriginalRemoval.h"
-#include "Move/ProgressTimer.h"
-#include "Platform/Files.h"
-#include "Platform/SizeCalculator.h"
-#include "Platform/TreeObstacle.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/TreeObstacle.h"
+#include "Platform/Storage/SizeCalculator.h"
 
 #include <fmt/format.h>
 
 #include <cerrno>
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace tarvik::ItemMover {
 
 namespace {
+
+/// What tells an item from others, under whatever name.
+using Item = std::optional<Files::ItemInfo>;
+
+// What stays when an item has come to its place and its move fails nevertheless.
+constexpr std::string_view replacedItem = "what stood there";
+constexpr std::string_view copiedItem = "what it was copied from";
 
 bool isSameVolume(const fs::path& item, const fs::path& folder) {
     const auto own = Files::info(item);
@@ -29,35 +38,20 @@ bool isSameVolume(const fs::path& item, const fs::path& folder) {
     return own && other && own->device == other->device;
 }
 
-bool isSameItem(const std::optional<Files::ItemInfo>& one, const std::optional<Files::ItemInfo>& other) {
-    return one && other && one->device == other->device && one->inode == other->inode;
-}
-
-void copyWithProgress(const Host& host, const fs::path& from, const fs::path& to, const ProgressCallback& progress) {
-    std::optional<ProgressTimer> timer;
-    if (progress) {
-        const std::int64_t total = SizeCalculator::size(host, from);
-        timer.emplace([&host, &to, &progress, total](const Cancellation& cancellation) {
-            progress(SizeCalculator::size(host, to, cancellation), total);
-        });
-    }
-    FileCopier::runDitto(host, from, to);
-}
-
 /// Makes the item take the place of what stands at the goal, which then stands where the item stood.
 void takePlace(const fs::path& item, const fs::path& to, Goal goal) {
     if (goal == Goal::free) return Files::rename(item, to);
-    Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
+    Files::exchange(item, to, HiddenName::forExchangeOf(to));
     const bool isExpected =
         goal == Goal::link ? Files::isSymbolicLink(item) : AppScanner::launcherShimTarget(item).has_value();
     if (isExpected) return;
-    Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
+    Files::exchange(item, to, HiddenName::forExchangeOf(to));
     throw FileError("replace", to, EEXIST);
 }
 
 /// The way back of `takePlace`.
 void leavePlace(const fs::path& item, const fs::path& to, Goal goal) {
-    goal == Goal::free ? Files::rename(to, item) : Files::exchange(item, to, HiddenPlace::forExchangeOf(to));
+    goal == Goal::free ? Files::rename(to, item) : Files::exchange(item, to, HiddenName::forExchangeOf(to));
 }
 
 /// Disposes of what the item has replaced at `to`, and what stands at `replaced` now. A link holds nothing. A launcher
@@ -69,19 +63,34 @@ void discardReplaced(const Host& host, const fs::path& replaced, const fs::path&
         throw FileError("remove", to, EPERM);
 }
 
+/// Passes on the failure that is being handled: as an Arrived when the item, which could not be taken out of its place
+/// again, stands there.
+[[noreturn]] void rethrow(const Item& item, const fs::path& to, std::string_view whatStays) {
+    const bool hasArrived = Files::isSameItem(Files::info(to), item);
+    try {
+        throw;
+    } catch (const Failure& failure) {
+        if (!hasArrived) throw;
+        throw Arrived("ItemMover", failure.code(),
+                      fmt::format("{} is in its place again, but {} could not be removed. {}", to.filename().native(),
+                                  whatStays, failure.description()));
+    }
+}
+
 /// Renames, or tells that the goal is on another volume.
 bool renamesWithinVolume(const Host& host, const fs::path& from, const fs::path& to, Goal goal) {
+    const Item item = Files::info(from);
     try {
         takePlace(from, to, goal);
     } catch (const FileError& error) {
         if (error.code() == EXDEV) return false;
-        throw;
+        rethrow(item, to, replacedItem);
     }
     try {
         discardReplaced(host, from, to, goal);
     } catch (...) {
         ignoringFailure([&] { leavePlace(from, to, goal); });
-        throw;
+        rethrow(item, to, replacedItem);
     }
     return true;
 }
@@ -90,7 +99,7 @@ bool renamesWithinVolume(const Host& host, const fs::path& from, const fs::path&
 void copyAcross(const Host& host, const fs::path& from, const fs::path& to, CopyPlace& copy,
                 const ChangeWatch::Mark& start, const ProgressCallback& progress) {
     try {
-        copyWithProgress(host, from, copy.path(), progress);
+        FileCopier::runDitto(host, from, copy.path(), progress ? SizeCalculator::size(host, from) : 0, progress);
         if (auto reason = CopyProof::reasonAgainst(host, from, copy.path(), CopyProof::Count::no))
             throw MoverError::verifyFailed(*reason);
         // Once the copy stands in its place, programs write to it, and it could not be given up without that.
@@ -99,7 +108,7 @@ void copyAcross(const Host& host, const fs::path& from, const fs::path& to, Copy
     } catch (...) {
         ignoringFailure([&] { Files::removeItem(copy.path()); });  // Our own unfinished copy: the original is whole.
         copy.clearFolder();
-        HiddenPlace::rethrowInOwnName(copy.path(), to);
+        HiddenName::rethrowInOwnName(copy.path(), to);
     }
 }
 
@@ -119,20 +128,19 @@ std::string giveUpArrival(const Host& host, const fs::path& temporary, const fs:
 }
 
 /// Puts the complete copy at `temporary` in its place, for good, or leaves the place as it was.
-void arrive(const Host& host, const fs::path& temporary, const fs::path& to, Goal goal) {
-    const auto copy = Files::info(temporary);
+void arrive(const Host& host, const Item& item, const fs::path& temporary, const fs::path& to, Goal goal) {
     try {
         takePlace(temporary, to, goal);
     } catch (...) {
         // Nobody has seen the copy yet. But if what stood at the goal could not be put back, it stands here.
-        if (isSameItem(Files::info(temporary), copy)) ignoringFailure([&] { Files::removeItem(temporary); });
-        throw;
+        if (Files::isSameItem(Files::info(temporary), item)) ignoringFailure([&] { Files::removeItem(temporary); });
+        rethrow(item, to, copiedItem);
     }
     try {
         Files::flushVolume(to.parent_path());
     } catch (...) {
         giveUpArrival(host, temporary, to, goal);
-        throw;
+        rethrow(item, to, copiedItem);
     }
 }
 
@@ -143,19 +151,19 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
     CopyPlace copy(from, to);
     copyAcross(host, from, to, copy, start, progress);
     const fs::path& temporary = copy.path();
-    arrive(host, temporary, to, goal);
+    const Item item = Files::info(temporary);
     // What was replaced stands at `temporary` until nothing can go wrong any more. What stays there a later act clears.
     const auto discard = [&] { ignoringFailure([&] { discardReplaced(host, temporary, to, goal); }); };
+    arrive(host, item, temporary, to, goal);
     try {
         OriginalRemoval::remove(host, from, start);
     } catch (const MoverError& error) {
         const std::string whereabouts = giveUpArrival(host, temporary, to, goal);
+        if (Files::isSameItem(Files::info(to), item)) rethrow(item, to, copiedItem);
         throw MoverError::retold(error, error.description() + whereabouts);
-    } catch (const Failure& failure) {
+    } catch (...) {
         discard();
-        throw Failure("ItemMover", failure.code(),
-                      fmt::format("{} is in its place again, but what it was copied from could not be removed. {}",
-                                  to.filename().native(), failure.description()));
+        rethrow(item, to, copiedItem);
     }
     discard();
 }

@@ -1,23 +1,25 @@
 #include "Move/MoverEngine.h"
 
+#include "Copying/ChangeWatch.h"
+#include "Copying/CopyProof.h"
+#include "Copying/FileCopier.h"
+#include "Copying/HiddenPlace.h"
+#include "Copying/Leftovers.h"
+#include "Copying/MoverError.h"
 #include "Discovery/AppScanner.h"
-#include "Discovery/InstallsDB.h"
-#include "Discovery/InstallsDBWriter.h"
-#include "Move/ChangeWatch.h"
-#include "Move/CopyProof.h"
+#include "Launchers/NestedAppLauncherService.h"
 #include "Move/DriveCopy.h"
-#include "Move/FileCopier.h"
-#include "Move/HealthManifest.h"
-#include "Move/HiddenPlace.h"
 #include "Move/ItemMover.h"
-#include "Move/MoverError.h"
-#include "Move/NestedAppLauncherService.h"
 #include "Move/OriginalRemoval.h"
-#include "Move/VolumeCapacityProbe.h"
-#include "Platform/BundleInfoPlistReader.h"
-#include "Platform/Files.h"
-#include "Platform/RunningAppsDetector.h"
-#include "Platform/SizeCalculator.h"
+#include "Platform/Basics/Notify.h"
+#include "Platform/Bundles/BundleInfoPlistReader.h"
+#include "Platform/Bundles/RunningAppsDetector.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Storage/SizeCalculator.h"
+#include "Platform/Storage/VolumeCapacityProbe.h"
+#include "Records/HealthManifest.h"
+#include "Records/InstallsDB.h"
+#include "Records/InstallsDBWriter.h"
 
 #include <fmt/format.h>
 
@@ -39,17 +41,6 @@ void requireSpace(std::int64_t needed, std::int64_t free) {
     if (isKnown && free < needed) throw MoverError::insufficientSpace(needed, free);
 }
 
-/// The volume that a folder is or will be on. A drive that goes away can leave its mount path behind, as a folder of
-/// another volume.
-std::uint64_t deviceOf(fs::path folder) {
-    while (!Files::exists(folder) && folder != folder.parent_path()) folder = folder.parent_path();
-    return Files::infoFollowingLinks(folder).value_or(Files::ItemInfo{}).device;
-}
-
-void requireDrive(const fs::path& folder, std::uint64_t device) {
-    if (deviceOf(folder) != device) throw Failure("MoverEngine", ENODEV, "Target drive disconnected");
-}
-
 ChangeWatch::Mark markOf(ChangeWatch::Beginning& beginning) {
     try {
         return beginning.mark();
@@ -64,10 +55,19 @@ void requireFree(const fs::path& destination) {
         throw MoverError::destinationExists();
 }
 
+void fill(const Host& host, const DriveCopy& copy, const fs::path& source, std::int64_t size,
+          const ProgressCallback& progress) {
+    try {
+        FileCopier::runDitto(host, source, copy.place(), size, progress);
+    } catch (const Failure& failure) {
+        throw MoverError::copyFailed(failure.description());
+    }
+}
+
 std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& source, const DriveCopy& copy,
-                                             std::uint64_t driveDevice) {
+                                             const DriveGuard& drive) {
     auto reason = CopyProof::reasonAgainst(host, source, copy.place(), CopyProof::Count::yes);
-    if (!reason && deviceOf(copy.goal().parent_path()) != driveDevice)
+    if (!reason && !drive.holds(copy.goal().parent_path()))
         reason = "The target drive was disconnected while it was written to.";
     return reason;
 }
@@ -76,7 +76,7 @@ std::optional<std::string> reasonAgainstCopy(const Host& host, const fs::path& s
 Disposal::Outcome giveUp(DriveCopy& copy, const fs::path& source, bool isOriginalWhole) {
     // The original could not even be put back: its link leads to the copy, which is all that works.
     if (Files::linkText(source) == copy.goal()) return {Disposal::Outcome::End::stayed, copy.goal()};
-    const auto outcome = copy.stash();
+    auto outcome = copy.stash();
     // A drive that is full takes no folder to set things aside in. The copy must neither fill it nor keep the next move
     // from the place. When part of the original is gone, it stays wherever it is.
     if (outcome.end == Disposal::Outcome::End::stayed && isOriginalWhole) copy.remove();
@@ -119,7 +119,8 @@ void replaceByLink(const Host& host, const fs::path& source, DriveCopy& copy,
 /// What the health check and the tracking database are to know. Never fails the move, which is done by now.
 void recordMove(const Host& host, const fs::path& source, const fs::path& destination, std::int64_t size) {
     ignoringFailure([&] {
-        const auto bundle = BundleInfoPlistReader::read(host, destination).value_or(BundleInfoPlistReader::Info{});
+        auto bundle = BundleInfoPlistReader::read(host, destination).value_or(BundleInfoPlistReader::Info{});
+        if (bundle.bundleIdentifier == "") bundle.bundleIdentifier.reset();  // It would be any other one's too.
         HealthManifest::record(host, {source, destination, bundle.bundleIdentifier, size, host.now()});
         InstallsDBWriter::recordMove(host, {source, destination, bundle.bundleIdentifier, bundle.version, size, {}},
                                      InstallsDB::defaultPath(host));
@@ -131,10 +132,6 @@ void recordRestore(const Host& host, const fs::path& item) {
         HealthManifest::forget(host, item);
         InstallsDBWriter::recordRestore(host, item, InstallsDB::defaultPath(host));
     });
-}
-
-bool isInternalized(const fs::path& item) {
-    return Files::exists(item) && !Files::isSymbolicLink(item);
 }
 
 MoverError stillALink(const fs::path& item) {
@@ -152,16 +149,16 @@ void verifyInternalized(const fs::path& item) {
 
 void moveAndLink(const Host& host, const fs::path& item, const fs::path& destinationParent, bool quitRunning,
                  const StatusCallback& status, const ProgressCallback& progress,
-                 std::optional<std::uint64_t> driveDevice) {
+                 const std::optional<DriveGuard>& chosenDrive) {
     const fs::path source = Files::standardized(item);
     if (!Files::exists(source)) throw MoverError::sourceMissing();
     requireNotRunning(host, source, quitRunning);
-    const std::uint64_t device = driveDevice.value_or(deviceOf(destinationParent));
-    requireDrive(destinationParent, device);
+    const DriveGuard drive = chosenDrive.value_or(DriveGuard::ofFolder(destinationParent));
+    drive.require(destinationParent);
     Files::createFolder(destinationParent);
-    requireDrive(destinationParent, device);
+    drive.require(destinationParent);
     const fs::path destination = Files::standardized(destinationParent / source.filename());
-    HiddenPlace::clearUnfinished(host, source, destination);
+    Leftovers::clearUnfinished(host, source, destination);
     requireFree(destination);
 
     ChangeWatch::Beginning beginning(source);
@@ -169,17 +166,17 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     requireSpace(size, VolumeCapacityProbe::freeBytes(host, destinationParent));
     const auto start = markOf(beginning);
 
-    HiddenPlace::sweep(host, source.parent_path());
-    HiddenPlace::sweep(host, destinationParent);
+    Leftovers::sweep(host, source.parent_path());
+    Leftovers::sweep(host, destinationParent);
     requireFree(destination);
     DriveCopy copy(host, source, destination);
     std::optional<OriginalRemoval::LinkInWaiting> link;
     try {
-        FileCopier::copy(host, source, copy.place(), size, progress);
-        status(JobStatus::verifying());
-        if (auto reason = reasonAgainstCopy(host, source, copy, device)) throw MoverError::verifyFailed(*reason);
+        fill(host, copy, source, size, progress);
+        notify(status, JobStatus::verifying());
+        if (auto reason = reasonAgainstCopy(host, source, copy, drive)) throw MoverError::verifyFailed(*reason);
         requireNotRunning(host, source, quitRunning);  // It may have been started meanwhile.
-        status(JobStatus::linking());
+        notify(status, JobStatus::linking());
         replaceByLink(host, source, copy, link, start);
     } catch (const Files::IncompleteRemoval& failure) {
         const auto outcome = giveUp(copy, source, false);
@@ -203,15 +200,13 @@ void restore(const Host& host, const fs::path& link, const ProgressCallback& pro
     if (Files::isSymbolicLink(target)) throw stillALink(goal);  // One link would only take another's place.
     if (HiddenPlace::isCopyUnderWayTo(goal))
         throw Failure("MoverEngine", EBUSY, fmt::format("{} is being moved back already.", goal.filename().native()));
-    HiddenPlace::sweep(host, goal.parent_path());
-    HiddenPlace::sweep(host, target.parent_path());
+    Leftovers::sweep(host, goal.parent_path());
+    Leftovers::sweep(host, target.parent_path());
     try {
         ItemMover::move(host, target, goal, launched ? ItemMover::Goal::launcher : ItemMover::Goal::link, progress);
-    } catch (const Failure&) {
-        if (isInternalized(goal)) {  // Only its removal from the drive has failed.
-            recordRestore(host, goal);
-            NestedAppLauncherService::removeLaunchers(host, goal, target);
-        }
+    } catch (const ItemMover::Arrived&) {
+        recordRestore(host, goal);
+        NestedAppLauncherService::removeLaunchers(host, goal, target);
         throw;
     }
     verifyInternalized(goal);

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "Move/JobStatus.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
+#include "Platform/Storage/DriveGuard.h"
 
 #include <chrono>
 #include <cstdint>
@@ -15,9 +16,10 @@
 /// All operations block; call them off the UI thread. They take no locks: one item is moved by one caller at a time.
 namespace tarvik::MoverEngine {
 
-/// Called on the calling thread with `verifying` and `linking`; the other states are the caller's.
+/// Called on the calling thread with `verifying` and `linking`; the other states are the caller's. May be empty.
 using StatusCallback = std::function<void(const JobStatus&)>;
-/// Both in bytes. Called from a background thread while a copy runs, and once from the calling thread at its end.
+/// Both in bytes. Called from a background thread while a copy runs, and once from the calling thread at its end. May
+/// be empty.
 using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t total)>;
 
 /// How long a running application may take to quit.
@@ -26,15 +28,15 @@ inline constexpr std::chrono::seconds quitTimeout{8};
 /// Moves `source` into `destinationParent` under its own name and links the old path to it. The original is touched
 /// only after a complete copy has been proved and flushed to the drive. An application that runs is refused; with
 /// `quitRunning` it is asked to quit first, which may take `quitTimeout`.
-/// `driveDevice` is the device of the volume that the user has chosen, so that nothing goes to the disk below a drive
-/// that has gone since; without it, it is that of `destinationParent`.
+/// `chosenDrive` is the one that the user has chosen, so that nothing goes to the disk below it when it has gone since;
+/// without it, it is that of `destinationParent`.
 /// @throws MoverError; FileError when `destinationParent` cannot be made; Failure when the drive has gone.
 void moveAndLink(const Host& host, const fs::path& source, const fs::path& destinationParent, bool quitRunning,
                  const StatusCallback& status, const ProgressCallback& progress,
-                 std::optional<std::uint64_t> driveDevice = std::nullopt);
+                 const std::optional<DriveGuard>& chosenDrive = std::nullopt);
 
 /// Puts what the link, or the generated launcher, at `link` leads to back in its place. That one stands until the item
-/// is there to take its place, and again when the move back fails. `progress` may be empty.
+/// is there to take its place, and again when the move back fails.
 /// @throws MoverError when the target is gone or the item is not what it should be afterwards; FileError otherwise.
 void restore(const Host& host, const fs::path& link, const ProgressCallback& progress = {});
 

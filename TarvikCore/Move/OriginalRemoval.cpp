@@ -1,9 +1,10 @@
 #include "Move/OriginalRemoval.h"
 
-#include "Move/HiddenPlace.h"
-#include "Move/MoverError.h"
-#include "Platform/Files.h"
-#include "Platform/TreeObstacle.h"
+#include "Copying/HiddenName.h"
+#include "Copying/ItemLock.h"
+#include "Copying/MoverError.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/TreeObstacle.h"
 
 #include <fmt/format.h>
 
@@ -52,7 +53,7 @@ void removeBy(const Host& host, const fs::path& original, const fs::path& aside,
               const std::function<void()>& putAside, const std::function<void()>& putBack) {
     // Most changes are seen here, before a program can have written to the copy by the old path.
     requireUnchangedAt(host, original, original, start);
-    const FileDescriptor held = HiddenPlace::hold(original);
+    const FileDescriptor held = ItemLock::hold(original);
     onBehalfOf(original, putAside);
     try {
         requireUnchangedAt(host, original, aside, start);
@@ -78,15 +79,15 @@ void requireUnchanged(const Host& host, const fs::path& original, const ChangeWa
 
 void remove(const Host& host, const fs::path& original, const ChangeWatch::Mark& start) {
     requireNoObstacle(original);
-    const fs::path aside = HiddenPlace::forRemovalOf(original);
+    const fs::path aside = HiddenName::forRemovalOf(original);
     removeBy(
         host, original, aside, start, [&] { Files::rename(original, aside); }, [&] { Files::rename(aside, original); });
 }
 
 LinkInWaiting::LinkInWaiting(const fs::path& original, const fs::path& target)
-    : m_original(original), m_target(target), m_place(HiddenPlace::forRemovalOf(original)) {
+    : m_original(original), m_target(target), m_place(HiddenName::forRemovalOf(original)) {
     requireNoObstacle(original);
-    m_held = HiddenPlace::hold(original);
+    m_held = ItemLock::hold(original);
     try {
         Files::createSymbolicLink(m_place, target);
     } catch (const FileError& error) {
@@ -103,7 +104,7 @@ LinkInWaiting::~LinkInWaiting() {
 void replaceByLink(const Host& host, const LinkInWaiting& link, const ChangeWatch::Mark& start) {
     const fs::path& original = link.original();
     // The way back must not fail for want of memory.
-    const fs::path between = HiddenPlace::forExchangeOf(original);
+    const fs::path between = HiddenName::forExchangeOf(original);
     const auto exchange = [&] { Files::exchange(link.place(), original, between); };
     removeBy(host, original, link.place(), start, exchange, exchange);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Move/ChangeWatch.h"
-#include "Platform/FileDescriptor.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Copying/ChangeWatch.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Machine/Host.h"
 
 /// Takes an original away whose copy has been proved. This is where data can be lost, so it is done in two steps: the
 /// original first gets a hidden name beside its place, where no program finds it by its path any more; only when
@@ -23,7 +23,7 @@ void requireUnchanged(const Host& host, const fs::path& original, const ChangeWa
 void remove(const Host& host, const fs::path& original, const ChangeWatch::Mark& start);
 
 /// The link that is to take an original's place. It waits under a hidden name beside it; while it stands there, it also
-/// tells that original and target are both whole: see `HiddenPlace::clearUnfinished`. What is done with a copy whose
+/// tells that original and target are both whole: see `Leftovers::clearUnfinished`. What is done with a copy whose
 /// original stays is done before this object ends.
 class LinkInWaiting {
 public:

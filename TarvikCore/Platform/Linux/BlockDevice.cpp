@@ -1,6 +1,6 @@
 #include "Platform/Linux/BlockDevice.h"
 
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 
 #include <fmt/format.h>
 #include <libudev.h>

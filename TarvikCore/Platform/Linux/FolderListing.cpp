@@ -1,4 +1,4 @@
-#include "Platform/FolderListing.h"
+#include "Platform/Files/FolderListing.h"
 
 #include <cerrno>
 #include <dirent.h>

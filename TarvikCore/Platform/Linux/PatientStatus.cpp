@@ -1,6 +1,6 @@
 #include "Platform/Linux/PatientStatus.h"
 
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files/FileDescriptor.h"
 
 #include <cerrno>
 #include <csignal>
@@ -73,9 +73,11 @@ Answer receive(int input, Clock::time_point deadline) {
 std::vector<Answer> read(const std::vector<fs::path>& paths, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
     std::vector<FileDescriptor> inputs;
+    inputs.reserve(paths.size());
     for (const fs::path& path : paths) inputs.push_back(ask(path, patience));
 
     std::vector<Answer> answers;
+    answers.reserve(inputs.size());
     for (const FileDescriptor& input : inputs) answers.push_back(input ? receive(input.get(), deadline) : std::nullopt);
     return answers;
 }

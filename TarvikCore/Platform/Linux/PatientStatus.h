@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/FileSystemStatus.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Files/FileSystemStatus.h"
 
 #include <chrono>
 #include <optional>

@@ -1,8 +1,8 @@
-#include "Platform/ProcessTable.h"
+#include "Platform/Processes/ProcessTable.h"
 
-#include "Platform/Failure.h"
-#include "Platform/FileDescriptor.h"
-#include "Platform/Files.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/Files.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "Platform/ProgramLocation.h"
+#include "Platform/Processes/ProgramLocation.h"
 
 #include <system_error>
 

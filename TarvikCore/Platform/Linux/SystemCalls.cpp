@@ -1,6 +1,6 @@
-#include "Platform/SystemCalls.h"
+#include "Platform/Files/SystemCalls.h"
 
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files/FileDescriptor.h"
 
 #include <cerrno>
 #include <cstdint>

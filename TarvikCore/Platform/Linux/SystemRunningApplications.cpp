@@ -1,4 +1,4 @@
-#include "Platform/RunningApplications.h"
+#include "Platform/Machine/RunningApplications.h"
 
 namespace tarvik {
 

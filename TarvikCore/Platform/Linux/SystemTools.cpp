@@ -1,19 +1,17 @@
-#include "Platform/ProgramLocation.h"
-#include "Platform/ToolTable.h"
+#include "Platform/Machine/ToolRules.h"
+#include "Platform/Processes/ProgramLocation.h"
 
 namespace tarvik {
 
 ToolTable systemTools() {
-    const fs::path standIns = ProgramLocation::folder() / "stand-ins";
-    return {.ditto = standIns / "ditto",
-            .find = "/usr/bin/find",
-            .codesign = standIns / "codesign",
-            .xcrun = standIns / "xcrun",
-            .spctl = standIns / "spctl",
-            .ps = "/bin/ps",
-            .tmutil = standIns / "tmutil",
-            .lsregister = standIns / "lsregister",
-            .externalAppLauncher = ProgramLocation::folder() / "external-app-launcher"};
+    ToolTable tools;
+    for (const ToolRule& rule : ToolRules::all()) tools.*rule.tool = ToolRules::standIns() / rule.name;
+    // What this system has itself answers as it does on a Mac.
+    tools.find = "/usr/bin/find";
+    tools.ps = "/bin/ps";
+    tools.bash = "/bin/bash";
+    tools.externalAppLauncher = ProgramLocation::folder() / "external-app-launcher";
+    return tools;
 }
 
 }  // namespace tarvik

@@ -1,10 +1,10 @@
-#include "Platform/ClashNames.h"
-#include "Platform/FileDescriptor.h"
-#include "Platform/FileError.h"
-#include "Platform/Files.h"
+#include "Platform/Files/ClashNames.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
 #include "Platform/Linux/TrashInfo.h"
-#include "Platform/TrashCan.h"
-#include "Platform/TrashItem.h"
+#include "Platform/Machine/TrashCan.h"
+#include "Platform/Machine/TrashItem.h"
 
 #include <fmt/format.h>
 
@@ -64,12 +64,12 @@ bool isUsersOwnFolder(const fs::path& folder) {
 /// The user's own Trash folder at the top of a volume, made when it is missing.
 fs::path makeTrashOnVolume(const fs::path& top) {
     const std::string user = std::to_string(::getuid());
-    const fs::path inShared = top / ".Trash" / user;
+    fs::path inShared = top / ".Trash" / user;
     if (isSharedTrash(inShared.parent_path())) {
         ignoringFailure([&] { TrashItem::makePrivateFolder(inShared); });  // The other place is left to try.
         if (isUsersOwnFolder(inShared)) return inShared;
     }
-    const fs::path folder = top / (".Trash-" + user);
+    fs::path folder = top / (".Trash-" + user);
     TrashItem::makePrivateFolder(folder);
     if (!isUsersOwnFolder(folder)) throw FileError("use as the Trash", folder, EPERM);
     return folder;

@@ -1,8 +1,8 @@
-#include "Platform/FileSystemStatus.h"
+#include "Platform/Files/FileSystemStatus.h"
 #include "Platform/Linux/BlockDevice.h"
 #include "Platform/Linux/PatientStatus.h"
 #include "Platform/Linux/VolumeRules.h"
-#include "Platform/VolumeList.h"
+#include "Platform/Machine/VolumeList.h"
 
 #include <libmount/libmount.h>
 

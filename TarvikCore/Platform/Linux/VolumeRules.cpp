@@ -1,6 +1,6 @@
 #include "Platform/Linux/VolumeRules.h"
 
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 
 #include <libmount/libmount.h>
 

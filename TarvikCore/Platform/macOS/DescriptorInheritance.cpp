@@ -1,4 +1,4 @@
-#include "Platform/DescriptorInheritance.h"
+#include "Platform/Processes/DescriptorInheritance.h"
 
 #include <fcntl.h>
 #include <unistd.h>

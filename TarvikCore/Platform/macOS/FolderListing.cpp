@@ -1,4 +1,4 @@
-#include "Platform/FolderListing.h"
+#include "Platform/Files/FolderListing.h"
 
 #include <cerrno>
 #include <dirent.h>
@@ -18,8 +18,12 @@ int FolderListing::read(int folderHandle, bool skipsHidden) {
         ::close(own);
         return error;
     }
-    errno = 0;
-    while (const dirent* entry = ::readdir(folder)) add(entry->d_name, entry->d_type, entry->d_ino, skipsHidden);
+    // The end of the list and a failure look alike but for errno, which anything between may have set.
+    const auto next = [folder] {
+        errno = 0;
+        return ::readdir(folder);
+    };
+    while (const dirent* entry = next()) add(entry->d_name, entry->d_type, entry->d_ino, skipsHidden);
     const int error = errno;
     ::closedir(folder);
     return error;

@@ -1,4 +1,4 @@
-#include "Platform/ProcessTable.h"
+#include "Platform/Processes/ProcessTable.h"
 
 #include <libproc.h>
 

@@ -1,6 +1,6 @@
-#include "Platform/ProgramLocation.h"
+#include "Platform/Processes/ProgramLocation.h"
 
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 
 #include <cstdint>
 #include <mach-o/dyld.h>

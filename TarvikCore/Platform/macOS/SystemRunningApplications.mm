@@ -1,5 +1,5 @@
-#include "Platform/Files.h"
-#include "Platform/RunningApplications.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/RunningApplications.h"
 
 #import <AppKit/AppKit.h>
 #include <cerrno>

@@ -1,6 +1,6 @@
-#include "Platform/FileError.h"
-#include "Platform/TrashCan.h"
-#include "Platform/TrashItem.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Machine/TrashCan.h"
+#include "Platform/Machine/TrashItem.h"
 
 #import <Foundation/Foundation.h>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "Platform/VolumeList.h"
+#include "Platform/Machine/VolumeList.h"
 
 #import <Foundation/Foundation.h>
 #include <cstdint>

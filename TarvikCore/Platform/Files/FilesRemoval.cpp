@@ -1,0 +1,69 @@
+#include "Platform/Files/Files.h"
+#include "Platform/Files/SystemCalls.h"
+#include "Platform/Files/TreeObstacle.h"
+#include "Platform/Files/TreeWalk.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <new>
+#include <unistd.h>
+
+namespace tarvik::Files {
+
+namespace {
+
+bool isMountPoint(const TreeWalk& walk) {
+    SystemCalls::ItemGuard guard;
+    return SystemCalls::readGuard(walk.folderHandle(), walk.name(), guard) == 0 && guard.isMountPoint;
+}
+
+void removeEntries(const fs::path& path, bool& hasBegun) {
+    const auto requireNoError = [&](const char* verb, const fs::path& place, int error) {
+        if (error && hasBegun) throw IncompleteRemoval(verb, place, error);
+        if (error) throw FileError(verb, place, error);
+    };
+    TreeWalk walk(path, {.order = TreeWalk::Order::disk, .givesLeave = true});
+    requireNoError("remove", path, walk.rootError());
+    while (walk.next()) {
+        const bool leavesFolder = walk.event() == TreeWalk::Event::leave;
+        if (walk.event() == TreeWalk::Event::unreadable)
+            requireNoError("remove", path / walk.relativePath(), walk.errorNumber());
+        if (!leavesFolder && walk.type() == ItemType::folder) {
+            // It may have been mounted a moment ago.
+            if (isMountPoint(walk)) requireNoError("remove the mounted volume", path / walk.relativePath(), EBUSY);
+            continue;
+        }
+        if (::unlinkat(walk.folderHandle(), walk.name(), leavesFolder ? AT_REMOVEDIR : 0) != 0)
+            requireNoError("remove", path / walk.relativePath(), errno);
+        hasBegun = true;
+    }
+    if (::rmdir(path.c_str()) != 0) requireNoError("remove", path, errno);
+}
+
+void removeTree(const fs::path& path) {
+    bool hasBegun = false;
+    try {
+        removeEntries(path, hasBegun);
+    } catch (const std::bad_alloc&) {
+        if (hasBegun) throw IncompleteRemoval("remove", path, ENOMEM);
+        throw;
+    }
+}
+
+}  // namespace
+
+void removeItem(const fs::path& path, Obstacles obstacles) {
+    if (!isFolder(path)) {
+        if (::unlink(path.c_str()) != 0) throw FileError("remove", path, errno);
+        return;
+    }
+    if (obstacles == Obstacles::lookedFor)
+        if (const auto obstacle = TreeObstacle::toRemoval(path)) throw obstacle->error();
+    removeTree(path);
+}
+
+void removeEmptyFolder(const fs::path& folder) {
+    if (::rmdir(folder.c_str()) != 0) throw FileError("remove the folder", folder, errno);
+}
+
+}  // namespace tarvik::Files

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Platform/Basics/Path.h"
+
+/// A path as a user has written it.
+namespace tarvik::WrittenPath {
+
+/// The standardized path that `written` means. ".." behind a link leads out of the folder that the link leads to, not
+/// of the one that the link stands in: what could be taken for another place than the system takes it for is refused.
+/// Looks at the disk only where there is a "..".
+/// @throws Failure with the sentence for the user when it could, or when ".." stands behind a link that leads nowhere.
+fs::path meant(const fs::path& written);
+
+}  // namespace tarvik::WrittenPath

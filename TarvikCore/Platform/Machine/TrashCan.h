@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Platform/Basics/Path.h"
+
+#include <memory>
+
+namespace tarvik {
+
+/// Where removed things go so that the user can have them back. Safe to call from any thread.
+class TrashCan {
+public:
+    virtual ~TrashCan() = default;
+
+    /// Moves an item (a link itself, not what it leads to) to the Trash, without copying it to another volume.
+    /// @returns where it stands now. @throws FileError, and then the item stands where it was.
+    virtual fs::path moveToTrash(const fs::path& item) const = 0;
+};
+
+/// The Trash of this system's user.
+std::shared_ptr<const TrashCan> makeSystemTrashCan(const fs::path& home);
+
+/// The folder `home`/.Trash. An item on another volume is refused.
+std::shared_ptr<const TrashCan> makeRootedTrashCan(const fs::path& home);
+
+}  // namespace tarvik

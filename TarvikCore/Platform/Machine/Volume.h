@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Platform/Basics/Path.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tarvik {
+
+/// What the system tells of one mounted volume. An absent value means that the system does not know.
+struct Volume {
+    fs::path mountPath;
+    std::optional<std::string> name;
+    /// In bytes.
+    std::optional<std::int64_t> totalBytes;
+    /// What an ordinary user's file may still take, in bytes.
+    std::optional<std::int64_t> availableBytes;
+    std::optional<bool> isInternal;
+    /// Whether a file manager would show it: false for pseudo file systems and the system's own mounts.
+    std::optional<bool> isBrowsable;
+    std::optional<bool> isReadOnly;
+    /// The format in words: "ext4", "APFS", "exFAT".
+    std::optional<std::string> formatDescription;
+    /// What no other volume has: the UUID of its file system, or what that has for one.
+    std::optional<std::string> identifier;
+
+    bool operator==(const Volume&) const = default;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Platform/Basics/Path.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Processes/EnvironmentChange.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace tarvik {
+
+/// One running tool, with a pipe on its standard output and one on its standard error. It inherits the environment,
+/// changed where the caller says so, the working directory and standard input, and no other descriptor. There is no
+/// shell in between and no search of PATH.
+///
+/// Belongs to one thread, except that the two pipes may be read by others. Whoever starts it waits for it: a child that
+/// is still running at the end of the object's life is killed and waited for.
+class ChildProcess {
+public:
+    /// @throws FileError with the verb "start" when the program cannot be run.
+    static ChildProcess start(const fs::path& program, const std::vector<std::string>& arguments,
+                              const EnvironmentChange& change = {});
+    ChildProcess(ChildProcess&&) noexcept;
+    ChildProcess& operator=(ChildProcess&&) noexcept;
+    ~ChildProcess();
+
+    int standardOutput() const { return m_standardOutput.get(); }
+    int standardError() const { return m_standardError.get(); }
+
+    /// Waits until the child has ended. @returns its exit status, or the number of the signal that ended it.
+    int wait();
+    /// The same as `wait` if the child has ended by now, else nothing, at once.
+    std::optional<int> poll();
+    /// Asks it to end (SIGTERM).
+    void terminate();
+    /// Ends it (SIGKILL).
+    void kill();
+
+private:
+    ChildProcess(pid_t process, FileDescriptor standardOutput, FileDescriptor standardError);
+    void end() noexcept;
+
+    pid_t m_process = -1;
+    std::optional<int> m_status;
+    FileDescriptor m_standardOutput;
+    FileDescriptor m_standardError;
+};
+
+}  // namespace tarvik

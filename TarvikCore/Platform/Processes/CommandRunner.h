@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Platform/Basics/Path.h"
+#include "Platform/Processes/CommandResult.h"
+#include "Platform/Processes/EnvironmentChange.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Starts an external tool, waits for it, and gathers all that it prints.
+namespace tarvik::CommandRunner {
+
+/// Runs the tool at the absolute `path`; blocks until it has ended and its output is read to the end. Never throws: a
+/// tool that cannot be launched gives status 127. After `timeout` it is asked to end, and killed 2 seconds later. The
+/// limit covers the tool, not processes that it leaves behind with its pipes open. The tool has the environment of this
+/// process with the `change`. Any number of calls may run at once.
+CommandResult run(const fs::path& path, const std::vector<std::string>& arguments,
+                  std::optional<std::chrono::duration<double>> timeout = std::nullopt,
+                  const EnvironmentChange& change = {});
+
+}  // namespace tarvik::CommandRunner

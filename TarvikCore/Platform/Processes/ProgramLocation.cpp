@@ -1,0 +1,9 @@
+#include "Platform/Processes/ProgramLocation.h"
+
+namespace tarvik::ProgramLocation {
+
+fs::path folder() {
+    return executable().parent_path();
+}
+
+}  // namespace tarvik::ProgramLocation

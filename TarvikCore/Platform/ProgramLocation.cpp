@@ -1,9 +1,0 @@
-#include "Platform/ProgramLocation.h"
-
-namespace tarvik::ProgramLocation {
-
-fs::path folder() {
-    return executable().parent_path();
-}
-
-}  // namespace tarvik::ProgramLocation

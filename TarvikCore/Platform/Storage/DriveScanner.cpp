@@ -1,0 +1,59 @@
+#include "Platform/Storage/DriveScanner.h"
+
+#include "Platform/Files/FileSystemStatus.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/LastComponent.h"
+#include "Platform/Machine/VolumeList.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace tarvik::DriveScanner {
+
+namespace {
+
+DriveInfo driveOf(const Volume& volume) {
+    return {.id = volume.mountPath.native(),
+            .name = volume.name.value_or(std::string{}).empty() ? lastComponent(volume.mountPath) : *volume.name,
+            .mountPath = volume.mountPath,
+            .totalBytes = volume.totalBytes.value_or(0),
+            .freeBytes = volume.availableBytes.value_or(0),
+            .isInternal = volume.isInternal.value_or(false),
+            .isWritable = !volume.isReadOnly.value_or(false),
+            .filesystem = volume.formatDescription};
+}
+
+}  // namespace
+
+std::vector<DriveInfo> scan(const Host& host) {
+    std::vector<DriveInfo> drives;
+    for (const Volume& volume : host.volumes->mounted())
+        if (volume.isBrowsable.value_or(false)) drives.push_back(driveOf(volume));
+
+    std::stable_sort(drives.begin(), drives.end(), [](const DriveInfo& left, const DriveInfo& right) {
+        if (left.isInternal != right.isInternal) return left.isInternal;
+        return left.name < right.name;
+    });
+    return drives;
+}
+
+bool isThere(const Host& host, const fs::path& mountPath) {
+    return markOf(host, mountPath).has_value();
+}
+
+std::optional<std::string> markOf(const Host& host, const fs::path& mountPath) {
+    const auto before = Files::infoFollowingLinks(mountPath);
+    if (!before) return std::nullopt;
+    const auto volumes = host.volumes->mounted();
+    const auto volume =
+        std::find_if(volumes.begin(), volumes.end(), [&](const Volume& each) { return each.mountPath == mountPath; });
+    // The list takes its time: the drive may have gone since it was read.
+    const auto after = Files::infoFollowingLinks(mountPath);
+    if (volume == volumes.end() || !after || after->device != before->device) return std::nullopt;
+    if (volume->identifier) return *volume->identifier;
+    const auto status = fileSystemStatus(mountPath);
+    return fmt::format("{}-{}-{}", after->device, status ? status->identifier : 0, after->inode);
+}
+
+}  // namespace tarvik::DriveScanner
