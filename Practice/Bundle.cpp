@@ -1,6 +1,6 @@
 #include "Practice/Bundle.h"
 
-#include "Platform/PropertyList.h"
+#include "Platform/Text/PropertyList.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "Platform/Text.h"
+#include "Platform/Text/Text.h"
 #include "Practice/PracticeMachine.h"
 
 #include <CLI/CLI.hpp>
@@ -23,9 +23,7 @@ std::string whyNoNumber(const std::string& text) {
     return isNumber ? std::string() : fmt::format("\"{}\" is not a number from 0 up", text);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     using namespace tarvik;
     Practice::Options options;
     std::string folder;
@@ -60,14 +58,20 @@ int main(int argc, char** argv) {
         return app.exit(error) == 0 ? 0 : 2;
     }
 
+    const auto machine = Practice::build(folder, options);
+    fmt::print("Made a practice machine in {}: {}, {}, {}.\n", machine.root.native(),
+               Text::counted(machine.files, "file"), Text::counted(machine.folders, "folder"),
+               Text::byteCount(machine.bytes));
+    return std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
     try {
-        const auto machine = Practice::build(folder, options);
-        fmt::print("Made a practice machine in {}: {}, {}, {}.\n", machine.root.native(),
-                   Text::counted(machine.files, "file"), Text::counted(machine.folders, "folder"),
-                   Text::byteCount(machine.bytes));
-        return std::fflush(stdout) == 0 ? 0 : 1;
+        return run(argc, argv);
     } catch (const std::exception& failure) {
-        fmt::print(stderr, "{}\n", failure.what());
+        std::fprintf(stderr, "%s\n", failure.what());
         return 1;
     }
 }

@@ -1,7 +1,7 @@
 #include "Practice/PracticeMachine.h"
 
-#include "Platform/Failure.h"
-#include "Platform/Files.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 #include "Practice/Bundle.h"
 #include "Practice/Dice.h"
 #include "Practice/SpecialApps.h"
@@ -188,6 +188,7 @@ Machine build(const fs::path& folder, const Options& options) {
     if (options.specialApps) addSpecialApps(writer, machine);
 
     std::vector<Part> parts;
+    parts.reserve(places.size());
     for (const auto& place : places)
         parts.push_back(
             {place.path.front() == '/' ? machine.root / place.path.substr(1) : machine.home / place.path, &place});

@@ -1,10 +1,10 @@
 #include "Practice/SpecialApps.h"
 
-#include "Move/HealthManifestEntry.h"
-#include "Platform/Json.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Text/Json.h"
+#include "Platform/Text/PropertyList.h"
 #include "Practice/Bundle.h"
 #include "Practice/TrackingDatabase.h"
+#include "Records/HealthManifestEntry.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "Practice/TrackingDatabase.h"
 
-#include "Platform/Failure.h"
+#include "Platform/Basics/Failure.h"
 
 #include <sqlite3.h>
 

@@ -1,7 +1,7 @@
 #include "Practice/TreeWriter.h"
 
-#include "Platform/FileDescriptor.h"
-#include "Platform/FileError.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/FileError.h"
 
 #include <algorithm>
 #include <array>
@@ -103,7 +103,7 @@ void TreeWriter::finish() {
 /// A moment in the three years before 2026, with fractions of a second, which a careless copy loses.
 struct timespec TreeWriter::time() {
     constexpr std::size_t newYear2026 = 1767225600;
-    constexpr std::size_t threeYears = 3 * 365 * 86400;
+    constexpr std::size_t threeYears = std::size_t{3} * 365 * 86400;
     struct timespec moment {};
     moment.tv_sec = static_cast<time_t>(newYear2026 - m_dice.below(threeYears));
     moment.tv_nsec = static_cast<long>(m_dice.below(1000000)) * 1000;

@@ -1,6 +1,6 @@
 #include "CloseGuard.h"
 
-#include "State/AppState.h"
+#include "State/Shared/AppState.h"
 
 #include <QCoreApplication>
 #include <QEvent>

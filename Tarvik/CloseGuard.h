@@ -6,8 +6,8 @@ namespace tarvik {
 
 class AppState;
 
-/// Keeps the window open while an item is on its way: closing it then asks the user, and the program quits when that
-/// item has ended.
+/// Keeps the window open while something is under way that must come to its end: closing it then asks the user, and the
+/// program quits when that has ended.
 class CloseGuard : public QObject {
 public:
     /// `state` must outlive the window.

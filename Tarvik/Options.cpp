@@ -1,6 +1,6 @@
 #include "Options.h"
 
-#include "Platform/Failure.h"
+#include "Platform/Basics/Failure.h"
 
 #include <charconv>
 #include <string_view>

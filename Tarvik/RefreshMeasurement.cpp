@@ -1,7 +1,7 @@
 #include "RefreshMeasurement.h"
 
-#include "State/AppState.h"
-#include "State/ShownApps.h"
+#include "State/Apps/AppsState.h"
+#include "State/Apps/ShownApps.h"
 
 #include <QCoreApplication>
 #include <QQuickItem>
@@ -30,9 +30,9 @@ double processorTime(clockid_t clock) {
 
 }  // namespace
 
-RefreshMeasurement::RefreshMeasurement(AppState& state, bool scrolls)
+RefreshMeasurement::RefreshMeasurement(AppsState& state, bool scrolls)
     : m_state(state), m_scrolls(scrolls), m_step(scrollStep) {
-    connect(&state, &AppState::isScanningAppsChanged, this, [this] {
+    connect(&state, &AppsState::isScanningAppsChanged, this, [this] {
         if (m_state.isScanningApps()) {
             m_sinceRefresh.start();
         } else {

@@ -11,7 +11,7 @@ class QQuickWindow;
 
 namespace tarvik {
 
-class AppState;
+class AppsState;
 
 /// Watches the first refresh of a window for the benchmarks, with all applications in its list, prints what it took and
 /// quits. UI thread only; to be made before the views are, as these begin the refresh.
@@ -22,7 +22,7 @@ class AppState;
 class RefreshMeasurement : public QObject {
 public:
     /// With `scrolls` the list goes from top to bottom, to and fro as long as sizes come in.
-    RefreshMeasurement(AppState& state, bool scrolls);
+    RefreshMeasurement(AppsState& state, bool scrolls);
     /// Shows all applications in the window and watches its frames.
     void watch(QQuickWindow& window);
 
@@ -35,7 +35,7 @@ private:
     bool hasRows() const;
     double now() const;
 
-    AppState& m_state;
+    AppsState& m_state;
     const bool m_scrolls;
     QQuickItem* m_list = nullptr;
     QTimer m_ticks;

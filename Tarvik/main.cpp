@@ -1,14 +1,15 @@
 #include "Appearance.h"
 #include "CloseGuard.h"
 #include "Options.h"
-#include "Platform/Failure.h"
-#include "Platform/StandardStreams.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Processes/StandardStreams.h"
 #include "ProcessAge.h"
 #include "RefreshMeasurement.h"
-#include "State/AppState.h"
-#include "State/Background.h"
+#include "State/Apps/AppsState.h"
 #include "State/QmlModule.h"
-#include "State/WindowDialogs.h"
+#include "State/Shared/AppState.h"
+#include "State/Shared/WindowDialogs.h"
+#include "State/Threads/Background.h"
 
 #include <QGuiApplication>
 #include <QImage>
@@ -70,7 +71,7 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     if (options.size) initial = {{"width", options.size->first}, {"height", options.size->second}};
     engine.setInitialProperties(initial);
     std::optional<RefreshMeasurement> measurement;
-    if (options.measuresRefresh) measurement.emplace(state, options.measuresScrolling);
+    if (options.measuresRefresh) measurement.emplace(state.tab<AppsState>(), options.measuresScrolling);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tarvik/Views/MainWindow.qml")));
     if (engine.rootObjects().isEmpty()) return EXIT_FAILURE;
 

@@ -42,12 +42,17 @@ std::string programIn(const std::string& list) {
     return name.find('/') == std::string::npos ? name : std::string();
 }
 
-/// The only visible file in a folder; empty when there is none or more than one.
+/// The only visible file in a folder; empty when there is none or more than one, or when that cannot be told.
 std::string onlyFileIn(const std::string& folder) {
     std::string only;
     DIR* listing = ::opendir(folder.c_str());
     if (!listing) return only;
-    while (const dirent* entry = ::readdir(listing)) {
+    // The end of the list and a failure look alike but for errno, which anything between may have set.
+    const auto next = [listing] {
+        errno = 0;
+        return ::readdir(listing);
+    };
+    while (const dirent* entry = next()) {
         const std::string path = folder + "/" + entry->d_name;
         if (entry->d_name[0] == '.' || !isRegularFile(path)) continue;
         if (!only.empty()) {
@@ -56,6 +61,7 @@ std::string onlyFileIn(const std::string& folder) {
         }
         only = path;
     }
+    if (errno != 0) only.clear();  // There may be another one that was not told.
     ::closedir(listing);
     return only;
 }

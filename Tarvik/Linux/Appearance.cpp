@@ -1,6 +1,6 @@
 #include "Appearance.h"
 
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 
 #include <QColor>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 #include "ProcessAge.h"
 
-#include "Platform/Failure.h"
-#include "Platform/Files.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 
 #include <cstdint>
 #include <sstream>

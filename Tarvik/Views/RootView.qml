@@ -54,13 +54,21 @@ FocusScope {
             width: parent.width
             title: root.tabs[root.selectedTab].label
         }
-        Loader {
+        Item {
             id: content
             objectName: "tabContent"
             anchors.top: toolbar.bottom
             anchors.bottom: jobsPanel.top
             width: parent.width
-            source: Qt.resolvedUrl(root.tabs[root.selectedTab].view)
+        }
+        // Unlike those of a Repeater, what it makes is found among the children of the window.
+        Instantiator {
+            model: root.tabs
+            TabPage {
+                required property int index
+                parent: content
+                isSelected: index === root.selectedTab
+            }
         }
         JobsPanel {
             id: jobsPanel

@@ -20,8 +20,9 @@ Item {
         anchors.right: refresh.left
         anchors.rightMargin: Theme.small
         anchors.verticalCenter: parent.verticalCenter
-        visible: AppState.isPreparing && !Alerts.isOpen
-        Accessible.name: "Looking at what is to be moved"
+        // What moves shows in the panel below.
+        visible: AppState.isBusy && !AppState.isRunning && !AppState.isRestoring && !Alerts.isOpen
+        Accessible.name: AppState.isPreparing ? "Looking at what is to be moved" : "Working"
     }
     IconButton {
         id: refresh

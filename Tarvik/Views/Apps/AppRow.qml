@@ -29,7 +29,7 @@ ListRow {
     signal moveBack
 
     function setExpanded(isOpen) {
-        AppState.setAppExpanded(bundlePath, isOpen);
+        AppsState.setAppExpanded(bundlePath, isOpen);
     }
 
     objectName: "app-" + name
@@ -44,8 +44,8 @@ ListRow {
     turns: true
     onTurned: isOpen => setExpanded(isOpen)
 
-    onClicked: AppState.setAppSelected(bundlePath, !isSelected)
-    onMoveBack: AppState.restoreApp(bundlePath)
+    onClicked: AppsState.setAppSelected(bundlePath, !isSelected)
+    onMoveBack: AppsState.restoreApp(bundlePath)
 
     contentItem: Item {
         CheckBox {

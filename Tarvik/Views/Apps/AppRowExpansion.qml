@@ -22,7 +22,7 @@ Rectangle {
 
     AppDetails {
         id: appDetails
-        state: AppState
+        state: AppsState
         bundle: expansion.bundle
     }
     // What is pressed beside the controls is no press of the row.

@@ -8,11 +8,11 @@ Rectangle {
     objectName: "appsActionBar"
 
     required property string scope
-    readonly property int movable: AppState.selectedMovableCount
-    readonly property int restorable: AppState.selectedRestorableCount
+    readonly property int movable: AppsState.selectedMovableCount
+    readonly property int restorable: AppsState.selectedRestorableCount
     /// Where all are listed, what can come back is told as well once some of that is ticked.
     readonly property string selection: {
-        const here = movable + " selected - " + AppState.selectedTotalText;
+        const here = movable + " selected - " + AppsState.selectedTotalText;
         const there = restorable + " selected to move back";
         if (scope === "all")
             return restorable === 0 ? here : movable === 0 ? there : here + ", " + there;
@@ -72,7 +72,7 @@ Rectangle {
             text: "Clear"
             kind: "quiet"
             enabled: bar.movable + bar.restorable > 0
-            onClicked: AppState.clearSelection()
+            onClicked: AppsState.clearSelection()
         }
         Button {
             objectName: "restoreSelectedButton"
@@ -80,7 +80,7 @@ Rectangle {
             text: "Move Back"
             iconName: "back"
             enabled: bar.restorable > 0 && !AppState.isBusy
-            onClicked: AppState.restoreSelectedApps()
+            onClicked: AppsState.restoreSelectedApps()
         }
         Button {
             objectName: "moveAppsButton"
@@ -88,7 +88,7 @@ Rectangle {
             text: "Move & Symlink"
             kind: "primary"
             enabled: bar.movable > 0 && AppState.hasSelectedDrive && !AppState.isBusy
-            onClicked: AppState.confirmAndMove()
+            onClicked: AppsState.confirmAndMove()
         }
     }
 }

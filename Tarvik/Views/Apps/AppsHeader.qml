@@ -33,21 +33,21 @@ Item {
             Figures {
                 objectName: "appsCount"
                 Layout.alignment: Qt.AlignBaseline
-                text: AppState.isScanningApps ? "... " : header.shown.count + " shown / " + header.shown.totalCount + " total"
+                text: AppsState.isScanningApps ? "... " : header.shown.count + " shown / " + header.shown.totalCount + " total"
                 color: Theme.textSecondary
             }
             ProgressBar {
                 objectName: "sizingBar"
                 Layout.fillWidth: true
                 Layout.maximumWidth: 240
-                visible: AppState.isScanningApps && AppState.sizeTotal > 0
-                value: AppState.sizeTotal > 0 ? AppState.sizeProgress / AppState.sizeTotal : 0
+                visible: AppsState.isScanningApps && AppsState.sizeTotal > 0
+                value: AppsState.sizeTotal > 0 ? AppsState.sizeProgress / AppsState.sizeTotal : 0
                 Accessible.name: "Measured applications"
             }
             Item { Layout.fillWidth: true }
             Spinner {
                 objectName: "appsSpinner"
-                visible: AppState.isScanningApps
+                visible: AppsState.isScanningApps
                 Accessible.name: "Looking for applications"
             }
             IconButton {
@@ -56,8 +56,8 @@ Item {
                 Layout.rightMargin: Theme.large - Theme.margin
                 iconName: "refresh"
                 help: "Refresh applications"
-                enabled: !AppState.isScanningApps
-                onClicked: AppState.refreshApps()
+                enabled: !AppsState.isScanningApps
+                onClicked: AppsState.refreshApps()
             }
         }
         RowLayout {
@@ -103,8 +103,8 @@ Item {
             CheckBox {
                 objectName: "includeDataBox"
                 text: "Include app data"
-                checkState: AppState.includeAppData ? Qt.Checked : Qt.Unchecked
-                onClicked: AppState.includeAppData = !AppState.includeAppData
+                checkState: AppsState.includeAppData ? Qt.Checked : Qt.Unchecked
+                onClicked: AppsState.includeAppData = !AppsState.includeAppData
             }
         }
     }

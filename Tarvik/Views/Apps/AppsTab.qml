@@ -13,7 +13,7 @@ Item {
 
     ShownApps {
         id: shownApps
-        state: AppState
+        state: AppsState
     }
 
     AppsHeader {
@@ -55,7 +55,7 @@ Item {
             sourceComponent: {
                 if (!tab.isEmpty)
                     return noneShown;
-                return AppState.isScanningApps ? discovering : empty;
+                return AppsState.isScanningApps ? discovering : empty;
             }
         }
         Rectangle {

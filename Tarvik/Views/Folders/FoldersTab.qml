@@ -6,21 +6,9 @@ ScrollView {
     id: tab
     objectName: "foldersTab"
 
-    readonly property FolderSource source: FolderSource {}
+    readonly property FolderSource source: FoldersState.source
 
     contentHeight: column.height
-
-    Connections {
-        target: AppState
-        function onIsRunningChanged() {
-            // What has moved is done with here; the list of jobs offers its way back.
-            if (!AppState.isRunning && AppState.hasMoved(tab.source.path))
-                tab.source.clear();
-            else
-                tab.source.refresh();
-        }
-        function onIsRestoringChanged() { tab.source.refresh() }
-    }
 
     Column {
         id: column

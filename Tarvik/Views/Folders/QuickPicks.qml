@@ -34,7 +34,7 @@ Column {
             height: contentHeight
             visible: count > 0
             Accessible.name: "Common candidates"
-            model: AppState.quickPicks
+            model: FoldersState.quickPicks
             currentIndex: -1
             delegate: QuickPickRow {
                 id: row

@@ -99,7 +99,7 @@ Card {
             text: "Move & Symlink"
             kind: "primary"
             enabled: card.canMove
-            onClicked: AppState.moveArbitraryFolder(card.source.path)
+            onClicked: FoldersState.moveArbitraryFolder(card.source.path)
         }
     }
 

@@ -27,7 +27,7 @@ Item {
                 objectName: "rescanButton"
                 text: "Rescan"
                 iconName: "refresh"
-                onClicked: AppState.refreshSymlinks()
+                onClicked: SymlinksState.refreshSymlinks()
             }
         }
         Label {
@@ -54,7 +54,7 @@ Item {
             bottomMargin: Theme.tiny
             clip: true
             Accessible.name: "Symlinks"
-            model: AppState.symlinks
+            model: SymlinksState.symlinks
             currentIndex: -1
             delegate: SymlinkRow {}
         }

@@ -1,0 +1,18 @@
+#include "State/Shared/Tabs.h"
+
+#include "State/Apps/AppsState.h"
+#include "State/Folders/FoldersState.h"
+#include "State/Symlinks/SymlinksState.h"
+
+namespace tarvik::Tabs {
+
+std::vector<std::unique_ptr<TabState>> all(AppState& app) {
+    std::vector<std::unique_ptr<TabState>> tabs;
+    // A new tab is a new line.
+    tabs.push_back(std::make_unique<AppsState>(app));
+    tabs.push_back(std::make_unique<FoldersState>(app));
+    tabs.push_back(std::make_unique<SymlinksState>(app));
+    return tabs;
+}
+
+}  // namespace tarvik::Tabs
