@@ -5,7 +5,7 @@
 #include "Discovery/SymlinkScanner.h"
 #include "ManyApps.h"
 #include "Measure.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 #include "Table.h"
 
 #include <fmt/format.h>

@@ -6,7 +6,7 @@
 #include "Discovery.h"
 #include "Measure.h"
 #include "Moves.h"
-#include "Platform/ProgramLocation.h"
+#include "Platform/Processes/ProgramLocation.h"
 #include "Support/RealVolume.h"
 #include "Window.h"
 

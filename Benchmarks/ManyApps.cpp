@@ -2,8 +2,8 @@
 
 #include "Discovery/AppScanner.h"
 #include "Measure.h"
-#include "Platform/Files.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Text/PropertyList.h"
 #include "Support/IconFiles.h"
 #include "Support/Tree.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Discovery/AppEntry.h"
-#include "Platform/Host.h"
+#include "Applications/AppEntry.h"
+#include "Platform/Machine/Host.h"
 #include "Practice/PracticeMachine.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"

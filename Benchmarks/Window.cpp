@@ -2,7 +2,7 @@
 
 #include "ManyApps.h"
 #include "Measure.h"
-#include "Platform/ProgramLocation.h"
+#include "Platform/Processes/ProgramLocation.h"
 #include "Table.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Options.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 /// The acts of the command, each from the options to what is printed. All block.
 namespace tarvik::CommandLine::Acts {

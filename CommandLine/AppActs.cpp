@@ -3,8 +3,8 @@
 #include "CommandLine/AppTexts.h"
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Terminal.h"
-#include "Platform/CodesignMetadata.h"
-#include "Platform/Files.h"
+#include "Platform/Bundles/CodesignMetadata.h"
+#include "Platform/Files/Files.h"
 
 #include <algorithm>
 #include <utility>
@@ -49,6 +49,7 @@ void list(const Host& host, Format format) {
         return Terminal::writeResult(AppTexts::table(apps));
     }
     std::vector<Record> records;
+    records.reserve(apps.size());
     for (const auto& app : apps) records.push_back(AppTexts::recordOf(app));
     if (format == Format::toml) return Terminal::writeResult(toml("apps", records));
     Terminal::writeResult(tsv(namesOf(AppTexts::recordOf({})), records));

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Records.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 #include <string>
 

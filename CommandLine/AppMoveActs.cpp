@@ -1,5 +1,6 @@
 #include "CommandLine/AppMoveActs.h"
 
+#include "Applications/DataPathSize.h"
 #include "CommandLine/Columns.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FoundApps.h"
@@ -7,15 +8,14 @@
 #include "CommandLine/Records.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/WatchedRun.h"
-#include "Discovery/DataPathSize.h"
-#include "Move/AppMove.h"
-#include "Move/MoveDialogs.h"
-#include "Move/MoveRefusal.h"
-#include "Move/MoveRun.h"
-#include "Platform/Failure.h"
-#include "Platform/SizeCalculator.h"
-#include "Platform/SizingService.h"
-#include "Platform/Text.h"
+#include "MovePlan/AppMove.h"
+#include "MovePlan/MoveDialogs.h"
+#include "MovePlan/MoveRefusal.h"
+#include "MovePlan/MoveRun.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Storage/SizeCalculator.h"
+#include "Platform/Storage/SizingService.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
@@ -46,11 +46,11 @@ std::vector<AppEntry> chosenApps(const Host& host, const Options& options) {
 }
 
 /// What is to be known before the move, a sentence each.
-std::vector<std::string> remarksOf(const AppMove::Plan& plan) {
+std::vector<std::string> remarksOf(const Host& host, const AppMove::Plan& plan) {
     auto remarks = plan.staying;
     remarks.insert(remarks.end(), plan.obstructed.begin(), plan.obstructed.end());
-    for (const auto& entry : plan.running)
-        remarks.push_back(fmt::format("{} is running: quit it before it moves.", entry.name));
+    for (const auto& name : AppMove::runningApps(host, plan))
+        remarks.push_back(fmt::format("{} is running: quit it before it moves.", name));
     for (const auto& entry : plan.risky)
         for (const auto& warning : entry.warnings()) remarks.push_back(fmt::format("{}: {}", entry.name, warning));
     return remarks;
@@ -60,13 +60,15 @@ std::string tableOf(const std::vector<MoveJob>& jobs, const fs::path& home) {
     constexpr std::size_t widestLabel = 40;
     const auto text = [&](const fs::path& path) { return Columns::oneLine(DataPathSize{path}.displayPath(home)); };
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(jobs.size());
     for (const auto& job : jobs)
         rows.push_back({Columns::cut(Columns::oneLine(job.label), widestLabel), SizeCalculator::format(job.bytesTotal),
                         text(job.source), text(job.destination)});
     return Columns::table({{"What"}, {"Size", Columns::Align::right}, {"From"}, {"To"}}, rows);
 }
 
-std::string sumOf(const AppMove::Plan& plan, const DriveInfo& drive) {
+std::string sumOf(const AppMove::Plan& plan) {
+    const auto& drive = plan.drive;
     const auto total = plan.totalBytes();
     auto text = fmt::format("{}, {} in all. {} has {} free now", Text::counted(std::ssize(plan.jobs), "item"),
                             SizeCalculator::format(total), drive.name, SizeCalculator::format(drive.freeBytes));
@@ -75,16 +77,17 @@ std::string sumOf(const AppMove::Plan& plan, const DriveInfo& drive) {
     return text + ".";
 }
 
-std::string humanOf(const AppMove::Plan& plan, const DriveInfo& drive, const fs::path& home) {
+std::string humanOf(const AppMove::Plan& plan, const std::vector<std::string>& remarks, const fs::path& home) {
     std::string text;
-    if (!plan.jobs.empty()) text = tableOf(plan.jobs, home) + "\n" + Columns::oneLine(sumOf(plan, drive)) + "\n";
-    for (const auto& remark : remarksOf(plan)) text += Columns::oneLine(remark) + "\n";
+    if (!plan.jobs.empty()) text = tableOf(plan.jobs, home) + "\n" + Columns::oneLine(sumOf(plan)) + "\n";
+    for (const auto& remark : remarks) text += Columns::oneLine(remark) + "\n";
     if (!plan.jobs.empty()) text += "Nothing was changed.\n";
     return text;
 }
 
 std::vector<Record> jobRecordsOf(const std::vector<MoveJob>& jobs) {
     std::vector<Record> records;
+    records.reserve(jobs.size());
     for (const auto& job : jobs)
         records.push_back({{"label", job.label},
                            {"source", job.source.native()},
@@ -93,29 +96,31 @@ std::vector<Record> jobRecordsOf(const std::vector<MoveJob>& jobs) {
     return records;
 }
 
-std::string tomlOf(const AppMove::Plan& plan, const DriveInfo& drive) {
+std::string tomlOf(const AppMove::Plan& plan, const std::vector<std::string>& remarks) {
+    const auto& drive = plan.drive;
     const auto total = plan.totalBytes();
     const Record facts = {{"drive", drive.mountPath.native()},
                           {"totalBytes", total},
                           {"freeBytes", drive.freeBytes},
                           {"freeBytesAfter", drive.freeBytes - total},
                           {"fits", !MoveRefusal::ofSpace(total, drive)},
-                          {"remarks", remarksOf(plan)}};
+                          {"remarks", remarks}};
     return toml(facts) + "\n" + toml("jobs", jobRecordsOf(plan.jobs));
 }
 
-void print(const AppMove::Plan& plan, const DriveInfo& drive, const fs::path& home, Format format) {
-    if (format == Format::human) return Terminal::writeResult(humanOf(plan, drive, home));
-    if (format == Format::toml) return Terminal::writeResult(tomlOf(plan, drive));
+void print(const Host& host, const AppMove::Plan& plan, Format format) {
+    const auto remarks = remarksOf(host, plan);
+    if (format == Format::human) return Terminal::writeResult(humanOf(plan, remarks, host.home));
+    if (format == Format::toml) return Terminal::writeResult(tomlOf(plan, remarks));
     // A table of jobs has no place for them.
-    for (const auto& remark : remarksOf(plan)) Terminal::say(Columns::oneLine(remark));
+    for (const auto& remark : remarks) Terminal::say(Columns::oneLine(remark));
     Terminal::writeResult(tsv({"label", "source", "destination", "bytes"}, jobRecordsOf(plan.jobs)));
 }
 
 /// Whether running applications shall be quit: asked where there is somebody to ask. Without an answer those stay.
-bool quitsRunning(const Host& host, const AppMove::Proposal& proposal, const Options& options) {
+bool quitsRunning(const Host& host, const AppMove::Plan& plan, const Options& options) {
     if (options.quitsRunning || options.yes) return options.quitsRunning;
-    const auto running = AppMove::runningApps(host, proposal.movable);
+    const auto running = AppMove::runningApps(host, plan);
     if (running.empty()) return false;
     Terminal::confirm(MoveDialogs::handleRunningApps(running), false);
     return true;
@@ -123,20 +128,20 @@ bool quitsRunning(const Host& host, const AppMove::Proposal& proposal, const Opt
 
 /// What is to be run.
 struct Agreed {
-    AppMove::Proposal proposal;
+    AppMove::Plan plan;
     bool quitRunning = false;
 };
 
 /// @throws Failure when it is refused, or an answer is no.
 Agreed agreed(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
-    auto proposal = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
+    auto plan = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
     if (options.yes)
-        for (const auto& sentence : proposal.staying) Terminal::say(Columns::oneLine(sentence));
-    Terminal::confirm(AppMove::confirmMove(proposal), options.yes);
+        for (const auto& sentence : plan.staying) Terminal::say(Columns::oneLine(sentence));
+    Terminal::confirm(AppMove::confirmMove(plan), options.yes);
     if (const auto told = AppMove::takeSnapshot(host)) Terminal::say(*told);
-    const bool quitRunning = quitsRunning(host, proposal, options);
-    return {std::move(proposal), quitRunning};
+    const bool quitRunning = quitsRunning(host, plan, options);
+    return {std::move(plan), quitRunning};
 }
 
 }  // namespace
@@ -153,9 +158,10 @@ void move(const Host& host, const Options& options) {
         for (const auto& name : options.names) refused.push_back({.label = name, .failure = failure.description()});
         return finish(refused, options.format, failure.description());
     }
-    const auto& [proposal, quitRunning] = run;
-    const auto ended = runWatched(host, proposal.jobs, proposal.drive.mountPath, quitRunning, options.format);
+    const auto& [plan, quitRunning] = run;
+    const auto ended = runWatched(host, plan.jobs, plan.drive.mountPath, quitRunning, options.format);
     std::vector<Outcome> outcomes;
+    outcomes.reserve(ended.size());
     for (const auto& job : ended) outcomes.push_back(outcomeOf(job));
     finish(outcomes, options.format, MoveRun::summary(ended).text);
 }
@@ -163,8 +169,9 @@ void move(const Host& host, const Options& options) {
 void plan(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = AppMove::plan(host, chosenApps(host, options), drive, options.includesData);
-    print(plan, drive, host.home, options.format);
-    if (const auto refusal = AppMove::refusalOf(plan, drive)) throw Failure("CommandLine", 1, *refusal);
+    print(host, plan, options.format);
+    for (const auto& reason : {AppMove::refusalOf(plan), AppMove::reasonToMoveNothing(plan)})
+        if (reason) throw Failure("CommandLine", 1, *reason);
 }
 
 }  // namespace tarvik::CommandLine::AppMoveActs

@@ -1,11 +1,11 @@
 #include "CommandLine/AppTexts.h"
 
+#include "AppData/CategorizedPaths.h"
+#include "Applications/AppRecordKind.h"
+#include "Applications/RiskLevel.h"
 #include "CommandLine/Columns.h"
-#include "Discovery/AppRecordKind.h"
-#include "Discovery/CategorizedPaths.h"
-#include "Discovery/RiskLevel.h"
-#include "Platform/Files.h"
-#include "Platform/Text.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -2,7 +2,7 @@
 
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Records.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
 
 #include <optional>
 #include <string>

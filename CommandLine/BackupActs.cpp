@@ -1,16 +1,16 @@
 #include "CommandLine/BackupActs.h"
 
+#include "Backups/BackupPlan.h"
 #include "CommandLine/Columns.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/Records.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
-#include "Move/BackupPlan.h"
-#include "Platform/AppStorageNames.h"
-#include "Platform/Failure.h"
-#include "Platform/Files.h"
-#include "Platform/Text.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -33,6 +33,7 @@ Record recordOf(const BackupRecord& backup) {
 std::string tableOf(const std::vector<BackupRecord>& backups) {
     using Columns::Align;
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(backups.size());
     for (const auto& backup : backups)
         rows.push_back({Columns::oneLine(backup.id), Text::date(backup.createdAt),
                         fmt::to_string(backup.backupFileCount), Columns::oneLine(backup.rootPath.native())});
@@ -136,6 +137,7 @@ void list(const Host& host, const Options& options) {
         return Terminal::writeResult(tableOf(backups));
     }
     std::vector<Record> records;
+    records.reserve(backups.size());
     for (const auto& backup : backups) records.push_back(recordOf(backup));
     if (options.format == Format::toml) return Terminal::writeResult(toml("backups", records));
     Terminal::writeResult(tsv(namesOf(recordOf({})), records));

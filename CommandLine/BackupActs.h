@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Options.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 /// What the command does with backups on a drive. Both block.
 namespace tarvik::CommandLine::BackupActs {

@@ -1,6 +1,6 @@
 #include "CommandLine/Columns.h"
 
-#include "Platform/Text.h"
+#include "Platform/Text/Text.h"
 
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>

@@ -3,9 +3,9 @@
 #include "CommandLine/Columns.h"
 #include "CommandLine/Records.h"
 #include "CommandLine/Terminal.h"
-#include "Move/DriveChoice.h"
-#include "Platform/DriveScanner.h"
-#include "Platform/Text.h"
+#include "MovePlan/DriveChoice.h"
+#include "Platform/Storage/DriveScanner.h"
+#include "Platform/Text/Text.h"
 
 #include <vector>
 
@@ -35,6 +35,7 @@ std::string tableOf(const std::vector<DriveInfo>& drives) {
         return drive.totalBytes == 0 ? std::string("unknown") : Text::byteCount(bytes);
     };
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(drives.size());
     for (const auto& drive : drives)
         rows.push_back({Columns::cut(Columns::oneLine(drive.name), widestName), size(drive.totalBytes, drive),
                         size(drive.freeBytes, drive), Columns::oneLine(drive.filesystem.value_or("")), kindOf(drive),
@@ -54,6 +55,7 @@ void list(const Host& host, Format format) {
         return Terminal::writeResult(tableOf(drives));
     }
     std::vector<Record> records;
+    records.reserve(drives.size());
     for (const auto& drive : drives) records.push_back(recordOf(drive));
     if (format == Format::toml) return Terminal::writeResult(toml("drives", records));
     Terminal::writeResult(tsv(namesOf(recordOf({})), records));
@@ -68,7 +70,7 @@ DriveInfo named(const Host& host, const std::string& wanted, Options::Verb verb)
 }
 
 DriveInfo chosen(const Host& host, const std::string& wanted, Options::Verb verb) {
-    const auto drive = named(host, wanted, verb);
+    auto drive = named(host, wanted, verb);
     DriveChoice::requireTarget(drive);
     return drive;
 }

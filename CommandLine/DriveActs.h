@@ -1,8 +1,8 @@
 #pragma once
 
 #include "CommandLine/Options.h"
-#include "Platform/DriveInfo.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
+#include "Platform/Storage/DriveInfo.h"
 
 #include <string>
 

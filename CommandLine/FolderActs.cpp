@@ -4,9 +4,9 @@
 #include "CommandLine/Outcome.h"
 #include "CommandLine/Terminal.h"
 #include "CommandLine/WatchedRun.h"
-#include "Move/FolderMove.h"
-#include "Platform/Failure.h"
-#include "Platform/Files.h"
+#include "MovePlan/FolderMove.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 
 namespace tarvik::CommandLine::FolderActs {
 

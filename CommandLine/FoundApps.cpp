@@ -1,12 +1,12 @@
 #include "CommandLine/FoundApps.h"
 
+#include "Applications/AppChoice.h"
 #include "CommandLine/Parallel.h"
 #include "CommandLine/ProgressDisplay.h"
-#include "Discovery/AppChoice.h"
 #include "Discovery/AppScanner.h"
 #include "Discovery/InstalledAppsScanner.h"
-#include "Platform/Failure.h"
-#include "Platform/Files.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Applications/AppEntry.h"
+#include "Applications/AppRecord.h"
 #include "CommandLine/Options.h"
-#include "Discovery/AppEntry.h"
-#include "Discovery/AppRecord.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 #include <cstddef>
 #include <functional>

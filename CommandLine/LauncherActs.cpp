@@ -1,14 +1,14 @@
 #include "CommandLine/LauncherActs.h"
 
+#include "Applications/DataPathSize.h"
 #include "CommandLine/Columns.h"
 #include "CommandLine/Outcome.h"
 #include "CommandLine/Records.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
-#include "Discovery/DataPathSize.h"
-#include "Move/LauncherInventory.h"
-#include "Platform/Failure.h"
-#include "Platform/Text.h"
+#include "Launchers/LauncherInventory.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
@@ -50,6 +50,7 @@ Record recordOf(const LauncherEntry& entry) {
 std::string tableOf(const std::vector<LauncherEntry>& entries, const fs::path& home) {
     const auto text = [&](const fs::path& path) { return Columns::oneLine(DataPathSize{path}.displayPath(home)); };
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(entries.size());
     for (const auto& entry : entries) rows.push_back({stateOf(entry), text(entry.launcher), text(entry.target)});
     return Columns::table({{"State"}, {"Launcher"}, {"Opens"}}, rows);
 }
@@ -79,6 +80,7 @@ RepairOutcome repaired(const Host& host, const LauncherEntry& entry) {
 std::vector<RepairOutcome> repairAll(const Host& host, const std::vector<LauncherEntry>& entries) {
     const SignalGuard guard;
     std::vector<RepairOutcome> outcomes;
+    outcomes.reserve(entries.size());
     for (const auto& entry : entries)
         outcomes.push_back(SignalGuard::isAskedToEnd() ? RepairOutcome{entry, "failed", notStarted}
                                                        : repaired(host, entry));
@@ -93,6 +95,7 @@ std::int64_t countOf(const std::vector<RepairOutcome>& outcomes, std::string_vie
 void print(const std::vector<RepairOutcome>& outcomes, Format format) {
     if (format != Format::human) {
         std::vector<Record> records;
+        records.reserve(outcomes.size());
         for (const auto& [entry, state, description] : outcomes)
             records.push_back({{"launcher", entry.launcher.native()},
                                {"target", entry.target.native()},
@@ -117,6 +120,7 @@ void list(const Host& host, Format format) {
         return Terminal::writeResult(tableOf(entries, host.home));
     }
     std::vector<Record> records;
+    records.reserve(entries.size());
     for (const auto& entry : entries) records.push_back(recordOf(entry));
     printRecords(namesOf(recordOf({})), records, format);
 }

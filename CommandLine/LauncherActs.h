@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Options.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 /// What the command does with the launchers of applications on drives. Both block.
 namespace tarvik::CommandLine::LauncherActs {

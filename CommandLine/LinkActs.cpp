@@ -1,11 +1,11 @@
 #include "CommandLine/LinkActs.h"
 
+#include "Applications/DataPathSize.h"
 #include "CommandLine/Columns.h"
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Terminal.h"
-#include "Discovery/DataPathSize.h"
 #include "Discovery/SymlinkScanner.h"
-#include "Platform/SizeCalculator.h"
+#include "Platform/Storage/SizeCalculator.h"
 
 #include <cstddef>
 #include <string>
@@ -30,6 +30,7 @@ std::string tableOf(const std::vector<SymlinkEntry>& links, const fs::path& home
     using Columns::Align;
     const auto text = [&](const fs::path& path) { return Columns::oneLine(DataPathSize{path}.displayPath(home)); };
     std::vector<std::vector<std::string>> rows;
+    rows.reserve(links.size());
     for (const auto& link : links)
         rows.push_back({stateOf(link), link.isValid ? SizeCalculator::format(link.targetSize) : std::string(),
                         text(link.location), text(link.target)});
@@ -49,6 +50,7 @@ void list(const Host& host, Format format) {
         return Terminal::writeResult(tableOf(links, host.home));
     }
     std::vector<Record> records;
+    records.reserve(links.size());
     for (const auto& link : links) records.push_back(recordOf(link));
     if (format == Format::toml) return Terminal::writeResult(toml("links", records));
     Terminal::writeResult(tsv(namesOf(recordOf({})), records));

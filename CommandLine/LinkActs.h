@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Records.h"
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 /// What the command tells of the links that stand where things are moved from.
 namespace tarvik::CommandLine::LinkActs {

@@ -3,8 +3,8 @@
 #include "CommandLine/Options.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
-#include "Platform/Host.h"
-#include "Platform/StandardStreams.h"
+#include "Platform/Machine/Host.h"
+#include "Platform/Processes/StandardStreams.h"
 
 #include <fmt/format.h>
 

@@ -219,8 +219,8 @@ private:
     [[noreturn]] void refuseMisusedOption(const Arguments& arguments) const {
         const auto end = std::find(arguments.begin(), arguments.end(), "--");
         for (const auto& [name, value] : valued) {
-            const auto isIt = [name = name](const std::string& word) {
-                return word == name || word.starts_with(std::string(name) + "=");
+            const auto isIt = [option = std::string(name)](const std::string& word) {
+                return word == option || word.starts_with(option + "=");
             };
             if (std::count_if(arguments.begin(), end, isIt) > 1)
                 throw wrong(fmt::format("{} can be given only once.", name));

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "CommandLine/Records.h"
-#include "Platform/Failure.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Basics/Path.h"
 
 #include <optional>
 #include <string>

@@ -2,8 +2,8 @@
 
 #include "CommandLine/Columns.h"
 #include "CommandLine/Terminal.h"
-#include "Move/FolderMove.h"
-#include "Platform/Failure.h"
+#include "MovePlan/FolderMove.h"
+#include "Platform/Basics/Failure.h"
 
 #include <fmt/format.h>
 
@@ -49,6 +49,7 @@ void finish(const Outcome& outcome, Format format) {
 
 void finish(const std::vector<Outcome>& outcomes, Format format, const std::string& summary) {
     std::vector<Record> records;
+    records.reserve(outcomes.size());
     for (const auto& outcome : outcomes) records.push_back(recordOf(outcome));
     if (format == Format::tsv) Terminal::writeResult(tsv(namesOf(recordOf({})), records));
     if (format == Format::toml) Terminal::writeResult(toml("items", records));

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "CommandLine/Records.h"
-#include "Move/MoveJob.h"
-#include "Platform/Path.h"
+#include "MovePlan/MoveJob.h"
+#include "Platform/Basics/Path.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "CommandLine/Columns.h"
 #include "CommandLine/Terminal.h"
-#include "Platform/Text.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
@@ -69,7 +69,7 @@ ProgressDisplay::Output ProgressDisplay::outputForQuestion(Format format) {
     return Terminal::showsMessages() ? outputFor(format) : silent();
 }
 
-ProgressDisplay::ProgressDisplay(Output output, std::string label, ProgressUnit unit)
+ProgressDisplay::ProgressDisplay(Output output, const std::string& label, ProgressUnit unit)
     : m_output(std::move(output)), m_label(Columns::oneLine(label)), m_unit(unit) {}
 
 ProgressDisplay::~ProgressDisplay() {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/Records.h"
-#include "Move/ByteProgress.h"
+#include "Copying/ByteProgress.h"
 
 #include <chrono>
 #include <cstddef>
@@ -40,7 +40,7 @@ public:
     static Output outputForQuestion(Format format);
 
     /// `unit` is what the figures of a progress count.
-    ProgressDisplay(Output output, std::string label, ProgressUnit unit = ProgressUnit::bytes);
+    ProgressDisplay(Output output, const std::string& label, ProgressUnit unit = ProgressUnit::bytes);
     /// Takes the line off the screen.
     ~ProgressDisplay();
     ProgressDisplay(const ProgressDisplay&) = delete;

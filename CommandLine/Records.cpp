@@ -1,6 +1,6 @@
 #include "CommandLine/Records.h"
 
-#include "Platform/Text.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -88,6 +88,7 @@ std::string tsv(const std::vector<std::string>& names, const std::vector<Record>
     std::string text = fmt::format("{}\n", fmt::join(names, "\t"));
     for (const auto& record : records) {
         std::vector<std::string> cells;
+        cells.reserve(record.size());
         for (const auto& [name, value] : record) cells.push_back(std::visit(TsvText{}, value));
         text += fmt::format("{}\n", fmt::join(cells, "\t"));
     }
@@ -101,6 +102,7 @@ std::string tsv(const Record& record) {
 std::string toml(std::string_view name, const std::vector<Record>& records) {
     if (records.empty()) return fmt::format("{} = []\n", name);
     std::vector<std::string> tables;
+    tables.reserve(records.size());
     for (const auto& record : records) tables.push_back(fmt::format("[[{}]]\n{}", name, tomlLines(record)));
     return fmt::format("{}", fmt::join(tables, "\n"));
 }

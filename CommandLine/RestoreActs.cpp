@@ -6,18 +6,16 @@
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
-#include "Move/AppRestore.h"
-#include "Move/FolderMove.h"
-#include "Move/MoveDialogs.h"
-#include "Move/MoverEngine.h"
-#include "Platform/Files.h"
-#include "Platform/SizeCalculator.h"
+#include "MovePlan/AppRestore.h"
+#include "MovePlan/WayBack.h"
+#include "Platform/Basics/Failure.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <exception>
+#include <cstddef>
 #include <iterator>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -25,161 +23,121 @@ namespace tarvik::CommandLine::RestoreActs {
 
 namespace {
 
-using FolderMove::WayBack;
-
-bool isPath(const std::string& name) {
-    return name.find('/') != std::string::npos || Files::itemExists(name);
-}
+using WaysBack = std::vector<WayBack::Plan>;
 
 /// The applications are looked for once, and only when one is named.
-class Finder {
-public:
-    Finder(const Host& host, const Options& options) : m_host(host), m_options(options) {}
-
-    WayBack find(const std::string& name) {
-        if (isPath(name)) return FolderMove::planRestore(m_host, name);
-        if (!m_entries) m_entries = findApps(m_host);
-        const AppEntry& entry = chosenApp(*m_entries, name, m_options.verb);
-        const auto link = AppRestore::unmeasuredRestoreEntry(m_host, entry);
-        if (!link) throw Failure("CommandLine", 1, fmt::format("No symlink found for {}.", entry.name));
-        return FolderMove::planRestore(m_host, link->location);
+std::vector<AppRestore::Wanted> wantedOf(const Host& host, const Options& options) {
+    std::optional<std::vector<AppEntry>> entries;
+    std::vector<AppRestore::Wanted> wanted;
+    for (const auto& name : options.names) {
+        if (AppRestore::isPath(name)) {
+            wanted.emplace_back(fs::path(name));
+            continue;
+        }
+        if (!entries) entries = findApps(host);
+        wanted.emplace_back(chosenApp(*entries, name, options.verb));
     }
+    return wanted;
+}
 
-private:
-    const Host& m_host;
-    const Options& m_options;
-    std::optional<std::vector<AppEntry>> m_entries;
-};
-
-/// One of the things that were named: its way back, or why there is none.
-struct Item {
-    Outcome outcome;
-    std::optional<WayBack> wayBack;
-};
-
-Dialog questionAbout(const std::vector<WayBack>& waysBack) {
-    if (waysBack.size() == 1) return FolderMove::confirmRestore(waysBack.front());
-    std::vector<std::string> names;
-    for (const auto& wayBack : waysBack) names.push_back(wayBack.link.filename());
-    auto question = MoveDialogs::confirmRestore(std::ssize(names), names);
-    for (const auto& wayBack : waysBack) {
-        question.details.push_back(fmt::format("{} to {}", wayBack.target.native(), wayBack.link.native()));
-        if (!wayBack.isOwn) question.details.push_back(FolderMove::foreign(wayBack.link));
-        if (auto sentence = FolderMove::dataStays(wayBack); !sentence.empty())
-            question.details.push_back(std::move(sentence));
+Dialog questionAbout(const AppRestore::Plan& plan) {
+    if (plan.waysBack.size() > 1) {
+        auto question = AppRestore::confirm(plan);
+        std::vector<std::string> ways;
+        for (const auto& wayBack : plan.waysBack)
+            ways.push_back(fmt::format("{} to {}", wayBack.target.native(), wayBack.link.native()));
+        question.details.insert(question.details.begin(), ways.begin(), ways.end());
+        return question;
     }
+    auto question = WayBack::confirm(plan.waysBack.front());
+    for (const auto& refused : plan.refused) question.details.push_back(refused.reason);
     return question;
 }
 
-/// Asks one question about all that can come back, and tells what cannot. @throws Failure when the answer is no.
-void confirm(const std::vector<Item>& items, bool yes) {
-    std::vector<WayBack> waysBack;
-    std::vector<std::string> refusals;
-    for (const auto& item : items) {
-        if (item.wayBack) waysBack.push_back(*item.wayBack);
-        if (!item.wayBack) refusals.push_back(item.outcome.failure);
-    }
-    if (waysBack.empty()) return;
-    const auto foreign =
-        std::find_if(waysBack.begin(), waysBack.end(), [](const WayBack& wayBack) { return !wayBack.isOwn; });
-    if (yes && foreign != waysBack.end())
+/// @throws Failure when the answer is no.
+void confirm(const AppRestore::Plan& plan, bool yes) {
+    if (plan.waysBack.empty()) return;
+    const auto foreign = std::find_if(plan.waysBack.begin(), plan.waysBack.end(),
+                                      [](const WayBack::Plan& wayBack) { return !wayBack.isOwn; });
+    if (yes && foreign != plan.waysBack.end())
         throw Failure("CommandLine", 1,
-                      FolderMove::foreign(foreign->link) +
+                      WayBack::foreign(foreign->link) +
                           " Leave out --yes and answer the question to bring back what it leads to.");
-    auto question = questionAbout(waysBack);
-    question.details.insert(question.details.end(), refusals.begin(), refusals.end());
-    Terminal::confirm(question, yes);
+    Terminal::confirm(questionAbout(plan), yes);
 }
 
-Outcome outcomeOf(const WayBack& wayBack) {
-    return {wayBack.link.filename(), wayBack.target, wayBack.link, 0, {}, FolderMove::movedBack(wayBack)};
-}
+/// Shows how far the item is that is under way.
+class Watch {
+public:
+    Watch(const WaysBack& waysBack, Format format) : m_waysBack(waysBack), m_format(format) {}
 
-Item itemOf(Finder& finder, const std::string& name) {
-    try {
-        const auto wayBack = finder.find(name);
-        return {outcomeOf(wayBack), wayBack};
-    } catch (const WrongUse&) {
-        throw;
-    } catch (const Failure& failure) {
-        const auto place = Files::standardized(name);
-        return {{.label = place.filename(), .destination = place, .failure = failure.description()}, std::nullopt};
+    void begin(std::size_t index) {
+        const std::lock_guard lock(m_mutex);
+        m_display.emplace(ProgressDisplay::outputFor(m_format), m_waysBack[index].link.filename().native());
+        // The first report comes late: until then the bar stands at its beginning.
+        m_display->progress({0, m_waysBack[index].bytes});
+        m_display->step("moving back");
     }
-}
-
-/// Whether the one comes back, or is gone, when the other has come back.
-bool goesWith(const Item& one, const Item& other) {
-    if (!one.wayBack || !other.wayBack) return false;
-    return one.wayBack == other.wayBack ||
-           AppRestore::goesWith(one.wayBack->link, one.wayBack->target, other.wayBack->target);
-}
-
-/// Each once, however often it was named.
-std::vector<Item> namedItems(const Host& host, const Options& options) {
-    std::vector<Item> items;
-    Finder finder(host, options);
-    for (const auto& name : options.names) {
-        auto item = itemOf(finder, name);
-        const auto bringsIt = [&](const Item& other) { return goesWith(item, other); };
-        if (std::any_of(items.begin(), items.end(), bringsIt)) continue;
-        std::erase_if(items, [&](const Item& other) { return goesWith(other, item); });
-        items.push_back(std::move(item));
+    void report(const ByteProgress& progress) {
+        const std::lock_guard lock(m_mutex);
+        if (m_display) m_display->progress(progress);
     }
-    return items;
+
+private:
+    std::mutex m_mutex;
+    const WaysBack& m_waysBack;
+    const Format m_format;
+    std::optional<ProgressDisplay> m_display;
+};
+
+/// The result of every way back: one that was not begun has failed.
+std::vector<AppRestore::Result> run(const Host& host, const WaysBack& waysBack, Format format) {
+    Watch watch(waysBack, format);
+    const SignalGuard guard;
+    auto results = AppRestore::restoreAll(
+        host, waysBack, [&](std::size_t index) { watch.begin(index); },
+        [&](std::size_t, const ByteProgress& progress) { watch.report(progress); }, SignalGuard::request());
+    results.resize(waysBack.size(), notStarted);
+    return results;
 }
 
-void bringBack(const Host& host, const WayBack& wayBack, Outcome& outcome, Format format) {
-    const std::int64_t size = outcome.bytes = SizeCalculator::size(host, wayBack.target);
-    ProgressDisplay display(ProgressDisplay::outputFor(format), outcome.label);
-    // The first report comes late: until then the bar stands at its beginning.
-    display.progress({0, size});
-    display.step("moving back");
-    MoverEngine::restore(host, wayBack.link, [&](std::int64_t copied, std::int64_t total) {
-        display.progress({copied, total});
-    });
+Outcome outcomeOf(const WayBack::Plan& wayBack, const AppRestore::Result& result) {
+    return {wayBack.link.filename(),    wayBack.target, wayBack.link, wayBack.bytes, result.value_or(std::string()),
+            WayBack::movedBack(wayBack)};
 }
 
-void finishAll(const std::vector<Outcome>& outcomes, Format format) {
+void finishAll(const AppRestore::Plan& plan, const std::vector<AppRestore::Result>& results, Format format) {
+    std::vector<Outcome> outcomes;
+    for (const auto& refused : plan.refused)
+        outcomes.push_back({.label = refused.name, .destination = refused.place, .failure = refused.reason});
+    for (std::size_t index = 0; index < results.size(); ++index)
+        outcomes.push_back(outcomeOf(plan.waysBack[index], results[index]));
+    const auto placeIn = [&](const Outcome& outcome) {
+        return std::find(plan.order.begin(), plan.order.end(), outcome.destination);
+    };
+    std::stable_sort(outcomes.begin(), outcomes.end(),
+                     [&](const Outcome& one, const Outcome& other) { return placeIn(one) < placeIn(other); });
     if (outcomes.size() == 1) return finish(outcomes.front(), format);
-    AppRestore::Outcome all{.total = std::ssize(outcomes)};
-    for (const auto& outcome : outcomes)
-        if (!outcome.failure.empty()) all.failures.push_back(outcome.failure);
-    finish(outcomes, format, AppRestore::summary(all).text);
+    finish(outcomes, format, AppRestore::summary(plan, results).text);
 }
 
 }  // namespace
 
 void restore(const Host& host, const Options& options) {
-    auto items = namedItems(host, options);
-    std::vector<Outcome> outcomes;
+    const auto plan = AppRestore::plan(host, wantedOf(host, options));
     try {
-        confirm(items, options.yes);
+        confirm(plan, options.yes);
     } catch (const Failure& failure) {
         if (options.format == Format::human) throw;
-        for (auto& item : items) {
-            if (item.wayBack) item.outcome.failure = failure.description();
-            outcomes.push_back(std::move(item.outcome));
-        }
-        return finishAll(outcomes, options.format);
+        return finishAll(plan, {plan.waysBack.size(), failure.description()}, options.format);
     }
-    const SignalGuard guard;
-    for (auto& item : items) {
-        auto& outcome = outcomes.emplace_back(std::move(item.outcome));
-        if (!item.wayBack) continue;
-        if (SignalGuard::isAskedToEnd()) {
-            outcome.failure = notStarted;
-            continue;
-        }
-        try {
-            bringBack(host, *item.wayBack, outcome, options.format);
-            // Without a question nobody has been told.
-            const auto remark = FolderMove::dataStays(*item.wayBack);
-            if (options.yes && !remark.empty()) Terminal::say(Columns::oneLine(remark));
-        } catch (const std::exception& failure) {
-            outcome.failure = failure.what();
-        }
+    const auto results = run(host, plan.waysBack, options.format);
+    // Without a question nobody has been told.
+    for (std::size_t index = 0; options.yes && index < results.size(); ++index) {
+        const auto remark = WayBack::dataStays(plan.waysBack[index]);
+        if (!results[index] && !remark.empty()) Terminal::say(Columns::oneLine(remark));
     }
-    finishAll(outcomes, options.format);
+    finishAll(plan, results, options.format);
 }
 
 }  // namespace tarvik::CommandLine::RestoreActs

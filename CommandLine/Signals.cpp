@@ -43,6 +43,10 @@ bool SignalGuard::isAskedToEnd() {
     return hasCome;
 }
 
+Cancellation SignalGuard::request() {
+    return Cancellation::sharing(hasCome);
+}
+
 void surviveClosedPipes() {
     ::signal(SIGPIPE, SIG_IGN);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Basics/Cancellation.h"
+
 #include <array>
 #include <signal.h>
 
@@ -23,6 +25,8 @@ public:
 
     /// Whether one of them has come since the guard was made: what has not been started shall not be any more.
     static bool isAskedToEnd();
+    /// The same wish, for work that looks at one.
+    static Cancellation request();
 
 private:
     static constexpr std::array<int, 3> guarded = {SIGINT, SIGTERM, SIGHUP};

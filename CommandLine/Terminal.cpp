@@ -1,10 +1,10 @@
 #include "CommandLine/Terminal.h"
 
 #include "CommandLine/Columns.h"
-#include "Move/FolderMove.h"
-#include "Platform/Failure.h"
-#include "Platform/FileError.h"
-#include "Platform/Text.h"
+#include "MovePlan/FolderMove.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Move/Dialog.h"
+#include "Platform/Basics/Dialog.h"
 
 #include <cstddef>
 #include <string_view>

@@ -3,7 +3,7 @@
 #include "CommandLine/Outcome.h"
 #include "CommandLine/ProgressDisplay.h"
 #include "CommandLine/Signals.h"
-#include "Move/MoveRun.h"
+#include "MovePlan/MoveRun.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +36,12 @@ public:
         if (MoveRun::applyProgress(m_jobs[index], progress) && m_display) m_display->progress(progress);
     }
 
-    std::vector<MoveJob> ended() && { return std::move(m_jobs); }
+    /// A job that was not begun has failed.
+    std::vector<MoveJob> ended() && {
+        for (MoveJob& job : m_jobs)
+            if (!job.status.isFinal()) job.status = JobStatus::failed(notStarted);
+        return std::move(m_jobs);
+    }
 
 private:
     std::string labelOf(std::size_t index) const {
@@ -53,20 +58,14 @@ private:
 
 }  // namespace
 
-std::vector<MoveJob> runWatched(const Host& host, std::vector<MoveJob> jobs, const fs::path& drivePath,
+std::vector<MoveJob> runWatched(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& drivePath,
                                 bool quitRunning, Format format) {
     Watch watch(jobs, format);
     const SignalGuard guard;
-    for (std::size_t index = 0; index < jobs.size(); ++index) {
-        if (SignalGuard::isAskedToEnd()) {
-            watch.take(index, JobStatus::failed(notStarted));
-            continue;
-        }
-        MoveRun::run(
-            host, {jobs[index]}, drivePath, quitRunning,
-            [&](std::size_t, const JobStatus& status) { watch.take(index, status); },
-            [&](std::size_t, const ByteProgress& progress) { watch.take(index, progress); });
-    }
+    MoveRun::run(
+        host, jobs, drivePath, quitRunning,
+        [&](std::size_t index, const JobStatus& status) { watch.take(index, status); },
+        [&](std::size_t index, const ByteProgress& progress) { watch.take(index, progress); }, SignalGuard::request());
     return std::move(watch).ended();
 }
 

@@ -1,6 +1,6 @@
 #include "ditto/Attributes.h"
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 
 #include <fmt/format.h>
 
@@ -21,8 +21,8 @@ constexpr const char* accessList = "system.posix_acl_access";
 constexpr const char* defaultAccessList = "system.posix_acl_default";
 
 // The system's own limits: no list of names and no value is larger.
-constexpr std::size_t listLimit = 64 * 1024;
-constexpr std::size_t valueLimit = 64 * 1024;
+constexpr std::size_t listLimit = std::size_t{64} * 1024;
+constexpr std::size_t valueLimit = std::size_t{64} * 1024;
 
 bool isUnsupported(int error) {
     return error == ENOTSUP || error == ENOSYS;

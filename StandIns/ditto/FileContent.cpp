@@ -1,6 +1,6 @@
 #include "ditto/FileContent.h"
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,9 +13,9 @@ namespace tarvik::ditto {
 
 namespace {
 
-constexpr off_t bufferSize = 256 * 1024;
+constexpr off_t bufferSize = off_t{256} * 1024;
 /// What the kernel copies in one call; between calls the copy can be stopped.
-constexpr off_t kernelStep = 64 * 1024 * 1024;
+constexpr off_t kernelStep = off_t{64} * 1024 * 1024;
 
 bool isSparse(const struct stat& status) {
     return status.st_blocks * 512 < status.st_size;

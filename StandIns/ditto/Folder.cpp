@@ -1,6 +1,6 @@
 #include "ditto/Folder.h"
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 #include "ditto/Attributes.h"
 
 #include <fmt/format.h>

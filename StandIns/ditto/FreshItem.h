@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 #include "ditto/Folder.h"
 
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "ditto/HardLinks.h"
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 #include "ditto/FreshItem.h"
 
 #include <cerrno>

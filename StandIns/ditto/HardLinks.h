@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files/FileDescriptor.h"
 #include "ditto/Folder.h"
 
 #include <functional>

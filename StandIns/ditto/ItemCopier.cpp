@@ -1,6 +1,6 @@
 #include "ditto/ItemCopier.h"
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 #include "ditto/Attributes.h"
 #include "ditto/FreshItem.h"
 

@@ -1,7 +1,7 @@
 #include "ditto/SelfCopy.h"
 
-#include "Platform/Failure.h"
-#include "Platform/FileDescriptor.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/FileDescriptor.h"
 
 #include <fmt/format.h>
 

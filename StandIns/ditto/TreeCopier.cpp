@@ -1,6 +1,6 @@
 #include "ditto/TreeCopier.h"
 
-#include "Platform/FileError.h"
+#include "Platform/Files/FileError.h"
 #include "ditto/Attributes.h"
 #include "ditto/CopyCrew.h"
 #include "ditto/SelfCopy.h"
@@ -26,7 +26,7 @@ namespace {
 constexpr std::size_t openLevels = 16;
 /// Small enough that two threads share the files of one folder, large enough that handing over costs nothing.
 constexpr std::size_t batchSize = 16;
-constexpr std::size_t listingSize = 64 * 1024;
+constexpr std::size_t listingSize = std::size_t{64} * 1024;
 
 /// Finds what there is to copy, folder by folder, on one thread. Makes the folders itself and leaves the rest to the
 /// crew.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
 
 /// Copies a tree with everything that belongs to it.
 namespace tarvik::ditto::TreeCopier {
