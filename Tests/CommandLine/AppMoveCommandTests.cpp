@@ -82,7 +82,7 @@ TEST(AppMoveCommand, SaysWhyNothingWouldMove) {
     const CommandWorld world;
     const auto finished = planOf(world, {"Faraway", "Launched"});
     EXPECT_EQ(finished.status, 1);
-    EXPECT_EQ(finished.errors, "Nothing would move.\n");
+    EXPECT_EQ(finished.errors, "Selected apps are already moved. Use Move Back.\n");
     const auto drives = world.machine.drives;
     EXPECT_THAT(linesOf(finished.output),
                 ElementsAre("Faraway stays: it has been moved already, to " +
@@ -99,7 +99,7 @@ TEST(AppMoveCommand, SaysWhatIsInTheWay) {
     test::makeFile(world.drive / "ExternalTarvik/Apps/Tunnel.app");
     const auto alone = planOf(world, {"Tunnel"});
     EXPECT_THAT(alone.output, HasSubstr("\nTunnel would not move: "));
-    EXPECT_EQ(alone.errors, "Nothing would move.\n");
+    EXPECT_THAT(alone.errors, ContainsRegex("^Tunnel would not move: .*/Apps/Tunnel.app is taken already.\n$"));
     EXPECT_EQ(alone.status, 1);
     EXPECT_EQ(planOf(world, {"Tunnel", "Menu Meters"}).status, 0);
 }

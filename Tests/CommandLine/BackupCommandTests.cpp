@@ -1,6 +1,7 @@
+#include "Backups/BackupService.h"
 #include "CommandLine/CommandWorld.h"
 #include "CommandLine/Lines.h"
-#include "Move/BackupService.h"
+#include "Platform/Files/Files.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 
@@ -231,19 +232,23 @@ TEST(BackupCommand, SaysThatCopiesLackFiles) {
 }
 
 TEST(BackupCommand, TellsAFailureAndWhereTheCopiesStay) {
-    const CommandWorld world(R"(mkdir "$3"; echo half > "$3/half"; echo 'no room' >&2; exit 1)");
-    const auto human = world.run(backupOf({world.library}));
+    const CommandWorld world(
+        R"(case $2 in */Docs) mkdir "$3"; echo half > "$3/half"; echo 'no room' >&2; exit 1;; esac; cp -aT "$2" "$3")");
+    const auto docs = world.machine.home / "Docs";
+    test::makeFile(docs / "note");
+    const auto human = world.run(backupOf({world.library, docs}));
     EXPECT_EQ(human.status, 1);
     EXPECT_EQ(human.output, "");
     ASSERT_EQ(foldersOn(world.drive).size(), 1U);
     const auto left = foldersOn(world.drive).front();
+    EXPECT_EQ(Files::names(left), std::vector{world.library.filename().native()}) << "half a copy does not";
     EXPECT_EQ(human.errors, "backing up\nWhat was copied so far stays in " + left.native() +
                                 ".\nCopy failed: ditto failed: no room\n");
     const auto list = world.run({"backup", "list", "--drive", "Studio Drive"});
     EXPECT_EQ(list.errors, "No complete backup, in " + backupsOn(world.drive).native() + ": " +
                                left.filename().native() + ".\nThere are no backups on Studio Drive.\n");
 
-    const auto tsv = linesOf(world.run(backupOf({world.library}, {"--yes", "--format", "tsv"})).output);
+    const auto tsv = linesOf(world.run(backupOf({world.library, docs}, {"--yes", "--format", "tsv"})).output);
     ASSERT_EQ(tsv.size(), 2U);
     EXPECT_EQ(tsv[0], "id\tpath\tcreatedAt\tsourceFileCount\tbackupFileCount\tbytes\tstatus\tdescription");
     const auto cells = cellsOf(tsv[1]);

@@ -72,11 +72,12 @@ protected:
     }
 
     /// Sends `signal` to the whole group, as a terminal does.
-    test::Finished interruptedBy(int signal) {
+    test::Finished interruptedBy(int signal, const std::vector<std::string>& alsoWanted = {}) {
         const auto tools = world.command.parent_path() / "stand-ins";
         test::makeFile(tools / "catch");
-        test::RunningProgram program(world.command,
-                                     world.onMachine({"move", "restore", world.library.native(), "--yes"}));
+        std::vector<std::string> arguments = {"move", "restore", world.library.native(), "--yes"};
+        arguments.insert(arguments.end(), alsoWanted.begin(), alsoWanted.end());
+        test::RunningProgram program(world.command, world.onMachine(arguments));
         for (int tenths = 0; tenths < 600 && !fs::exists(tools / "caught"); ++tenths) ::usleep(100000);
         EXPECT_TRUE(fs::exists(tools / "caught"));
         program.signalGroup(signal);
@@ -93,6 +94,16 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(InterruptedRestore, BeginsNothingMore) {
+    ASSERT_EQ(world.run({"move", "app", "Tunnel", "--drive", "Studio Drive", "--yes"}).status, 0);
+    const auto finished = interruptedBy(SIGINT, {"Tunnel"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_THAT(finished.errors, HasSubstr("Tunnel.app: Not started: the command was asked to end.\n"));
+    EXPECT_THAT(finished.errors, HasSubstr("Move back completed with 2 failures.\n"));
+    EXPECT_EQ(fs::read_symlink(world.library), target);
+    EXPECT_TRUE(fs::is_symlink(world.machine.root / "Applications/Tunnel.app"));
+}
 
 TEST_P(CommandOnVolumes, MovesAFolderAndBringsItBack) {
     makeVolume(64'000'000);

@@ -1,6 +1,6 @@
 #include "CommandLine/CommandWorld.h"
 #include "CommandLine/Lines.h"
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/EnvironmentVariable.h"
 #include "Support/Tree.h"

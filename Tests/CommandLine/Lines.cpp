@@ -1,6 +1,6 @@
 #include "CommandLine/Lines.h"
 
-#include "Platform/Text.h"
+#include "Platform/Text/Text.h"
 
 #include <algorithm>
 

@@ -53,6 +53,12 @@ TEST(RestoreCommand, HasARecordForEachThatWasNamed) {
     EXPECT_THAT(columnOf(back.output, "status"), ElementsAre("failed", "done"));
 }
 
+TEST(RestoreCommand, TellsOfEachInTheOrderInWhichTheyWereNamed) {
+    const RestoreWorld world;
+    const auto back = world.run({"move", "restore", world.library, "Full House", "--format", "tsv", "--yes"});
+    EXPECT_THAT(columnOf(back.output, "status"), ElementsAre("done", "failed"));
+}
+
 TEST(RestoreCommand, SaysInItsQuestionWhatCannotComeBack) {
     const RestoreWorld world;
     test::RunningProgram program(world.command,

@@ -1,5 +1,5 @@
 #include "CommandLine/CommandWorld.h"
-#include "Platform/RunningBundle.h"
+#include "Platform/Bundles/RunningBundle.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/FileDescriptor.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Files/FileDescriptor.h"
 
 #include <string>
 #include <sys/types.h>

@@ -1,5 +1,5 @@
 #include "Discovery/AppScanner.h"
-#include "Platform/SizingService.h"
+#include "Platform/Storage/SizingService.h"
 #include "Support/Bundles.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
@@ -106,8 +106,35 @@ TEST_F(AppScannerTest, TellsABundleWithoutAnIdentifierByItsPath) {
     test::makeBundle(bundle, {{"CFBundleIdentifier", 7}, {"CFBundleShortVersionString", 2}});
     EXPECT_EQ(entryOf(bundle)->id, bundle.native());
     EXPECT_EQ(entryOf(bundle)->version, std::nullopt);
+}
+
+TEST_F(AppScannerTest, TakesAnEmptyIdentifierForNone) {
+    const fs::path bundle = applications / "Editor.app";
+    test::makeBundle(bundle);
+    const auto without = entryOf(bundle);
     test::makeBundle(bundle, {{"CFBundleIdentifier", ""}});
-    EXPECT_EQ(entryOf(bundle)->id, bundle.native());
+    EXPECT_EQ(entryOf(bundle), without);
+    EXPECT_EQ(without->bundleIdentifier, std::nullopt);
+}
+
+TEST_F(AppScannerTest, ReadsABundleWhosePathEndsWithASlash) {
+    const fs::path bundle = applications / "Editor.app";
+    test::makeBundle(bundle);
+    EXPECT_EQ(entryOf(bundle / ""), entryOf(bundle));
+    EXPECT_EQ(entryOf(bundle / "")->name, "Editor");
+    test::makeFolder(applications / "Other.app");
+    EXPECT_EQ(entryOf(applications / "Other.app//")->id, (applications / "Other.app").native());
+}
+
+TEST_F(AppScannerTest, ReadsAnInformationListInUtf16) {
+    std::string list;
+    for (const char16_t unit :
+         std::u16string(u"\uFEFF<plist><dict><key>CFBundleName</key><string>Größer</string></dict></plist>")) {
+        list += static_cast<char>(unit & 0xFF);
+        list += static_cast<char>(unit >> 8);
+    }
+    test::makeFile(applications / "Editor.app/Contents/Info.plist", list);
+    EXPECT_EQ(entryOf(applications / "Editor.app")->name, "Größer");
 }
 
 TEST_F(AppScannerTest, GivesTwoBundlesOfOneIdentifierTwoRows) {

@@ -1,5 +1,5 @@
 #include "Discovery/SymlinkScanner.h"
-#include "Platform/SizeCalculator.h"
+#include "Platform/Storage/SizeCalculator.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 #include "Support/World.h"

@@ -3,8 +3,8 @@
 #include "Faults/FaultWorld.h"
 
 /// Every changing system call of an act is made to fail, and the program is killed at every one of them. Whatever
-/// happens, each item stands whole at home or on the drive, and no link or launcher leads to half of it; and what a
-/// failure tells is what the user finds.
+/// happens, each item stands whole at home or on the drive, no link or launcher leads to half of it, and the program
+/// remembers of each whether it is away; and what a failure tells is what the user finds.
 namespace tarvik::test::FaultMatrix {
 
 /// How much of that is tried.

@@ -50,6 +50,13 @@ TEST(FaultMatrix, AnApplicationThatComesBackLosesNothingWhenTheCopierFails) {
     tryEveryPoint(Subject::application, Act::restore, Victim::copier, Errors::one);
 }
 
+TEST(FaultMatrix, AnApplicationBehindALauncherThatComesBackLosesNothingWhenTheEngineFails) {
+    tryEveryPoint(Subject::launcher, Act::restore, Victim::engine, Errors::one);
+}
+TEST(FaultMatrix, AnApplicationBehindALauncherThatComesBackLosesNothingWhenTheCopierFails) {
+    tryEveryPoint(Subject::launcher, Act::restore, Victim::copier, Errors::one);
+}
+
 TEST(FaultMatrix, ASuiteThatMovesLosesNothingWhenTheEngineFails) {
     tryEveryPoint(Subject::suite, Act::move, Victim::engine, Errors::one);
 }

@@ -1,7 +1,7 @@
 #include "Faults/FaultTrees.h"
 
-#include "Platform/CommandRunner.h"
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Processes/CommandRunner.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 

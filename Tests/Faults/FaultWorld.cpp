@@ -1,9 +1,13 @@
 #include "Faults/FaultWorld.h"
 
 #include "Faults/FaultTrees.h"
-#include "Move/HealthManifest.h"
-#include "Platform/CommandRunner.h"
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Processes/CommandRunner.h"
+#include "Records/HealthManifest.h"
+#include "Records/InstallsDB.h"
+#include "Records/InstallsDBWriter.h"
+#include "Support/Bundles.h"
+#include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
@@ -17,6 +21,10 @@ namespace tarvik::test {
 namespace {
 
 constexpr const char* appName = "Mixer";
+
+bool isOneApplication(Subject subject) {
+    return subject == Subject::application || subject == Subject::launcher;
+}
 
 void clear(const fs::path& folder) {
     for (const auto& name : Files::names(folder)) fs::remove_all(folder / name);
@@ -55,6 +63,7 @@ const std::optional<std::vector<std::string>>& aloneOnTheMachine() {
 Stand FaultItem::standAt(const fs::path& place) const {
     if (!Files::itemExists(place)) return Stand::nothing;
     if (Files::linkText(place) == drive) return Stand::link;
+    if (!launcher.empty() && FaultTrees::isSame(place, launcher)) return Stand::link;
     return FaultTrees::isSame(place, reference) ? Stand::whole : Stand::part;
 }
 
@@ -66,7 +75,7 @@ Stand FaultItem::inStash() const {
 }
 
 bool FaultItem::hasNoBadLink() const {
-    const auto target = Files::linkText(home);
+    const auto target = atHome() == Stand::link ? drive : Files::linkText(home);
     return !target || FaultTrees::isSame(*target, reference);
 }
 
@@ -85,12 +94,19 @@ FaultWorld::FaultWorld(Subject subject, Act act, Victim victim)
         fs::copy_file(programOfThisBuild(name), programs() / name);
     if (subject == Subject::folder) addFolder(victim == Victim::copierThreads);
     if (subject == Subject::application) addApplication();
+    if (subject == Subject::launcher) addApplicationBehindLauncher();
     if (subject == Subject::suite) addSuite();
     HealthManifest::record(host(), {m_home / "Other", m_drive / "Other", std::nullopt, 1, host().now()});
-    if (act == Act::restore)
-        for (const auto& item : m_items)
+    const fs::path database = InstallsDB::defaultPath(host());
+    makeTrackingDatabase(database);
+    if (act == Act::restore) {
+        for (const auto& item : m_items) {
             HealthManifest::record(host(), {item.home, item.drive, std::nullopt, 1, host().now()});
+            InstallsDBWriter::recordMove(host(), {item.home, item.drive, std::nullopt, std::nullopt, 1, {}}, database);
+        }
+    }
     m_memory = contentOf(HealthManifest::file(host()));
+    m_database = contentOf(database);
     if (subject != Subject::suite) return;
     // What launchers are like is another test's matter: here they must be as a run without a fault leaves them.
     FaultTrees::copy(m_items.front().reference, m_items.front().home);
@@ -104,8 +120,7 @@ FaultWorld::FaultWorld(Subject subject, Act act, Victim victim)
 
 std::optional<std::string> FaultWorld::unavailableReason(Subject subject) {
     if (!Files::exists("/usr/bin/strace")) return "strace is not installed";
-    if (subject == Subject::application && !aloneOnTheMachine())
-        return "a process table of one's own is not allowed here";
+    if (isOneApplication(subject) && !aloneOnTheMachine()) return "a process table of one's own is not allowed here";
     return std::nullopt;
 }
 
@@ -131,6 +146,15 @@ void FaultWorld::addApplication() {
     }
 }
 
+void FaultWorld::addApplicationBehindLauncher() {
+    const std::string name = appName;
+    addItem(applications() / (name + ".app"), "Apps/" + name + ".app", name);
+    FaultItem& item = m_items.front();
+    FaultTrees::makeApplication(item.reference);
+    item.launcher = m_folder / "launcher" / item.home.filename();
+    makeLauncher(item.launcher, item.drive, {{"CFBundleName", name}});
+}
+
 void FaultWorld::addSuite() {
     addItem(applications() / "Suite", "Folders/Suite", "Suite");
     for (const char* name : {"One.app", "Two.app"}) FaultTrees::makeApplication(m_items.front().reference / name);
@@ -140,9 +164,14 @@ void FaultWorld::addSuite() {
 void FaultWorld::prepare() const {
     for (const fs::path& folder : {m_home, applications(), m_drive.path()}) clear(folder);
     makeFile(HealthManifest::file(host()), m_memory);
+    makeFile(InstallsDB::defaultPath(host()), m_database);
     for (const auto& item : m_items) {
         FaultTrees::copy(item.reference, m_act == Act::move ? item.home : item.drive);
-        if (m_act == Act::restore) makeLink(item.home, item.drive);
+        if (m_act == Act::move) continue;
+        if (item.launcher.empty())
+            makeLink(item.home, item.drive);
+        else
+            FaultTrees::copy(item.launcher, item.home);
     }
     if (m_act == Act::move) return;
     for (const auto& name : Files::names(m_folder / "launchers"))
@@ -159,7 +188,7 @@ std::vector<std::string> FaultWorld::command(Act act) const {
                                       "--format",
                                       "human",
                                       "move"};
-    const bool isApp = m_subject == Subject::application;
+    const bool isApp = isOneApplication(m_subject);
     const std::string first = isApp ? std::string(appName) : m_items.front().home.native();
     if (act == Act::move) {
         words.insert(words.end(), {isApp ? "app" : "folder", first, "--drive", m_drive.path().native()});
@@ -185,7 +214,7 @@ CommandResult FaultWorld::runTraced(Act act, const std::vector<std::string>& tra
         script += " '" + programOfThisBuild("stand-ins/ditto").native() + "' \"$@\"; exec \"$@\";; esac\n";
         writeScript(ditto, script + realDitto);
     }
-    if (m_subject == Subject::application)
+    if (isOneApplication(m_subject))
         words.insert(words.begin(), aloneOnTheMachine()->begin(), aloneOnTheMachine()->end());
     const fs::path program = words.front();
     words.erase(words.begin());
@@ -232,6 +261,25 @@ bool FaultWorld::hasStruck() const {
     return contentOf(m_folder / "log").find("(INJECTED)") != std::string::npos;
 }
 
+bool FaultWorld::hasStruckRecords() const {
+    std::istringstream log(contentOf(m_folder / "log"));
+    const fs::path memory = HealthManifest::file(host()).parent_path();
+    const fs::path database = InstallsDB::defaultPath(host()).parent_path();
+    for (std::string line; std::getline(log, line);) {
+        const bool isOfRecords =
+            line.find(memory.native()) != std::string::npos || line.find(database.native()) != std::string::npos;
+        if (isOfRecords && line.find("(INJECTED)") != std::string::npos) return true;
+    }
+    return false;
+}
+
+bool FaultWorld::isTracked(const FaultItem& item) const {
+    const fs::path database = InstallsDB::defaultPath(host());
+    // What a killed writer has left only another writer can take back.
+    if (Files::exists(database.native() + "-journal")) askDatabase(database, "SELECT count(*) FROM installs");
+    return InstallsDB::entryForAppName(database, item.home.filename().native()).has_value();
+}
+
 bool FaultWorld::isRemembered(const FaultItem& item) const {
     const auto entries = HealthManifest::load(host());
     return std::any_of(entries.begin(), entries.end(),
@@ -252,6 +300,7 @@ std::vector<std::string> FaultWorld::leftovers() const {
     std::set<fs::path> folders;
     for (const auto& item : m_items) {
         known.insert({item.home, item.drive, item.drive.parent_path() / ".TarvikTrash"});
+        if (!item.launcher.empty()) known.insert(item.home.parent_path() / ".TarvikTrash");
         folders.insert({item.home.parent_path(), item.drive.parent_path()});
     }
     for (const auto& launcher : launchers()) known.insert(launcher);

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Faults/FaultPoints.h"
-#include "Platform/CommandResult.h"
-#include "Platform/Host.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
+#include "Platform/Processes/CommandResult.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 
@@ -13,14 +13,15 @@
 
 namespace tarvik::test {
 
-/// What is moved: a folder, an application with its data, a folder of the applications that holds two of them.
-enum class Subject { folder, application, suite };
+/// What is moved: a folder, an application with its data, one without that a launcher stands for, a folder of the
+/// applications that holds two of them.
+enum class Subject { folder, application, launcher, suite };
 enum class Act { move, restore };
 /// Whose system calls are made to fail: those of the program that moves, or of the tool that copies the first item, on
 /// one thread or on the several that it takes for many items.
 enum class Victim { engine, copier, copierThreads };
 
-/// What stands at one place.
+/// What stands at one place. A launcher counts as a link.
 enum class Stand { nothing, link, part, whole };
 
 /// One of the items that an act takes.
@@ -31,9 +32,11 @@ struct FaultItem {
     fs::path home, drive;
     /// A third copy of it.
     fs::path reference;
+    /// A copy of the launcher that stands for it at home; empty when a link does.
+    fs::path launcher;
 
     const std::string& calledIn(Act act) const { return act == Act::move ? movedAs : restoredAs; }
-    /// At its place in the home folder. A link is one to the item's place on the drive.
+    /// At its place in the home folder. A link is one to the item's place on the drive, as is a launcher.
     Stand atHome() const { return standAt(home); }
     Stand onDrive() const { return standAt(drive); }
     /// Among what was disposed of beside its place on the drive.
@@ -70,8 +73,12 @@ public:
 
     /// Whether the fault of the last run met its call.
     bool hasStruck() const;
+    /// Whether the last run's fault met a call that writes the program's memory or the tracking database.
+    bool hasStruckRecords() const;
     /// Whether the program's memory of what it moved holds the item.
     bool isRemembered(const FaultItem& item) const;
+    /// Whether the tracking database has an open row for it.
+    bool isTracked(const FaultItem& item) const;
     /// Whether that memory still holds what it held of other items.
     bool isMemorySound() const;
     /// The item stands whole in its place at home, as what it is, or somewhere on the drive, be it disposed of.
@@ -93,6 +100,7 @@ public:
 private:
     void addFolder(bool isCrowded);
     void addApplication();
+    void addApplicationBehindLauncher();
     void addSuite();
     void addItem(const fs::path& home, const fs::path& onDrive, const std::string& label);
     std::vector<std::string> command(Act act) const;
@@ -109,8 +117,8 @@ private:
     RealVolume m_drive;
     fs::path m_home;
     std::vector<FaultItem> m_items;
-    /// The program's memory before the act.
-    std::string m_memory;
+    /// The program's memory and the tracking database before the act.
+    std::string m_memory, m_database;
 };
 
 }  // namespace tarvik::test

@@ -1,9 +1,9 @@
 // Every changing system call of a launcher's making is made to fail, and the program is killed at every one of them.
-// Whatever happens, what stands at the launcher's place is whole, or nothing stands there; and the next repair makes it
-// whole.
-#include "Platform/CommandRunner.h"
-#include "Platform/Files.h"
-#include "Platform/PropertyList.h"
+// Whatever happens, what stands at the launcher's place is whole: the launcher, or what stood there before; and the
+// next repair makes it whole.
+#include "Platform/Files/Files.h"
+#include "Platform/Processes/CommandRunner.h"
+#include "Platform/Text/PropertyList.h"
 #include "Support/Bundles.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
@@ -99,7 +99,8 @@ struct LauncherFaultWorld {
                PropertyList::dictionaryAt(launcher / "Contents/Info.plist").text("CFBundleName") == "Mixer";
     }
     bool isOutdated() const {
-        return contentOf(launcher / "Contents/Resources/ExternalAppTarget.txt") == "/elsewhere\n" &&
+        const fs::path target = launcher / "Contents/Resources/ExternalAppTarget.txt";
+        return Files::exists(target) && contentOf(target) == "/elsewhere\n" &&
                Files::exists(launcher / "Contents/MacOS/program");
     }
 
@@ -117,9 +118,8 @@ void tryEveryPoint(bool startsOutdated) {
     ASSERT_TRUE(world.isWhole());
     ASSERT_GT(points.size(), 15U);
     const auto expectSound = [&](const std::string& what) {
-        EXPECT_TRUE(!Files::itemExists(world.launcher) || world.isWhole() || (startsOutdated && world.isOutdated()))
-            << what << "\n"
-            << pictureOf(world.applications);
+        const bool isAsBefore = startsOutdated ? world.isOutdated() : !Files::itemExists(world.launcher);
+        EXPECT_TRUE(world.isWhole() || isAsBefore) << what << "\n" << pictureOf(world.applications);
     };
     for (const auto& point : points) {
         for (const auto& [effect, which] : {std::pair("error=EIO", ""), std::pair("error=ENOSPC", ""),
@@ -132,11 +132,15 @@ void tryEveryPoint(bool startsOutdated) {
             // When every call to write fails, nothing can be said any more.
             if (result.status == 1 && point.call != "write") {
                 EXPECT_NE(result.stderr.find("Mixer.app: "), std::string::npos) << what << result.stderr;
-                EXPECT_TRUE(std::string_view(which) == "+" || !world.hasLeftovers()) << what;
+                const bool isOver = std::string_view(which) != "+";
+                EXPECT_TRUE(!isOver || !world.hasLeftovers()) << what;
+                EXPECT_TRUE(!isOver || !startsOutdated || world.isOutdated()) << what;
             }
+            // What a launcher has replaced waits under its hidden name for the next one that is made beside it.
+            const bool isDone = world.isWhole();
             EXPECT_EQ(world.run({"-e", "trace=none"}).status, 0) << what;
             EXPECT_TRUE(world.isWhole()) << what << "\n" << pictureOf(world.applications);
-            EXPECT_FALSE(world.hasLeftovers()) << what;
+            EXPECT_TRUE(isDone || !world.hasLeftovers()) << what;
             if (testing::Test::HasFailure()) return;  // One point tells enough.
         }
     }

@@ -1,5 +1,5 @@
-#include "Platform/CommandRunner.h"
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Processes/CommandRunner.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/World.h"

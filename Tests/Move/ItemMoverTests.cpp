@@ -1,8 +1,8 @@
-#include "Move/HiddenPlace.h"
+#include "Copying/Leftovers.h"
 #include "Move/ItemMover.h"
 #include "Move/MoverEngine.h"
-#include "Platform/Failure.h"
-#include "Platform/Files.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
@@ -75,7 +75,7 @@ TEST_F(FileOnADrive, IsNotSweptAwayWhileItComesBack) {
     world->withDitto("rm -f \"$3\"; cp -a \"$2\" \"$3\"\n: > '" + isCopied.native() + "'\n" + waitFor(isSwept));
     std::thread other([&] {
         while (!Files::exists(isCopied)) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        HiddenPlace::sweep(world->host, world->home);
+        Leftovers::sweep(world->host, world->home);
         makeFile(isSwept);
     });
     EXPECT_EQ(failureOfRestore(), "done");
@@ -201,7 +201,7 @@ TEST_F(LauncherOfMovedApplication, IsClearedLaterWhereNothingTakesItAcrossVolume
     EXPECT_EQ(failureOfRestore(), "done");
     expectRestored();
     world->trash->refuses = false;
-    HiddenPlace::sweep(world->host, world->home);
+    Leftovers::sweep(world->host, world->home);
     EXPECT_THAT(world->namesAtHome(), ElementsAre(".TarvikTrash", "My Editor.app"));
     EXPECT_EQ(pictureOf(world->trash->folder / "My Editor.app (left by an interrupted move)"), pictureOfLauncher);
 }

@@ -1,11 +1,13 @@
 // What the engine asks and tells others: the running applications, the manifest, the tracking database.
-#include "Discovery/InstallsDB.h"
-#include "Move/HealthManifest.h"
+#include "Copying/MoverError.h"
 #include "Move/MoverEngine.h"
-#include "Move/MoverError.h"
-#include "Platform/FileError.h"
-#include "Platform/Files.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Text/PropertyList.h"
+#include "Records/HealthManifest.h"
+#include "Records/InstallsDB.h"
+#include "Support/Bundles.h"
+#include "Support/FailureOf.h"
 #include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -13,7 +15,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace tarvik::test {
 
@@ -66,6 +71,16 @@ TEST_F(MoverEngineRecords, RefusesAnApplicationThatRuns) {
     EXPECT_TRUE(Files::isFolder(app));
     EXPECT_FALSE(Files::itemExists(world.drive / "Apps"));
     EXPECT_THAT(world.applications->terminated, IsEmpty());
+}
+
+TEST_F(MoverEngineRecords, TakeAnEmptyBundleIdentifierForNone) {
+    makeTrackingDatabase(database);
+    test::makeBundle(app, {{"CFBundleIdentifier", ""}});
+    EXPECT_EQ(move(app), "moved");
+    const auto entries = HealthManifest::load(world.host);
+    ASSERT_THAT(entries, SizeIs(1));
+    EXPECT_EQ(entries[0].bundleIdentifier, std::nullopt);
+    EXPECT_EQ(askDatabase(database, "SELECT count(*) FROM installs WHERE bundle_id IS NULL"), "1\n");
 }
 
 TEST_F(MoverEngineRecords, QuitsAnApplicationWhenItIsToldTo) {
@@ -126,6 +141,61 @@ TEST_F(MoverEngineRecords, BringsBackWhatALauncherOpens) {
     EXPECT_THAT(Files::names(app.parent_path()), testing::ElementsAre("Editor.app"));
     EXPECT_THAT(HealthManifest::load(world.host), IsEmpty());
     EXPECT_EQ(askDatabase(database, "SELECT count(*) FROM installs WHERE uninstalled_at IS NULL"), "0\n");
+}
+
+/// A Trash, during whose work somebody else does something.
+class BusyTrash : public MadeTrash {
+public:
+    BusyTrash(fs::path trashFolder, std::function<void()> act)
+        : MadeTrash(std::move(trashFolder)), m_act(std::move(act)) {}
+    fs::path moveToTrash(const fs::path& item) const override {
+        m_act();
+        return MadeTrash::moveToTrash(item);
+    }
+
+private:
+    std::function<void()> m_act;
+};
+
+TEST_F(MoverEngineRecords, SaysWhenWhatCameBackIsGoneAgainAndForgetsNothing) {
+    makeTrackingDatabase(database);
+    EXPECT_EQ(move(app), "moved");
+    const std::string rowsBefore = rows();
+    fs::remove(app);
+    makeFile(app / "Contents/Resources/ExternalAppTarget.txt", moved.native());
+    const auto failureOfRestore = [&](const std::function<void()>& meddle) {
+        world.host.trash = std::make_shared<BusyTrash>(world.folder / "Trash", meddle);
+        return failureOf([&] { MoverEngine::restore(world.host, app); });
+    };
+    EXPECT_EQ(failureOfRestore([&] { fs::rename(app, world.home / "Taken.app"); }),
+              "Verification failed: Editor.app missing after restore");
+    EXPECT_THAT(HealthManifest::load(world.host), SizeIs(1));
+    EXPECT_EQ(rows(), rowsBefore);
+
+    fs::rename(world.home / "Taken.app", moved);
+    makeFile(app / "Contents/Resources/ExternalAppTarget.txt", moved.native());
+    EXPECT_EQ(failureOfRestore([&] {
+                  fs::rename(app, world.home / "Taken.app");
+                  makeLink(app, world.home / "Taken.app");
+              }),
+              "Verification failed: Editor.app is still a symlink after restore — data was not internalized");
+    EXPECT_THAT(HealthManifest::load(world.host), SizeIs(1));
+    EXPECT_EQ(rows(), rowsBefore);
+}
+
+TEST_F(MoverEngineRecords, RemembersWhatALauncherStandsForWhenItsWayBackFails) {
+    makeTrackingDatabase(database);
+    EXPECT_EQ(move(app), "moved");
+    fs::remove(app);
+    makeFile(app / "Contents/Resources/ExternalAppTarget.txt", moved.native() + "\n");
+    // The launcher can go nowhere.
+    world.trash->refuses = true;
+    makeFile(app.parent_path() / ".TarvikTrash", "a file in the way");
+    EXPECT_EQ(failureOf([&] { MoverEngine::restore(world.host, app); }),
+              "Could not remove " + app.native() + ": Operation not permitted");
+    EXPECT_TRUE(Files::isFolder(moved));
+    EXPECT_THAT(HealthManifest::load(world.host), SizeIs(1));
+    EXPECT_EQ(askDatabase(database, "SELECT count(*) FROM installs WHERE uninstalled_at IS NULL"), "1\n");
 }
 
 TEST_F(MoverEngineRecords, LeavesALauncherWhoseApplicationIsGone) {

@@ -1,8 +1,10 @@
-#include "Move/HiddenPlace.h"
+#include "Copying/HiddenPlace.h"
+#include "Copying/Leftovers.h"
+#include "Copying/MoverError.h"
 #include "Move/MoverEngine.h"
-#include "Move/MoverError.h"
-#include "Platform/FileError.h"
-#include "Platform/Files.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Storage/DriveGuard.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -21,9 +23,9 @@ namespace tarvik::test {
 namespace {
 
 /// A world with one folder to move.
-class MoverEngine : public testing::Test {
+class MoverEngineTest : public testing::Test {
 protected:
-    MoverEngine() {
+    MoverEngineTest() {
         makeFile(source / "song.txt", "la la");
         makeFile(source / ".hidden/deep/file", "secret");
         makeLink(source / "link", "song.txt");
@@ -68,30 +70,38 @@ protected:
 
 }  // namespace
 
-TEST_F(MoverEngine, GivesARunningApplicationEightSecondsToQuit) {
+TEST_F(MoverEngineTest, GivesARunningApplicationEightSecondsToQuit) {
     EXPECT_EQ(tarvik::MoverEngine::quitTimeout, std::chrono::seconds(8));
 }
 
-TEST_F(MoverEngine, WritesNothingToTheDiskBelowADriveThatHasGone) {
-    const auto device = Files::infoFollowingLinks(world.drive)->device;
-    const auto moveTo = [&](std::uint64_t drive) {
+TEST_F(MoverEngineTest, WritesNothingToTheDiskBelowADriveThatHasGone) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const auto other = RealVolume::memory(world.folder.path(), 1'000'000);
+    const auto moveTo = [&](const DriveGuard& drive) {
         tarvik::MoverEngine::moveAndLink(
             world.host, source, world.foldersOnDrive() / "new", false, [](const JobStatus&) {},
             [](std::int64_t, std::int64_t) {}, drive);
     };
     const std::string before = pictureOf(world.folder.path());
     try {
-        moveTo(device + 1);
+        moveTo(DriveGuard(other.path()));
         FAIL() << "it was moved";
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.description(), "Target drive disconnected");
     }
     EXPECT_EQ(pictureOf(world.folder.path()), before);
-    moveTo(device);
+    moveTo(DriveGuard(world.drive));
     EXPECT_TRUE(Files::isSymbolicLink(source));
 }
 
-TEST_F(MoverEngine, MovesAFolderAndLeavesAnAbsoluteLink) {
+TEST_F(MoverEngineTest, NeedsNobodyWhoListens) {
+    tarvik::MoverEngine::moveAndLink(world.host, source, world.foldersOnDrive(), false, {}, {});
+    EXPECT_EQ(pictureOf(world.foldersOnDrive() / source.filename()), picture);
+    tarvik::MoverEngine::restore(world.host, source, {});
+    EXPECT_EQ(pictureOf(source), picture);
+}
+
+TEST_F(MoverEngineTest, MovesAFolderAndLeavesAnAbsoluteLink) {
     move();
     EXPECT_EQ(Files::linkText(source), destination);
     EXPECT_EQ(pictureOf(destination), picture);
@@ -101,7 +111,7 @@ TEST_F(MoverEngine, MovesAFolderAndLeavesAnAbsoluteLink) {
     EXPECT_EQ(progress.back().first, progress.back().second);
 }
 
-TEST_F(MoverEngine, MovesASingleFile) {
+TEST_F(MoverEngineTest, MovesASingleFile) {
     const fs::path file = world.home / "movie";
     makeFile(file, "pictures");
     tarvik::MoverEngine::moveAndLink(
@@ -110,7 +120,7 @@ TEST_F(MoverEngine, MovesASingleFile) {
     EXPECT_EQ(contentOf(file), "pictures");
 }
 
-TEST_F(MoverEngine, LeavesNothingElseOfASingleFile) {
+TEST_F(MoverEngineTest, LeavesNothingElseOfASingleFile) {
     const fs::path file = world.home / "movie";
     makeFile(file, "pictures");
     const auto failureOfFile = [&] {
@@ -134,7 +144,7 @@ TEST_F(MoverEngine, LeavesNothingElseOfASingleFile) {
     world.withDitto("rm -f \"$3\"; cp -a \"$2\" \"$3\"\n: > '" + isCopied.native() + "'\n" + waitFor(isSwept));
     std::thread other([&] {
         while (!Files::exists(isCopied)) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        HiddenPlace::sweep(world.host, world.foldersOnDrive());
+        Leftovers::sweep(world.host, world.foldersOnDrive());
         makeFile(isSwept);
     });
     EXPECT_EQ(failureOfFile(), "moved");
@@ -143,14 +153,14 @@ TEST_F(MoverEngine, LeavesNothingElseOfASingleFile) {
     EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{"movie"});
 }
 
-TEST_F(MoverEngine, RestoresWhatItMoved) {
+TEST_F(MoverEngineTest, RestoresWhatItMoved) {
     move();
     tarvik::MoverEngine::restore(world.host, source);
     EXPECT_EQ(pictureOf(source), picture);
     EXPECT_FALSE(Files::itemExists(destination));
 }
 
-TEST_F(MoverEngine, TakesADanglingLinkForAMissingSource) {
+TEST_F(MoverEngineTest, TakesADanglingLinkForAMissingSource) {
     fs::remove_all(source);
     makeLink(source, "nowhere");
     EXPECT_EQ(failureOfMove(), "Source path no longer exists.");
@@ -158,20 +168,20 @@ TEST_F(MoverEngine, TakesADanglingLinkForAMissingSource) {
     EXPECT_FALSE(Files::itemExists(world.foldersOnDrive()));
 }
 
-TEST_F(MoverEngine, PassesOnTheFileErrorOfAParentFolder) {
+TEST_F(MoverEngineTest, PassesOnTheFileErrorOfAParentFolder) {
     makeFile(world.drive / "ExternalTarvik", "a file in the way");
     EXPECT_THROW(move(), FileError);
     EXPECT_EQ(pictureOf(source), picture);
 }
 
-TEST_F(MoverEngine, LeavesAnOccupiedDestinationAlone) {
+TEST_F(MoverEngineTest, LeavesAnOccupiedDestinationAlone) {
     makeFile(destination / "first", "1");
     EXPECT_EQ(failureOfMove(), "Destination already exists.");
     EXPECT_EQ(contentOf(destination / "first"), "1");
     EXPECT_EQ(pictureOf(source), picture);
 }
 
-TEST_F(MoverEngine, LeavesADanglingLinkAtTheDestinationAlone) {
+TEST_F(MoverEngineTest, LeavesADanglingLinkAtTheDestinationAlone) {
     makeLink(destination, "nowhere");
     EXPECT_EQ(failureOfMove(), "Destination already exists.");
     EXPECT_TRUE(Files::isSymbolicLink(destination));
@@ -190,14 +200,14 @@ private:
     fs::path m_place;
 };
 
-TEST_F(MoverEngine, LeavesThePlaceToAnotherMoveThatWasFaster) {
+TEST_F(MoverEngineTest, LeavesThePlaceToAnotherMoveThatWasFaster) {
     world.host.volumes = std::make_shared<RivalVolumes>(destination);
     EXPECT_EQ(failureOfMove(), "Destination already exists.");
     EXPECT_EQ(pictureOf(source), picture);
     EXPECT_EQ(contentOf(destination / "song.txt"), "other");
 }
 
-TEST_F(MoverEngine, LeavesThePlaceToWhatComesThereDuringTheCopy) {
+TEST_F(MoverEngineTest, LeavesThePlaceToWhatComesThereDuringTheCopy) {
     world.withDitto("cp -aT \"$2\" \"$3\"; mkdir '" + destination.native() + "'; : > '" + destination.native() +
                     "/other'");
     EXPECT_EQ(failureOfMove(), "Destination already exists.");
@@ -207,7 +217,7 @@ TEST_F(MoverEngine, LeavesThePlaceToWhatComesThereDuringTheCopy) {
     EXPECT_EQ(world.namesAtHome(), std::vector<std::string>{"Music"});
 }
 
-TEST_F(MoverEngine, LeavesThePlaceToACopyThatIsUnderWay) {
+TEST_F(MoverEngineTest, LeavesThePlaceToACopyThatIsUnderWay) {
     makeFolder(world.foldersOnDrive());
     auto other = HiddenPlace::claimForCopyTo(destination);
     world.withDitto("exit 3");
@@ -221,14 +231,14 @@ TEST_F(MoverEngine, LeavesThePlaceToACopyThatIsUnderWay) {
     EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{"Music"});
 }
 
-TEST_F(MoverEngine, NeverShowsHalfACopyUnderTheItemsName) {
+TEST_F(MoverEngineTest, NeverShowsHalfACopyUnderTheItemsName) {
     world.withDitto("[ ! -e '" + destination.native() + "' ] && cp -aT \"$2\" \"$3\" && [ ! -e '" +
                     destination.native() + "' ]");
     move();
     EXPECT_EQ(pictureOf(destination), picture);
 }
 
-TEST_F(MoverEngine, SpeaksOfTheItemByItsOwnName) {
+TEST_F(MoverEngineTest, SpeaksOfTheItemByItsOwnName) {
     world.withDitto("echo \"Could not write $3/song.txt: it is tired\" >&2; exit 3");
     EXPECT_EQ(failureOfMove(),
               "Copy failed: ditto failed: Could not write " + destination.native() + "/song.txt: it is tired");
@@ -236,7 +246,7 @@ TEST_F(MoverEngine, SpeaksOfTheItemByItsOwnName) {
     EXPECT_EQ(failureOfMove(), "Verification failed: Music is missing at the destination.");
 }
 
-TEST_F(MoverEngine, RefusesASecondMoveOfTheSameItem) {
+TEST_F(MoverEngineTest, RefusesASecondMoveOfTheSameItem) {
     move();
     const std::string first = pictureOf(destination);
     fs::remove(source);
@@ -246,7 +256,7 @@ TEST_F(MoverEngine, RefusesASecondMoveOfTheSameItem) {
     EXPECT_EQ(contentOf(source / "other"), "new");
 }
 
-TEST_F(MoverEngine, FailsWithoutEnoughSpace) {
+TEST_F(MoverEngineTest, FailsWithoutEnoughSpace) {
     makeFileOfSize(source / "big", 3'000'000);
     world.volumes->available = 1'000'000;
     EXPECT_THAT(failureOfMove(), testing::MatchesRegex("Not enough space. Need 3 MB, have 1 MB."));
@@ -255,13 +265,13 @@ TEST_F(MoverEngine, FailsWithoutEnoughSpace) {
     EXPECT_FALSE(Files::itemExists(destination));
 }
 
-TEST_F(MoverEngine, MovesWhenTheFreeSpaceIsUnknown) {
+TEST_F(MoverEngineTest, MovesWhenTheFreeSpaceIsUnknown) {
     world.volumes->available = 0;
     move();
     EXPECT_TRUE(Files::isSymbolicLink(source));
 }
 
-TEST_F(MoverEngine, MovesWhenTheFreeSpaceIsExactlyTheSize) {
+TEST_F(MoverEngineTest, MovesWhenTheFreeSpaceIsExactlyTheSize) {
     makeFileOfSize(source / "big", 40'960);
     std::int64_t size = 0;
     for (const char* name : {"big", "song.txt"}) size += Files::info(source / name)->allocatedSize;
@@ -272,7 +282,7 @@ TEST_F(MoverEngine, MovesWhenTheFreeSpaceIsExactlyTheSize) {
     EXPECT_TRUE(Files::isSymbolicLink(source));
 }
 
-TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyFails) {
+TEST_F(MoverEngineTest, KeepsTheOriginalWhenTheCopyFails) {
     world.withDitto(R"(mkdir -p "$3"; echo partial > "$3/song.txt"; echo "the drive is tired" >&2; exit 3)");
     EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: the drive is tired");
     EXPECT_EQ(pictureOf(source), picture);
@@ -280,13 +290,13 @@ TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyFails) {
     EXPECT_EQ(contentOf(world.trash->folder / "Music/song.txt"), "partial\n");
 }
 
-TEST_F(MoverEngine, KeepsTheOriginalWhenTheToolIsMissing) {
+TEST_F(MoverEngineTest, KeepsTheOriginalWhenTheToolIsMissing) {
     world.host.tools.ditto = world.folder / "no/such/tool";
     EXPECT_THAT(failureOfMove(), testing::MatchesRegex("Copy failed: Could not start .*: No such file or directory"));
     EXPECT_EQ(pictureOf(source), picture);
 }
 
-TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyIsIncomplete) {
+TEST_F(MoverEngineTest, KeepsTheOriginalWhenTheCopyIsIncomplete) {
     world.withDitto(R"(cp -aT "$2" "$3"; rm "$3/song.txt")");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music copied with 7 of 8 entries — 1 missing.");
     EXPECT_EQ(pictureOf(source), picture);
@@ -294,14 +304,14 @@ TEST_F(MoverEngine, KeepsTheOriginalWhenTheCopyIsIncomplete) {
     EXPECT_TRUE(Files::exists(world.trash->folder / "Music"));
 }
 
-TEST_F(MoverEngine, KeepsWhatWasWrittenWhileItWasCopied) {
+TEST_F(MoverEngineTest, KeepsWhatWasWrittenWhileItWasCopied) {
     world.withDitto(R"(cp -aT "$2" "$3"; printf 'ha ha' > "$2/song.txt")");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music/song.txt was changed while it was copied.");
     EXPECT_EQ(contentOf(source / "song.txt"), "ha ha");
     EXPECT_FALSE(Files::itemExists(destination));
 }
 
-TEST_F(MoverEngine, KeepsTheOriginalWhenAnotherVolumeTakesTheDrivesPlace) {
+TEST_F(MoverEngineTest, KeepsTheOriginalWhenAnotherVolumeTakesTheDrivesPlace) {
     // The copy is complete, but it is not on the drive.
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const RealVolume other = RealVolume::memory(world.folder.path(), 1'000'000);
@@ -313,7 +323,7 @@ TEST_F(MoverEngine, KeepsTheOriginalWhenAnotherVolumeTakesTheDrivesPlace) {
     EXPECT_FALSE(Files::itemExists(destination));
 }
 
-TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
+TEST_F(MoverEngineTest, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     std::optional<RealVolume> inside;
     const auto mountsInside = [&](const JobStatus& status) {
@@ -334,7 +344,7 @@ TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
     EXPECT_EQ(pictureOf(world.trash->folder / "Music"), picture);
 }
 
-TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalHasGoneByItself) {
+TEST_F(MoverEngineTest, StashesTheCopyWhenTheOriginalHasGoneByItself) {
     const auto removesSource = [this](const JobStatus& status) {
         if (status == JobStatus::linking()) fs::remove_all(source);
     };
@@ -351,7 +361,7 @@ TEST_F(MoverEngine, StashesTheCopyWhenTheOriginalHasGoneByItself) {
     EXPECT_EQ(pictureOf(world.trash->folder / "Music"), picture);
 }
 
-TEST_F(MoverEngine, KeepsWhatWasWrittenInTheLastMomentBeforeTheRemoval) {
+TEST_F(MoverEngineTest, KeepsWhatWasWrittenInTheLastMomentBeforeTheRemoval) {
     const auto writes = [this](const JobStatus& status) {
         if (status == JobStatus::linking()) makeFile(source / "late.txt", "saved just now");
     };
@@ -364,7 +374,7 @@ TEST_F(MoverEngine, KeepsWhatWasWrittenInTheLastMomentBeforeTheRemoval) {
     EXPECT_FALSE(Files::itemExists(destination));
 }
 
-TEST_F(MoverEngine, StashesBesideTheCopyWhenTheTrashRefuses) {
+TEST_F(MoverEngineTest, StashesBesideTheCopyWhenTheTrashRefuses) {
     world.trash->refuses = true;
     world.withDitto(R"(mkdir -p "$3"; exit 1)");
     EXPECT_EQ(failureOfMove(), "Copy failed: ditto failed: exit 1");
@@ -373,32 +383,32 @@ TEST_F(MoverEngine, StashesBesideTheCopyWhenTheTrashRefuses) {
     EXPECT_EQ(Files::names(world.foldersOnDrive()), std::vector<std::string>{".TarvikTrash"});
 }
 
-TEST_F(MoverEngine, FailsForASocketThatTheCopyDrops) {
+TEST_F(MoverEngineTest, FailsForASocketThatTheCopyDrops) {
     world.withDitto(R"(cp -aT "$2" "$3"; rm "$3/socket")");
     makeSocket(source / "socket");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music copied with 8 of 9 entries — 1 missing.");
     EXPECT_TRUE(Files::itemExists(source / "socket"));
 }
 
-TEST_F(MoverEngine, LeavesTheLinkWhenTheTargetOfARestoreIsGone) {
+TEST_F(MoverEngineTest, LeavesTheLinkWhenTheTargetOfARestoreIsGone) {
     makeLink(world.home / "old", world.drive / "gone");
     EXPECT_EQ(failureOfRestore(world.home / "old"), "Source path no longer exists.");
     EXPECT_EQ(Files::linkText(world.home / "old"), world.drive / "gone");
 }
 
-TEST_F(MoverEngine, PassesOnTheErrorWhenARestoreMeetsNoLink) {
+TEST_F(MoverEngineTest, PassesOnTheErrorWhenARestoreMeetsNoLink) {
     EXPECT_EQ(failureOfRestore(source), "Could not read the link " + source.native() + ": Invalid argument");
     EXPECT_EQ(pictureOf(source), picture);
 }
 
-TEST_F(MoverEngine, TakesARelativeLinkTextFromTheWorkingDirectory) {
+TEST_F(MoverEngineTest, TakesARelativeLinkTextFromTheWorkingDirectory) {
     makeLink(world.home / "relative", "Music");
     EXPECT_EQ(failureOfRestore(world.home / "relative"), "Source path no longer exists.");
     EXPECT_TRUE(Files::isSymbolicLink(world.home / "relative"));
     EXPECT_EQ(pictureOf(source), picture);
 }
 
-TEST_F(MoverEngine, HandlesNamesThatAreHardToSpell) {
+TEST_F(MoverEngineTest, HandlesNamesThatAreHardToSpell) {
     const std::vector<std::string> names = {"with spaces", "it's \"quoted\"",    "line\nbreak", std::string(255, 'n'),
                                             "🎵 emoji",     "e\xcc\x81t\xc3\xa9", "\xff\xfe",    "-rf",
                                             "*?[]$(x)"};

@@ -1,6 +1,7 @@
-#include "Move/MoverError.h"
+#include "Copying/MoverError.h"
 #include "Move/OriginalRemoval.h"
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
+#include "Support/FailureOf.h"
 #include "Support/RealVolume.h"
 #include "Support/ScarceMemory.h"
 #include "Support/Tree.h"
@@ -44,15 +45,6 @@ struct Pair {
     ChangeWatch::Mark start;
 };
 
-std::string failureOf(const std::function<void()>& act) {
-    try {
-        act();
-    } catch (const Failure& failure) {
-        return failure.description();
-    }
-    return "done";
-}
-
 }  // namespace
 
 TEST(OriginalRemoval, LeavesALinkInThePlace) {
@@ -65,13 +57,19 @@ TEST(OriginalRemoval, LeavesALinkInThePlace) {
 TEST(OriginalRemoval, NeverLeavesThePlaceFree) {
     const Pair pair;
     for (int file = 0; file < 200; ++file) makeFile(pair.original / std::to_string(file));
+    std::atomic<bool> isWatched = false;
     std::atomic<bool> isDone = false;
     std::thread act([&] {
+        isWatched.wait(false);
         pair.replaceByLink(pair.copy, ChangeWatch::mark(pair.original));
         isDone = true;
     });
     bool wasAlwaysThere = true;
-    while (!isDone) wasAlwaysThere = Files::itemExists(pair.original) && wasAlwaysThere;
+    while (!isDone) {
+        wasAlwaysThere = Files::itemExists(pair.original) && wasAlwaysThere;
+        isWatched = true;
+        isWatched.notify_all();
+    }
     act.join();
     EXPECT_TRUE(wasAlwaysThere);
     EXPECT_TRUE(Files::isSymbolicLink(pair.original));

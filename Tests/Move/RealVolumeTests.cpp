@@ -1,10 +1,11 @@
 // Moves to and from real second file systems: what only they can do wrong.
+#include "Copying/MoverError.h"
 #include "Move/ItemMover.h"
 #include "Move/MoverEngine.h"
-#include "Move/MoverError.h"
-#include "Platform/DriveScanner.h"
-#include "Platform/FileError.h"
-#include "Platform/Files.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Storage/DriveScanner.h"
+#include "Support/FailureOf.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -22,23 +23,12 @@ namespace tarvik::test {
 
 namespace {
 
-constexpr std::int64_t megabyte = 1'000'000;
-
 void makeMusic(const fs::path& folder) {
     makeFileOfSize(folder / "song", 100'000);
     makeFile(folder / ".hidden/notes", "la");
     makeLink(folder / "link", "song");
     makeFolder(folder / "empty");
     fs::create_hard_link(folder / "song", folder / "same song");
-}
-
-std::string failureOf(const std::function<void()>& act) {
-    try {
-        act();
-    } catch (const Failure& failure) {
-        return failure.description();
-    }
-    return "done";
 }
 
 void move(const World& world, const fs::path& source, const MoverEngine::StatusCallback& status = {}) {

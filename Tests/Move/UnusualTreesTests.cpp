@@ -1,7 +1,7 @@
 // Trees of a shape or a kind that is rare, moved by the real copy tool to a real second volume and back.
 #include "Move/MoverEngine.h"
-#include "Platform/FileDescriptor.h"
-#include "Platform/Files.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/Files.h"
 #include "Support/DeepTree.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
@@ -18,8 +18,6 @@
 namespace tarvik::test {
 
 namespace {
-
-constexpr std::int64_t megabyte = 1'000'000;
 
 class UnusualTrees : public testing::Test {
 protected:

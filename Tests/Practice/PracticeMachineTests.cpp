@@ -1,5 +1,5 @@
 #include "Discovery/AppScanner.h"
-#include "Platform/Failure.h"
+#include "Platform/Basics/Failure.h"
 #include "Practice/PracticeMachine.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"

@@ -1,4 +1,4 @@
-#include "Platform/CommandRunner.h"
+#include "Platform/Processes/CommandRunner.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 #include "Support/World.h"

@@ -15,7 +15,7 @@
 namespace tarvik::test {
 namespace {
 
-constexpr std::int64_t megabyte = 1024 * 1024;
+constexpr std::int64_t mebibyte = 1024 * 1024;
 
 /// A file of zeros that take no room, with `text` at `offset`.
 void makeSparseFile(const fs::path& path, std::int64_t size, std::int64_t offset, const std::string& text) {
@@ -42,7 +42,7 @@ TEST(DittoContent, CopiesFilesOfEverySizeBetweenFileSystems) {
     const TemporaryFolder folder;
     for (const std::size_t size : {0, 1, 4095, 4096, 262143, 262144, 262145, 700001})
         makeFileOfSize(folder / "tree" / std::to_string(size), size);
-    const RealVolume drive = RealVolume::memory(folder.path(), 10 * megabyte);
+    const RealVolume drive = RealVolume::memory(folder.path(), 10 * mebibyte);
     ASSERT_EQ(ditto(folder / "tree", drive / "tree").status, 0);
     EXPECT_EQ(pictureOf(drive / "tree"), pictureOf(folder / "tree"));
     ASSERT_EQ(ditto(drive / "tree", folder / "back").status, 0);
@@ -53,21 +53,21 @@ TEST(DittoContent, CopiesFilesOfEverySizeBetweenFileSystems) {
 
 TEST(DittoContent, KeepsHolesAsHoles) {
     const TemporaryFolder folder;
-    makeSparseFile(folder / "tree/middle", megabyte, megabyte / 2, "island");
-    makeSparseFile(folder / "tree/start", megabyte, 0, "coast");
-    makeSparseFile(folder / "tree/end", megabyte, megabyte - 5, "shore");
-    makeSparseFile(folder / "tree/empty", megabyte, 0, "");
+    makeSparseFile(folder / "tree/middle", mebibyte, mebibyte / 2, "island");
+    makeSparseFile(folder / "tree/start", mebibyte, 0, "coast");
+    makeSparseFile(folder / "tree/end", mebibyte, mebibyte - 5, "shore");
+    makeSparseFile(folder / "tree/empty", mebibyte, 0, "");
     ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
     EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
     for (const char* name : {"middle", "start", "end", "empty"})
-        EXPECT_LT(statusOf(folder / "copy" / name).st_blocks * 512, megabyte / 8) << name;
+        EXPECT_LT(statusOf(folder / "copy" / name).st_blocks * 512, mebibyte / 8) << name;
 }
 
 TEST(DittoContent, KeepsHolesOnAnotherFileSystem) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
-    makeSparseFile(folder / "tree/middle", megabyte, megabyte / 2, "island");
-    const RealVolume drive = RealVolume::memory(folder.path(), megabyte / 4);
+    makeSparseFile(folder / "tree/middle", mebibyte, mebibyte / 2, "island");
+    const RealVolume drive = RealVolume::memory(folder.path(), mebibyte / 4);
     ASSERT_EQ(ditto(folder / "tree", drive / "copy").status, 0);
     EXPECT_EQ(pictureOf(drive / "copy"), pictureOf(folder / "tree"));
 }
@@ -81,7 +81,7 @@ TEST(DittoContent, ReadsFilesThatTheSystemMakesUp) {
 
 TEST(DittoContent, CopiesWhatThereIsOfAFileThatGrows) {
     const TemporaryFolder folder;
-    makeFileOfSize(folder / "tree/log", megabyte);
+    makeFileOfSize(folder / "tree/log", mebibyte);
     std::atomic<bool> isDone = false;
     std::thread writer([&] {
         std::ofstream log(folder / "tree/log", std::ios::binary | std::ios::app);
@@ -92,17 +92,17 @@ TEST(DittoContent, CopiesWhatThereIsOfAFileThatGrows) {
     writer.join();
     EXPECT_EQ(run.status, 0) << run.message;
     const std::string copied = contentOf(folder / "copy/log");
-    EXPECT_GE(copied.size(), static_cast<std::size_t>(megabyte));
+    EXPECT_GE(copied.size(), static_cast<std::size_t>(mebibyte));
     EXPECT_TRUE(isPrefix(copied, contentOf(folder / "tree/log")));
 }
 
 TEST(DittoContent, CopiesWhatIsLeftOfAFileThatShrinks) {
     const TemporaryFolder folder;
-    makeFileOfSize(folder / "tree/log", megabyte);
+    makeFileOfSize(folder / "tree/log", mebibyte);
     const std::string whole = contentOf(folder / "tree/log");
     std::atomic<bool> isDone = false;
     std::thread cutter([&] {
-        for (std::int64_t size = megabyte; size > 0 && !isDone; size -= 1024)
+        for (std::int64_t size = mebibyte; size > 0 && !isDone; size -= 1024)
             ::truncate((folder / "tree/log").c_str(), size);
     });
     const auto run = ditto(folder / "tree", folder / "copy");
@@ -132,7 +132,7 @@ TEST(DittoContent, TakesLittleMemoryForManyFiles) {
 TEST(DittoContent, CopiesTwentyThousandFilesSideBySide) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder mounts;
-    const RealVolume drive = RealVolume::memory(mounts.path(), 400 * megabyte);
+    const RealVolume drive = RealVolume::memory(mounts.path(), 400 * mebibyte);
     for (unsigned i = 0; i < 20000; ++i)
         makeFile(drive / "tree" / std::to_string(i % 37) / std::to_string(i % 11) / std::to_string(i),
                  std::to_string(i));

@@ -1,5 +1,5 @@
-#include "Platform/FileDescriptor.h"
-#include "Platform/Files.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/Files.h"
 #include "StandIns/DittoRun.h"
 #include "Support/DeepTree.h"
 #include "Support/RealVolume.h"

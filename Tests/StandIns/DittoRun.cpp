@@ -1,9 +1,9 @@
 #include "StandIns/DittoRun.h"
 
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Support/ReadToEnd.h"
 
 #include <array>
-#include <cerrno>
 #include <fcntl.h>
 #include <grp.h>
 #include <stdexcept>
@@ -12,20 +12,6 @@
 #include <unistd.h>
 
 namespace tarvik::test {
-
-namespace {
-
-std::string readToEnd(int descriptor) {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (;;) {
-        const ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
-        if (count <= 0) return text;
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-}
-
-}  // namespace
 
 DittoRun runDitto(const std::vector<std::string>& arguments, const std::function<void()>& prepare) {
     const fs::path program = fs::canonical("/proc/self/exe").parent_path() / "stand-ins" / "ditto";

@@ -1,6 +1,6 @@
 #include "State/EventLoop.h"
 
-#include "State/UiThread.h"
+#include "State/Threads/UiThread.h"
 
 #include <QDeadlineTimer>
 #include <QEventLoop>

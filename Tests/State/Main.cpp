@@ -1,4 +1,4 @@
-#include "State/Background.h"
+#include "State/Threads/Background.h"
 
 #include <QCoreApplication>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "State/Dialogs.h"
+#include "State/Shared/Dialogs.h"
 
 #include <deque>
 #include <vector>

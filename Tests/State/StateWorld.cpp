@@ -1,6 +1,6 @@
 #include "State/StateWorld.h"
 
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 #include "State/EventLoop.h"
 #include "Support/Tree.h"
 

@@ -1,8 +1,11 @@
 #pragma once
 
-#include "Platform/VolumeList.h"
-#include "State/AppState.h"
+#include "Platform/Machine/VolumeList.h"
+#include "State/Apps/AppsState.h"
+#include "State/Folders/FoldersState.h"
 #include "State/ScriptedDialogs.h"
+#include "State/Shared/AppState.h"
+#include "State/Symlinks/SymlinksState.h"
 #include "Support/World.h"
 
 #include <gtest/gtest.h>
@@ -61,6 +64,9 @@ protected:
     void holdCopyOf(const std::string& name);
     void waitForHeldCopy();
     void letGo();
+    AppsState& appsTab() const { return state->tab<AppsState>(); }
+    FoldersState& foldersTab() const { return state->tab<FoldersState>(); }
+    SymlinksState& symlinksTab() const { return state->tab<SymlinksState>(); }
     JobStatus statusOf(std::size_t job) const { return state->jobs().at(job).job.status; }
 
     World world;

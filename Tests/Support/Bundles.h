@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Path.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Text/PropertyList.h"
 
 namespace tarvik::test {
 

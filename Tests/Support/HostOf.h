@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Host.h"
+#include "Platform/Machine/Host.h"
 
 namespace tarvik::test {
 

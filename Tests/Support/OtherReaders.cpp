@@ -1,6 +1,6 @@
 #include "Support/OtherReaders.h"
 
-#include "Platform/CommandRunner.h"
+#include "Platform/Processes/CommandRunner.h"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +10,9 @@
 #include <string_view>
 
 namespace tarvik::test {
+
+/// What the sizes of volumes are counted in, in bytes.
+inline constexpr std::int64_t megabyte = 1'000'000;
 
 /// A real, mounted file system of its own, for what only a second volume can show: EXDEV, a full drive, a drive that
 /// was unplugged. It is unmounted, and its mount point removed, at the end of the object's life. Mounts are seen by

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <system_error>
+#include <unistd.h>
 
 namespace tarvik::test {
 

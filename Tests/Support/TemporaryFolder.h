@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
 
 namespace tarvik::test {
 

@@ -1,6 +1,6 @@
 #include "Support/TrackingDatabase.h"
 
-#include "Platform/CommandRunner.h"
+#include "Platform/Processes/CommandRunner.h"
 #include "Support/Tree.h"
 
 #include <stdexcept>

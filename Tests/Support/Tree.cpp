@@ -1,6 +1,6 @@
 #include "Support/Tree.h"
 
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
 #include "Support/World.h"
 
-#include "Platform/AppStorageNames.h"
-#include "Platform/FileError.h"
-#include "Platform/Files.h"
-#include "Platform/ProgramLocation.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Processes/ProgramLocation.h"
 #include "Support/Tree.h"
 
 #include <cerrno>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Platform/DriveInfo.h"
-#include "Platform/Host.h"
-#include "Platform/RunningApplications.h"
-#include "Platform/TrashCan.h"
-#include "Platform/VolumeList.h"
+#include "Platform/Machine/Host.h"
+#include "Platform/Machine/RunningApplications.h"
+#include "Platform/Machine/TrashCan.h"
+#include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/DriveInfo.h"
 #include "Support/TemporaryFolder.h"
 
 #include <cstdint>

@@ -58,10 +58,10 @@ TEST_F(AlertDialog, TakesEscapeAsCancelAlsoOfThreeButtons) {
     const auto editor = world.folder / "Applications/Editor.app";
     makeBundle(editor);
     world.applications->list = {{.process = 1, .bundlePath = editor}};
-    window.state().refreshApps();
+    window.appsState().refreshApps();
     ASSERT_TRUE(window.waitUntil([&] { return window.state().isIdle(); }));
-    window.state().setAppSelected(FilePath(editor), true);
-    window.state().confirmAndMove();
+    window.appsState().setAppSelected(FilePath(editor), true);
+    window.appsState().confirmAndMove();
     window.click("alertButton-0");
     ASSERT_TRUE(window.waitForText("alertTitle", "1 selected app is running"));
     EXPECT_EQ(window.text("alertButton-2"), "Move Anyway");

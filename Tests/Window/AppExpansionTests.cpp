@@ -235,7 +235,7 @@ TEST_F(AppExpansion, KeepsTheTicksOfItsOwnApplicationOnly) {
     EXPECT_EQ(window.text("app-Editor/checkedText"), "1 item selected") << "another tab changes no tick";
     window.click("app-Editor/appChevron");
     EXPECT_TRUE(window.waitUntilHidden("app-Editor/appExpansion"));
-    EXPECT_THAT(window.state().checkedDataPaths().within({world.home}), IsEmpty()) << "nothing unseen stays ticked";
+    EXPECT_THAT(window.appsState().checkedDataPaths().within({world.home}), IsEmpty()) << "nothing unseen stays ticked";
 }
 
 TEST_F(AppExpansion, IsUsedByTheKeyboardAlone) {

@@ -1,5 +1,5 @@
-#include "State/AppIcons.h"
-#include "State/BusyThreads.h"
+#include "State/Apps/AppIcons.h"
+#include "State/Threads/BusyThreads.h"
 #include "Support/Bundles.h"
 #include "Support/IconFiles.h"
 #include "Support/TemporaryFolder.h"

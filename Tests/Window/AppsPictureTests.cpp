@@ -1,4 +1,4 @@
-#include "State/BusyThreads.h"
+#include "State/Threads/BusyThreads.h"
 #include "Window/AppsWindowTest.h"
 
 #include <QTest>
@@ -68,7 +68,7 @@ TEST_P(AppsPicture, Fresh) {
 TEST_P(AppsPicture, Discovering) {
     auto& window = open(GetParam());
     BusyThreads busyThreads(BusyThreads::all(), Priority::userInitiated);
-    window.state().refreshApps();
+    window.appsState().refreshApps();
     EXPECT_TRUE(window.waitUntilShown("discoveringText"));
     window.savePicture("AppsDiscovering-now-" + std::to_string(GetParam().width()));
 }
@@ -78,7 +78,7 @@ TEST_P(AppsPicture, Measuring) {
     makeApps();
     BusyThreads busyThreads;
     window.click("viewPicker-all");
-    window.state().refreshApps();
+    window.appsState().refreshApps();
     EXPECT_TRUE(window.waitUntilShown("app-Atlas/appSizeSpinner"));
     window.savePicture("AppsMeasuring-now-" + std::to_string(GetParam().width()));
 }
@@ -121,7 +121,7 @@ TEST_P(AppsPicture, Opened) {
     window.click("app-Editor/appChevron");
     ASSERT_TRUE(window.waitUntilShown("file-Editor/fileNote"));
     window.click("moreInfoButton");
-    window.state().setAppSelected(FilePath(applications / "Editor.app"), true);
+    window.appsState().setAppSelected(FilePath(applications / "Editor.app"), true);
     QTest::qWait(100);
     auto* tree = &window.item("dataTree");
     tree->forceActiveFocus(Qt::TabFocusReason);

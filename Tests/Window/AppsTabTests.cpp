@@ -1,4 +1,4 @@
-#include "State/BusyThreads.h"
+#include "State/Threads/BusyThreads.h"
 #include "Window/AppsWindowTest.h"
 
 #include <QTest>
@@ -112,19 +112,6 @@ TEST_F(AppsTab, KeepsTheOrderOfEquals) {
     EXPECT_THAT(shownApps(), ElementsAre("Alice", "Bob", "Carol"));
 }
 
-TEST_F(AppsTab, ForgetsItsChoicesWhenItGoes) {
-    app("Editor");
-    auto& window = openScope("local");
-    window.click("appSearch");
-    window.type("Ed");
-    window.click("hideRiskyBox");
-    window.openTab("folders");
-    window.openTab("apps");
-    EXPECT_EQ(window.item("viewPicker").property("choice"), "onDrive");
-    EXPECT_EQ(window.text("appSearch"), "");
-    EXPECT_EQ(window.item("hideRiskyBox").property("checkState").toInt(), Qt::Unchecked);
-}
-
 TEST_F(AppsTab, TicksAllThatIsSeen) {
     app("Editor");
     app("Player");
@@ -134,13 +121,13 @@ TEST_F(AppsTab, TicksAllThatIsSeen) {
     EXPECT_EQ(state(), Qt::Unchecked);
     window.click("selectAllBox");
     EXPECT_EQ(state(), Qt::Checked);
-    EXPECT_EQ(window.state().selectedMovableCount(), 2);
-    EXPECT_EQ(window.state().selectedRestorableCount(), 0);
+    EXPECT_EQ(window.appsState().selectedMovableCount(), 2);
+    EXPECT_EQ(window.appsState().selectedRestorableCount(), 0);
     window.click("app-Editor/appBox");
     EXPECT_EQ(state(), Qt::Unchecked);
     window.click("selectAllBox");
     window.click("selectAllBox");
-    EXPECT_THAT(window.state().selectedAppIDs(), IsEmpty());
+    EXPECT_THAT(window.appsState().selectedAppIDs(), IsEmpty());
 }
 
 TEST_F(AppsTab, ShowsWhatAnApplicationTakesAndItsRisk) {
@@ -148,7 +135,7 @@ TEST_F(AppsTab, ShowsWhatAnApplicationTakesAndItsRisk) {
     app("Editor", 2'000'000, 1'000'000);
     appOnDrive("Far");
     auto& window = openScope("all");
-    const AppEntry& editor = window.state().apps().front().entry;
+    const AppEntry& editor = window.appsState().apps().front().entry;
     ASSERT_EQ(editor.name, "Editor");
     EXPECT_TRUE(window.text("app-Editor/appSize").startsWith("app 2"));
     EXPECT_TRUE(window.text("app-Editor/appDataSize").startsWith("data 1"));
@@ -166,7 +153,7 @@ TEST_F(AppsTab, ShowsASpinnerForWhatIsNotMeasuredYet) {
     auto& window = openScope("local");
     app("Player");
     BusyThreads busyThreads;
-    window.state().refreshApps();
+    window.appsState().refreshApps();
     ASSERT_TRUE(window.waitUntilShown("app-Player"));
     EXPECT_TRUE(window.isShown("app-Player/appSizeSpinner"));
     EXPECT_FALSE(window.isShown("app-Player/appTotal"));
@@ -187,7 +174,7 @@ TEST_F(AppsTab, TellsWhatIsTickedAndWhereItWouldGo) {
     EXPECT_FALSE(window.isEnabled("clearSelectionButton"));
     EXPECT_FALSE(window.isShown("restoreSelectedButton"));
     window.click("app-Editor/appBox");
-    EXPECT_EQ(window.text("selectionText"), "1 selected - " + window.state().selectedTotalText());
+    EXPECT_EQ(window.text("selectionText"), "1 selected - " + window.appsState().selectedTotalText());
     EXPECT_EQ(window.text("targetText"), "Backup");
     EXPECT_EQ(window.text("targetFree"), "412 GB free");
     EXPECT_EQ(window.text("moveAppsButton"), "Move & Symlink");
@@ -211,12 +198,12 @@ TEST_F(AppsTab, TellsWhatIsTickedAndWhereItWouldGo) {
 
     window.click("viewPicker-all");
     EXPECT_EQ(window.text("selectionText"),
-              "1 selected - " + window.state().selectedTotalText() + ", 1 selected to move back");
+              "1 selected - " + window.appsState().selectedTotalText() + ", 1 selected to move back");
     EXPECT_TRUE(window.isEnabled("moveAppsButton"));
     EXPECT_TRUE(window.isEnabled("restoreSelectedButton"));
     EXPECT_EQ(window.text("clearSelectionButton"), "Clear");
     window.click("clearSelectionButton");
-    EXPECT_THAT(window.state().selectedAppIDs(), IsEmpty());
+    EXPECT_THAT(window.appsState().selectedAppIDs(), IsEmpty());
 }
 
 TEST_F(AppsTab, NeedsATargetDrive) {
@@ -305,7 +292,7 @@ TEST_F(AppsTab, IsUsedByTheKeyboardAlone) {
     tabTo("appList");
     window.press(Qt::Key_Down);
     window.press(Qt::Key_Space);
-    EXPECT_THAT(window.state().selectedAppIDs(), ElementsAre("org.example.Player"));
+    EXPECT_THAT(window.appsState().selectedAppIDs(), ElementsAre("org.example.Player"));
     window.press(Qt::Key_Right);
     EXPECT_TRUE(window.waitUntilShown("app-Player/appExpansion"));
     window.press(Qt::Key_Left);

@@ -1,4 +1,4 @@
-#include "State/Background.h"
+#include "State/Threads/Background.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 

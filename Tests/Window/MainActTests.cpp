@@ -1,9 +1,9 @@
 // What the window does to applications, end to end on a practice machine with a real drive, and read back by tools that
 // share nothing with it.
-#include "Discovery/InstallsDB.h"
-#include "Move/HealthManifest.h"
-#include "Platform/SystemFolders.h"
+#include "Platform/Machine/SystemFolders.h"
 #include "Practice/PracticeMachine.h"
+#include "Records/HealthManifest.h"
+#include "Records/InstallsDB.h"
 #include "Support/Bundles.h"
 #include "Support/OtherReaders.h"
 #include "Support/RealVolume.h"

@@ -183,7 +183,7 @@ TEST_F(RefusedMove, OfTheDriveWhatHoldsItAndWhatLiesOnIt) {
 
 TEST_F(RefusedMove, OfTheWholeDisk) {
     auto& window = open();
-    window.state().moveArbitraryFolder(FilePath("/"));
+    window.foldersState().moveArbitraryFolder(FilePath("/"));
     EXPECT_TRUE(window.waitForText("errorToast/toastText", "/ holds the home folder and can't be moved."));
 }
 

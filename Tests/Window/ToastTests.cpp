@@ -77,7 +77,7 @@ class ToastOfTheWindow : public WindowTest {};
 
 TEST_F(ToastOfTheWindow, StaysThreeSeconds) {
     auto& window = open();
-    window.state().moveArbitraryFolder(FilePath(world.home / "Gone"));
+    window.foldersState().moveArbitraryFolder(FilePath(world.home / "Gone"));
     ASSERT_TRUE(window.waitUntilShown("errorToast"));
     auto* timer = window.item("errorToast").findChild<QObject*>("toastTimer");
     EXPECT_EQ(timer->property("interval").toInt(), 3000);
@@ -89,7 +89,7 @@ TEST_F(ToastOfTheWindow, StaysThreeSeconds) {
 
 TEST_F(ToastOfTheWindow, CoversNothingOfTheTab) {
     auto& window = open(small);
-    window.state().moveArbitraryFolder(FilePath(world.home / "Gone"));
+    window.foldersState().moveArbitraryFolder(FilePath(world.home / "Gone"));
     ASSERT_TRUE(window.waitUntilShown("errorToast"));
     const auto& toast = window.item("errorToast");
     EXPECT_LE(toast.mapToScene({0, toast.height()}).y(), window.item("tabContent").mapToScene({}).y());
@@ -99,7 +99,7 @@ TEST_F(ToastOfTheWindow, CoversNothingOfTheTab) {
 TEST_F(ToastOfTheWindow, GoesByItself) {
     auto& window = open();
     window.item("rootView").setProperty("toastDuration", 1);
-    window.state().moveArbitraryFolder(FilePath(world.home / "Gone"));
+    window.foldersState().moveArbitraryFolder(FilePath(world.home / "Gone"));
     EXPECT_TRUE(window.waitUntil([&] { return window.state().isIdle() && window.state().lastError().isEmpty(); }));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Volume.h"
+#include "Platform/Machine/Volume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 #include "Window/WindowUnderTest.h"

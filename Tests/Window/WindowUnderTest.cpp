@@ -1,6 +1,6 @@
 #include "Window/WindowUnderTest.h"
 
-#include "Platform/ProgramLocation.h"
+#include "Platform/Processes/ProgramLocation.h"
 #include "State/QmlModule.h"
 
 #include <QDropEvent>

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Platform/Host.h"
-#include "State/AppState.h"
-#include "State/WindowDialogs.h"
+#include "Platform/Machine/Host.h"
+#include "State/Apps/AppsState.h"
+#include "State/Folders/FoldersState.h"
+#include "State/Shared/AppState.h"
+#include "State/Shared/WindowDialogs.h"
 
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
@@ -49,6 +51,8 @@ public:
     ~WindowUnderTest();
 
     AppState& state() { return *m_state; }
+    AppsState& appsState() { return m_state->tab<AppsState>(); }
+    FoldersState& foldersState() { return m_state->tab<FoldersState>(); }
     QQuickWindow& window() { return *m_window; }
 
     /// The item that is shown under this name, or null.

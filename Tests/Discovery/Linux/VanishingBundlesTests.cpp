@@ -55,6 +55,7 @@ TEST_F(VanishingBundles, DoNotDisturbAScanOfAllApplications) {
     const auto kept = InstalledAppsScanner::inspect(world.host, first);
     const auto records = whileTheyVanish([&] { return InstalledAppsScanner::discover(world.host); });
     EXPECT_THAT(records, Contains(*kept));
+    EXPECT_THAT(records, SizeIs(4)) << "the others had been listed by then";
     for (const AppRecord& record : records)
         EXPECT_EQ(record.bundleIdentifier, record.bundlePath == first ? kept->bundleIdentifier : std::nullopt);
     EXPECT_THAT(InstalledAppsScanner::discover(world.host), SizeIs(1));
@@ -64,6 +65,7 @@ TEST_F(VanishingBundles, DoNotDisturbAScanOfTheMovable) {
     const auto kept = AppScanner::metadataEntry(world.host, first);
     const auto entries = whileTheyVanish([&] { return AppScanner::discoverMetadata(world.host); });
     EXPECT_THAT(entries, Contains(*kept));
+    EXPECT_THAT(entries, SizeIs(4)) << "the others had been listed by then";
     for (const AppEntry& entry : entries) {
         if (entry.bundlePath == first) continue;
         EXPECT_EQ(entry.bundleIdentifier, std::nullopt) << entry.bundlePath;

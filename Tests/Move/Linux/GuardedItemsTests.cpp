@@ -1,8 +1,8 @@
 // What the rules of the file system let nobody read, remove or link to.
-#include "Move/MoveRefusal.h"
+#include "Copying/MoverError.h"
 #include "Move/MoverEngine.h"
-#include "Move/MoverError.h"
-#include "Platform/Files.h"
+#include "MovePlan/MoveRefusal.h"
+#include "Platform/Files/Files.h"
 #include "Support/Linux/DriveFaults.h"
 #include "Support/Linux/PlainUser.h"
 #include "Support/RealVolume.h"

@@ -1,6 +1,6 @@
 // A drive that goes away, fails or may not be written to any more while a copy is under way.
 #include "Move/MoverEngine.h"
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 #include "Support/Linux/DriveFaults.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"

@@ -1,7 +1,7 @@
 // What programs write through memory mappings, without a system call that anyone could see.
 #include "Move/MoverEngine.h"
-#include "Platform/FileDescriptor.h"
-#include "Platform/Files.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/Files.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"

@@ -1,4 +1,4 @@
-#include "Platform/Files.h"
+#include "Platform/Files/Files.h"
 
 #include <gtest/gtest.h>
 

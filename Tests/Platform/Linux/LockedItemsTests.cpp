@@ -1,7 +1,7 @@
 // Flags of ext4, and files that are mounted: what lets nobody remove an item.
-#include "Platform/FileDescriptor.h"
-#include "Platform/Files.h"
-#include "Platform/TreeObstacle.h"
+#include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/TreeObstacle.h"
 #include "Support/Linux/DriveFaults.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"

@@ -1,6 +1,6 @@
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Linux/PatientStatus.h"
-#include "Platform/VolumeList.h"
+#include "Platform/Machine/VolumeList.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"

@@ -1,4 +1,4 @@
-#include "Platform/ThreadPriority.h"
+#include "Platform/Processes/ThreadPriority.h"
 
 #include <gtest/gtest.h>
 

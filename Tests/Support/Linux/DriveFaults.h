@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/FileDescriptor.h"
-#include "Platform/Path.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Files/FileDescriptor.h"
 
 /// What drives and file systems of this system do to their users.
 namespace tarvik::test {

@@ -1,6 +1,6 @@
 #include "Support/RealVolume.h"
 
-#include "Platform/FileDescriptor.h"
+#include "Platform/Files/FileDescriptor.h"
 
 #include <fmt/format.h>
 

@@ -1,0 +1,166 @@
+#include "Copying/MoveVerifier.h"
+#include "Support/Tree.h"
+#include "Support/World.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+namespace tarvik::test {
+
+namespace {
+
+/// Two equal trees.
+class MoveVerifierTest : public testing::Test {
+protected:
+    MoveVerifierTest() {
+        for (const auto& root : {source, copy}) {
+            makeFile(root / "a", "12345");
+            makeFile(root / "sub/.b", "x");
+            makeLink(root / "link", "a");
+            makeLink(root / "sub/dangling", "nowhere");
+            makePipe(root / "pipe");
+        }
+    }
+
+    std::string reason() { return tarvik::MoveVerifier::failureReason(world.host, source, copy).value_or("good"); }
+    std::string reasonByItem() {
+        return tarvik::MoveVerifier::failureReasonByItem(world.host, source, copy).value_or("good");
+    }
+
+    World world;
+    fs::path source = world.folder / "Tree";
+    fs::path copy = world.drive / "Copy";
+};
+
+}  // namespace
+
+TEST_F(MoveVerifierTest, FindsNothingWrongWithAGoodCopy) {
+    EXPECT_EQ(reason(), "good");
+    EXPECT_EQ(reasonByItem(), "good");
+}
+
+TEST_F(MoveVerifierTest, MissesTheWholeCopy) {
+    fs::remove_all(copy);
+    EXPECT_EQ(reason(), "Copy is missing at the destination.");
+}
+
+TEST_F(MoveVerifierTest, ReportsAShortCountBeforeAnyItem) {
+    makeFile(copy / "a", "1");
+    fs::remove(copy / "sub/.b");
+    EXPECT_EQ(reason(), "Tree copied with 6 of 7 entries — 1 missing.");
+    EXPECT_EQ(reasonByItem(), "a copied with a different file size.");
+}
+
+TEST_F(MoveVerifierTest, PassesMoreEntriesAtTheDestination) {
+    makeFile(copy / "extra", "more");
+    EXPECT_EQ(reason(), "good");
+}
+
+TEST_F(MoveVerifierTest, FindsAnItemThatIsMissingThoughTheCountIsRight) {
+    fs::rename(copy / "sub/.b", copy / "sub/.c");
+    EXPECT_EQ(reason(), "sub/.b is missing at the destination.");
+}
+
+TEST_F(MoveVerifierTest, FindsAnotherSize) {
+    makeFile(copy / "sub/.b", "xy");
+    EXPECT_EQ(reason(), "sub/.b copied with a different file size.");
+}
+
+TEST_F(MoveVerifierTest, FindsAFileWhereAFolderShouldStand) {
+    makeFolder(source / "folder");
+    makeFile(copy / "folder");
+    EXPECT_EQ(reason(), "folder is not a folder at the destination.");
+}
+
+TEST_F(MoveVerifierTest, FindsAFolderWhereAFileShouldStand) {
+    makeFile(source / "file");
+    makeFolder(copy / "file");
+    EXPECT_EQ(reason(), "file copied with a different file size.");
+}
+
+TEST_F(MoveVerifierTest, ComparesLinkTextsAsTheyStand) {
+    fs::remove(copy / "link");
+    makeLink(copy / "link", "./a");
+    EXPECT_EQ(reason(), "link symlink target does not match.");
+}
+
+TEST_F(MoveVerifierTest, FindsALinkThatBecameAFile) {
+    fs::remove(copy / "link");
+    makeFile(copy / "link", "12345");
+    EXPECT_EQ(reason(), "link symlink target does not match.");
+}
+
+TEST_F(MoveVerifierTest, CountsASocketThatTheItemsPassOver) {
+    makeSocket(source / "sub/socket");
+    EXPECT_EQ(reason(), "Tree copied with 7 of 8 entries — 1 missing.");
+    EXPECT_EQ(reasonByItem(), "good");
+}
+
+TEST_F(MoveVerifierTest, ComparesASingleFileBySizeAlone) {
+    EXPECT_EQ(tarvik::MoveVerifier::failureReason(world.host, source / "a", copy / "a"), std::nullopt);
+    makeFile(copy / "a", "1");
+    EXPECT_EQ(tarvik::MoveVerifier::failureReason(world.host, source / "a", copy / "a"),
+              "a copied with a different file size.");
+}
+
+TEST_F(MoveVerifierTest, CountsNothingButFolders) {
+    const fs::path isCounted = world.folder / "counted";
+    world.host.tools.find = world.tool("find", "echo \"$1\" >> '" + isCounted.native() + "'");
+    EXPECT_EQ(tarvik::MoveVerifier::failureReason(world.host, source / "a", copy / "a"), std::nullopt);
+    EXPECT_EQ(tarvik::MoveVerifier::failureReason(world.host, source / "link", copy / "link"), std::nullopt);
+    EXPECT_FALSE(fs::exists(isCounted));
+    EXPECT_EQ(reason(), "good");
+    EXPECT_TRUE(fs::exists(isCounted));
+}
+
+TEST_F(MoveVerifierTest, PassesAnUnknownCount) {
+    world.host.tools.find = "/no/such/tool";
+    EXPECT_EQ(reason(), "good");
+    makeSocket(source / "socket");
+    EXPECT_EQ(reason(), "good");
+}
+
+TEST_F(MoveVerifierTest, HandlesNamesInBothSpellingsOfAnAccent) {
+    for (const auto& root : {source, copy}) {
+        makeFile(root / "caf\xc3\xa9/one", "1");
+        makeFile(root / "cafe\xcc\x81/one", "22");
+    }
+    EXPECT_EQ(reason(), "good");
+    makeFile(copy / "cafe\xcc\x81/one", "2");
+    EXPECT_EQ(reason(), "cafe\xcc\x81/one copied with a different file size.");
+}
+
+TEST_F(MoveVerifierTest, CountsNamesWithLineBreaksAlikeOnBothSides) {
+    for (const auto& root : {source, copy}) makeFile(root / "two\nlines\n");
+    EXPECT_EQ(reason(), "good");
+}
+
+TEST_F(MoveVerifierTest, CountsNoLineBreaksOfTheFoldersAroundTheTrees) {
+    const fs::path broken = world.folder / "two\nlines/and\n";
+    fs::create_directories(broken);
+    fs::rename(source, broken / "Tree");
+    source = broken / "Tree";
+    EXPECT_EQ(reason(), "good");
+    std::swap(source, copy);
+    EXPECT_EQ(reason(), "good");
+    fs::remove(copy / "sub/.b");
+    EXPECT_EQ(reason(), "Copy copied with 6 of 7 entries — 1 missing.");
+}
+
+TEST_F(MoveVerifierTest, WalksATreeThatIsDeeperThanAPathCanSay) {
+    for (const auto& root : {source, copy}) {
+        const fs::path before = fs::current_path();
+        fs::current_path(root);
+        const std::string name(200, 'd');
+        for (int level = 0; level < 60; ++level) {
+            ASSERT_EQ(::mkdir(name.c_str(), 0755), 0);
+            fs::current_path(name);
+        }
+        makeFile("bottom", root == source ? "same" : "other");
+        fs::current_path(before);
+    }
+    EXPECT_NE(reason().find("bottom copied with a different file size."), std::string::npos);
+}
+
+}  // namespace tarvik::test

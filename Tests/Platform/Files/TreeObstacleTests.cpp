@@ -1,0 +1,85 @@
+#include "Platform/Files/Files.h"
+#include "Platform/Files/TreeObstacle.h"
+#include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/Tree.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tarvik::test {
+
+namespace {
+
+/// The obstacle's failure, in words.
+std::string words(const std::optional<TreeObstacle>& obstacle) {
+    return obstacle ? obstacle->error().description() : "none";
+}
+
+class TreeObstacles : public testing::Test {
+protected:
+    TreeObstacles() {
+        makeFile(tree / "sub/file");
+        makeLink(tree / "link", "sub");
+        makePipe(tree / "pipe");
+        fs::permissions(tree, fs::perms::all);
+    }
+
+    const TemporaryFolder folder;
+    const fs::path tree = folder / "tree";
+};
+
+}  // namespace
+
+TEST_F(TreeObstacles, AreNoneInAnOrdinaryTree) {
+    EXPECT_EQ(words(TreeObstacle::toMove(tree)), "none");
+    EXPECT_EQ(words(TreeObstacle::toMove(tree / "sub/file")), "none");
+    EXPECT_EQ(words(TreeObstacle::toMove(tree / "link")), "none");
+    EXPECT_EQ(words(TreeObstacle::toMove(tree / "missing")), "none");
+}
+
+TEST_F(TreeObstacles, AreSocketsForAMoveAlone) {
+    makeSocket(tree / "sub/socket");
+    const auto obstacle = TreeObstacle::toMove(tree);
+    ASSERT_TRUE(obstacle);
+    EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::socket);
+    EXPECT_EQ(obstacle->path, tree / "sub/socket");
+    EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+}
+
+TEST_F(TreeObstacles, AreSomeoneElsesItemsInAFolderWithTheStickyBit) {
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
+    ASSERT_EQ(::chmod((tree / "sub").c_str(), 01777), 0);
+    EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+    {
+        const OrdinaryUser user(folder.path());
+        EXPECT_EQ(words(TreeObstacle::toRemoval(tree)),
+                  "Could not remove " + (tree / "sub/file").native() + ": Operation not permitted");
+    }
+    // The owner of the file, and that of the folder, may.
+    ASSERT_EQ(::chown((tree / "sub/file").c_str(), 65534, 65534), 0);
+    {
+        const OrdinaryUser user(folder.path());
+        EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+    }
+    ASSERT_EQ(::chown((tree / "sub/file").c_str(), 0, 0), 0);
+    ASSERT_EQ(::chown((tree / "sub").c_str(), 65534, 65534), 0);
+    const OrdinaryUser user(folder.path());
+    EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+}
+
+TEST_F(TreeObstacles, AreTheItemItselfInASharedFolder) {
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
+    ASSERT_EQ(::chmod(tree.c_str(), 01777), 0);
+    const OrdinaryUser user(folder.path());
+    for (const char* name : {"sub", "link", "pipe"})
+        EXPECT_EQ(words(TreeObstacle::toRemoval(tree / name)),
+                  "Could not remove " + (tree / name).native() + ": Operation not permitted");
+}
+
+}  // namespace tarvik::test

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace tarvik::test {
+
+/// What an act tells the user when it fails; "done" when it does not.
+std::string failureOf(const std::function<void()>& act);
+
+}  // namespace tarvik::test
