@@ -62,27 +62,26 @@ bool areAlike(std::string_view left, std::string_view right) {
            (Text::caseFolded(left) == Text::caseFolded(right) || Text::localizedCompare(left, right) == 0);
 }
 
-/// Links in the folder are followed, the item itself is not: it may be a link that stands for an application.
-fs::path withResolvedFolder(const fs::path& path) {
-    const auto folder = Files::resolved(path.parent_path());
-    return folder ? *folder / path.filename() : path;
-}
-
 Choices atPath(const std::vector<AppEntry>& entries, std::string_view wanted) {
     const auto written = WrittenPath::meant(wanted);
     auto choices = choicesOf(entries, [&](const AppEntry& entry) { return entry.bundlePath == written; });
     if (!choices.empty()) return choices;
 
-    const auto item = Files::resolved(written);
-    if (!item && !Files::itemExists(written)) return {};
-    const auto place = withResolvedFolder(written);
-    choices = choicesOf(entries, [&](const AppEntry& entry) { return withResolvedFolder(entry.bundlePath) == place; });
-    if (!choices.empty() || !item) return choices;
-    return choicesOf(entries, [&](const AppEntry& entry) { return Files::resolved(entry.bundlePath) == item; });
+    // Links in the folder are followed, the item itself is not: it may be a link that stands for an application.
+    const auto item = Files::info(written);
+    if (!item) return {};
+    choices = choicesOf(entries,
+                        [&](const AppEntry& entry) { return Files::isSameItem(Files::info(entry.bundlePath), item); });
+    if (!choices.empty()) return choices;
+    const auto target = Files::infoFollowingLinks(written);
+    return choicesOf(entries, [&](const AppEntry& entry) {
+        return Files::isSameItem(Files::infoFollowingLinks(entry.bundlePath), target);
+    });
 }
 
 Choices fitting(const std::vector<AppEntry>& entries, std::string_view wanted) {
-    const auto exactly = [&](std::string_view text) { return text == wanted; };
+    const std::string composed = Text::composed(wanted);
+    const auto exactly = [&](std::string_view text) { return Text::composed(text) == composed; };
     const auto roughly = [&](std::string_view text) { return areAlike(text, wanted); };
     auto choices = choicesOf(entries, [&](const AppEntry& entry) { return goesBy(entry, exactly); });
     if (choices.empty()) choices = atPath(entries, wanted);

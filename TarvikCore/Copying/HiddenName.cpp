@@ -68,7 +68,9 @@ std::optional<Reading> read(std::string_view name) {
 }
 
 bool isFor(std::string_view name, Purpose purpose, const fs::path& item) {
-    return read(name) == Reading{purpose, shortened(item, purpose)};
+    const auto reading = read(name);
+    return reading && reading->purpose == purpose &&
+           Text::nameKey(reading->ownName) == Text::nameKey(shortened(item, purpose));
 }
 
 std::string inOwnName(std::string text, const fs::path& hidden, const fs::path& item) {

@@ -33,7 +33,8 @@ struct Reading {
 };
 /// Nothing when the name is none of ours.
 std::optional<Reading> read(std::string_view name);
-/// Whether it is a name that `item` bears for that purpose.
+/// Whether it is a name that `item` bears for that purpose, as volumes see names that fold case and normal forms: they
+/// may list it in another spelling.
 bool isFor(std::string_view name, Purpose purpose, const fs::path& item);
 
 /// What tells of an item under its hidden name, or in a folder of that name, told of its own place.

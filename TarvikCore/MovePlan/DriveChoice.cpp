@@ -3,6 +3,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/WrittenPath.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -37,16 +38,24 @@ const DriveInfo* holderOf(const std::vector<DriveInfo>& drives, const fs::path& 
     return holder;
 }
 
+/// Whether a path that was typed, or the same with links resolved, is the drive's mount path, by whatever spelling.
+/// Another drive is not asked: it may be one that no longer answers.
+bool standsAt(const DriveInfo& drive, const fs::path& written, const fs::path& resolved) {
+    if (drive.mountPath == written || drive.mountPath == resolved) return true;
+    return Text::nameKey(drive.mountPath.filename().native()) == Text::nameKey(resolved.filename().native()) &&
+           Files::isSameItem(Files::info(drive.mountPath), Files::info(resolved));
+}
+
 }  // namespace
 
 const DriveInfo& named(const std::vector<DriveInfo>& drives, std::string_view wanted) {
     const bool isPath = wanted.find('/') != std::string_view::npos;
     const auto written = isPath ? WrittenPath::meant(wanted) : fs::path();
     const auto path = Files::resolved(written).value_or(written);
+    const std::string name = Text::composed(wanted);
     std::vector<const DriveInfo*> fitting;
     for (const auto& drive : drives)
-        if (drive.name == wanted || (isPath && (drive.mountPath == written || drive.mountPath == path)))
-            fitting.push_back(&drive);
+        if (Text::composed(drive.name) == name || (isPath && standsAt(drive, written, path))) fitting.push_back(&drive);
     if (fitting.size() == 1) return *fitting.front();
     if (fitting.size() > 1)
         throw failure(severalFit, fmt::format("More than one drive is called \"{}\": {}. Name one by its mount path.",

@@ -8,9 +8,9 @@
 /// Picks one drive of a list, by rules that every front shares. Safe on every thread.
 namespace tarvik::DriveChoice {
 
-/// The drive that `wanted` names: its mount path, or its volume name to the letter. A relative path is taken from the
-/// working directory, and links in a path are followed. @throws Failure with the sentence for the user when no drive or
-/// more than one fits.
+/// The drive that `wanted` names: its mount path, or its volume name to the letter, composed or decomposed. A relative
+/// path is taken from the working directory, and links in a path are followed. @throws Failure with the sentence for
+/// the user when no drive or more than one fits.
 const DriveInfo& named(const std::vector<DriveInfo>& drives, std::string_view wanted);
 
 /// Whether something can be moved to the drive: it can be written to and is not the disk that the system starts from.

@@ -6,12 +6,15 @@
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Storage/SizingService.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <string>
+#include <tuple>
 #include <unordered_set>
 #include <utility>
 
@@ -99,8 +102,17 @@ private:
 
     /// Of several for one destination the first: what two applications share moves once.
     void add(Item item) {
-        if (mayMove(item.source, m_roots) && m_destinations.insert(item.destination.native()).second)
+        if (mayMove(item.source, m_roots) && m_destinations.insert(item.destination.native()).second &&
+            isNew(item.source))
             m_items.push_back(std::move(item));
+    }
+
+    /// Whether no other spelling of the path was added. Two hard links are two items.
+    bool isNew(const fs::path& source) {
+        const auto item = Files::info(source);
+        if (!item) return false;
+        const std::string name = Text::nameKey(source.filename().native());
+        return m_sources.emplace(item->device, item->inode, name).second;
     }
 
     bool holdsBundle(const Item& item) const {
@@ -113,6 +125,8 @@ private:
     const fs::path m_data;
     const std::string m_driveMark;
     Places m_destinations;
+    /// Volume, number and name of each source.
+    std::set<std::tuple<std::uint64_t, std::uint64_t, std::string>> m_sources;
     Places m_foldersOfBundles;
     std::vector<Item> m_items;
 };

@@ -64,6 +64,13 @@ TEST(AppChoice, FindsAnApplicationByItsPathHoweverItIsSpelled) {
         EXPECT_EQ(answer(path), "/Applications/Archive/Music.app") << path;
 }
 
+TEST(AppChoice, TellsTwoNamesApartThatOnlyAFoldingVolumeTakesForOne) {
+    const std::vector<AppEntry> list = {app("e\u0301diteur", "/Applications/a.app"),
+                                        app("E\u0301diteur", "/Applications/b.app")};
+    EXPECT_EQ(answer("\u00C9diteur", list), "/Applications/b.app");
+    EXPECT_EQ(answer("\u00E9diteur", list), "/Applications/a.app");
+}
+
 TEST(AppChoice, FollowsLinksInAPath) {
     const test::TemporaryFolder folder;
     test::makeFolder(folder / "Drive/Far.app");

@@ -39,6 +39,13 @@ TEST(HiddenName, TellsOfItsItemAndItsPurpose) {
               (HiddenName::Reading{Purpose::removal, "Music"}));
 }
 
+TEST(HiddenName, IsKnownInTheSpellingThatAVolumeLists) {
+    using HiddenName::Purpose;
+    EXPECT_TRUE(HiddenName::isFor(".tarvik-moving-0A1B2C3D-Cafe\u0301", Purpose::copy, "/home/Caf\u00E9"));
+    EXPECT_TRUE(HiddenName::isFor(".tarvik-moving-0A1B2C3D-music", Purpose::copy, "/home/Music"));
+    EXPECT_FALSE(HiddenName::isFor(".tarvik-moving-0A1B2C3D-musik", Purpose::copy, "/home/Music"));
+}
+
 TEST(HiddenName, IsNoNameOfSomeoneElse) {
     for (const char* name :
          {"", "Music", ".tarvik-notes", ".tarvik-moving-notes", ".tarvik-moving-12345678", ".tarvik-moving-1234ABCD-",

@@ -1,5 +1,6 @@
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Basics/Failure.h"
+#include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -43,6 +44,23 @@ std::string sentenceOfTarget(const DriveInfo& target) {
 TEST(DriveChoice, FindsADriveByItsName) {
     EXPECT_EQ(DriveChoice::named(drives, "audio").mountPath, "/Volumes/audio");
     EXPECT_EQ(DriveChoice::named(drives, "in/out").mountPath, "/Volumes/in:out");
+}
+
+TEST(DriveChoice, FindsANameInEitherNormalForm) {
+    const std::vector<DriveInfo> list = {drive("Cafe\u0301", "/Volumes/Cafe\u0301"), drive("caf\u00E9", "/Volumes/1")};
+    EXPECT_EQ(DriveChoice::named(list, "Caf\u00E9").mountPath, "/Volumes/Cafe\u0301");
+    EXPECT_EQ(DriveChoice::named(list, "cafe\u0301").mountPath, "/Volumes/1");
+}
+
+TEST(DriveChoice, FindsAMountPathByWhatStandsThere) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const test::TemporaryFolder folder;
+    test::makeFolder(folder / "Volumes/Studio");
+    const auto view = test::RealVolume::viewOf(folder / "Volumes", folder.path());
+    if (!view) TARVIK_SKIP_BECAUSE("This system shows no folder twice.");
+    const std::vector<DriveInfo> list = {drive("Studio Drive", folder / "Volumes/Studio")};
+    EXPECT_EQ(DriveChoice::named(list, (*view / "Studio").native()).name, "Studio Drive");
+    EXPECT_NE(sentenceOf((*view / "Other").native(), list), "found");
 }
 
 TEST(DriveChoice, FindsADriveByItsMountPathHoweverItIsSpelled) {

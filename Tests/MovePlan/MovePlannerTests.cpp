@@ -54,6 +54,17 @@ TEST_F(MovePlannerTest, MakesOneJobForABundleWithoutData) {
     EXPECT_EQ(jobs[0].bytesCopied, 0);
 }
 
+TEST_F(MovePlannerTest, MakesOneJobForAnItemThatIsNamedInTwoWays) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const fs::path support = library / "Application Support/Editor";
+    const auto entry = entryOf(applications / "Editor.app", {support});
+    const auto view = test::RealVolume::viewOf(library, world.folder.path());
+    if (!view) TARVIK_SKIP_BECAUSE("This system shows no folder twice.");
+    auto twice = entry;
+    twice.dataPaths.push_back(*view / "Application Support/Editor");
+    EXPECT_EQ(sources({twice}), sources({entry}));
+}
+
 TEST_F(MovePlannerTest, MakesAJobForEachDataPathAfterTheBundle) {
     const fs::path support = library / "Application Support/Editor";
     const fs::path shared = world.folder / "Library/Application Support/Acme";

@@ -92,6 +92,13 @@ void addPathsOf(std::string_view line, std::unordered_set<std::string_view>& pat
     }
 }
 
+/// Whether both paths, standardized, lead to one bundle.
+bool areSameBundle(const fs::path& one, const fs::path& other) {
+    if (one == other) return true;
+    return Text::nameKey(one.filename().native()) == Text::nameKey(other.filename().native()) &&
+           Files::isSameItem(Files::info(one), Files::info(other));
+}
+
 /// Looks until no instance is left, or the time is over. @returns whether none is left.
 bool waitUntilGone(const Host& host, const fs::path& bundlePath, Seconds limit) {
     const auto begin = steady_clock::now();
@@ -139,8 +146,15 @@ std::set<fs::path> bundlePaths(const Host& host) {
     return bundles;
 }
 
+bool isAmong(const std::set<fs::path>& bundles, const fs::path& bundlePath) {
+    const fs::path wanted = Files::standardized(bundlePath);
+    return bundles.contains(wanted) || std::any_of(bundles.begin(), bundles.end(), [&](const fs::path& bundle) {
+               return areSameBundle(bundle, wanted);
+           });
+}
+
 bool isRunning(const Host& host, const fs::path& bundlePath) {
-    return bundlePaths(host).contains(Files::standardized(bundlePath));
+    return isAmong(bundlePaths(host), bundlePath);
 }
 
 bool containsProcess(const Host& host, std::string_view name) {
@@ -155,7 +169,7 @@ std::vector<RunningApplication> runningInstances(const Host& host, const fs::pat
     const fs::path standardized = Files::standardized(bundlePath);
     auto applications = host.runningApplications->running();
     std::erase_if(applications, [&](const RunningApplication& application) {
-        return Files::standardized(application.bundlePath) != standardized;
+        return !areSameBundle(Files::standardized(application.bundlePath), standardized);
     });
     return applications;
 }

@@ -19,7 +19,11 @@ namespace tarvik::RunningAppsDetector {
 /// this process and of the ones that started it: they name what they are asked to move, and count only for the bundles
 /// that their programs stand in. Whoever has several bundles to test takes the set once.
 std::set<fs::path> bundlePaths(const Host& host);
-/// Whether the bundle at exactly this path, standardized, is in use.
+/// Whether the bundle is among them: by its path, standardized, or as the same item by another spelling. A volume may
+/// fold case and normal forms, and a Mac's tools may answer in others. Looks at the disk only for bundles whose names
+/// such a volume takes for the same.
+bool isAmong(const std::set<fs::path>& bundles, const fs::path& bundlePath);
+/// Whether the bundle at this path is in use.
 bool isRunning(const Host& host, const fs::path& bundlePath);
 /// Whether a line of the process list contains the name, without regard to case.
 bool containsProcess(const Host& host, std::string_view name);

@@ -1,7 +1,9 @@
 #include "Platform/Files/Files.h"
 
+#include "Platform/Basics/Identifier.h"
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/FolderListing.h"
+#include "Platform/Files/StoredSpelling.h"
 #include "Platform/Files/SystemCalls.h"
 
 #include <algorithm>
@@ -31,6 +33,16 @@ int writeAll(int descriptor, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return 0;
+}
+
+/// Renames an item to another spelling of its name. In two steps: a rename from one name of an item to another one does
+/// nothing, see rename(2). @returns 0 or an errno value, and then it stands where it stood.
+int respell(const fs::path& from, const fs::path& to) {
+    const fs::path between = from.parent_path() / ("." + newIdentifier());
+    if (const int error = SystemCalls::renameExclusively(from, between)) return error;
+    const int error = SystemCalls::renameExclusively(between, to);
+    if (error) SystemCalls::renameExclusively(between, from);
+    return error;
 }
 
 /// False when something stands there already.
@@ -89,6 +101,16 @@ fs::path standardized(const fs::path& path) {
 bool isAtOrBelow(const fs::path& path, const fs::path& ancestor) {
     const auto [end, ignored] = std::mismatch(ancestor.begin(), ancestor.end(), path.begin(), path.end());
     return end == ancestor.end();
+}
+
+bool isItemAtOrBelow(const fs::path& path, const fs::path& ancestor) {
+    if (isAtOrBelow(path, ancestor)) return true;
+    const auto item = info(ancestor);
+    if (!item) return false;
+    for (fs::path place = path;; place = place.parent_path()) {
+        if (isSameItem(info(place), item)) return true;
+        if (place == place.parent_path()) return false;
+    }
 }
 
 bool exists(const fs::path& path) {
@@ -184,8 +206,9 @@ void removeLink(const fs::path& link) {
 }
 
 void rename(const fs::path& from, const fs::path& to) {
-    if (const int error = SystemCalls::renameExclusively(from, to))
-        throw FileError("move", from.native() + " to " + to.native(), error);
+    int error = SystemCalls::renameExclusively(from, to);
+    if (error == EEXIST && from != to && StoredSpelling::areOneName(from, to)) error = respell(from, to);
+    if (error) throw FileError("move", from.native() + " to " + to.native(), error);
 }
 
 void exchange(const fs::path& first, const fs::path& second, const fs::path& between) {

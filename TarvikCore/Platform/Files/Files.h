@@ -43,6 +43,9 @@ ItemInfo infoOfStatus(const struct stat& status);
 fs::path standardized(const fs::path& path);
 /// True when `path` is `ancestor` itself or lies below it, by their text. Both must be standardized.
 bool isAtOrBelow(const fs::path& path, const fs::path& ancestor);
+/// The same for what stands there, by whatever spelling: `path` need not be there, and links are not followed. A status
+/// call for each folder on the way.
+bool isItemAtOrBelow(const fs::path& path, const fs::path& ancestor);
 
 /// Whether something stands at the path, links followed: a dangling link does not exist.
 bool exists(const fs::path& path);
@@ -90,7 +93,8 @@ public:
 void removeItem(const fs::path& path, Obstacles obstacles = Obstacles::lookedFor);
 /// Removes a folder that holds nothing. @throws FileError also when it holds something.
 void removeEmptyFolder(const fs::path& folder);
-/// Renames within one volume and never replaces what stands at `to`.
+/// Renames within one volume and never replaces what stands at `to`. Where a volume takes both for one name, the item
+/// gets the new spelling.
 /// @throws FileError with EEXIST when `to` is taken, with EXDEV when `to` is on another volume.
 void rename(const fs::path& from, const fs::path& to);
 /// Lets two items of one volume take each other's name. On nearly all file systems that is one step, and nobody ever

@@ -2,6 +2,8 @@
 
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/Firmlinks.h"
+#include "Platform/Files/StoredSpelling.h"
 
 #include <fmt/format.h>
 
@@ -28,10 +30,15 @@ fs::path resolvedAsFarAsItGoes(const fs::path& path) {
     return Files::standardized(error ? path : result);
 }
 
+/// As scans and listings spell it.
+fs::path asStored(const fs::path& path) {
+    return StoredSpelling::of(Firmlinks::shortFormHere(path));
+}
+
 }  // namespace
 
 fs::path meant(const fs::path& written) {
-    fs::path plain = Files::standardized(written);
+    const fs::path plain = Files::standardized(written);
     fs::path through, behind;
     for (const fs::path& component : written) {
         if (component == "..") {
@@ -42,9 +49,9 @@ fs::path meant(const fs::path& written) {
             behind /= component;
         }
     }
-    if (through.empty()) return plain;
+    if (through.empty()) return asStored(plain);
     const fs::path real = resolvedAsFarAsItGoes(through);
-    if (real == resolvedAsFarAsItGoes(Files::standardized(through))) return plain;
+    if (real == resolvedAsFarAsItGoes(Files::standardized(through))) return asStored(plain);
     throw refusal(fmt::format("With \"..\" behind a symlink, {} may mean {} or {}. Name the one that is meant.",
                               written.native(), Files::standardized(real / behind).native(), plain.native()));
 }

@@ -7,7 +7,8 @@ namespace tarvik::WrittenPath {
 
 /// The standardized path that `written` means. ".." behind a link leads out of the folder that the link leads to, not
 /// of the one that the link stands in: what could be taken for another place than the system takes it for is refused.
-/// Looks at the disk only where there is a "..".
+/// Names come as the volume keeps them (`StoredSpelling`), where it takes what was typed for them, and a place on a
+/// Mac's data volume by its usual path (`Firmlinks`). Blocks for a listing of each folder on the way.
 /// @throws Failure with the sentence for the user when it could, or when ".." stands behind a link that leads nowhere.
 fs::path meant(const fs::path& written);
 

@@ -1,6 +1,7 @@
 #include "Platform/Machine/SystemFolders.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Files/Firmlinks.h"
 
 #include <algorithm>
 #include <iterator>
@@ -152,8 +153,8 @@ bool isImmovable(const Host& host, const fs::path& resolvedFolder) {
     if (host.home != host.root && isStrictlyBelow(resolvedFolder, host.home))
         return resolvedFolder == host.home / "Library" || resolvedFolder == host.home / "Applications";
     if (Files::isAtOrBelow(resolvedFolder, host.root))
-        return staysByTable("/" / resolvedFolder.lexically_relative(host.root));
-    return staysByTable(resolvedFolder);
+        return staysByTable(Firmlinks::shortForm("/" / resolvedFolder.lexically_relative(host.root)));
+    return staysByTable(Firmlinks::shortForm(resolvedFolder));
 }
 
 }  // namespace tarvik::SystemFolders

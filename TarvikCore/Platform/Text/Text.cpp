@@ -9,6 +9,7 @@
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/locid.h>
+#include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/utext.h>
 #include <unicode/utf16.h>
@@ -293,6 +294,23 @@ std::string Text::caseFolded(std::string_view text) {
                            sink, nullptr, status);
     throwUnicodeFailure(status);
     return folded;
+}
+
+std::string Text::composed(std::string_view text) {
+    if (isAscii(text) || !isValidUtf8(text)) return std::string(text);
+    std::string result;
+    icu::StringByteSink<std::string> sink(&result);
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* const composer = icu::Normalizer2::getNFCInstance(status);
+    throwUnicodeFailure(status);
+    composer->normalizeUTF8(0, icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())), sink, nullptr,
+                            status);
+    throwUnicodeFailure(status);
+    return result;
+}
+
+std::string Text::nameKey(std::string_view name) {
+    return isValidUtf8(name) ? composed(caseFolded(composed(name))) : std::string(name);
 }
 
 std::string Text::upperCased(std::string_view text) {

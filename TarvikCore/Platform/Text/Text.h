@@ -33,6 +33,11 @@ std::string firstCharacters(std::string_view text, std::int64_t count);
 std::string droppingCharacters(std::string_view text, std::int64_t count);
 /// Lower case without regard to locale (Unicode default case folding), for comparisons.
 std::string caseFolded(std::string_view text);
+/// The same characters in composed form (NFC), for comparisons: what is no valid UTF-8 stays as it is.
+std::string composed(std::string_view text);
+/// What all names have in common that a volume which folds case and normal forms takes for one. What is no valid UTF-8
+/// stays as it is.
+std::string nameKey(std::string_view name);
 /// Upper case without regard to locale, for names that are shown.
 std::string upperCased(std::string_view text);
 /// Lower case without regard to locale, for names of files: bytes that are no valid UTF-8 stay as they are.

@@ -2,6 +2,7 @@
 #include "Platform/Bundles/RunningBundle.h"
 #include "Platform/Files/Files.h"
 #include "Support/EnvironmentVariable.h"
+#include "Support/RealVolume.h"
 #include "Support/World.h"
 
 #include <gmock/gmock.h>
@@ -65,6 +66,23 @@ TEST(RunningAppsDetector, FindsBundlesInALine) {
     EXPECT_EQ(in("open /Applications/Editor.app\tx"), Bundles{"/Applications/Editor.app"});
     EXPECT_EQ(in("open /Applications/Editor.app\u00A0x"), Bundles{"/Applications/Editor.app"});
     EXPECT_EQ(in("open /Applications/Editor.app\u3000x"), Bundles{"/Applications/Editor.app"});
+}
+
+TEST(RunningAppsDetector, KnowsABundleByAnotherPathToIt) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    World world;
+    const fs::path bundle = world.folder / "Applications/Editor.app";
+    makeFile(bundle / "Contents/Info.plist");
+    makeFile(world.folder / "Applications/Other.app/Contents/Info.plist");
+    const auto view = test::RealVolume::viewOf(world.folder / "Applications", world.folder.path());
+    if (!view) TARVIK_SKIP_BECAUSE("This system shows no folder twice.");
+    const Bundles inUse = {*view / "Editor.app"};
+    EXPECT_TRUE(RunningAppsDetector::isAmong(inUse, bundle));
+    EXPECT_TRUE(RunningAppsDetector::isAmong(inUse, *view / "./Editor.app/"));
+    EXPECT_FALSE(RunningAppsDetector::isAmong(inUse, world.folder / "Applications/Other.app"));
+    EXPECT_FALSE(RunningAppsDetector::isAmong(inUse, world.folder / "Elsewhere/Editor.app"));
+    world.applications->list = {{.bundlePath = *view / "Editor.app"}};
+    EXPECT_THAT(RunningAppsDetector::runningInstances(world.host, bundle), SizeIs(1));
 }
 
 TEST(RunningAppsDetector, APathMayHoldSpaces) {

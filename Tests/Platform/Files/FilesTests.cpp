@@ -32,6 +32,19 @@ TEST(Files, KnowsWhatLiesBelowAFolder) {
     EXPECT_FALSE(Files::isAtOrBelow("/a", "/a/b"));
 }
 
+TEST(Files, KnowsWhatLiesBelowAFolderByAnotherPathToIt) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder folder;
+    makeFile(folder / "a/b/file");
+    const auto view = RealVolume::viewOf(folder / "a", folder.path());
+    if (!view) TARVIK_SKIP_BECAUSE("This system shows no folder twice.");
+    EXPECT_TRUE(Files::isItemAtOrBelow(*view / "b/file", folder / "a/b"));
+    EXPECT_TRUE(Files::isItemAtOrBelow(*view / "b/not/there", folder / "a"));
+    EXPECT_TRUE(Files::isItemAtOrBelow("/not/there", "/not"));
+    EXPECT_FALSE(Files::isItemAtOrBelow(folder / "a", *view / "b"));
+    EXPECT_FALSE(Files::isItemAtOrBelow(folder / "a/b", folder / "gone"));
+}
+
 TEST(Files, KeepsAFolderTogetherWithAllBelowItInTheOrderOfPaths) {
     std::set<fs::path> paths = {"/"};
     // All but the last one sort before a slash.

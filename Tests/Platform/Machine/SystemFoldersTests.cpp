@@ -137,6 +137,15 @@ TEST(SystemFolders, HoldWhatCanBeMoved) {
     }
 }
 
+TEST(SystemFolders, OfADataVolumeAreJudgedByTheirUsualPaths) {
+    EXPECT_FALSE(SystemFolders::isImmovable(thisMachine, "/System/Volumes/Data/Users/Shared/Samples"));
+    EXPECT_FALSE(SystemFolders::isImmovable(practice, "/practice/System/Volumes/Data/opt/acme"));
+    EXPECT_TRUE(SystemFolders::isImmovable(thisMachine, "/System/Volumes/Data/Applications"));
+    EXPECT_TRUE(SystemFolders::isImmovable(thisMachine, "/System/Volumes/Data/Users/other"));
+    EXPECT_TRUE(SystemFolders::isImmovable(thisMachine, "/System/Volumes/Data"));
+    EXPECT_TRUE(SystemFolders::isImmovable(thisMachine, "/System/Volumes/Preboot/x"));
+}
+
 TEST(SystemFolders, AreJudgedBelowTheHostsRoot) {
     EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice"));
     EXPECT_TRUE(SystemFolders::isImmovable(practice, "/practice/Applications"));

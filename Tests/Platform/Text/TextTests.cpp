@@ -129,6 +129,20 @@ TEST(Text, FoldsCaseWithoutRegardToLocale) {
     EXPECT_EQ(Text::caseFolded("\u00C9I\xFF"), "\u00E9i\uFFFD");
 }
 
+TEST(Text, ComposesCharactersAndKeepsBadBytes) {
+    EXPECT_EQ(Text::composed("Cafe\u0301"), "Caf\u00E9");
+    EXPECT_EQ(Text::composed("Caf\u00E9"), "Caf\u00E9");
+    EXPECT_EQ(Text::composed("plain"), "plain");
+    EXPECT_EQ(Text::composed("e\u0301\xFF"), "e\u0301\xFF");
+}
+
+TEST(Text, HasOneKeyForTheNamesThatAVolumeTakesForOne) {
+    for (const char* name : {"CAFE\u0301.app", "caf\u00E9.APP", "Caf\u00C9.app", "cafe\u0301.app"})
+        EXPECT_EQ(Text::nameKey(name), Text::nameKey("Caf\u00E9.app")) << name;
+    EXPECT_NE(Text::nameKey("Cafe.app"), Text::nameKey("Caf\u00E9.app"));
+    EXPECT_NE(Text::nameKey("a\xFF"), Text::nameKey("a\xFE"));
+}
+
 TEST(Text, FindsTextsWithoutRegardToCaseAndAccents) {
     const std::vector<std::pair<std::string, std::string>> found = {
         {"Final Cut", "final"},
