@@ -1,16 +1,22 @@
 #include "Copying/MoveVerifier.h"
 
 #include "Copying/EntryCount.h"
+#include "Platform/Files/AppleDouble.h"
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/FolderTrail.h"
 #include "Platform/Files/TreeWalk.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <climits>
+#include <compare>
 #include <fcntl.h>
+#include <map>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tarvik::MoveVerifier {
 
@@ -49,12 +55,11 @@ Reason verifySymlink(const Place& source, const Place& destination, const std::s
     return fmt::format("{} symlink target does not match.", relativePath);
 }
 
-/// `sourceStatus` is null when the item could not be read.
+/// `sourceStatus` is null when the item could not be read. `copy` gets the status of the copy, as far as it is read.
 Reason verifyItem(const struct stat* sourceStatus, const Place& source, const Place& destination,
-                  const std::string& relativePath) {
+                  const std::string& relativePath, struct stat& copy) {
     if (!sourceStatus) return fmt::format("Could not inspect {}.", relativePath);
     if (shouldSkipUnsupported(*sourceStatus)) return std::nullopt;
-    struct stat copy {};
     if (::fstatat(destination.folderHandle, destination.name, &copy, AT_SYMLINK_NOFOLLOW) != 0)
         return fmt::format("{} is missing at the destination.", relativePath);
     if (S_ISLNK(sourceStatus->st_mode)) return verifySymlink(source, destination, relativePath);
@@ -69,58 +74,137 @@ Reason verifyItem(const struct stat* sourceStatus, const Place& source, const Pl
     return std::nullopt;
 }
 
-Reason fileCountParity(const Host& host, const fs::path& source, const fs::path& destination) {
-    const auto [total, copied] = EntryCount::count(host, source, destination);
+/// The entries that are items.
+std::optional<std::int64_t> itemCount(std::optional<std::int64_t> entries, const fs::path& root,
+                                      bool keepsAppleDouble) {
+    if (!entries || !keepsAppleDouble) return entries;
+    return *entries - AppleDouble::countIn(root);
+}
+
+Reason fileCountParity(const Host& host, const fs::path& source, const fs::path& destination, const Volumes& volumes) {
+    const auto counts = EntryCount::count(host, source, destination);
+    const auto total = itemCount(counts.source, source, volumes.sourceKeepsAppleDouble);
+    const auto copied = itemCount(counts.destination, destination, volumes.destinationKeepsAppleDouble);
     if (!total || !copied || *copied >= *total) return std::nullopt;
     return fmt::format("{} copied with {} of {} entries — {} missing.", source.filename().native(), *copied, *total,
                        *total - *copied);
 }
 
+/// Notices where two items of one folder have become one: a volume that folds case or normal forms takes their names
+/// for one name, and what came second has replaced what came first.
+class Mergers {
+public:
+    /// `copy` is empty where none is expected.
+    void note(int depth, const struct stat& source, const struct stat& copy) {
+        if (copy.st_nlink == 0) return;
+        const auto level = static_cast<std::size_t>(depth);
+        if (m_levels.size() <= level) m_levels.resize(level + 1);
+        m_levels[level].push_back({copy.st_ino, source.st_ino});
+    }
+
+    /// Looks at the entries of a folder, when all have been noted, and forgets them.
+    Reason inFolder(int depth, const fs::path& folder) {
+        const auto level = static_cast<std::size_t>(depth);
+        if (m_levels.size() <= level) return std::nullopt;
+        auto& items = m_levels[level];
+        std::sort(items.begin(), items.end());
+        // Hard links have been one item before. Some volumes give all empty files one number: then the names tell.
+        const auto areTwo = [](const Item& one, const Item& other) {
+            return one.copy == other.copy && one.source != other.source;
+        };
+        const bool isSuspicious = std::adjacent_find(items.begin(), items.end(), areTwo) != items.end();
+        items.clear();
+        return isSuspicious ? clashIn(folder) : std::nullopt;
+    }
+
+private:
+    struct Item {
+        ino_t copy;
+        ino_t source;
+
+        auto operator<=>(const Item&) const = default;
+    };
+
+    static Reason clashIn(const fs::path& folder) {
+        std::map<std::string, std::string> names;
+        for (const std::string& name : Files::names(folder)) {
+            const auto [first, isNew] = names.emplace(Text::nameKey(name), name);
+            if (!isNew)
+                return fmt::format("{} and {} have one name at the destination.", first->second,
+                                   (folder.filename() / name).native());
+        }
+        return std::nullopt;
+    }
+
+    std::vector<std::vector<Item>> m_levels;
+};
+
 /// Walks the source; a trail of open folders keeps step in the destination.
-Reason verifyContents(const fs::path& source, const fs::path& destination) {
+Reason verifyContents(const fs::path& source, const fs::path& destination, const Volumes& volumes) {
     TreeWalk walk(source, {.givesLeave = true});
     if (walk.rootError()) return fmt::format("Could not inspect {}.", source.filename().native());
     FolderTrail copy(destination);
+    Mergers mergers;
     while (walk.next()) {
         if (walk.event() == TreeWalk::Event::unreadable)
             return fmt::format("Could not inspect {}: {}", walk.name(), systemErrorText(walk.errorNumber()));
         if (walk.event() == TreeWalk::Event::leave) {
+            if (auto reason = mergers.inFolder(walk.depth() + 1, source / walk.relativePath())) return reason;
             if (const int error = copy.leave())
                 return fmt::format("Could not inspect {}: {}", walk.name(), systemErrorText(error));
             continue;
         }
+        if (volumes.sourceKeepsAppleDouble && AppleDouble::belongsToItem(walk.folderHandle(), walk.name())) continue;
+        struct stat status {};
         if (auto reason = verifyItem(walk.status(), {walk.folderHandle(), walk.name()}, {copy.handle(), walk.name()},
-                                     walk.relativePath()))
+                                     walk.relativePath(), status))
             return reason;
+        mergers.note(walk.depth(), *walk.status(), status);
         if (walk.type() != Files::ItemType::folder) continue;
         if (const int error = copy.enter(walk.name()))
             return fmt::format("Could not inspect {}: {}", walk.name(), systemErrorText(error));
     }
-    return std::nullopt;
+    return mergers.inFolder(0, source);
 }
 
-Reason check(const Host& host, const fs::path& source, const fs::path& destination, bool countsEntries) {
+Reason check(const Host& host, const fs::path& source, const fs::path& destination, bool countsEntries,
+             const Volumes& volumes) {
     if (!Files::exists(destination))
         return fmt::format("{} is missing at the destination.", destination.filename().native());
     struct stat status {};
+    struct stat copy {};
     const bool isKnown = ::lstat(source.c_str(), &status) == 0;
     if (auto reason = verifyItem(isKnown ? &status : nullptr, {AT_FDCWD, source.c_str()},
-                                 {AT_FDCWD, destination.c_str()}, source.filename()))
+                                 {AT_FDCWD, destination.c_str()}, source.filename(), copy))
         return reason;
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
     if (countsEntries)
-        if (auto reason = fileCountParity(host, source, destination)) return reason;
-    return verifyContents(source, destination);
+        if (auto reason = fileCountParity(host, source, destination, volumes)) return reason;
+    return verifyContents(source, destination, volumes);
 }
 
 }  // namespace
 
+Volumes Volumes::of(const fs::path& source, const fs::path& destination) {
+    return {AppleDouble::areKeptAt(source), AppleDouble::areKeptAt(destination)};
+}
+
 std::optional<std::string> failureReason(const Host& host, const fs::path& source, const fs::path& destination) {
-    return check(host, source, destination, true);
+    return failureReason(host, source, destination, Volumes::of(source, destination));
+}
+
+std::optional<std::string> failureReason(const Host& host, const fs::path& source, const fs::path& destination,
+                                         const Volumes& volumes) {
+    return check(host, source, destination, true, volumes);
 }
 
 std::optional<std::string> failureReasonByItem(const Host& host, const fs::path& source, const fs::path& destination) {
-    return check(host, source, destination, false);
+    return failureReasonByItem(host, source, destination, Volumes::of(source, destination));
+}
+
+std::optional<std::string> failureReasonByItem(const Host& host, const fs::path& source, const fs::path& destination,
+                                               const Volumes& volumes) {
+    return check(host, source, destination, false, volumes);
 }
 
 }  // namespace tarvik::MoveVerifier

@@ -11,10 +11,24 @@
 /// reason.
 namespace tarvik::MoveVerifier {
 
+/// Which of the two volumes keeps attributes in files of their own. Those are no items, on either side: see
+/// `AppleDouble`.
+struct Volumes {
+    bool sourceKeepsAppleDouble = false;
+    bool destinationKeepsAppleDouble = false;
+
+    static Volumes of(const fs::path& source, const fs::path& destination);
+};
+
 /// The first reason why the copy is not good, in words, or nothing when it is.
 std::optional<std::string> failureReason(const Host& host, const fs::path& source, const fs::path& destination);
+/// The same for volumes that are known.
+std::optional<std::string> failureReason(const Host& host, const fs::path& source, const fs::path& destination,
+                                         const Volumes& volumes);
 
 /// The same without the count of entries, so that a socket, which no copy holds, does not stand against the copy.
 std::optional<std::string> failureReasonByItem(const Host& host, const fs::path& source, const fs::path& destination);
+std::optional<std::string> failureReasonByItem(const Host& host, const fs::path& source, const fs::path& destination,
+                                               const Volumes& volumes);
 
 }  // namespace tarvik::MoveVerifier

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarvik::test {
 
@@ -102,6 +104,63 @@ TEST_F(MoveVerifierTest, ComparesASingleFileBySizeAlone) {
     makeFile(copy / "a", "1");
     EXPECT_EQ(tarvik::MoveVerifier::failureReason(world.host, source / "a", copy / "a"),
               "a copied with a different file size.");
+}
+
+TEST_F(MoveVerifierTest, PassesOverTheFilesInWhichAVolumeKeepsAttributes) {
+    const std::string attributes("\x00\x05\x16\x07\x00\x02\x00\x00 and more", 17);
+    const MoveVerifier::Volumes fromExFat{.sourceKeepsAppleDouble = true};
+    makeFile(source / "._a", attributes);
+    makeFile(source / "sub/._.b", attributes);
+    makeFile(source / "._sub", attributes);
+    EXPECT_EQ(MoveVerifier::failureReason(world.host, source, copy, fromExFat), std::nullopt);
+    EXPECT_EQ(MoveVerifier::failureReasonByItem(world.host, source, copy, fromExFat), std::nullopt);
+    // On every other volume they are files like any other.
+    EXPECT_EQ(reason(), "Tree copied with 7 of 10 entries — 3 missing.");
+    EXPECT_EQ(reasonByItem(), "._a is missing at the destination.");
+}
+
+TEST_F(MoveVerifierTest, LosesNoFileThatOnlyBearsSuchAName) {
+    const MoveVerifier::Volumes fromExFat{.sourceKeepsAppleDouble = true};
+    makeFile(source / "._nobody", std::string("\x00\x05\x16\x07\x00\x02\x00\x00", 8));
+    EXPECT_EQ(MoveVerifier::failureReason(world.host, source, copy, fromExFat),
+              "Tree copied with 7 of 8 entries — 1 missing.");
+    EXPECT_EQ(MoveVerifier::failureReasonByItem(world.host, source, copy, fromExFat),
+              "._nobody is missing at the destination.");
+    fs::rename(source / "._nobody", source / "._a");
+    makeFile(source / "._a", "a user's own words");
+    EXPECT_EQ(MoveVerifier::failureReasonByItem(world.host, source, copy, fromExFat),
+              "._a is missing at the destination.");
+}
+
+TEST_F(MoveVerifierTest, TakesNoAttributesForAnItemThatIsMissing) {
+    const MoveVerifier::Volumes toExFat{.destinationKeepsAppleDouble = true};
+    makeFile(copy / "._a", std::string("\x00\x05\x16\x07\x00\x02\x00\x00", 8));
+    EXPECT_EQ(MoveVerifier::failureReason(world.host, source, copy, toExFat), std::nullopt);
+    fs::remove(copy / "sub/.b");
+    EXPECT_EQ(MoveVerifier::failureReason(world.host, source, copy, toExFat),
+              "Tree copied with 6 of 7 entries — 1 missing.");
+}
+
+TEST_F(MoveVerifierTest, FindsTwoItemsThatHaveBecomeOne) {
+    makeFile(source / "sub/Makefile", "12345");
+    makeFile(source / "sub/makefile", "54321");
+    makeFile(copy / "sub/Makefile", "54321");
+    // As a volume shows it that takes both names for one.
+    ASSERT_EQ(::link((copy / "sub/Makefile").c_str(), (copy / "sub/makefile").c_str()), 0);
+    EXPECT_EQ(reasonByItem(), "Makefile and sub/makefile have one name at the destination.");
+    fs::rename(source / "sub/Makefile", source / "Makefile");
+    fs::rename(source / "sub/makefile", source / "makefile");
+    fs::rename(copy / "sub/Makefile", copy / "Makefile");
+    fs::rename(copy / "sub/makefile", copy / "makefile");
+    EXPECT_EQ(reasonByItem(), "Makefile and Tree/makefile have one name at the destination.");
+}
+
+TEST_F(MoveVerifierTest, PassesHardLinksThatStayOne) {
+    for (const auto& root : {source, copy}) {
+        makeFile(root / "one", "12345");
+        ASSERT_EQ(::link((root / "one").c_str(), (root / "ONE").c_str()), 0);
+    }
+    EXPECT_EQ(reason(), "good");
 }
 
 TEST_F(MoveVerifierTest, CountsNothingButFolders) {

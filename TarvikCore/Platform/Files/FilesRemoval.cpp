@@ -1,3 +1,4 @@
+#include "Platform/Files/AppleDouble.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/SystemCalls.h"
 #include "Platform/Files/TreeObstacle.h"
@@ -17,6 +18,11 @@ bool isMountPoint(const TreeWalk& walk) {
     return SystemCalls::readGuard(walk.folderHandle(), walk.name(), guard) == 0 && guard.isMountPoint;
 }
 
+/// Some volumes keep attributes in files beside their items, which the system removes with them.
+bool hasGoneWithItem(const TreeWalk& walk, int error) {
+    return error == ENOENT && AppleDouble::ownerName(walk.name());
+}
+
 void removeEntries(const fs::path& path, bool& hasBegun) {
     const auto requireNoError = [&](const char* verb, const fs::path& place, int error) {
         if (error && hasBegun) throw IncompleteRemoval(verb, place, error);
@@ -33,7 +39,8 @@ void removeEntries(const fs::path& path, bool& hasBegun) {
             if (isMountPoint(walk)) requireNoError("remove the mounted volume", path / walk.relativePath(), EBUSY);
             continue;
         }
-        if (::unlinkat(walk.folderHandle(), walk.name(), leavesFolder ? AT_REMOVEDIR : 0) != 0)
+        if (::unlinkat(walk.folderHandle(), walk.name(), leavesFolder ? AT_REMOVEDIR : 0) != 0 &&
+            !hasGoneWithItem(walk, errno))
             requireNoError("remove", path / walk.relativePath(), errno);
         hasBegun = true;
     }
