@@ -24,6 +24,12 @@ struct Volume {
     std::optional<std::string> formatDescription;
     /// What no other volume has: the UUID of its file system, or what that has for one.
     std::optional<std::string> identifier;
+    /// Whether symbolic links can be made on it.
+    std::optional<bool> keepsLinks;
+    /// Whether it keeps permissions and owners of its items.
+    std::optional<bool> keepsPermissions;
+    /// The largest file that it can hold, in bytes, where that is a figure a file can come to.
+    std::optional<std::int64_t> largestFile;
 
     bool operator==(const Volume&) const = default;
 };

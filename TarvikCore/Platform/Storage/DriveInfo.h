@@ -26,6 +26,10 @@ struct DriveInfo {
     /// True when the system does not tell.
     bool isWritable = true;
     std::optional<std::string> filesystem;
+    /// What its file system can hold, as far as the system tells: symbolic links, permissions, files of how many bytes.
+    std::optional<bool> keepsLinks;
+    std::optional<bool> keepsPermissions;
+    std::optional<std::int64_t> largestFile;
 
     std::int64_t usedBytes() const { return totalBytes - freeBytes; }
     bool isBoot() const { return mountPath == "/"; }
@@ -39,6 +43,7 @@ template <>
 struct std::hash<tarvik::DriveInfo> {
     std::size_t operator()(const tarvik::DriveInfo& drive) const noexcept {
         return tarvik::FieldHash::of(drive.id, drive.name, drive.mountPath, drive.totalBytes, drive.freeBytes,
-                                     drive.isInternal, drive.isWritable, drive.filesystem);
+                                     drive.isInternal, drive.isWritable, drive.filesystem, drive.keepsLinks,
+                                     drive.keepsPermissions, drive.largestFile);
     }
 };

@@ -21,7 +21,10 @@ DriveInfo driveOf(const Volume& volume) {
             .freeBytes = volume.availableBytes.value_or(0),
             .isInternal = volume.isInternal.value_or(false),
             .isWritable = !volume.isReadOnly.value_or(false),
-            .filesystem = volume.formatDescription};
+            .filesystem = volume.formatDescription,
+            .keepsLinks = volume.keepsLinks,
+            .keepsPermissions = volume.keepsPermissions,
+            .largestFile = volume.largestFile};
 }
 
 }  // namespace

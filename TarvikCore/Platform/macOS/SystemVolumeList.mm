@@ -1,3 +1,4 @@
+#include "Platform/Machine/AvailableCapacity.h"
 #include "Platform/Machine/VolumeList.h"
 
 #import <Foundation/Foundation.h>
@@ -30,9 +31,15 @@ std::optional<bool> flag(NSDictionary<NSURLResourceKey, id>* values, NSURLResour
 NSArray<NSURLResourceKey>* volumeKeys() {
     return @[
         NSURLVolumeNameKey, NSURLVolumeTotalCapacityKey, NSURLVolumeAvailableCapacityForImportantUsageKey,
-        NSURLVolumeIsInternalKey, NSURLVolumeIsBrowsableKey, NSURLVolumeIsReadOnlyKey,
-        NSURLVolumeLocalizedFormatDescriptionKey, NSURLVolumeUUIDStringKey
+        NSURLVolumeAvailableCapacityKey, NSURLVolumeIsInternalKey, NSURLVolumeIsBrowsableKey, NSURLVolumeIsReadOnlyKey,
+        NSURLVolumeLocalizedFormatDescriptionKey, NSURLVolumeUUIDStringKey, NSURLVolumeSupportsSymbolicLinksKey,
+        NSURLVolumeSupportsAccessPermissionsKey, NSURLVolumeMaximumFileSizeKey
     ];
+}
+
+std::optional<std::int64_t> availableBytesOf(NSDictionary<NSURLResourceKey, id>* values) {
+    return AvailableCapacity::of(bytes(values, NSURLVolumeAvailableCapacityForImportantUsageKey),
+                                 bytes(values, NSURLVolumeAvailableCapacityKey));
 }
 
 /// The volumes as the file manager knows them. It asks network volumes itself and gives up on dead ones.
@@ -51,12 +58,15 @@ public:
                 volumes.push_back({.mountPath = place.fileSystemRepresentation,
                                    .name = text(values, NSURLVolumeNameKey),
                                    .totalBytes = bytes(values, NSURLVolumeTotalCapacityKey),
-                                   .availableBytes = bytes(values, NSURLVolumeAvailableCapacityForImportantUsageKey),
+                                   .availableBytes = availableBytesOf(values),
                                    .isInternal = flag(values, NSURLVolumeIsInternalKey),
                                    .isBrowsable = flag(values, NSURLVolumeIsBrowsableKey),
                                    .isReadOnly = flag(values, NSURLVolumeIsReadOnlyKey),
                                    .formatDescription = text(values, NSURLVolumeLocalizedFormatDescriptionKey),
-                                   .identifier = text(values, NSURLVolumeUUIDStringKey)});
+                                   .identifier = text(values, NSURLVolumeUUIDStringKey),
+                                   .keepsLinks = flag(values, NSURLVolumeSupportsSymbolicLinksKey),
+                                   .keepsPermissions = flag(values, NSURLVolumeSupportsAccessPermissionsKey),
+                                   .largestFile = bytes(values, NSURLVolumeMaximumFileSizeKey)});
             }
         }
         return volumes;
@@ -65,10 +75,11 @@ public:
     std::optional<std::int64_t> availableBytes(const fs::path& path) const override {
         @autoreleasepool {
             NSURL* url = [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:NO relativeToURL:nil];
-            NSNumber* value = nil;
-            NSURLResourceKey key = NSURLVolumeAvailableCapacityForImportantUsageKey;
-            if (![url getResourceValue:&value forKey:key error:nil] || !value) return std::nullopt;
-            return value.longLongValue;
+            NSDictionary<NSURLResourceKey, id>* values = [url resourceValuesForKeys:@[
+                NSURLVolumeAvailableCapacityForImportantUsageKey, NSURLVolumeAvailableCapacityKey
+            ]
+                                                                              error:nil];
+            return values ? availableBytesOf(values) : std::nullopt;
         }
     }
 };
