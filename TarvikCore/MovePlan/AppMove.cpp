@@ -1,6 +1,7 @@
 #include "MovePlan/AppMove.h"
 
 #include "Discovery/AppScanner.h"
+#include "MovePlan/DriveLimits.h"
 #include "MovePlan/MoveDialogs.h"
 #include "MovePlan/MovePlanner.h"
 #include "MovePlan/MoveRefusal.h"
@@ -111,12 +112,20 @@ bool hasCopyOfKilledMove(const MoveJob& job) {
     });
 }
 
-std::vector<std::string> obstructionsOf(const Jobs& jobs) {
+/// Why the job would fail; nothing when that can't be seen.
+std::optional<std::string> obstructionOf(const MoveJob& job, const DriveInfo& drive) {
+    if (Files::itemExists(job.destination) && !hasCopyOfKilledMove(job))
+        return fmt::format("{} would not move: {} is taken already.", job.label, job.destination.native());
+    if (auto refusal = DriveLimits::refusal(job.source, drive)) return refusal;
+    return MoveRefusal::ofContents(job.source);
+}
+
+std::vector<std::string> obstructionsOf(const Jobs& jobs, const DriveInfo& drive, const Cancellation& cancellation) {
     std::vector<std::string> sentences;
-    for (const auto& job : jobs)
-        if (Files::itemExists(job.destination) && !hasCopyOfKilledMove(job))
-            sentences.push_back(
-                fmt::format("{} would not move: {} is taken already.", job.label, job.destination.native()));
+    for (const auto& job : jobs) {
+        if (cancellation.isCancelled()) break;
+        if (auto sentence = obstructionOf(job, drive)) sentences.push_back(std::move(*sentence));
+    }
     return sentences;
 }
 
@@ -132,7 +141,7 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
           const Cancellation& cancellation) {
     Plan plan{.drive = refreshed(host, drive), .chosenCount = std::ssize(chosen), .movable = movableOf(chosen)};
     plan.jobs = MovePlanner::buildAppJobs(host, plan.movable, plan.drive, includeData, cancellation);
-    plan.obstructed = obstructionsOf(plan.jobs);
+    plan.obstructed = obstructionsOf(plan.jobs, plan.drive, cancellation);
     const Places sources = sourcesOf(plan.jobs);
     for (const auto& entry : chosen) {
         if (!movesBundle(entry, sources))
@@ -174,7 +183,11 @@ Dialog confirmMove(const Plan& plan) {
     Dialog question = MoveDialogs::confirmAppMove(std::ssize(plan.movable), plan.totalBytes(), plan.drive.name,
                                                   AppStorageNames::appsRootOn(plan.drive.mountPath), namesOf(risky));
     question.details = plan.staying;
-    question.details.insert(question.details.end(), plan.obstructed.begin(), plan.obstructed.end());
+    const auto add = [&](const std::vector<std::string>& sentences) {
+        question.details.insert(question.details.end(), sentences.begin(), sentences.end());
+    };
+    add(plan.obstructed);
+    add(DriveLimits::warnings(plan.drive));
     return question;
 }
 
@@ -191,7 +204,7 @@ std::vector<std::string> runningApps(const Host& host, const Plan& plan) {
     std::vector<AppEntry> running;
     std::copy_if(plan.movable.begin(), plan.movable.end(), std::back_inserter(running), [&](const AppEntry& entry) {
         return (movesBundle(entry, sources) || movesOnlyData(entry, sources)) &&
-               inUse.contains(Files::standardized(entry.bundlePath));
+               RunningAppsDetector::isAmong(inUse, entry.bundlePath);
     });
     return namesOf(running);
 }

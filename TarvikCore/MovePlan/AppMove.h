@@ -27,7 +27,7 @@ struct Plan {
     std::vector<MoveJob> jobs;
     /// A sentence for each application that stays, and why: as a whole, or all but its data.
     std::vector<std::string> staying;
-    /// A sentence for each job whose goal is taken already: it would fail.
+    /// A sentence for each job that would fail: its goal is taken already, or something in it can't be moved.
     std::vector<std::string> obstructed;
     /// The applications whose bundles would move although that is risky.
     std::vector<AppEntry> risky;
@@ -37,8 +37,8 @@ struct Plan {
 };
 
 /// The jobs of those applications that are not on a drive already, and what is to be said of them. Changes nothing.
-/// Measures the data, so it takes as long as that is large; a bundle counts with the size that its entry knows. Once it
-/// is cancelled its sizes are too small: it must not be run. Any thread; never fails.
+/// Measures the data and looks at every item, so it takes as long as there are many; a bundle counts with the size that
+/// its entry knows. Once it is cancelled its sizes are too small: it must not be run. Any thread; never fails.
 Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo& drive, bool includeData,
           const Cancellation& cancellation = {});
 
@@ -46,7 +46,7 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
 /// for a look at the drive.
 std::optional<std::string> refusalOf(const Plan& plan);
 
-/// Why a plan that may be run would move nothing all the same, for who only looks ahead: every goal is taken. Pure.
+/// Why a plan that may be run would move nothing all the same, for who only looks ahead: every job would fail. Pure.
 std::optional<std::string> reasonToMoveNothing(const Plan& plan);
 
 /// Whether a move is more likely to break the application than others; pure.

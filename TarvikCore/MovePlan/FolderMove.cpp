@@ -1,6 +1,7 @@
 #include "MovePlan/FolderMove.h"
 
 #include "Copying/Leftovers.h"
+#include "MovePlan/DriveLimits.h"
 #include "MovePlan/MoveRefusal.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/WrittenPath.h"
@@ -49,11 +50,13 @@ MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, c
 }
 
 Dialog confirmMove(const MoveJob& job, const DriveInfo& drive) {
-    return {fmt::format("Move {} to {}?", job.label, drive.name),
-            fmt::format("Total {}. Original location will become a symlink to {}.",
-                        SizeCalculator::format(job.bytesTotal), job.destination.native()),
-            {"Move", "Cancel"},
-            {fmt::format("From {}", job.source.native())}};
+    Dialog question{fmt::format("Move {} to {}?", job.label, drive.name),
+                    fmt::format("Total {}. Original location will become a symlink to {}.",
+                                SizeCalculator::format(job.bytesTotal), job.destination.native()),
+                    {"Move", "Cancel"},
+                    {fmt::format("From {}", job.source.native())}};
+    for (auto& sentence : DriveLimits::warnings(drive)) question.details.push_back(std::move(sentence));
+    return question;
 }
 
 std::string moved(const MoveJob& job) {

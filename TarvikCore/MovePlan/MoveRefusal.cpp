@@ -1,5 +1,7 @@
 #include "MovePlan/MoveRefusal.h"
 
+#include "MovePlan/DriveLimits.h"
+#include "MovePlan/ObstacleText.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeObstacle.h"
 #include "Platform/Machine/AppStorageNames.h"
@@ -39,16 +41,17 @@ Refusal offDrive(const DriveInfo& drive, const fs::path& mountPath, const fs::pa
 Refusal byDrive(const fs::path& folder, const fs::path& mountPath, const DriveInfo& drive) {
     const std::string name = folder.filename();
     if (!drive.isWritable) return readOnly(drive);
-    if (Files::isAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
-    if (Files::isAtOrBelow(mountPath, folder))
+    if (Files::isItemAtOrBelow(folder, mountPath)) return fmt::format("{} is on {} already.", name, drive.name);
+    if (Files::isItemAtOrBelow(mountPath, folder))
         return fmt::format("{} holds the target drive {} and can't be moved to it.", folder.native(), drive.name);
     return offDrive(drive, mountPath, AppStorageNames::foldersRootOn(mountPath));
 }
 
 Refusal bySystem(const Host& host, const fs::path& folder) {
     const fs::path home = Files::resolved(host.home).value_or(host.home);
-    if (folder == home) return "The home folder can't be moved.";
-    if (Files::isAtOrBelow(home, folder))
+    if (folder == home || Files::isSameItem(Files::info(folder), Files::info(home)))
+        return "The home folder can't be moved.";
+    if (Files::isItemAtOrBelow(home, folder))
         return fmt::format("{} holds the home folder and can't be moved.", folder.native());
     if (SystemFolders::isImmovable(host, folder))
         return fmt::format("{} belongs to the system and can't be moved.", folder.native());
@@ -66,30 +69,8 @@ Refusal byMachine(const Host& host, const fs::path& item) {
     return fmt::format("{} is not on the machine in {}.", item.native(), host.root.native());
 }
 
-Refusal byContents(const fs::path& folder, const std::optional<TreeObstacle>& obstacle) {
-    if (!obstacle) return std::nullopt;
-    const std::string name = folder.filename();
-    const std::string place = obstacle->path.native();
-    switch (obstacle->kind) {
-        case TreeObstacle::Kind::mountedVolume:
-            return fmt::format("{} can't be moved: another volume is mounted at {}.", name, place);
-        case TreeObstacle::Kind::sealedFolder:
-            return fmt::format("{} can't be moved: nothing may be taken out of {} ({}).", name, place,
-                               systemErrorText(obstacle->errorNumber));
-        case TreeObstacle::Kind::lockedItem:
-            return fmt::format("{} can't be moved: {} is locked ({}).", name, place,
-                               systemErrorText(obstacle->errorNumber));
-        case TreeObstacle::Kind::foreignItem:
-            return fmt::format(
-                "{} can't be moved: {} belongs to another user, and only its owner may take it away ({}).", name, place,
-                systemErrorText(obstacle->errorNumber));
-        case TreeObstacle::Kind::socket:
-            return fmt::format("{} can't be moved: {} is a socket, which no copy can hold.", name, place);
-        case TreeObstacle::Kind::unreadable:
-            break;
-    }
-    return fmt::format("{} can't be moved as a whole: {} can't be read ({}).", name, place,
-                       systemErrorText(obstacle->errorNumber));
+Refusal byContents(const fs::path& item, const std::optional<TreeObstacle>& obstacle) {
+    return obstacle ? std::optional(ObstacleText::of(item, *obstacle)) : std::nullopt;
 }
 
 }  // namespace
@@ -139,6 +120,7 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (auto refusal = bySystem(host, resolved)) return refusal;
     if (auto refusal = byMachine(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
+    if (auto refusal = DriveLimits::refusal(folder, drive)) return refusal;
     return byContents(folder, TreeObstacle::toMove(folder));
 }
 
@@ -160,7 +142,11 @@ std::optional<std::string> ofRestore(const Host& host, const fs::path& link, con
         if (item && parent && item->device != parent->device)
             return fmt::format("{} is a whole volume and can't be moved.", target.native());
     }
-    return byContents(resolved, TreeObstacle::toRemoval(resolved));
+    // Within one volume it is renamed, and all that is in it comes along.
+    const auto own = Files::info(resolved);
+    const auto folder = Files::info(goal.parent_path());
+    const bool isRenamed = own && folder && own->device == folder->device;
+    return byContents(resolved, isRenamed ? TreeObstacle::toRemoval(resolved) : TreeObstacle::toReturn(resolved));
 }
 
 }  // namespace tarvik::MoveRefusal

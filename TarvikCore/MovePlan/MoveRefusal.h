@@ -14,8 +14,7 @@
 namespace tarvik::MoveRefusal {
 
 /// Why `folder`, which must exist and be standardized, may not move to `drive`, as one sentence for the user; nothing
-/// when it may. Looks at every item for mounted volumes, for sockets and for what could not be removed, so it blocks;
-/// any thread.
+/// when it may. Looks at every item for what could not be copied or removed, so it blocks; any thread.
 std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive);
 
 /// Why the item, with all that is in it, could not be moved to another volume; nothing when that can't be seen, or when

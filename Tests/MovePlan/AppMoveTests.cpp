@@ -108,6 +108,31 @@ TEST_F(AppMoveTest, NamesTheJobsWhoseGoalIsTaken) {
     EXPECT_EQ(AppMove::refusalOf(planned({editor})), std::nullopt) << "the run itself says so";
 }
 
+TEST_F(AppMoveTest, NamesTheJobsWhoseItemsCannotBeMoved) {
+    const auto editor = made("Editor");
+    test::makePipe(editor.bundlePath / "Contents/pipe");
+    const auto plan = planned({editor, made("Player")});
+    const std::string sentence = "Editor.app can't be moved: " + (editor.bundlePath / "Contents/pipe").native() +
+                                 " is a pipe, which no copy can hold.";
+    EXPECT_THAT(plan.obstructed, ElementsAre(sentence));
+    EXPECT_THAT(AppMove::confirmMove(plan).details, testing::Contains(sentence));
+    EXPECT_EQ(AppMove::reasonToMoveNothing(plan), std::nullopt);
+    EXPECT_EQ(AppMove::reasonToMoveNothing(planned({editor})), sentence);
+}
+
+TEST_F(AppMoveTest, TellsWhatTheDriveCannotHold) {
+    const auto editor = made("Editor");
+    test::makeLink(editor.bundlePath / "Contents/Current", "MacOS");
+    auto stick = world.driveInfo();
+    stick.filesystem = "exFAT";
+    stick.keepsLinks = stick.keepsPermissions = false;
+    const auto plan = AppMove::plan(world.host, {editor}, stick, false);
+    EXPECT_THAT(plan.obstructed, ElementsAre("Editor.app can't be moved to " + stick.name + ": " +
+                                             (editor.bundlePath / "Contents/Current").native() +
+                                             " is a symlink, and exFAT holds none. Choose another drive."));
+    EXPECT_THAT(AppMove::confirmMove(plan).details, testing::Contains(testing::HasSubstr("keeps no permissions")));
+}
+
 TEST_F(AppMoveTest, CountsOnThePlaceOfACopyThatAKilledMoveHasLeft) {
     const auto editor = made("Editor");
     test::makeBundle(onDrive / "Editor.app");

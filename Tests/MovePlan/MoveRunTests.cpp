@@ -98,6 +98,19 @@ TEST_F(MoveRunTest, CopiesNothingOfWhatCouldNotBeRemoved) {
     EXPECT_FALSE(Files::itemExists(world.trash->folder));
 }
 
+TEST_F(MoveRunTest, CopiesNothingThatTheDriveCannotHold) {
+    makeLink(jobs[1].source / "link", "file");
+    world.volumes->list[0].keepsLinks = false;
+    world.volumes->list[0].isBrowsable = true;
+    run();
+    EXPECT_EQ(jobs[0].status, JobStatus::done());
+    EXPECT_EQ(jobs[1].status,
+              JobStatus::failed("Two can't be moved to " + world.driveInfo().name + ": " +
+                                (jobs[1].source / "link").native() +
+                                " is a symlink, and its file system holds none. Choose another drive."));
+    EXPECT_EQ(history[1].size(), 1U);
+}
+
 TEST_F(MoveRunTest, GoesOnAfterAFailedJob) {
     makeFile(world.foldersOnDrive() / "Two/taken");
     run();

@@ -23,11 +23,14 @@ struct ItemGuard {
     uid_t owner = 0;
     /// Something else is mounted there: a volume's top folder or, where the system has that, a file shown twice.
     bool isMountPoint = false;
-    /// A flag of the file system lets nobody remove it, nor anything in it.
-    bool isLocked = false;
+    /// What the file system keeps beside the permissions: see `FileFlags`.
+    std::uint32_t flags = 0;
 };
 /// The item itself, a link not followed.
 int readGuard(int folderHandle, const char* name, ItemGuard& guard);
+/// 0, or the errno value of removing or renaming the item, a link not followed, where the permissions of its folder
+/// allow that: an access control list may deny it all the same. 0 too when the system has no way to ask.
+int deletionDenied(int folderHandle, const char* name);
 /// Whether the calling thread may remove what belongs to others even from a folder with the sticky bit.
 bool mayRemoveOthersItems();
 /// Whether the item carries the system's hidden flag, whatever its name.

@@ -1,10 +1,12 @@
 #include "Platform/Files/TreeObstacle.h"
 
+#include "Platform/Files/FileFlags.h"
 #include "Platform/Files/SystemCalls.h"
 #include "Platform/Files/TreeWalk.h"
 
 #include <cerrno>
 #include <fcntl.h>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -27,6 +29,7 @@ struct Found {
 };
 
 Holder holderOf(int parentHandle, const char* name, const SystemCalls::ItemGuard& guard) {
+    if (FileFlags::sealContents(guard.flags)) return {guard, EPERM};
     const bool isOpen = ::faccessat(parentHandle, name, W_OK | X_OK, AT_EACCESS) == 0;
     return {guard, isOpen ? 0 : errno};
 }
@@ -36,10 +39,18 @@ bool isForeign(const SystemCalls::ItemGuard& item, const SystemCalls::ItemGuard&
     return (folder.mode & S_ISVTX) != 0 && item.owner != user && folder.owner != user;
 }
 
+/// What network servers make for files that are removed while they are open. `path` is a name, or ends with one.
+bool isServerFile(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    return name.starts_with(".nfs") || name.starts_with(".afpDeleted");
+}
+
+enum class Act { removal, move, wayBack };
+
 /// Looks at items one by one, each after the folder that holds it.
 class Search {
 public:
-    explicit Search(bool countsSockets) : m_countsSockets(countsSockets) {}
+    explicit Search(Act act) : m_act(act) {}
 
     /// The obstacle that an entry of the folder `holder` is, and its own guard.
     std::optional<Found> obstacleAt(int folderHandle, const char* name, const Holder& holder,
@@ -51,34 +62,58 @@ public:
             return Found{Kind::unreadable, error};
         }
         if (guard.isMountPoint) return Found{Kind::mountedVolume, EBUSY};
-        if (guard.isLocked) return Found{Kind::lockedItem, EPERM};
+        if (FileFlags::guardItem(guard.flags)) return Found{Kind::lockedItem, EPERM};
         if (!m_hasAllRights && isForeign(guard, holder.guard, m_user)) return Found{Kind::foreignItem, EPERM};
-        if (m_countsSockets && S_ISSOCK(guard.mode)) return Found{Kind::socket, ENOTSUP};
-        return std::nullopt;
+        if (const int error = SystemCalls::deletionDenied(folderHandle, name)) return Found{Kind::deniedItem, error};
+        return m_act == Act::removal ? std::nullopt : uncopied(name, guard);
     }
 
 private:
-    bool m_countsSockets;
+    /// What the copy tool would leave out, or only bring after a long time.
+    std::optional<Found> uncopied(const char* name, const SystemCalls::ItemGuard& guard) const {
+        if (isServerFile(name)) return Found{Kind::serverFile, ENOTSUP};
+        if ((guard.flags & FileFlags::dataless) != 0) return Found{Kind::cloudFile, ENOTSUP};
+        switch (Files::typeOfMode(guard.mode)) {
+            case Files::ItemType::pipe:
+                return Found{Kind::pipe, ENOTSUP};
+            case Files::ItemType::socket:
+                if (m_act == Act::move) return Found{Kind::socket, ENOTSUP};
+                break;
+            case Files::ItemType::blockDevice:
+            case Files::ItemType::characterDevice:
+                if (m_act == Act::move && m_user != 0) return Found{Kind::device, ENOTSUP};
+                break;
+            default:
+                break;
+        }
+        return std::nullopt;
+    }
+
+    Act m_act;
     bool m_hasAllRights = SystemCalls::mayRemoveOthersItems();
     uid_t m_user = ::geteuid();
 };
 
-TreeObstacle obstacle(const Found& found, const fs::path& path) {
-    return {found.kind, found.kind == Kind::sealedFolder ? path.parent_path() : path, found.errorNumber};
+/// `guard` is the item's own, as far as that was read.
+TreeObstacle obstacle(const Found& found, const fs::path& path, const Holder& holder,
+                      const SystemCalls::ItemGuard& guard) {
+    if (found.kind == Kind::sealedFolder)
+        return {found.kind, path.parent_path(), found.errorNumber, holder.guard.flags, holder.guard.owner};
+    if (found.kind == Kind::unreadable) return {found.kind, path, found.errorNumber};
+    return {found.kind, path, found.errorNumber, guard.flags, guard.owner};
 }
 
-std::optional<TreeObstacle> find(const fs::path& item, bool countsSockets) {
-    const Search search(countsSockets);
+std::optional<TreeObstacle> find(const fs::path& item, Act act) {
+    const Search search(act);
     std::vector<Holder> holders;
     // The folder itself where the path of the parent ends with a link.
     const fs::path parent = item.parent_path() / ".";
     SystemCalls::ItemGuard guard;
     if (SystemCalls::readGuard(AT_FDCWD, parent.c_str(), guard) != 0) return std::nullopt;  // Nothing is there.
     holders.push_back(holderOf(AT_FDCWD, parent.c_str(), guard));
-    if (guard.isLocked) holders.back().sealedBy = EPERM;
 
     if (const auto found = search.obstacleAt(AT_FDCWD, item.c_str(), holders.back(), guard))
-        return obstacle(*found, item);
+        return obstacle(*found, item, holders.back(), guard);
     if (!S_ISDIR(guard.mode)) return std::nullopt;
     holders.push_back(holderOf(AT_FDCWD, item.c_str(), guard));
     TreeWalk walk(item, {.order = TreeWalk::Order::any});
@@ -88,7 +123,7 @@ std::optional<TreeObstacle> find(const fs::path& item, bool countsSockets) {
             return TreeObstacle{Kind::unreadable, item / walk.relativePath(), walk.errorNumber()};
         holders.resize(static_cast<std::size_t>(walk.depth()) + 2);
         if (const auto found = search.obstacleAt(walk.folderHandle(), walk.name(), holders.back(), guard))
-            return obstacle(*found, item / walk.relativePath());
+            return obstacle(*found, item / walk.relativePath(), holders.back(), guard);
         if (walk.type() == Files::ItemType::folder)
             holders.push_back(holderOf(walk.folderHandle(), walk.name(), guard));
     }
@@ -98,11 +133,15 @@ std::optional<TreeObstacle> find(const fs::path& item, bool countsSockets) {
 }  // namespace
 
 std::optional<TreeObstacle> TreeObstacle::toRemoval(const fs::path& item) {
-    return find(item, false);
+    return find(item, Act::removal);
 }
 
 std::optional<TreeObstacle> TreeObstacle::toMove(const fs::path& item) {
-    return find(item, true);
+    return find(item, Act::move);
+}
+
+std::optional<TreeObstacle> TreeObstacle::toReturn(const fs::path& item) {
+    return find(item, Act::wayBack);
 }
 
 FileError TreeObstacle::error() const {
@@ -113,9 +152,14 @@ FileError TreeObstacle::error() const {
             return FileError("remove what is in", path, errorNumber);
         case Kind::unreadable:
         case Kind::socket:
+        case Kind::pipe:
+        case Kind::device:
+        case Kind::serverFile:
+        case Kind::cloudFile:
             return FileError("read", path, errorNumber);
         case Kind::lockedItem:
         case Kind::foreignItem:
+        case Kind::deniedItem:
             break;
     }
     return FileError("remove", path, errorNumber);

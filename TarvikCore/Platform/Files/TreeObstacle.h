@@ -3,7 +3,9 @@
 #include "Platform/Basics/Path.h"
 #include "Platform/Files/FileError.h"
 
+#include <cstdint>
 #include <optional>
+#include <sys/types.h>
 
 namespace tarvik {
 
@@ -16,17 +18,28 @@ struct TreeObstacle {
         unreadable,     ///< the item at `path` cannot be looked at, or the folder there not be listed
         lockedItem,     ///< a flag of the file system forbids to remove what is at `path`
         foreignItem,    ///< only the other user who owns what is at `path` may take it out of its folder
+        deniedItem,     ///< an access control list forbids to remove what is at `path`
         socket,         ///< at `path` is a socket, which no copy can hold
+        pipe,           ///< at `path` is a pipe, which no copy can hold
+        device,         ///< at `path` is a device file, which only the administrator can copy
+        serverFile,     ///< the name of what is at `path` is one that the copy tool leaves out
+        cloudFile,      ///< the contents of the file at `path` are not on this disk
     };
     Kind kind;
     fs::path path;
     int errorNumber;
+    /// What the file system keeps for what is at `path`, see `FileFlags`, and whose it is, as far as that is known.
+    std::uint32_t flags = 0;
+    std::optional<uid_t> owner = std::nullopt;
 
-    /// Why the item could not be removed; nothing when no obstacle can be seen. One status call an entry. Blocks; any
-    /// thread.
+    /// Why the item could not be removed; nothing when no obstacle can be seen. Two calls an entry. Blocks; any thread.
     static std::optional<TreeObstacle> toRemoval(const fs::path& item);
-    /// Why it could not be moved to another volume: the same, and sockets.
+    /// Why it could not be moved to another volume: the same, and what no copy would hold. The copy tool says of itself
+    /// in ditto(1) that it ignores pipes, sockets and files whose names begin with .nfs or .afpDeleted.
     static std::optional<TreeObstacle> toMove(const fs::path& item);
+    /// Why it could not be brought back from another volume: as `toMove`, but for sockets and device files, without
+    /// which it comes back.
+    static std::optional<TreeObstacle> toReturn(const fs::path& item);
 
     /// The failure of a removal that meets it.
     FileError error() const;

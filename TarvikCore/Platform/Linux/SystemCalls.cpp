@@ -1,6 +1,7 @@
 #include "Platform/Files/SystemCalls.h"
 
 #include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/FileFlags.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -28,6 +29,12 @@ bool isOnAnotherDevice(int folderHandle, const char* name) {
     return own.st_dev != above.st_dev;
 }
 
+/// The two attributes that keep an item where it is, see chattr(1). Only the administrator sets them.
+std::uint32_t flagsOf(std::uint64_t attributes) {
+    return ((attributes & STATX_ATTR_IMMUTABLE) != 0 ? FileFlags::systemImmutable : 0U) |
+           ((attributes & STATX_ATTR_APPEND) != 0 ? FileFlags::systemAppend : 0U);
+}
+
 }  // namespace
 
 int renameExclusively(const fs::path& from, const fs::path& to) {
@@ -51,7 +58,6 @@ int flushVolume(const fs::path& path) {
 }
 
 int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
-    constexpr std::uint64_t locks = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
     struct statx status {};
     if (::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_MODE | STATX_UID,
                 &status) != 0)
@@ -61,8 +67,12 @@ int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
              .owner = status.stx_uid,
              .isMountPoint = isMountKnown ? (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0
                                           : S_ISDIR(status.stx_mode) && isOnAnotherDevice(folderHandle, name),
-             .isLocked = (status.stx_attributes & locks) != 0};
+             .flags = flagsOf(status.stx_attributes)};
     return 0;
+}
+
+int deletionDenied(int, const char*) {
+    return 0;  // Access control lists deny no removal here: the folder's permissions alone decide, see acl(5).
 }
 
 bool mayRemoveOthersItems() {

@@ -1,6 +1,7 @@
 #include "Platform/Files/SystemCalls.h"
 
 #include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/FileFlags.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -14,6 +15,11 @@
 namespace tarvik::SystemCalls {
 
 namespace {
+
+static_assert(FileFlags::userImmutable == UF_IMMUTABLE && FileFlags::userAppend == UF_APPEND);
+static_assert(FileFlags::systemImmutable == SF_IMMUTABLE && FileFlags::systemAppend == SF_APPEND);
+static_assert(FileFlags::restricted == SF_RESTRICTED && FileFlags::noUnlink == SF_NOUNLINK);
+static_assert(FileFlags::dataless == SF_DATALESS);
 
 int resultOf(int callResult) {
     return callResult == 0 ? 0 : errno;
@@ -49,14 +55,19 @@ int flushVolume(const fs::path& path) {
 }
 
 int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
-    constexpr std::uint32_t locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND | SF_RESTRICTED | SF_NOUNLINK;
     struct stat status {};
     if (::fstatat(folderHandle, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
     guard = {.mode = status.st_mode,
              .owner = status.st_uid,
              .isMountPoint = S_ISDIR(status.st_mode) && isOnAnotherDevice(folderHandle, name),
-             .isLocked = (status.st_flags & locks) != 0};
+             .flags = status.st_flags};
     return 0;
+}
+
+int deletionDenied(int folderHandle, const char* name) {
+    // _DELETE_OK is one of the extended questions of <sys/unistd.h>. It weighs the lists of the item and of its folder.
+    if (::faccessat(folderHandle, name, _DELETE_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0) return 0;
+    return errno == EACCES || errno == EPERM ? errno : 0;
 }
 
 bool mayRemoveOthersItems() {

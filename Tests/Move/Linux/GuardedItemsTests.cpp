@@ -136,7 +136,8 @@ TEST_F(GuardedItems, AnImmutableFileStaysWithAllOthers) {
     // Who asks first is told before anything is copied.
     world.volumes->list.push_back({.mountPath = disk.path(), .name = "Disk"});
     EXPECT_EQ(MoveRefusal::ofFolder(world.host, item, world.driveInfo()),
-              "Music can't be moved: " + (item / "sub/b").native() + " is locked (Operation not permitted).");
+              "Music can't be moved: " + (item / "sub/b").native() +
+                  " is locked (Operation not permitted). Unlock it with: sudo chattr -i " + (item / "sub/b").native());
 }
 
 TEST_F(GuardedItems, AnItemWhoseLinkCannotBeMadeStaysAsItWas) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
@@ -26,7 +27,6 @@ protected:
     TreeObstacles() {
         makeFile(tree / "sub/file");
         makeLink(tree / "link", "sub");
-        makePipe(tree / "pipe");
         fs::permissions(tree, fs::perms::all);
     }
 
@@ -43,6 +43,58 @@ TEST_F(TreeObstacles, AreNoneInAnOrdinaryTree) {
     EXPECT_EQ(words(TreeObstacle::toMove(tree / "missing")), "none");
 }
 
+TEST_F(TreeObstacles, ArePipesWhereverACopyIsMade) {
+    makePipe(tree / "sub/pipe");
+    for (const auto& obstacle : {TreeObstacle::toMove(tree), TreeObstacle::toReturn(tree)}) {
+        ASSERT_TRUE(obstacle);
+        EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::pipe);
+        EXPECT_EQ(obstacle->path, tree / "sub/pipe");
+    }
+    EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+}
+
+TEST_F(TreeObstacles, AreFilesThatTheCopyToolPassesOver) {
+    for (const char* name : {".nfs0000000001", ".afpDeleted1234"}) {
+        makeFile(tree / "sub" / name);
+        const auto obstacle = TreeObstacle::toMove(tree);
+        ASSERT_TRUE(obstacle) << name;
+        EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::serverFile);
+        EXPECT_EQ(obstacle->path, tree / "sub" / name);
+        EXPECT_TRUE(TreeObstacle::toReturn(tree));
+        EXPECT_TRUE(TreeObstacle::toMove(tree / "sub" / name));
+        EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+        fs::remove(tree / "sub" / name);
+    }
+    makeFile(tree / "sub/nfs.nfs");
+    EXPECT_EQ(words(TreeObstacle::toMove(tree)), "none");
+}
+
+TEST_F(TreeObstacles, AreDeviceFilesForWhoCannotMakeThem) {
+    if (::mknod((tree / "sub/null").c_str(), S_IFCHR | 0666, statusOf("/dev/null").st_rdev) != 0)
+        TARVIK_SKIP_BECAUSE("Only the administrator can make device files.");
+    EXPECT_EQ(words(TreeObstacle::toMove(tree)), "none");
+    fs::permissions(tree / "sub", fs::perms::all);
+    const OrdinaryUser user(folder.path());
+    const auto obstacle = TreeObstacle::toMove(tree);
+    ASSERT_TRUE(obstacle);
+    EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::device);
+    EXPECT_EQ(words(TreeObstacle::toReturn(tree)), "none");
+}
+
+TEST_F(TreeObstacles, TellWhoseTheFolderIsThatLetsNothingGo) {
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
+    constexpr uid_t someoneElse = 1234;
+    fs::permissions(tree / "sub", fs::perms(0755));
+    ASSERT_EQ(::chown((tree / "sub").c_str(), someoneElse, someoneElse), 0);
+    const OrdinaryUser user(folder.path());
+    const auto obstacle = TreeObstacle::toMove(tree);
+    ASSERT_TRUE(obstacle);
+    EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::sealedFolder);
+    EXPECT_EQ(obstacle->path, tree / "sub");
+    EXPECT_EQ(obstacle->errorNumber, EACCES);
+    EXPECT_EQ(obstacle->owner, someoneElse);
+}
+
 TEST_F(TreeObstacles, AreSocketsForAMoveAlone) {
     makeSocket(tree / "sub/socket");
     const auto obstacle = TreeObstacle::toMove(tree);
@@ -50,6 +102,7 @@ TEST_F(TreeObstacles, AreSocketsForAMoveAlone) {
     EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::socket);
     EXPECT_EQ(obstacle->path, tree / "sub/socket");
     EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+    EXPECT_EQ(words(TreeObstacle::toReturn(tree)), "none");
 }
 
 TEST_F(TreeObstacles, AreSomeoneElsesItemsInAFolderWithTheStickyBit) {
@@ -77,7 +130,7 @@ TEST_F(TreeObstacles, AreTheItemItselfInASharedFolder) {
     if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
     ASSERT_EQ(::chmod(tree.c_str(), 01777), 0);
     const OrdinaryUser user(folder.path());
-    for (const char* name : {"sub", "link", "pipe"})
+    for (const char* name : {"sub", "link"})
         EXPECT_EQ(words(TreeObstacle::toRemoval(tree / name)),
                   "Could not remove " + (tree / name).native() + ": Operation not permitted");
 }

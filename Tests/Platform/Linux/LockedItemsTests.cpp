@@ -1,5 +1,6 @@
 // Flags of ext4, and files that are mounted: what lets nobody remove an item.
 #include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/FileFlags.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeObstacle.h"
 #include "Support/Linux/DriveFaults.h"
@@ -56,6 +57,15 @@ TEST_F(LockedItems, AreSeenBeforeARemoval) {
         }
     }
     EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+}
+
+TEST_F(LockedItems, TellTheirLock) {
+    {
+        const Flagged locked(tree / "a", FileFlag::immutable);
+        EXPECT_EQ(TreeObstacle::toMove(tree)->flags, FileFlags::systemImmutable);
+    }
+    const Flagged locked(tree, FileFlag::appendOnly);
+    EXPECT_EQ(TreeObstacle::toMove(tree / "sub")->flags, FileFlags::systemAppend);
 }
 
 TEST_F(LockedItems, AreSeenInTheFolderAround) {
