@@ -4,6 +4,7 @@
 #include "MovePlan/MoveRefusal.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/WrittenPath.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Storage/DriveGuard.h"
 #include "Platform/Storage/DriveScanner.h"
@@ -41,9 +42,9 @@ Refusal bySource(const fs::path& source, const fs::path& backups) {
     return std::nullopt;
 }
 
-/// What tells names apart also on a drive that takes no notice of case.
+/// What tells names apart also on a drive that takes no notice of case and normal forms.
 std::string keyOf(const fs::path& source) {
-    return Text::lowerCased(BackupNames::ofSource(source));
+    return Text::nameKey(BackupNames::ofSource(source));
 }
 
 Refusal byNames(const std::vector<fs::path>& sources) {
@@ -106,7 +107,7 @@ BackupRecord madeIn(const Host& host, const fs::path& folder, const DriveGuard& 
 Plan plan(const Host& host, const std::vector<fs::path>& paths, const DriveInfo& drive) {
     Plan plan{.drive = drive, .driveMark = DriveScanner::markOf(host, drive.mountPath).value_or(std::string())};
     for (const auto& path : paths) {
-        const auto source = Files::standardized(path);
+        const auto source = WrittenPath::asStored(Files::standardized(path));
         if (std::find(plan.sources.begin(), plan.sources.end(), source) == plan.sources.end())
             plan.sources.push_back(source);
     }

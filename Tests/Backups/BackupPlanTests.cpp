@@ -96,6 +96,9 @@ TEST_F(BackupPlanned, RefusesTwoThingsOfOneName) {
                   " would both bear the name InstalledApp.app. Back them up one after the other.");
     EXPECT_THAT(refusal({home / "a/Music", home / "b/music"}), HasSubstr("would both bear the name music."))
         << "many drives take no notice of case";
+    for (const auto* item : {"a/Caf\u00E9", "b/CAFE\u0301"}) makeFolder(home / item);
+    EXPECT_THAT(refusal({home / "a/Caf\u00E9", home / "b/CAFE\u0301"}), HasSubstr("would both bear the name"))
+        << "nor of the form of its letters";
     EXPECT_THAT(refusal({home / "Tarvik files", home / "App files"}), HasSubstr("would both bear the name App files."));
     EXPECT_EQ(refusal({home / "One.app", home / "a/Music", home / "App files"}), "planned");
 }

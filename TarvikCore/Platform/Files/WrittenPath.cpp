@@ -30,11 +30,6 @@ fs::path resolvedAsFarAsItGoes(const fs::path& path) {
     return Files::standardized(error ? path : result);
 }
 
-/// As scans and listings spell it.
-fs::path asStored(const fs::path& path) {
-    return StoredSpelling::of(Firmlinks::shortFormHere(path));
-}
-
 }  // namespace
 
 fs::path meant(const fs::path& written) {
@@ -54,6 +49,10 @@ fs::path meant(const fs::path& written) {
     if (real == resolvedAsFarAsItGoes(Files::standardized(through))) return asStored(plain);
     throw refusal(fmt::format("With \"..\" behind a symlink, {} may mean {} or {}. Name the one that is meant.",
                               written.native(), Files::standardized(real / behind).native(), plain.native()));
+}
+
+fs::path asStored(const fs::path& path) {
+    return StoredSpelling::of(Firmlinks::shortFormHere(path));
 }
 
 }  // namespace tarvik::WrittenPath

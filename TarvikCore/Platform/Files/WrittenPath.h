@@ -12,4 +12,7 @@ namespace tarvik::WrittenPath {
 /// @throws Failure with the sentence for the user when it could, or when ".." stands behind a link that leads nowhere.
 fs::path meant(const fs::path& written);
 
+/// A standardized path in the spelling that scans and listings give. Blocks as `meant`; never fails.
+fs::path asStored(const fs::path& path);
+
 }  // namespace tarvik::WrittenPath
