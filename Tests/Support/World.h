@@ -39,6 +39,7 @@ public:
 class MadeApplications : public RunningApplications {
 public:
     std::vector<RunningApplication> running() const override { return list; }
+    std::vector<fs::path> bundlesInUse() const override { return inUse; }
     void terminate(const RunningApplication& application) const override {
         terminated.push_back(application);
         if (quitsWhenAsked) list.clear();
@@ -46,6 +47,7 @@ public:
     void forceTerminate(const RunningApplication& application) const override { forced.push_back(application); }
 
     mutable std::vector<RunningApplication> list;
+    std::vector<fs::path> inUse;
     /// All of them, at the first request.
     bool quitsWhenAsked = false;
     mutable std::vector<RunningApplication> terminated;
