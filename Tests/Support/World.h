@@ -2,6 +2,7 @@
 
 #include "Platform/Machine/Host.h"
 #include "Platform/Machine/RunningApplications.h"
+#include "Platform/Machine/SleepBlocker.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveInfo.h"
@@ -54,6 +55,15 @@ public:
     mutable std::vector<RunningApplication> forced;
 };
 
+/// Notes how often the machine was kept awake, and whether it is now.
+class MadeSleepBlocker : public SleepBlocker {
+public:
+    std::unique_ptr<Hold> hold(const std::string& reason) const override;
+
+    mutable std::vector<std::string> reasons;
+    mutable int holds = 0;
+};
+
 /// A small machine in a temporary folder: a home, one drive (a plain folder), a Trash, a clock that stands still, a
 /// copy tool that is a shell script, and no running applications.
 class World {
@@ -80,6 +90,7 @@ public:
     std::shared_ptr<MadeVolumes> volumes;
     std::shared_ptr<MadeTrash> trash;
     std::shared_ptr<MadeApplications> applications;
+    std::shared_ptr<MadeSleepBlocker> sleepBlocker;
     Host host;
 };
 
