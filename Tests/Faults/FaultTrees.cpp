@@ -26,7 +26,6 @@ void makeFolderOfAllKinds(const fs::path& tree) {
     makeLink(tree / "sub/link", "../song");
     makeLink(tree / "dangling", "nowhere");
     makeFolder(tree / "empty");
-    makePipe(tree / "pipe");
     fs::create_hard_link(tree / "song", tree / "sub/same song");
     makeFile(tree / "sealed/inside", "read only");
     fs::permissions(tree / "sealed", fs::perms::owner_read | fs::perms::owner_exec);
