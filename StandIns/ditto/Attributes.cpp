@@ -1,6 +1,6 @@
 #include "ditto/Attributes.h"
 
-#include "Platform/Files/FileError.h"
+#include "ditto/ItemError.h"
 
 #include <fmt/format.h>
 
@@ -82,10 +82,12 @@ int copyExtendedAttributesByName(const Item& item) {
 }
 
 /// Gives the owner by `change`, which is the system's call with the item filled in.
-/// @returns the permissions that may be given: an item that runs as its owner must not run as someone else.
+/// @returns the permissions that may be given: an item that runs as its owner must not run as someone else, and only
+/// the superuser's copies run as their owners at all.
 template <typename Change>
 mode_t giveOwner(const Change& change, const struct stat& wanted, const struct stat& present, const auto& fail) {
-    mode_t mode = wanted.st_mode & 07777;
+    const bool isSuperuser = ::geteuid() == 0;
+    mode_t mode = wanted.st_mode & (isSuperuser ? mode_t{07777} : mode_t{01777});
     const bool otherUser = wanted.st_uid != present.st_uid;
     const bool otherGroup = wanted.st_gid != present.st_gid;
     if (!otherUser && !otherGroup) return mode;
@@ -114,17 +116,16 @@ std::array<struct timespec, 2> timesOf(const struct stat& status) {
 /// Everything for an open item. `path` gives the copy's path for a message.
 template <typename Path>
 void copyOpen(int source, int destination, const struct stat& status, const Path& path) {
-    const auto fail = [&](std::string_view verb, int error) { throw FileError(verb, path(), error); };
+    const auto fail = [&](int error) { throw ItemError(path(), error); };
     struct stat present {};
-    if (::fstat(destination, &present) != 0) fail("read", errno);
+    if (::fstat(destination, &present) != 0) fail(errno);
     // The owner comes first, because a change of owner takes away rights that the others give.
-    const mode_t mode = giveOwner([&](uid_t user, gid_t group) { return ::fchown(destination, user, group); }, status,
-                                  present, [&](int error) { fail("set the owner of", error); });
-    if (const int error = copyExtendedAttributes(source, destination)) fail("write the extended attributes of", error);
+    const mode_t mode =
+        giveOwner([&](uid_t user, gid_t group) { return ::fchown(destination, user, group); }, status, present, fail);
+    if (const int error = copyExtendedAttributes(source, destination)) fail(error);
     // An access list has changed the permissions by now, so they are given whatever they were.
-    if (const int error = givePermissions([&](mode_t some) { return ::fchmod(destination, some); }, mode))
-        fail("set the permissions of", error);
-    if (::futimens(destination, timesOf(status).data()) != 0) fail("set the times of", errno);
+    if (const int error = givePermissions([&](mode_t some) { return ::fchmod(destination, some); }, mode)) fail(error);
+    if (::futimens(destination, timesOf(status).data()) != 0) fail(errno);
 }
 
 }  // namespace
@@ -142,20 +143,20 @@ void copy(const OpenFolder& folder) {
 void copyByName(const Item& item, const struct stat& status) {
     const int folder = item.parent.destination.get();
     const char* name = item.destinationName;
-    const auto fail = [&](std::string_view verb, int error) { throw FileError(verb, destinationPath(item), error); };
+    const auto fail = [&](int error) { throw ItemError(destinationPath(item), error); };
 
     struct stat present {};
-    if (::fstatat(folder, name, &present, AT_SYMLINK_NOFOLLOW) != 0) fail("read", errno);
+    if (::fstatat(folder, name, &present, AT_SYMLINK_NOFOLLOW) != 0) fail(errno);
     const mode_t mode =
         giveOwner([&](uid_t user, gid_t group) { return ::fchownat(folder, name, user, group, AT_SYMLINK_NOFOLLOW); },
-                  status, present, [&](int error) { fail("set the owner of", error); });
-    if (const int error = copyExtendedAttributesByName(item)) fail("write the extended attributes of", error);
+                  status, present, fail);
+    if (const int error = copyExtendedAttributesByName(item)) fail(error);
     if (!S_ISLNK(status.st_mode)) {
         const auto change = [&](mode_t some) { return ::fchmodat(folder, name, some, AT_SYMLINK_NOFOLLOW); };
-        if (const int error = givePermissions(change, mode)) fail("set the permissions of", error);
+        if (const int error = givePermissions(change, mode)) fail(error);
     }
     if (::utimensat(folder, name, timesOf(status).data(), AT_SYMLINK_NOFOLLOW) != 0 && !isUnsupported(errno))
-        fail("set the times of", errno);
+        fail(errno);
 }
 
 bool handsDownAccessList(int folder) {

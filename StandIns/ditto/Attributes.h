@@ -12,7 +12,7 @@ namespace tarvik::ditto::Attributes {
 
 /// Gives the open file `destination` everything that the open file `source` has. `status` is the source's from before
 /// its content was read.
-/// @throws FileError
+/// @throws ItemError
 void copy(int source, int destination, const struct stat& status, const Item& item);
 
 /// The same for a finished folder.

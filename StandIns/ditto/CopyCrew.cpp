@@ -1,5 +1,7 @@
 #include "ditto/CopyCrew.h"
 
+#include "ditto/ItemError.h"
+
 #include <algorithm>
 #include <system_error>
 #include <utility>
@@ -82,9 +84,9 @@ void CopyCrew::work() {
         for (Batch batch(nullptr); take(batch);) {
             batch.forEach([&](const Item& item, unsigned char type) {
                 if (m_stop) throw Stopped{};
-                copier.copy(item, type);
+                triesToCopy(m_diagnostics, [&] { copier.copy(item, type); });
             });
-            leave(batch.folder());
+            triesToCopy(m_diagnostics, [&] { leave(batch.folder()); });
         }
     } catch (...) {
         fail(std::current_exception());

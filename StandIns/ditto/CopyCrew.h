@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ditto/Diagnostics.h"
 #include "ditto/Folder.h"
 #include "ditto/HardLinks.h"
 #include "ditto/ItemCopier.h"
@@ -47,19 +48,20 @@ private:
 /// `add`, `finish` and the constructor are called by one thread, the walk's.
 class CopyCrew {
 public:
-    explicit CopyCrew(HardLinks& links) : m_links(links) {}
+    /// Both must outlive it.
+    CopyCrew(HardLinks& links, Diagnostics& diagnostics) : m_links(links), m_diagnostics(diagnostics) {}
     /// Stops what still runs.
     ~CopyCrew();
     CopyCrew(const CopyCrew&) = delete;
     CopyCrew& operator=(const CopyCrew&) = delete;
 
-    /// Becomes true at the first failure.
+    /// Becomes true at a failure that keeps everyone from going on. An item that cannot be copied is none.
     const std::atomic<bool>& stop() const { return m_stop; }
 
     /// Hands a batch over. Waits while too many wait already, so that neither memory nor handles pile up.
-    /// @throws Stopped when a thread has failed; std::system_error when no thread can be started.
+    /// @throws Stopped when a thread cannot go on; std::system_error when no thread can be started.
     void add(Batch batch);
-    /// Keeps the first failure of all, and has everyone stop.
+    /// Keeps the first such failure of all, and has everyone stop.
     void fail(std::exception_ptr failure);
     /// Works along until everything is copied, and ends the threads.
     /// @throws the first failure
@@ -72,6 +74,7 @@ private:
     void joinThreads();
 
     HardLinks& m_links;
+    Diagnostics& m_diagnostics;
     std::atomic<bool> m_stop = false;
     std::vector<std::thread> m_threads;
     std::size_t m_itemsAdded = 0;

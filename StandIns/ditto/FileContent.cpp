@@ -1,6 +1,6 @@
 #include "ditto/FileContent.h"
 
-#include "Platform/Files/FileError.h"
+#include "ditto/ItemError.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -63,15 +63,14 @@ void FileContent::copyData(int source, int destination, off_t size, const Item& 
         if (data >= size) break;
         end = ::lseek(source, data, SEEK_HOLE);
         if (end < 0 && errno == ENXIO) break;  // The file has become shorter meanwhile.
-        if (end < 0) throw FileError("read", sourcePath(item), errno);
+        if (end < 0) throw ItemError(sourcePath(item), errno);
         end = std::min(end, size);
         if (!copyRange(source, destination, data, end - data, item)) return;
     }
     struct stat present {};
-    if (::fstat(source, &present) != 0) throw FileError("read", sourcePath(item), errno);
+    if (::fstat(source, &present) != 0) throw ItemError(sourcePath(item), errno);
     // A hole at the end is made by the length alone; what has been cut off meanwhile is no hole.
-    if (::ftruncate(destination, std::min(size, present.st_size)) != 0)
-        throw FileError("write", destinationPath(item), errno);
+    if (::ftruncate(destination, std::min(size, present.st_size)) != 0) throw ItemError(destinationPath(item), errno);
 }
 
 /// @returns false when the source ended before the range did.
@@ -83,13 +82,13 @@ bool FileContent::copyRange(int source, int destination, off_t offset, off_t len
         const auto wanted = static_cast<std::size_t>(std::min(end - offset, bufferSize));
         const ssize_t count = ::pread(source, m_buffer.get(), wanted, offset);
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) throw FileError("read", sourcePath(item), errno);
+        if (count < 0) throw ItemError(sourcePath(item), errno);
         if (count == 0) return false;
         for (ssize_t done = 0; done < count;) {
             const ssize_t written =
                 ::pwrite(destination, m_buffer.get() + done, static_cast<std::size_t>(count - done), offset + done);
             if (written < 0 && errno == EINTR) continue;
-            if (written < 0) throw FileError("write", destinationPath(item), errno);
+            if (written < 0) throw ItemError(destinationPath(item), errno);
             done += written;
         }
         offset += count;

@@ -8,7 +8,7 @@
 
 namespace tarvik::ditto {
 
-/// Ends the work of a thread because another one has failed.
+/// Ends the work of a thread because another one cannot go on.
 struct Stopped {};
 
 /// Copies the bytes of one file after the other. Belongs to one thread.
@@ -19,7 +19,7 @@ public:
 
     /// Copies what the open file `source` held when `status` was read into the new, empty file `destination`: shared
     /// with it where the file system can, and holes as holes. A file that shrinks meanwhile gives what is left.
-    /// @throws FileError; Stopped
+    /// @throws ItemError; Stopped
     void copy(int source, int destination, const struct stat& status, const Item& item);
 
 private:

@@ -1,7 +1,7 @@
 #include "ditto/Folder.h"
 
-#include "Platform/Files/FileError.h"
 #include "ditto/Attributes.h"
+#include "ditto/ItemError.h"
 
 #include <fmt/format.h>
 
@@ -39,17 +39,15 @@ bool isSame(const struct stat& status, dev_t device, ino_t inode) {
 void refuseToMergeIntoSource(const Folder& copy) {
     for (const Folder* source = &copy; source->parent; source = source->parent.get()) {
         if (isSame(source->status, copy.destinationDevice, copy.destinationInode))
-            throw Failure("ditto", EINVAL,
-                          fmt::format("Could not copy {} into itself: {}", sourcePath(*source).native(),
-                                      destinationPath(copy).native()));
+            throw ItemError(destinationPath(copy), EINVAL,
+                            fmt::format("It would be copied into itself as {}", sourcePath(*source).native()));
     }
 }
 
 /// True when the copy's folder was made now, false when it stood there.
 bool makeFolder(const Item& item) {
     if (::mkdirat(item.parent.destination.get(), item.destinationName, 0700) == 0) return true;
-    if (errno != EEXIST || item.parent.folder->isNew)
-        throw FileError("create the folder", destinationPath(item), errno);
+    if (errno != EEXIST || item.parent.folder->isNew) throw ItemError(destinationPath(item), errno);
     return false;
 }
 
@@ -59,10 +57,10 @@ void openCopy(const Item& item, OpenFolder& open) {
     open.destination = FileDescriptor(::openat(item.parent.destination.get(), item.destinationName, folderFlags));
     if (!open.destination) {
         const bool isOther = errno == ENOTDIR || errno == ELOOP;
-        throw FileError("create the folder", destinationPath(item), isOther ? EEXIST : errno);
+        throw ItemError(destinationPath(item), isOther ? EEXIST : errno);
     }
     struct stat status {};
-    if (::fstat(open.destination.get(), &status) != 0) throw FileError("read", destinationPath(item), errno);
+    if (::fstat(open.destination.get(), &status) != 0) throw ItemError(destinationPath(item), errno);
     folder.destinationDevice = status.st_dev;
     folder.destinationInode = status.st_ino;
     if (folder.isNew) {
@@ -70,8 +68,6 @@ void openCopy(const Item& item, OpenFolder& open) {
         return;
     }
     refuseToMergeIntoSource(folder);
-    // Best effort: what this does not open, fails when it is written to, with a better message.
-    if ((status.st_mode & S_IRWXU) != S_IRWXU) ::fchmod(open.destination.get(), (status.st_mode & 07777) | S_IRWXU);
     folder.handsDownAccessList = Attributes::handsDownAccessList(open.destination.get());
 }
 
@@ -80,10 +76,8 @@ FileDescriptor openAbove(const FileDescriptor& inside, dev_t device, ino_t inode
                          const std::function<fs::path()>& path) {
     FileDescriptor opened(openForReading(inside.get(), "..", folderFlags));
     struct stat status {};
-    if (!opened || ::fstat(opened.get(), &status) != 0) throw FileError("read", path(), errno);
-    if (!isSame(status, device, inode))
-        throw Failure("ditto", EAGAIN,
-                      fmt::format("Could not read {}: it was moved while it was being copied", path().native()));
+    if (!opened || ::fstat(opened.get(), &status) != 0) throw ItemError(path(), errno);
+    if (!isSame(status, device, inode)) throw ItemError(path(), EAGAIN, "It was moved while it was being copied");
     return opened;
 }
 
@@ -118,7 +112,7 @@ std::shared_ptr<OpenFolder> openFolder(const Item& item) {
 
     open->source = FileDescriptor(openForReading(item.parent.source.get(), item.sourceName, folderFlags));
     if (!open->source || ::fstat(open->source.get(), &folder.status) != 0)
-        throw FileError("read", sourcePath(item), errno);
+        failToRead([&] { return sourcePath(item); }, errno);
     openCopy(item, *open);
     return open;
 }

@@ -55,12 +55,13 @@ fs::path destinationPath(const Folder& folder);
 fs::path sourcePath(const Item& item);
 fs::path destinationPath(const Item& item);
 
-/// Opens the folder `item`, and makes its copy where there is none yet. An existing copy is merged into.
-/// @throws FileError
+/// Opens the folder `item`, and makes its copy where there is none yet. An existing copy is merged into, and left as it
+/// is.
+/// @throws ItemError; Vanished
 std::shared_ptr<OpenFolder> openFolder(const Item& item);
 
 /// Opens `folder` again by going up from one that is directly inside it.
-/// @throws FileError; Failure when the one inside was moved elsewhere meanwhile.
+/// @throws ItemError, also when the one inside was moved elsewhere meanwhile.
 std::shared_ptr<OpenFolder> openParent(const OpenFolder& inside, const std::shared_ptr<Folder>& folder);
 
 /// Opens something of the source for reading, without a trace in its access time where that is allowed.

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "Platform/Files/FileError.h"
 #include "ditto/Folder.h"
+#include "ditto/ItemError.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,14 +23,14 @@ inline int removeFormer(const Item& item) {
 
 /// Makes an item by `make`, a system call that does not make it where something stands. An older item is replaced,
 /// never written through. @returns what `make` returned.
-/// @throws FileError with `verb`
+/// @throws ItemError
 template <typename Make>
-int makeFresh(const Item& item, std::string_view verb, const Make& make) {
+int makeFresh(const Item& item, const Make& make) {
     for (;;) {
         const int made = make();
         if (made >= 0) return made;
-        if (errno != EEXIST) throw FileError(verb, destinationPath(item), errno);
-        if (const int error = removeFormer(item)) throw FileError(verb, destinationPath(item), error);
+        if (errno != EEXIST) throw ItemError(destinationPath(item), errno);
+        if (const int error = removeFormer(item)) throw ItemError(destinationPath(item), error);
     }
 }
 

@@ -1,7 +1,7 @@
 #include "ditto/HardLinks.h"
 
-#include "Platform/Files/FileError.h"
 #include "ditto/FreshItem.h"
+#include "ditto/ItemError.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -31,10 +31,10 @@ bool HardLinks::linkOrMake(const Item& item, const struct stat& status, const st
     const int folder = handleOf(copy.folder);
     bool isLinked = true;
     try {
-        makeFresh(item, "create the link", [&] {
+        makeFresh(item, [&] {
             return ::linkat(folder, copy.name.c_str(), item.parent.destination.get(), item.destinationName, 0);
         });
-    } catch (const FileError& error) {
+    } catch (const ItemError& error) {
         if (!knowsNoLinks(error.code())) throw;
         make();
         isLinked = false;
@@ -56,7 +56,7 @@ int HardLinks::handleOf(const std::shared_ptr<Folder>& folder) {
         const int parent = handle ? handle.get() : m_top->destination.get();
         handle = FileDescriptor(
             ::openat(parent, (*step)->destinationName.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-        if (!handle) throw FileError("read", destinationPath(**step), errno);
+        if (!handle) throw ItemError(destinationPath(**step), errno);
     }
     m_lastHandle = std::move(handle);
     m_lastFolder = folder;

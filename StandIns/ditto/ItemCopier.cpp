@@ -1,10 +1,8 @@
 #include "ditto/ItemCopier.h"
 
-#include "Platform/Files/FileError.h"
 #include "ditto/Attributes.h"
 #include "ditto/FreshItem.h"
-
-#include <fmt/format.h>
+#include "ditto/ItemError.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,21 +15,23 @@ namespace tarvik::ditto {
 
 namespace {
 
-Failure changedMeanwhile(const Item& item) {
-    return {"ditto", EAGAIN,
-            fmt::format("Could not read {}: it was replaced while it was being copied", sourcePath(item).native())};
+ItemError changedMeanwhile(const Item& item) {
+    return {sourcePath(item), EAGAIN, "It was replaced while it was being copied"};
+}
+
+[[noreturn]] void failToReadItem(const Item& item, int error) {
+    failToRead([&] { return sourcePath(item); }, error);
 }
 
 int createFile(const Item& item) {
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    return makeFresh(item, "write", [&] {
-        return ::openat(item.parent.destination.get(), item.destinationName, flags, S_IRUSR | S_IWUSR);
-    });
+    return makeFresh(
+        item, [&] { return ::openat(item.parent.destination.get(), item.destinationName, flags, S_IRUSR | S_IWUSR); });
 }
 
 /// Some file systems tell only here that something could not be written.
 void closeWritten(FileDescriptor& file, const Item& item) {
-    if (::close(file.release()) != 0 && errno != EINTR) throw FileError("write", destinationPath(item), errno);
+    if (::close(file.release()) != 0 && errno != EINTR) throw ItemError(destinationPath(item), errno);
 }
 
 std::string linkText(const Item& item, const struct stat& status) {
@@ -39,7 +39,7 @@ std::string linkText(const Item& item, const struct stat& status) {
     for (;;) {
         const ssize_t length = ::readlinkat(item.parent.source.get(), item.sourceName, text.data(), text.size());
         if (length < 0 && errno == EINVAL) throw changedMeanwhile(item);
-        if (length < 0) throw FileError("read", sourcePath(item), errno);
+        if (length < 0) failToReadItem(item, errno);
         if (static_cast<std::size_t>(length) < text.size()) {
             text.resize(static_cast<std::size_t>(length));
             return text;
@@ -53,7 +53,7 @@ std::string linkText(const Item& item, const struct stat& status) {
 void ItemCopier::copy(const Item& item, unsigned char type) {
     if (type == DT_REG) {
         copyFile(item);
-    } else if (type != DT_SOCK) {
+    } else {
         copyOther(item);
     }
 }
@@ -63,7 +63,7 @@ void ItemCopier::copyFile(const Item& item) {
     FileDescriptor source(openForReading(item.parent.source.get(), item.sourceName,
                                          O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
-    if (!source || ::fstat(source.get(), &status) != 0) throw FileError("read", sourcePath(item), errno);
+    if (!source || ::fstat(source.get(), &status) != 0) failToReadItem(item, errno);
     if (!S_ISREG(status.st_mode)) throw changedMeanwhile(item);
 
     FileDescriptor destination;
@@ -81,7 +81,7 @@ void ItemCopier::copyFile(const Item& item) {
 void ItemCopier::copyOther(const Item& item) {
     struct stat status {};
     if (::fstatat(item.parent.source.get(), item.sourceName, &status, AT_SYMLINK_NOFOLLOW) != 0)
-        throw FileError("read", sourcePath(item), errno);
+        failToReadItem(item, errno);
 
     const auto make = [&] { makeOther(item, status); };
     if (status.st_nlink > 1) {
@@ -97,9 +97,9 @@ void ItemCopier::makeOther(const Item& item, const struct stat& status) {
     const mode_t kind = status.st_mode & S_IFMT;
     if (kind == S_IFLNK) {
         const std::string text = linkText(item, status);
-        makeFresh(item, "create the link", [&] { return ::symlinkat(text.c_str(), folder, item.destinationName); });
-    } else if (kind == S_IFIFO || kind == S_IFCHR || kind == S_IFBLK) {
-        makeFresh(item, kind == S_IFIFO ? "create the pipe" : "create the device",
+        makeFresh(item, [&] { return ::symlinkat(text.c_str(), folder, item.destinationName); });
+    } else if (kind == S_IFCHR || kind == S_IFBLK) {
+        makeFresh(item,
                   [&] { return ::mknodat(folder, item.destinationName, kind | S_IRUSR | S_IWUSR, status.st_rdev); });
     } else {
         throw changedMeanwhile(item);
@@ -107,7 +107,7 @@ void ItemCopier::makeOther(const Item& item, const struct stat& status) {
 }
 
 void leave(const OpenFolder& folder) {
-    if (--folder.folder->unfinished == 0) Attributes::copy(folder);
+    if (--folder.folder->unfinished == 0 && folder.folder->isNew) Attributes::copy(folder);
 }
 
 }  // namespace tarvik::ditto

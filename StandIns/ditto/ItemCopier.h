@@ -14,8 +14,8 @@ class ItemCopier {
 public:
     ItemCopier(HardLinks& links, const std::atomic<bool>& stop) : m_links(links), m_content(stop) {}
 
-    /// Copies `item`, whose kind is told by `type`, one of the system's DT_ values. A socket is left out.
-    /// @throws FileError; Failure; Stopped
+    /// Copies `item`, whose kind is told by `type`, one of the system's DT_ values.
+    /// @throws ItemError; Vanished; Stopped
     void copy(const Item& item, unsigned char type);
 
 private:
@@ -27,9 +27,9 @@ private:
     FileContent m_content;
 };
 
-/// One that works in `folder` is done with it. The last one gives the copy its permissions, times and the rest, which
-/// can only be right when nothing is made in it any more.
-/// @throws FileError
+/// One that works in `folder` is done with it. The last one gives a new copy its permissions, times and the rest, which
+/// can only be right when nothing is made in it any more. A folder that stood there before keeps its own.
+/// @throws ItemError
 void leave(const OpenFolder& folder);
 
 }  // namespace tarvik::ditto

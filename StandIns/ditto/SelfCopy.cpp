@@ -1,7 +1,7 @@
 #include "ditto/SelfCopy.h"
 
-#include "Platform/Basics/Failure.h"
 #include "Platform/Files/FileDescriptor.h"
+#include "ditto/ItemError.h"
 
 #include <fmt/format.h>
 
@@ -47,10 +47,9 @@ bool liesInside(FileDescriptor folder, const struct stat& outer) {
 void refuse(const fs::path& source, const struct stat& status, const fs::path& destination) {
     struct stat present {};
     if (::lstat(destination.c_str(), &present) == 0 && isSame(present, status))
-        throw Failure("ditto", EINVAL, fmt::format("Could not copy {} onto itself", source.native()));
+        throw ItemError(source, EINVAL, "It would be copied onto itself");
     if (S_ISDIR(status.st_mode) && liesInside(nearestFolder(destination), status))
-        throw Failure("ditto", EINVAL,
-                      fmt::format("Could not copy {} into itself: {}", source.native(), destination.native()));
+        throw ItemError(destination, EINVAL, fmt::format("It would be copied into itself as {}", source.native()));
 }
 
 }  // namespace tarvik::ditto::SelfCopy

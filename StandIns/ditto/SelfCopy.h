@@ -8,7 +8,7 @@
 namespace tarvik::ditto::SelfCopy {
 
 /// Refuses a destination that is the source, or lies inside it, by whatever path it is reached. Makes nothing. `status`
-/// is the source's. @throws Failure
+/// is the source's. @throws ItemError
 void refuse(const fs::path& source, const struct stat& status, const fs::path& destination);
 
 }  // namespace tarvik::ditto::SelfCopy

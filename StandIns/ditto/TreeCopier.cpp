@@ -1,9 +1,12 @@
 #include "ditto/TreeCopier.h"
 
-#include "Platform/Files/FileError.h"
 #include "ditto/Attributes.h"
 #include "ditto/CopyCrew.h"
+#include "ditto/ItemError.h"
+#include "ditto/PassedOver.h"
 #include "ditto/SelfCopy.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -11,6 +14,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -32,7 +36,8 @@ constexpr std::size_t listingSize = std::size_t{64} * 1024;
 /// crew.
 class Walk {
 public:
-    explicit Walk(CopyCrew& crew) : m_crew(crew), m_listing(std::make_unique_for_overwrite<Listing>()) {}
+    Walk(CopyCrew& crew, Diagnostics& diagnostics)
+        : m_crew(crew), m_diagnostics(diagnostics), m_listing(std::make_unique_for_overwrite<Listing>()) {}
 
     void copyFolder(const Item& root) {
         enter(root);
@@ -64,7 +69,8 @@ private:
     };
 
     void enter(const Item& item) {
-        auto open = openFolder(item);
+        std::shared_ptr<OpenFolder> open;
+        if (!triesToCopy(m_diagnostics, [&] { open = openFolder(item); })) return;
         m_levels.push_back({open->folder, open, {}, 0});
         if (m_levels.size() > openLevels) m_levels[m_levels.size() - 1 - openLevels].open = nullptr;
         list(m_levels.back());
@@ -76,14 +82,16 @@ private:
         // The way up leads through the folder, so it is taken before that gets its permissions.
         if (!m_levels.empty() && !m_levels.back().open)
             m_levels.back().open = openParent(*last.open, m_levels.back().folder);
-        leave(*last.open);
+        triesToCopy(m_diagnostics, [&] { leave(*last.open); });
     }
 
     void list(Level& level) {
         Batch batch(level.open);
-        while (readListing(*level.open)) {
+        while (hasListed(*level.open)) {
             for (const dirent64* entry : m_entries) {
+                if (PassedOver::isByName(entry->d_name)) continue;
                 const unsigned char type = typeOf(*level.open, *entry);
+                if (PassedOver::isByType(type)) continue;
                 if (type == DT_DIR) {
                     level.subfolders.append(entry->d_name, std::string_view(entry->d_name).size() + 1);
                     continue;
@@ -95,11 +103,18 @@ private:
         if (batch.size() > 0) m_crew.add(std::move(batch));
     }
 
+    /// The same as `readListing`; what cannot be read ends the listing.
+    bool hasListed(const OpenFolder& folder) {
+        bool isMore = false;
+        triesToCopy(m_diagnostics, [&] { isMore = readListing(folder); });
+        return isMore;
+    }
+
     /// Fills `m_entries` with the next ones. @returns false at the end.
     bool readListing(const OpenFolder& folder) {
         m_entries.clear();
         const ssize_t length = ::getdents64(folder.source.get(), m_listing->bytes.data(), listingSize);
-        if (length < 0) throw FileError("read", sourcePath(*folder.folder), errno);
+        if (length < 0) throw ItemError(sourcePath(*folder.folder), errno);
         for (ssize_t at = 0; at < length;) {
             const auto* entry = reinterpret_cast<const dirent64*>(m_listing->bytes.data() + at);
             at += entry->d_reclen;
@@ -112,21 +127,22 @@ private:
         return length > 0;
     }
 
+    /// The type of one that cannot be told of is found out when it is copied.
     static unsigned char typeOf(const OpenFolder& folder, const dirent64& entry) {
         if (entry.d_type != DT_UNKNOWN) return entry.d_type;
         struct stat status {};
-        if (::fstatat(folder.source.get(), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
-            throw FileError("read", sourcePath({folder, entry.d_name, entry.d_name}), errno);
+        if (::fstatat(folder.source.get(), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) return DT_UNKNOWN;
         return static_cast<unsigned char>(IFTODT(status.st_mode));
     }
 
     CopyCrew& m_crew;
+    Diagnostics& m_diagnostics;
     std::vector<Level> m_levels;
     std::unique_ptr<Listing> m_listing;
     std::vector<const dirent64*> m_entries;
 };
 
-/// A path as a folder to start from and a name in it. A source that ends with a slash means what a link there leads to.
+/// An item as a folder to start from and a name in it.
 struct Start {
     fs::path folder;
     std::string name;
@@ -143,9 +159,19 @@ fs::path withoutTrailingSlashes(const fs::path& path) {
     return text;
 }
 
+/// What a path leads to when all links at its end are followed. It need not be there.
+fs::path followed(const fs::path& path) {
+    constexpr int mostLinks = 40;  // As many as the system follows.
+    fs::path place = path;
+    std::error_code error;
+    for (int links = 0; links < mostLinks && fs::is_symlink(fs::symlink_status(place, error)); ++links)
+        place = withoutTrailingSlashes(place.parent_path() / fs::read_symlink(place, error));
+    return place;
+}
+
 FileDescriptor openStart(const fs::path& folder, const fs::path& path) {
     FileDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!opened) throw FileError("read", path, errno);
+    if (!opened) throw ItemError(path, errno);
     return opened;
 }
 
@@ -157,45 +183,70 @@ std::shared_ptr<OpenFolder> openTop(const fs::path& source, const fs::path& dest
     top->source = openStart(source, source);
     top->destination = openStart(destination, destination);
     struct stat status {};
-    if (::fstat(top->destination.get(), &status) != 0) throw FileError("read", destination, errno);
+    if (::fstat(top->destination.get(), &status) != 0) throw ItemError(destination, errno);
     top->folder->destinationDevice = status.st_dev;
     top->folder->handsDownAccessList = Attributes::handsDownAccessList(top->destination.get());
     return top;
 }
 
-void copyRoot(const Item& root, const struct stat& status, CopyCrew& crew, HardLinks& links) {
-    if (S_ISDIR(status.st_mode)) {
-        Walk(crew).copyFolder(root);
-    } else if (S_ISSOCK(status.st_mode)) {
-        throw FileError("read", sourcePath(root), ENOTSUP);
-    } else {
-        ItemCopier(links, crew.stop()).copy(root, static_cast<unsigned char>(IFTODT(status.st_mode)));
-    }
-}
-
-}  // namespace
-
-void copy(const fs::path& source, const fs::path& destination) {
-    struct stat status {};
-    if (::lstat(source.c_str(), &status) != 0) throw FileError("read", source, errno);
-    const fs::path target = withoutTrailingSlashes(destination);
+void copyItem(const fs::path& source, const struct stat& status, const fs::path& target, Diagnostics& diagnostics) {
     SelfCopy::refuse(source, status, target);
-
     const Start from = startOf(source);
     const Start into = startOf(target);
     std::error_code error;
     fs::create_directories(into.folder, error);
-    if (error) throw FileError("create the folder", into.folder, error.value());
+    if (error) throw ItemError(into.folder, error.value());
 
     const auto top = openTop(from.folder, into.folder);
     HardLinks links(top);
-    CopyCrew crew(links);
+    CopyCrew crew(links, diagnostics);
+    const Item root{*top, from.name.c_str(), into.name.c_str()};
     try {
-        copyRoot({*top, from.name.c_str(), into.name.c_str()}, status, crew, links);
+        if (S_ISDIR(status.st_mode)) {
+            Walk(crew, diagnostics).copyFolder(root);
+        } else {
+            triesToCopy(diagnostics, [&] {
+                ItemCopier(links, crew.stop()).copy(root, static_cast<unsigned char>(IFTODT(status.st_mode)));
+            });
+        }
     } catch (...) {
         crew.fail(std::current_exception());
     }
     crew.finish();
+}
+
+/// The source without links, for which the tool has a message of its own.
+std::optional<fs::path> realSource(const fs::path& source, Diagnostics& diagnostics) {
+    std::error_code error;
+    fs::path real = fs::canonical(source, error);
+    if (!error) return real;
+    diagnostics.say(fmt::format("Cannot get the real path for source '{}'", source.native()));
+    return std::nullopt;
+}
+
+/// Whether a file that is the only source is to go into a folder at `destination`, and not to be that itself. The page
+/// of an older version says that a missing parent makes a folder of it; the later ones do not say what it makes.
+bool isFolderToBe(const fs::path& destination, const fs::path& target) {
+    const fs::path parent = target.parent_path();
+    return !destination.has_filename() || (!parent.empty() && !fs::is_directory(parent));
+}
+
+}  // namespace
+
+void copy(const std::vector<fs::path>& sources, const fs::path& destination, Diagnostics& diagnostics) {
+    const fs::path target = followed(withoutTrailingSlashes(destination));
+    for (const fs::path& source : sources) {
+        const auto real = realSource(source, diagnostics);
+        if (!real) continue;
+        triesToCopy(diagnostics, [&] {
+            struct stat status {};
+            if (::lstat(real->c_str(), &status) != 0) throw ItemError(*real, errno);
+            if (PassedOver::isByType(IFTODT(status.st_mode)) || PassedOver::isByName(real->filename().c_str())) return;
+            const bool goesInto = !S_ISDIR(status.st_mode) &&
+                                  (sources.size() > 1 || fs::is_directory(target) || isFolderToBe(destination, target));
+            copyItem(*real, status, goesInto ? target / real->filename() : target, diagnostics);
+        });
+    }
 }
 
 }  // namespace tarvik::ditto::TreeCopier

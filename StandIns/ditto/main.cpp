@@ -1,37 +1,62 @@
-#include "ditto/MessageText.h"
+#include "ditto/Diagnostics.h"
 #include "ditto/TreeCopier.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <exception>
 #include <string_view>
 #include <vector>
 
+// Copies trees as the Mac's tool does: see ditto(1) of macOS, which the tests follow line by line.
+//
+//     ditto [OPTION]... SOURCE... DESTINATION
+//
+// What differs, and why nothing may count on it:
+// - It copies only. Archives (-c, -x), -v, -V, -X, --bom, --arch and the options that leave something out (--norsrc and
+//   the like) are not understood. Those that ask for what is done anyway are.
+// - A folder that cannot be made is told of once, and what is in it not at all; the Mac's tool goes on into it.
+// - A folder is never copied into itself. What the Mac's tool does there, its page does not say.
+// - An existing file is replaced by a new one, and never written into, so that its other names keep what they have. The
+//   page says only that it is overwritten.
+// - Holes in files stay holes, and files share their blocks with their copies where the file system can do that. The
+//   page promises neither.
+// - Where the destination knows no extended attributes, those of the user fail, item by item; a Mac keeps them in files
+//   beside. The Mac's flags, creation times and resource forks are nothing that Linux has.
+// - Bytes in names that are no UTF-8 are shown as "\xNN", where the Mac's tool prints what is there.
+// - The words of a message are those of this system for the same errno value.
+
 namespace {
 
+/// The status for everything that went wrong, wrong usage too.
 constexpr int failed = 1;
-constexpr int wrongUsage = 2;
 
-int copy(const std::vector<std::string_view>& paths) {
+/// What is done without them too.
+constexpr std::array<std::string_view, 4> defaults = {"--rsrc", "--extattr", "--qtn", "--acl"};
+
+int copy(const std::vector<std::string_view>& sources, std::string_view destination) {
+    tarvik::ditto::Diagnostics diagnostics;
     try {
-        tarvik::ditto::TreeCopier::copy(paths[0], paths[1]);
-        return 0;
+        tarvik::ditto::TreeCopier::copy({sources.begin(), sources.end()}, destination, diagnostics);
     } catch (const std::exception& failure) {
-        const auto text = tarvik::ditto::MessageText::readable(failure.what());
-        std::fprintf(stderr, "%s\n", text.c_str());
-        return failed;
+        diagnostics.say(failure.what());
     }
+    return diagnostics.areNone() ? 0 : failed;
 }
 
 }  // namespace
 
-/// Copies a tree: `ditto [--rsrc] SOURCE DESTINATION`. Everything that belongs to a file is copied with or without
-/// --rsrc.
 int main(int argc, char** argv) {
     std::vector<std::string_view> arguments(argv + 1, argv + argc);
-    if (!arguments.empty() && arguments.front() == "--rsrc") arguments.erase(arguments.begin());
-    const bool isUnderstood = arguments.size() == 2 && !arguments[0].empty() && !arguments[1].empty() &&
-                              !arguments[0].starts_with('-') && !arguments[1].starts_with('-');
-    if (isUnderstood) return copy(arguments);
-    std::fputs("Usage: ditto [--rsrc] SOURCE DESTINATION\n", stderr);
-    return wrongUsage;
+    const auto isDefault = [](std::string_view argument) {
+        return std::find(defaults.begin(), defaults.end(), argument) != defaults.end();
+    };
+    arguments.erase(arguments.begin(), std::find_if_not(arguments.begin(), arguments.end(), isDefault));
+    const bool isUnderstood =
+        arguments.size() >= 2 && std::none_of(arguments.begin(), arguments.end(), [](std::string_view argument) {
+            return argument.empty() || argument.starts_with('-');
+        });
+    if (isUnderstood) return copy({arguments.begin(), arguments.end() - 1}, arguments.back());
+    std::fputs("Usage: ditto [ <options> ] src [ ... src ] dst\n", stderr);
+    return failed;
 }

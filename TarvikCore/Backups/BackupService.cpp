@@ -8,6 +8,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/KeptAwake.h"
 #include "Platform/Storage/DriveGuard.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Platform/Text/Json.h"
@@ -62,11 +63,17 @@ std::vector<Source> existing(const Host& host, const std::vector<fs::path>& path
     return sources;
 }
 
+/// Copies an item with the copy tool; a link as it stands, which the tool would follow (ditto(1)).
+void copyTo(const Host& host, const Source& source, const fs::path& target, const ProgressCallback& progress) {
+    if (const auto text = Files::linkText(source.path)) return Files::createSymbolicLink(target, *text);
+    FileCopier::copy(host, source.path, target, source.size, progress);
+}
+
 void copy(const Host& host, const Source& source, const fs::path& target, const ProgressCallback& progress) {
     FileStash::moveAside(host, target, "backup-conflict");
     // The copy tool would merge into what could not be set aside.
     if (Files::itemExists(target)) throw FileError("replace", target, EEXIST);
-    FileCopier::copy(host, source.path, target, source.size, progress);
+    copyTo(host, source, target, progress);
 }
 
 /// The instant that is read again from a written record: its numbers are not as fine as the clock.
@@ -82,9 +89,23 @@ std::optional<BackupRecord> recordIn(const fs::path& folder) {
     }
 }
 
+/// Brings the record to the drive. One that may not have arrived would make a backup of what the user is told has
+/// failed.
+void write(const BackupRecord& record, const fs::path& folder) {
+    const fs::path file = folder / recordName;
+    Files::writeDurably(file, Json::compact(Json::encoded(record)));
+    try {
+        Files::flushVolume(folder);
+    } catch (const FileError&) {
+        ignoringFailure([&] { Files::removeItem(file); });
+        throw;
+    }
+}
+
 /// Makes the copies and the record.
 BackupRecord fill(const Host& host, const fs::path& folder, const std::vector<Source>& sources,
                   const DriveGuard& volume, const ProgressCallback& progress, const StopRequest& isAskedToStop) {
+    const KeptAwake awake(host, "A backup is being made");
     BackupRecord record{.id = folder.filename(), .rootPath = folder};
     std::int64_t total = 0;
     for (const auto& source : sources) total += source.size;
@@ -105,7 +126,7 @@ BackupRecord fill(const Host& host, const fs::path& folder, const std::vector<So
     volume.require(folder);
     Files::flushVolume(folder);
     record.createdAt = host.now();
-    Files::writeDurably(folder / recordName, Json::compact(Json::encoded(record)));
+    write(record, folder);
     volume.require(folder / recordName);
     return asWritten(record);
 }

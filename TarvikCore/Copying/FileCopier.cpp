@@ -22,10 +22,14 @@ namespace {
 
 constexpr std::size_t longestMessage = std::size_t{16} * 1024;
 
+/// What a user's environment may hold that makes the tool leave things out: resource forks, attributes and access lists
+/// (DITTONORSRC in ditto(1), COPYFILE_DISABLE in <copyfile.h>).
+const EnvironmentChange completeCopies = {{"DITTONORSRC", std::nullopt}, {"COPYFILE_DISABLE", std::nullopt}};
+
 }  // namespace
 
 void runDitto(const Host& host, const fs::path& from, const fs::path& to) {
-    ChildProcess ditto = ChildProcess::start(host.tools.ditto, {"--rsrc", from.native(), to.native()});
+    ChildProcess ditto = ChildProcess::start(host.tools.ditto, {"--rsrc", from.native(), to.native()}, completeCopies);
     std::string output;
     StreamReader reader;
     // The first words tell why; a tool that goes on about millions of files is not listened to.

@@ -6,6 +6,7 @@
 #include "Platform/Machine/Host.h"
 
 #include <string>
+#include <utility>
 
 namespace tarvik {
 
@@ -15,14 +16,14 @@ namespace tarvik {
 /// One thread; `host` must outlive it.
 class DriveCopy {
 public:
-    /// Takes a hidden place for a copy of `source`. @throws MoverError copyFailed.
-    DriveCopy(const Host& host, const fs::path& source, fs::path goal);
+    /// Takes a hidden place. @throws MoverError copyFailed.
+    DriveCopy(const Host& host, const fs::path& goal);
     DriveCopy(const DriveCopy&) = delete;
     DriveCopy& operator=(const DriveCopy&) = delete;
 
-    const fs::path& goal() const { return m_goal; }
+    const fs::path& goal() const { return m_copy.goal(); }
     /// Where it stands now.
-    const fs::path& place() const { return m_place; }
+    const fs::path& place() const { return m_copy.path(); }
 
     /// Gives it the goal's name, and brings that to the drive. Blocks.
     /// @throws MoverError destinationExists when something has come to stand there, copyFailed or verifyFailed.
@@ -34,13 +35,11 @@ public:
     void remove() noexcept;
 
     /// What is told of the place, told of the goal.
-    std::string inOwnName(std::string text) const;
+    std::string inOwnName(std::string text) const { return m_copy.inOwnName(std::move(text)); }
 
 private:
     const Host& m_host;
-    fs::path m_goal;
-    CopyPlace m_hidden;
-    fs::path m_place;
+    CopyPlace m_copy;
 };
 
 }  // namespace tarvik

@@ -95,7 +95,7 @@ bool renamesWithinVolume(const Host& host, const fs::path& from, const fs::path&
     return true;
 }
 
-/// Leaves a complete copy that has reached the drive, in no folder of its own, or nothing.
+/// Leaves a complete copy that has reached the drive, under a hidden name beside its goal, or nothing.
 void copyAcross(const Host& host, const fs::path& from, const fs::path& to, CopyPlace& copy,
                 const ChangeWatch::Mark& start, const ProgressCallback& progress) {
     try {
@@ -148,7 +148,7 @@ void moveAcross(const Host& host, const fs::path& from, const fs::path& to, Goal
                 const ProgressCallback& progress) {
     if (const auto obstacle = TreeObstacle::toRemoval(from)) throw obstacle->error();
     const auto start = ChangeWatch::mark(from);
-    CopyPlace copy(from, to);
+    CopyPlace copy(to);
     copyAcross(host, from, to, copy, start, progress);
     const fs::path& temporary = copy.path();
     const Item item = Files::info(temporary);

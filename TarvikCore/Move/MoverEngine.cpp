@@ -169,7 +169,7 @@ void moveAndLink(const Host& host, const fs::path& item, const fs::path& destina
     Leftovers::sweep(host, source.parent_path());
     Leftovers::sweep(host, destinationParent);
     requireFree(destination);
-    DriveCopy copy(host, source, destination);
+    DriveCopy copy(host, destination);
     std::optional<OriginalRemoval::LinkInWaiting> link;
     try {
         fill(host, copy, source, size, progress);

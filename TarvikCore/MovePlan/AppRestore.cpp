@@ -6,6 +6,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/KeptAwake.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Platform/Text/Text.h"
 
@@ -143,6 +144,7 @@ Dialog confirm(const Plan& plan) {
 
 std::vector<Result> restoreAll(const Host& host, const std::vector<WayBack::Plan>& waysBack, const ItemCallback& begins,
                                const ItemProgressCallback& progress, const Cancellation& stopAfterItem) {
+    const KeptAwake awake(host, "Items are being moved back from a drive");  // Between two of them, too.
     std::vector<Result> results;
     for (std::size_t index = 0; index < waysBack.size() && !stopAfterItem.isCancelled(); ++index) {
         notify(begins, index);

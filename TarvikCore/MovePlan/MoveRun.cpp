@@ -7,6 +7,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/KeptAwake.h"
 #include "Platform/Storage/DriveGuard.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
@@ -66,6 +67,7 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
 
 void run(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& drivePath, bool quitRunning,
          const JobStatusCallback& status, const JobProgressCallback& progress, const Cancellation& stopAfterItem) {
+    const KeptAwake awake(host, "Items are being moved to a drive");
     for (std::size_t index = 0; index < jobs.size() && !stopAfterItem.isCancelled(); ++index)
         notify(status, index, outcomeOf(host, jobs[index], index, drivePath, quitRunning, status, progress));
 }

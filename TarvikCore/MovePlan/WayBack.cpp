@@ -10,6 +10,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Files/WrittenPath.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/KeptAwake.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/DriveGuard.h"
 #include "Platform/Storage/DriveScanner.h"
@@ -129,11 +130,13 @@ Plan plan(const Host& host, const fs::path& path) {
 }
 
 void run(const Host& host, const Plan& plan, const ProgressCallback& progress) {
-    if (plan.drive) DriveGuard::ofMarked(host, *plan.drive, plan.driveMark);
+    std::optional<DriveGuard> drive;  // Held, so that it cannot be ejected meanwhile.
+    if (plan.drive) drive = DriveGuard::ofMarked(host, *plan.drive, plan.driveMark);
     const Way way = wayFrom(host, plan.link);
     if (way != Way{plan.link, plan.target})
         throw refusal(fmt::format("{} leads to {} by now. Look at it and try again.", plan.link.filename().native(),
                                   way.target.native()));
+    const KeptAwake awake(host, "An item is being moved back from a drive");
     MoverEngine::restore(host, plan.link, progress);
 }
 

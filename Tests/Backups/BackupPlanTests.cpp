@@ -297,7 +297,7 @@ TEST_F(BackupOnVolume, ThatFillsUpLeavesNoRecord) {
     test::makeFileOfSize(home / "Music/song", 5'000'000);
     const auto volume = test::RealVolume::memory(mounts.path(), 2'000'000);
     EXPECT_THAT(failureOn(volume),
-                testing::MatchesRegex("Copy failed: ditto failed: Could not .*: No space left on device"));
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: .*: No space left on device"));
     EXPECT_TRUE(BackupService::list(world.host, volume.path()).empty());
     EXPECT_EQ(BackupService::unfinished(world.host, volume.path()).size(), 1U);
     EXPECT_EQ(test::statusOf(home / "Music/song").st_size, 5'000'000);

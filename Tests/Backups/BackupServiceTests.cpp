@@ -158,6 +158,22 @@ TEST_F(Backups, OfOneSecondShareAFolder) {
     EXPECT_EQ(listed(), std::vector{second});
 }
 
+TEST_F(Backups, KeepTheMachineAwakeWhileTheyCopy) {
+    makeFile(world.home / "Music/song");
+    const fs::path isReported = world.folder / "reported";
+    world.withDitto("cp -aT \"$2\" \"$3\"\n" + test::waitFor(isReported));
+    int holdsMeanwhile = 0;
+    BackupService::create(world.host, {world.home / "Music"}, world.drive, [&](std::int64_t, std::int64_t) {
+        holdsMeanwhile = world.sleepBlocker->holds;
+        makeFile(isReported);
+    });
+    EXPECT_EQ(holdsMeanwhile, 1);
+    EXPECT_EQ(world.sleepBlocker->holds, 0);
+    world.withDitto("exit 1");
+    EXPECT_EQ(failureOf({world.home / "Music"}), "Copy failed: ditto failed: exit 1");
+    EXPECT_EQ(world.sleepBlocker->holds, 0);
+}
+
 TEST_F(Backups, PassOverSourcesThatAreNotThere) {
     makeLink(world.home / "dangling", "nowhere");
     makeFile(world.home / "Music/song");
@@ -168,6 +184,7 @@ TEST_F(Backups, PassOverSourcesThatAreNotThere) {
 }
 
 TEST_F(Backups, CopySingleFilesAndLinksAsTheyAre) {
+    world.withRealDitto();
     makeFile(world.home / "notes.txt", "notes");
     makeLink(world.home / "link", "notes.txt");
     const auto record = create({world.home / "notes.txt", world.home / "link"});
@@ -383,7 +400,7 @@ TEST_F(WholeBackups, FailAtWhatMayNotBeRead) {
     for (const auto& path : {world.home, world.home / "Music", world.drive}) fs::permissions(path, fs::perms::all);
     const test::OrdinaryUser user(world.folder.path());
     EXPECT_THAT(failureOf({world.home / "Music"}),
-                testing::ContainsRegex("^Copy failed: ditto failed: Could not .*secret: Permission denied"));
+                testing::ContainsRegex("^Copy failed: ditto failed: ditto: .*secret: Permission denied"));
     EXPECT_TRUE(listed().empty());
 }
 

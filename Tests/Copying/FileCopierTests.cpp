@@ -1,6 +1,7 @@
 #include "Copying/FileCopier.h"
 #include "Copying/MoverError.h"
 #include "Platform/Files/Files.h"
+#include "Support/EnvironmentVariable.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -32,6 +33,15 @@ TEST(FileCopier, PassesItsArgumentsOneToOne) {
     world.withDitto(R"(printf '%s|' "$#" "$1" "$2" "$3" > "$3")");
     FileCopier::runDitto(world.host, "/a b/\"c\"", world.drive / "out");
     EXPECT_EQ(contentOf(world.drive / "out"), "3|--rsrc|/a b/\"c\"|" + (world.drive / "out").native() + "|");
+}
+
+TEST(FileCopier, LetsNoEnvironmentMakeTheToolLeaveThingsOut) {
+    World world;
+    const EnvironmentVariable ditto("DITTONORSRC", "1");
+    const EnvironmentVariable copyfile("COPYFILE_DISABLE", "1");
+    world.withDitto(R"(echo "${DITTONORSRC-unset} ${COPYFILE_DISABLE-unset}" > "$3")");
+    FileCopier::runDitto(world.host, world.home, world.drive / "out");
+    EXPECT_EQ(contentOf(world.drive / "out"), "unset unset\n");
 }
 
 TEST(FileCopier, TellsTheToolsOwnWords) {

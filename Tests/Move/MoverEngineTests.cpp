@@ -242,7 +242,7 @@ TEST_F(MoverEngineTest, SpeaksOfTheItemByItsOwnName) {
     world.withDitto("echo \"Could not write $3/song.txt: it is tired\" >&2; exit 3");
     EXPECT_EQ(failureOfMove(),
               "Copy failed: ditto failed: Could not write " + destination.native() + "/song.txt: it is tired");
-    world.withDitto("rm -r \"$3\"");
+    world.withDitto("exit 0");
     EXPECT_EQ(failureOfMove(), "Verification failed: Music is missing at the destination.");
 }
 
@@ -317,7 +317,7 @@ TEST_F(MoverEngineTest, KeepsTheOriginalWhenAnotherVolumeTakesTheDrivesPlace) {
     const RealVolume other = RealVolume::memory(world.folder.path(), 1'000'000);
     const std::string parent = world.foldersOnDrive().native();
     world.withDitto("rm -r '" + parent + "' && ln -s '" + other.path().native() + "' '" + parent +
-                    "' && cp -aT \"$2\" \"$3\"");
+                    "' && mkdir -p \"$(dirname \"$3\")\" && cp -aT \"$2\" \"$3\"");
     EXPECT_EQ(failureOfMove(), "Verification failed: The target drive was disconnected while it was written to.");
     EXPECT_EQ(pictureOf(source), picture);
     EXPECT_FALSE(Files::itemExists(destination));

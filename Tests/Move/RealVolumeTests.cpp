@@ -73,7 +73,7 @@ TEST(RealVolumes, ThatFillUpInTheMiddleLeaveTheOriginalWhole) {
     makeFileOfSize(world.home / "Music/big", 5'000'000);
     const std::string picture = pictureOf(world.home / "Music");
     EXPECT_THAT(failureOf([&] { move(world, world.home / "Music"); }),
-                testing::MatchesRegex("Copy failed: ditto failed: Could not .*: No space left on device"));
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: .*: No space left on device"));
     EXPECT_EQ(pictureOf(world.home / "Music"), picture);
     EXPECT_FALSE(Files::itemExists(world.foldersOnDrive() / "Music"));
 }
@@ -114,7 +114,7 @@ TEST(RealVolumes, ThatTurnReadOnlyBeforeTheCopyLeaveTheOriginalWhole) {
     makeMusic(world.home / "Music");
     const std::string picture = pictureOf(world.home / "Music");
     EXPECT_THAT(failureOf([&] { move(world, world.home / "Music"); }),
-                testing::MatchesRegex("Copy failed: ditto failed: Could not .*: Read-only file system"));
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: .*: Read-only file system"));
     EXPECT_EQ(pictureOf(world.home / "Music"), picture);
 }
 
@@ -195,7 +195,7 @@ TEST(RealVolumes, GetTheirLinkBackWhenTheWayHomeFails) {
     const std::string picture = pictureOf(onDrive);
     makeLink(small.path() / "Music", onDrive);
     EXPECT_THAT(failureOf([&] { MoverEngine::restore(world.host, small.path() / "Music"); }),
-                testing::MatchesRegex("ditto failed: Could not .*: No space left on device"));
+                testing::MatchesRegex("ditto failed: ditto: .*: No space left on device"));
     EXPECT_EQ(Files::linkText(small.path() / "Music"), onDrive);
     EXPECT_EQ(pictureOf(onDrive), picture);
     EXPECT_EQ(Files::names(small.path()), std::vector<std::string>{"Music"});

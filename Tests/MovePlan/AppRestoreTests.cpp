@@ -52,6 +52,16 @@ protected:
 
 }  // namespace
 
+TEST_F(AppRestoreTest, KeepsTheMachineAwakeFromTheFirstItemToTheLast) {
+    const auto plan = planned({moved("Editor.app"), moved("Mixer.app")});
+    fs::remove_all(onDrive / "Editor.app");
+    const auto results = AppRestore::restoreAll(world.host, plan.waysBack,
+                                                [&](std::size_t) { EXPECT_EQ(world.sleepBlocker->holds, 1); }, {});
+    EXPECT_TRUE(results[0]);
+    EXPECT_FALSE(results[1]);
+    EXPECT_EQ(world.sleepBlocker->holds, 0);
+}
+
 TEST_F(AppRestoreTest, FindsTheLinkWithWhatItLeadsTo) {
     const auto plan = planned({moved("Editor.app")});
     ASSERT_THAT(plan.waysBack, SizeIs(1));

@@ -1,5 +1,6 @@
 #include "MovePlan/MoveRun.h"
 #include "Platform/Files/Files.h"
+#include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
@@ -46,6 +47,42 @@ TEST_F(MoveRunTest, TakesEachJobThroughItsLife) {
                                      JobStatus::done()}));
     EXPECT_EQ(tarvik::MoveRun::summary(jobs).text, "Moved 3 items.");
     EXPECT_FALSE(tarvik::MoveRun::summary(jobs).hasFailures);
+}
+
+TEST_F(MoveRunTest, KeepsTheMachineAwakeFromTheFirstJobToTheLast) {
+    world.withDitto("[ \"$(basename \"$2\")\" != Two ] || exit 1; cp -aT \"$2\" \"$3\"");
+    run([this](std::size_t, const JobStatus&) { EXPECT_EQ(world.sleepBlocker->holds, 1); });
+    EXPECT_EQ(jobs[1].status, JobStatus::failed("Copy failed: ditto failed: exit 1"));
+    EXPECT_EQ(world.sleepBlocker->holds, 0);
+    EXPECT_EQ(world.sleepBlocker->reasons, std::vector<std::string>{"Items are being moved to a drive"});
+}
+
+TEST_F(MoveRunTest, KeepsNoMachineAwakeOnceItIsStopped) {
+    run([this](std::size_t, const JobStatus&) { stop.cancel(); });
+    EXPECT_EQ(world.sleepBlocker->holds, 0);
+    EXPECT_EQ(jobs[2].status, JobStatus::pending());
+}
+
+TEST_F(MoveRunTest, NeedsNoMachineThatSleeps) {
+    world.host.sleepBlocker = nullptr;
+    run();
+    EXPECT_EQ(jobs[2].status, JobStatus::done());
+}
+
+TEST_F(MoveRunTest, KeepsTheDriveUntilItsItemIsMoved) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    auto volume = RealVolume::memory(world.folder.path(), megabyte);
+    world.volumes->list.push_back({.mountPath = volume.path(), .name = "Real", .totalBytes = 0, .availableBytes = 0});
+    std::vector<MoveJob> one = {
+        MoveJob("One", world.home / "One", volume / "ExternalTarvik/Folders/One", JobStatus::pending(), 1, 0)};
+    tarvik::MoveRun::run(world.host, one, volume.path(), false,
+                         [&](std::size_t, const JobStatus& status) {
+                             EXPECT_TRUE(status.isFinal() || !volume.eject());
+                             one[0].status = status;
+                         },
+                         {});
+    EXPECT_EQ(one[0].status, JobStatus::done());
+    EXPECT_TRUE(volume.eject());
 }
 
 TEST_F(MoveRunTest, NeedsNobodyWhoListens) {

@@ -1,46 +1,52 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Text/Text.h"
 #include "StandIns/DittoRun.h"
 #include "Support/DeepTree.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tarvik::test {
 namespace {
 
+/// The one thing that the tool says, in the form of the Mac's: its name, the path, and why.
 void expectFailure(const DittoRun& run, const std::string& message) {
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.message, message + "\n");
+    EXPECT_EQ(run.message, "ditto: " + message + "\n");
 }
 
 TEST(DittoFailure, SaysThatTheSourceIsMissing) {
     const TemporaryFolder folder;
     expectFailure(ditto(folder / "none", folder / "new/copy"),
-                  "Could not read " + (folder / "none").native() + ": No such file or directory");
+                  "Cannot get the real path for source '" + (folder / "none").native() + "'");
     EXPECT_FALSE(Files::itemExists(folder / "new"));
 }
 
-TEST(DittoFailure, WantsTwoPathsAndKnowsNoOtherOption) {
+TEST(DittoFailure, WantsPathsAndKnowsNoOptionForAnythingElse) {
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
                                                       {"--rsrc"},
                                                       {"a"},
                                                       {"--rsrc", "a"},
-                                                      {"a", "b", "c"},
                                                       {"-x", "a", "b"},
+                                                      {"--norsrc", "a", "b"},
+                                                      {"a", "b", "--rsrc"},
                                                       {"a", ""}}) {
         const auto run = runDitto(arguments);
-        EXPECT_EQ(run.status, 2);
-        EXPECT_EQ(run.message, "Usage: ditto [--rsrc] SOURCE DESTINATION\n");
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.message, "Usage: ditto [ <options> ] src [ ... src ] dst\n");
     }
 }
 
@@ -53,7 +59,7 @@ TEST(DittoFailure, SaysWhatItMayNotRead) {
                         [] {
                             if (isSuperuser()) becomeNobody();
                         }),
-                  "Could not read " + (folder / "tree/secret").native() + ": Permission denied");
+                  (folder / "tree/secret").native() + ": Permission denied");
 }
 
 TEST(DittoFailure, SaysWhichFolderItMayNotRead) {
@@ -65,8 +71,47 @@ TEST(DittoFailure, SaysWhichFolderItMayNotRead) {
                         [] {
                             if (isSuperuser()) becomeNobody();
                         }),
-                  "Could not read " + (folder / "tree/locked").native() + ": Permission denied");
+                  (folder / "tree/locked").native() + ": Permission denied");
     fs::permissions(folder / "tree/locked", fs::perms(0755));
+}
+
+TEST(DittoFailure, GoesOnWithTheRestAndEndsWithAStatus) {
+    const TemporaryFolder folder;
+    for (const char* name : {"a secret", "b/secret", "c locked/file", "d/e/file", "f file"})
+        makeFile(folder / "tree" / name);
+    for (const char* name : {"a secret", "b/secret"}) fs::permissions(folder / "tree" / name, fs::perms::none);
+    fs::permissions(folder / "tree/c locked", fs::perms::none);
+    makeFile(folder / "other/file");
+    fs::permissions(folder.path(), fs::perms(0777));
+    const auto run = runDitto({folder / "none", folder / "tree", folder / "other", folder / "copy"}, [] {
+        if (isSuperuser()) becomeNobody();
+    });
+    EXPECT_EQ(run.status, 1);
+    auto lines = Text::lines(run.message);
+    std::sort(lines.begin(), lines.end());
+    const auto denied = [&](const char* name) {
+        return "ditto: " + (folder / "tree" / name).native() + ": Permission denied";
+    };
+    EXPECT_THAT(
+        lines, testing::ElementsAre(denied("a secret"), denied("b/secret"), denied("c locked"),
+                                    "ditto: Cannot get the real path for source '" + (folder / "none").native() + "'"));
+    for (const char* name : {"d/e/file", "f file", "file"}) EXPECT_TRUE(fs::exists(folder / "copy" / name)) << name;
+    fs::permissions(folder / "tree/c locked", fs::perms(0755));
+}
+
+TEST(DittoFailure, SaysNothingOfWhatHasGoneMeanwhile) {
+    const TemporaryFolder folder;
+    std::atomic<bool> isDone = false;
+    for (int i = 0; i < 2000; ++i) makeFile(folder / "tree" / std::to_string(i % 20) / std::to_string(i));
+    std::thread remover([&] {
+        for (int i = 1999; i >= 0 && !isDone; --i)
+            fs::remove(folder / "tree" / std::to_string(i % 20) / std::to_string(i));
+    });
+    const auto run = ditto(folder / "tree", folder / "copy");
+    isDone = true;
+    remover.join();
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.message, "");
 }
 
 TEST(DittoFailure, SaysThatTheDriveIsFull) {
@@ -75,18 +120,21 @@ TEST(DittoFailure, SaysThatTheDriveIsFull) {
     makeFileOfSize(folder / "tree/large", 3000000);
     const RealVolume drive = RealVolume::memory(folder.path(), 1'000'000);
     expectFailure(ditto(folder / "tree", drive / "copy"),
-                  "Could not write " + (drive / "copy/large").native() + ": No space left on device");
+                  (drive / "copy/large").native() + ": No space left on device");
 }
 
-TEST(DittoFailure, SaysOnceThatTheDriveIsFullWhenSeveralThreadsNotice) {
+TEST(DittoFailure, SaysOfEachItemThatTheDriveIsFull) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     for (int i = 0; i < 600; ++i) makeFileOfSize(folder / "tree" / std::to_string(i % 9) / std::to_string(i), 9000);
     const RealVolume drive = RealVolume::memory(folder.path(), 2'000'000);
     const auto run = ditto(folder / "tree", drive / "copy");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(std::count(run.message.begin(), run.message.end(), '\n'), 1);
-    EXPECT_NE(run.message.find(": No space left on device\n"), std::string::npos) << run.message;
+    EXPECT_GT(std::count(run.message.begin(), run.message.end(), '\n'), 100);
+    for (const auto line : Text::lines(run.message)) {
+        EXPECT_TRUE(line.starts_with("ditto: " + (drive / "copy").native())) << line;
+        EXPECT_TRUE(line.ends_with(": No space left on device")) << line;
+    }
 }
 
 TEST(DittoFailure, SaysThatTheDriveHasNoPlaceForMoreFiles) {
@@ -97,7 +145,7 @@ TEST(DittoFailure, SaysThatTheDriveHasNoPlaceForMoreFiles) {
     ASSERT_TRUE(drive);
     const auto run = ditto(folder / "tree", *drive / "copy");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.message.find("Could not create the folder " + (*drive / "copy/").native()), 0U) << run.message;
+    EXPECT_EQ(run.message.find("ditto: " + (*drive / "copy/").native()), 0U) << run.message;
 }
 
 TEST(DittoFailure, SaysThatTheDriveCannotBeWritten) {
@@ -106,10 +154,8 @@ TEST(DittoFailure, SaysThatTheDriveCannotBeWritten) {
     makeFile(folder / "tree/file");
     RealVolume drive = RealVolume::memory(folder.path(), 1'000'000);
     drive.remountReadOnly();
-    expectFailure(ditto(folder / "tree", drive / "copy"),
-                  "Could not create the folder " + (drive / "copy").native() + ": Read-only file system");
-    expectFailure(ditto(folder / "tree/file", drive / "copy"),
-                  "Could not write " + (drive / "copy").native() + ": Read-only file system");
+    expectFailure(ditto(folder / "tree", drive / "copy"), (drive / "copy").native() + ": Read-only file system");
+    expectFailure(ditto(folder / "tree/file", drive / "copy"), (drive / "copy").native() + ": Read-only file system");
 }
 
 TEST(DittoFailure, NeverPutsAFileInTheWayOfAFolderOrTheReverse) {
@@ -120,16 +166,14 @@ TEST(DittoFailure, NeverPutsAFileInTheWayOfAFolderOrTheReverse) {
     makeFile(folder / "has folder/inner/file/stays");
     makeLink(folder / "has link/inner", folder / "elsewhere");
     makeFolder(folder / "elsewhere");
-    expectFailure(ditto(folder / "tree", folder / "has file"),
-                  "Could not create the folder " + (folder / "has file/inner").native() + ": File exists");
+    makeFolder(folder / "has file as folder/file");
+    expectFailure(ditto(folder / "tree", folder / "has file"), (folder / "has file/inner").native() + ": File exists");
     expectFailure(ditto(folder / "tree", folder / "has folder"),
-                  "Could not write " + (folder / "has folder/inner/file").native() + ": Is a directory");
-    expectFailure(ditto(folder / "tree", folder / "has link"),
-                  "Could not create the folder " + (folder / "has link/inner").native() + ": File exists");
-    expectFailure(ditto(folder / "file", folder / "elsewhere"),
-                  "Could not write " + (folder / "elsewhere").native() + ": Is a directory");
-    expectFailure(ditto(folder / "tree", folder / "file"),
-                  "Could not create the folder " + (folder / "file").native() + ": File exists");
+                  (folder / "has folder/inner/file").native() + ": Is a directory");
+    expectFailure(ditto(folder / "tree", folder / "has link"), (folder / "has link/inner").native() + ": File exists");
+    expectFailure(ditto(folder / "file", folder / "has file as folder"),
+                  (folder / "has file as folder/file").native() + ": Is a directory");
+    expectFailure(ditto(folder / "tree", folder / "file"), (folder / "file").native() + ": File exists");
     EXPECT_EQ(contentOf(folder / "has file/inner"), "stays");
     EXPECT_TRUE(fs::is_empty(folder / "elsewhere"));
 }
@@ -139,12 +183,13 @@ TEST(DittoFailure, RefusesToCopyAFolderIntoItself) {
     makeFile(folder / "tree/inner/file");
     makeLink(folder / "disguise", "tree/inner");
     const std::string before = pictureOf(folder / "tree");
-    const std::string start = "Could not copy " + (folder / "tree").native();
+    const std::string tree = (folder / "tree").native();
     for (const char* inside : {"tree/copy", "tree/inner", "tree/new/folders/copy", "disguise/copy", "disguise/../copy"})
-        expectFailure(ditto(folder / "tree", folder / inside), start + " into itself: " + (folder / inside).native());
-    expectFailure(ditto(folder / "tree", folder / "tree"), start + " onto itself");
+        expectFailure(ditto(tree, folder / inside),
+                      (folder / inside).native() + ": It would be copied into itself as " + tree);
+    expectFailure(ditto(tree, tree), tree + ": It would be copied onto itself");
     expectFailure(ditto(folder / "tree/inner/file", folder / "disguise/file"),
-                  "Could not copy " + (folder / "tree/inner/file").native() + " onto itself");
+                  (folder / "tree/inner/file").native() + ": It would be copied onto itself");
     EXPECT_EQ(pictureOf(folder / "tree"), before);
 }
 
@@ -153,7 +198,7 @@ TEST(DittoFailure, RefusesToMergeIntoTheSourceFromAbove) {
     makeFile(folder / "a/a/file", "inner");
     makeFile(folder / "a/file", "outer");
     const auto run = ditto(folder / "a", folder.path());
-    expectFailure(run, "Could not copy " + (folder / "a").native() + " into itself: " + (folder / "a").native());
+    expectFailure(run, (folder / "a").native() + ": It would be copied into itself as " + (folder / "a").native());
     EXPECT_EQ(contentOf(folder / "a/file"), "outer");
 }
 
@@ -178,7 +223,7 @@ TEST(DittoFailure, PrintsWhatEveryReaderUnderstands) {
     expectFailure(ditto(folder / "Gr\xC3\xBC\xC3\x9F"
                                  "e \xFF\xC3",
                         folder / "copy"),
-                  "Could not read " + (folder / "Grüße \\xFF\\xC3").native() + ": No such file or directory");
+                  "Cannot get the real path for source '" + (folder / "Grüße \\xFF\\xC3").native() + "'");
 }
 
 TEST(DittoFailure, KeepsAMessageShorterThanAPipe) {
@@ -204,7 +249,7 @@ TEST(DittoFailure, KeepsAMessageShorterThanAPipe) {
     const auto run = ditto(drive / "tree", drive / "copy");
     EXPECT_EQ(run.status, 1);
     EXPECT_LT(run.message.size(), 10000U);
-    EXPECT_EQ(run.message.find("Could not write " + (drive / "copy/ddd").native()), 0U);
+    EXPECT_EQ(run.message.find("ditto: " + (drive / "copy/ddd").native()), 0U);
     EXPECT_NE(run.message.find("/file: Is a directory\n"), std::string::npos);
 }
 

@@ -23,11 +23,40 @@ TEST(DittoTree, MakesTheFoldersAboveTheDestination) {
     EXPECT_EQ(pictureOf(folder / "drive/Apps/New/tree"), pictureOf(folder / "tree"));
 }
 
-TEST(DittoTree, CopiesWithoutTheOptionToo) {
+TEST(DittoTree, CopiesTheSameWithoutOptionsAndWithThoseThatAreUsual) {
     const TemporaryFolder folder;
     makeFile(folder / "tree/file");
     ASSERT_EQ(runDitto({folder / "tree", folder / "copy"}).status, 0);
+    ASSERT_EQ(runDitto({"--rsrc", "--extattr", "--qtn", "--acl", folder / "tree", folder / "other"}).status, 0);
     EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
+    EXPECT_EQ(pictureOf(folder / "other"), pictureOf(folder / "tree"));
+}
+
+TEST(DittoTree, CopiesWhatIsInSeveralFoldersIntoOneAndFilesBesideIt) {
+    const TemporaryFolder folder;
+    makeFile(folder / "one/shared/first", "1");
+    makeFile(folder / "two/shared/second", "2");
+    makeFile(folder / "file", "3");
+    ASSERT_EQ(runDitto({folder / "one", folder / "two", folder / "file", folder / "new/copy"}).status, 0);
+    EXPECT_EQ(contentOf(folder / "new/copy/shared/first"), "1");
+    EXPECT_EQ(contentOf(folder / "new/copy/shared/second"), "2");
+    EXPECT_EQ(contentOf(folder / "new/copy/file"), "3");
+}
+
+TEST(DittoTree, PutsAFileIntoAFolder) {
+    const TemporaryFolder folder;
+    makeFile(folder / "file", "new");
+    makeFile(folder / "copies/other", "stays");
+    makeLink(folder / "link", "copies");
+    ASSERT_EQ(ditto(folder / "file", folder / "copies").status, 0);
+    EXPECT_EQ(contentOf(folder / "copies/file"), "new");
+    fs::remove(folder / "copies/file");
+    ASSERT_EQ(ditto(folder / "file", folder / "link").status, 0);
+    EXPECT_EQ(contentOf(folder / "copies/file"), "new");
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    // Without a folder for it the destination becomes one.
+    ASSERT_EQ(ditto(folder / "file", folder / "far/away").status, 0);
+    EXPECT_EQ(contentOf(folder / "far/away/file"), "new");
 }
 
 TEST(DittoTree, CopiesAnEmptyFolder) {
@@ -59,23 +88,20 @@ TEST(DittoTree, CopiesLinksAsTheyAre) {
     EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "tree"));
 }
 
-TEST(DittoTree, CopiesALinkThatIsTheSource) {
+TEST(DittoTree, FollowsLinksAmongThePathsThatItIsGiven) {
     const TemporaryFolder folder;
-    makeFile(folder / "real/file");
+    makeFile(folder / "real/file", "content");
     makeLink(folder / "link", "real");
-    makeLink(folder / "dangling", "nowhere");
-    ASSERT_EQ(ditto(folder / "link", folder / "copy").status, 0);
-    ASSERT_EQ(ditto(folder / "dangling", folder / "copy of dangling").status, 0);
-    EXPECT_EQ(fs::read_symlink(folder / "copy"), "real");
-    EXPECT_EQ(fs::read_symlink(folder / "copy of dangling"), "nowhere");
-}
-
-TEST(DittoTree, FollowsALinkThatEndsWithASlash) {
-    const TemporaryFolder folder;
-    makeFile(folder / "real/file");
-    makeLink(folder / "link", "real");
-    ASSERT_EQ(runDitto({"--rsrc", (folder / "link").native() + "/", folder / "copy"}).status, 0);
-    EXPECT_EQ(pictureOf(folder / "copy"), pictureOf(folder / "real"));
+    makeLink(folder / "link to link", "link");
+    makeLink(folder / "to be", "new");
+    for (const char* source : {"link", "link/", "link to link"}) {
+        const fs::path copy = folder / ("copy of " + std::to_string(std::string(source).size()));
+        ASSERT_EQ(runDitto({"--rsrc", (folder / source).native(), copy}).status, 0) << source;
+        EXPECT_EQ(pictureOf(copy), pictureOf(folder / "real")) << source;
+    }
+    ASSERT_EQ(ditto(folder / "real", folder / "to be").status, 0);
+    EXPECT_EQ(pictureOf(folder / "new"), pictureOf(folder / "real"));
+    EXPECT_EQ(fs::read_symlink(folder / "to be"), "new");
 }
 
 TEST(DittoTree, KeepsHardLinksWithinTheTree) {
@@ -141,22 +167,21 @@ TEST(DittoTree, CopiesATreeDeeperThanAnyPathWithFewHandles) {
     EXPECT_EQ(copy.intactLevels(), levels);
 }
 
-TEST(DittoTree, DropsSockets) {
+TEST(DittoTree, PassesOverPipesAndSocketsAndLeftoversOfFileServers) {
     const TemporaryFolder folder;
-    makeFile(folder / "tree/file");
+    for (const char* name : {"file", ".nfs0001", ".nfs folder/file", "deep/.afpDeleted7", ".nf", "x.nfs"})
+        makeFile(folder / "tree" / name);
     makeSocket(folder / "tree/socket");
-    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
-    EXPECT_TRUE(fs::exists(folder / "copy/file"));
-    EXPECT_FALSE(Files::itemExists(folder / "copy/socket"));
-}
-
-TEST(DittoTree, MakesPipesAnew) {
-    const TemporaryFolder folder;
-    makeFolder(folder / "tree");
-    ASSERT_EQ(::mkfifo((folder / "tree/pipe").c_str(), 0640), 0);
-    ASSERT_EQ(ditto(folder / "tree", folder / "copy").status, 0);
-    EXPECT_EQ(statusOf(folder / "copy/pipe").st_mode, statusOf(folder / "tree/pipe").st_mode);
-    EXPECT_EQ(statusOf(folder / "copy/pipe").st_mtim.tv_nsec, statusOf(folder / "tree/pipe").st_mtim.tv_nsec);
+    makePipe(folder / "tree/deep/pipe");
+    const auto run = ditto(folder / "tree", folder / "copy");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.message, "");
+    EXPECT_EQ(Files::names(folder / "copy"), (std::vector<std::string>{".nf", "deep", "file", "x.nfs"}));
+    EXPECT_TRUE(fs::is_empty(folder / "copy/deep"));
+    for (const char* source : {"tree/socket", "tree/deep/pipe", "tree/.nfs0001"}) {
+        EXPECT_EQ(ditto(folder / source, folder / "single").status, 0);
+        EXPECT_FALSE(Files::itemExists(folder / "single"));
+    }
 }
 
 TEST(DittoTree, MakesDevicesWhereAllowed) {
@@ -171,8 +196,7 @@ TEST(DittoTree, MakesDevicesWhereAllowed) {
 
     const auto run = ditto(folder / "tree", folder / "other", becomeNobody);
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.message,
-              "Could not create the device " + (folder / "other/null").native() + ": Operation not permitted\n");
+    EXPECT_EQ(run.message, "ditto: " + (folder / "other/null").native() + ": Operation not permitted\n");
 }
 
 TEST(DittoTree, MergesIntoWhatIsThere) {

@@ -42,6 +42,8 @@ public:
     fs::path operator/(const fs::path& name) const { return m_path / name; }
     /// Makes the whole file system read-only. Fails while a file on it is open for writing.
     void remountReadOnly();
+    /// Ejects it, as a user does. @returns false when the system does not allow it, as long as something on it is open.
+    bool eject();
     /// Unplugs it: the mount point goes, files on it that are open stay usable until they are closed.
     void detach();
 

@@ -19,6 +19,19 @@ fs::path MadeTrash::moveToTrash(const fs::path& item) const {
     return goal;
 }
 
+std::unique_ptr<SleepBlocker::Hold> MadeSleepBlocker::hold(const std::string& reason) const {
+    class MadeHold : public Hold {
+    public:
+        explicit MadeHold(int& holds) : m_holds(holds) { ++m_holds; }
+        ~MadeHold() override { --m_holds; }
+
+    private:
+        int& m_holds;
+    };
+    reasons.push_back(reason);
+    return std::make_unique<MadeHold>(holds);
+}
+
 World::World() : World(fs::path()) {}
 
 World::World(const fs::path& drivePath)
@@ -26,7 +39,8 @@ World::World(const fs::path& drivePath)
       drive(drivePath.empty() ? folder / "Volumes/Backup" : drivePath),
       volumes(std::make_shared<MadeVolumes>()),
       trash(std::make_shared<MadeTrash>(folder / "Trash")),
-      applications(std::make_shared<MadeApplications>()) {
+      applications(std::make_shared<MadeApplications>()),
+      sleepBlocker(std::make_shared<MadeSleepBlocker>()) {
     makeFolder(home);
     makeFolder(drive);
     volumes->list.push_back({.mountPath = drive, .name = "Backup", .totalBytes = 0, .availableBytes = 0});
@@ -38,6 +52,7 @@ World::World(const fs::path& drivePath)
     host.volumes = volumes;
     host.trash = trash;
     host.runningApplications = applications;
+    host.sleepBlocker = sleepBlocker;
     host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(madeNow)); };
     withDitto(R"(cp -aT "$2" "$3")");
 }

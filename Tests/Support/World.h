@@ -2,6 +2,7 @@
 
 #include "Platform/Machine/Host.h"
 #include "Platform/Machine/RunningApplications.h"
+#include "Platform/Machine/SleepBlocker.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveInfo.h"
@@ -39,6 +40,7 @@ public:
 class MadeApplications : public RunningApplications {
 public:
     std::vector<RunningApplication> running() const override { return list; }
+    std::vector<fs::path> bundlesInUse() const override { return inUse; }
     void terminate(const RunningApplication& application) const override {
         terminated.push_back(application);
         if (quitsWhenAsked) list.clear();
@@ -46,10 +48,20 @@ public:
     void forceTerminate(const RunningApplication& application) const override { forced.push_back(application); }
 
     mutable std::vector<RunningApplication> list;
+    std::vector<fs::path> inUse;
     /// All of them, at the first request.
     bool quitsWhenAsked = false;
     mutable std::vector<RunningApplication> terminated;
     mutable std::vector<RunningApplication> forced;
+};
+
+/// Notes how often the machine was kept awake, and whether it is now.
+class MadeSleepBlocker : public SleepBlocker {
+public:
+    std::unique_ptr<Hold> hold(const std::string& reason) const override;
+
+    mutable std::vector<std::string> reasons;
+    mutable int holds = 0;
 };
 
 /// A small machine in a temporary folder: a home, one drive (a plain folder), a Trash, a clock that stands still, a
@@ -78,6 +90,7 @@ public:
     std::shared_ptr<MadeVolumes> volumes;
     std::shared_ptr<MadeTrash> trash;
     std::shared_ptr<MadeApplications> applications;
+    std::shared_ptr<MadeSleepBlocker> sleepBlocker;
     Host host;
 };
 

@@ -4,6 +4,7 @@
 #include "Platform/Machine/RunningApplications.h"
 #include "Platform/Processes/CommandRunner.h"
 #include "Platform/Processes/ProcessTable.h"
+#include "Platform/Processes/Utf8Locale.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
@@ -29,8 +30,8 @@ constexpr std::chrono::milliseconds pause{200};
 /// What the process list prints, wherever this program was started from; nothing when it cannot be run or its output is
 /// no text.
 std::string processList(const Host& host, const std::vector<std::string>& arguments = {"-axo", "comm,args"}) {
-    // The tool cuts its lines to COLUMNS, and most locales but this one turn names into question marks.
-    const EnvironmentChange change = {{"COLUMNS", std::nullopt}, {"LC_ALL", "C.UTF-8"}};
+    // The tool cuts its lines to COLUMNS.
+    const EnvironmentChange change = {{"COLUMNS", std::nullopt}, {"LC_ALL", Utf8Locale::name()}};
     return CommandRunner::run(host.tools.ps, arguments, std::nullopt, change).stdout;
 }
 
@@ -99,6 +100,19 @@ bool areSameBundle(const fs::path& one, const fs::path& other) {
            Files::isSameItem(Files::info(one), Files::info(other));
 }
 
+/// Adds what begins at a later slash of a path: a line's first slash may stand in another word. macOS's ps(1) cuts
+/// the first of two columns to 16 bytes, so that a path in it runs on into the next: "/Applications/My /Applications/My
+/// Editor.app".
+void addPathsBehindSpaces(std::set<fs::path>& bundles) {
+    std::set<fs::path> later;
+    for (const fs::path& bundle : bundles) {
+        const std::string& text = bundle.native();
+        for (std::size_t space = text.find(" /"); space != std::string::npos; space = text.find(" /", space + 1))
+            later.insert(text.substr(space + 1));
+    }
+    bundles.merge(later);
+}
+
 /// Looks until no instance is left, or the time is over. @returns whether none is left.
 bool waitUntilGone(const Host& host, const fs::path& bundlePath, Seconds limit) {
     const auto begin = steady_clock::now();
@@ -140,9 +154,11 @@ std::set<fs::path> bundlePaths(const Host& host) {
     const auto lineage = ProcessTable::lineage();
     const std::string own = processList(host, {"-o", "comm,args", "-p", fmt::format("{}", fmt::join(lineage, ","))});
     std::set<fs::path> bundles = bundlePathsIn(linesWithout(Text::lines(list), Text::lines(own)));
+    addPathsBehindSpaces(bundles);
     for (const pid_t process : lineage) bundles.merge(bundlePathsIn({ProcessTable::programOf(process).native()}));
     for (const auto& application : host.runningApplications->running())
         bundles.insert(Files::standardized(application.bundlePath));
+    for (const auto& bundle : host.runningApplications->bundlesInUse()) bundles.insert(Files::standardized(bundle));
     return bundles;
 }
 

@@ -10,9 +10,10 @@
 
 /// Whether an application is in use, and the request to quit it: a running application must not be moved or removed.
 ///
-/// Two sources are asked, because neither is enough alone: the machine's list of running applications, which may leave
-/// out helpers and daemons, and the lines of the process list, which show what was started from inside a bundle.
-/// Blocks; never throws. Call it from background work.
+/// Three sources are asked, because none is enough alone: the machine's list of running applications, which may leave
+/// out helpers and daemons, and on a Mac what was started since the main run loop turned last (NSWorkspace); the lines
+/// of the process list, which name bundles in arguments, but may be cut; and the programs of the process table. Blocks;
+/// never throws. Call it from background work.
 namespace tarvik::RunningAppsDetector {
 
 /// All bundles that are in use now, standardized. A path in a process's arguments counts as well, but not in those of

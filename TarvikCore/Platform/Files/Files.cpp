@@ -233,7 +233,7 @@ void createFile(const fs::path& path, std::string_view bytes, mode_t permissions
     if (!file) throw FileError("create", path, errno);
     int error = writeAll(file.get(), bytes);
     if (!error && ::fchmod(file.get(), permissions) != 0) error = errno;
-    if (!error && ::fsync(file.get()) != 0) error = errno;
+    if (!error) error = SystemCalls::flushFile(file.get());
     if (!error) return;
     ::unlink(path.c_str());
     throw FileError("write", path, error);
@@ -245,14 +245,16 @@ void writeDurably(const fs::path& path, std::string_view bytes) {
     if (!file) throw FileError("write", path, errno);
     int error = writeAll(file.get(), bytes);
     if (!error && ::fchmod(file.get(), 0644) != 0) error = errno;
-    if (!error && ::fsync(file.get()) != 0) error = errno;
+    if (!error) error = SystemCalls::flushFile(file.get());
     if (!error && ::rename(temporary.c_str(), path.c_str()) != 0) error = errno;
     if (error) {
         ::unlink(temporary.c_str());
         throw FileError("write", path, error);
     }
     const FileDescriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder) ::fsync(folder.get());  // Not every file system can flush a folder; the file itself is safe by now.
+    if (folder)
+        SystemCalls::flushFile(
+            folder.get());  // Not every file system can flush a folder; the file itself is safe by now.
 }
 
 std::string read(const fs::path& path, std::int64_t limit) {

@@ -15,6 +15,9 @@ int renameExclusively(const fs::path& from, const fs::path& to);
 /// Lets two items of one volume take each other's name in one step, so that neither name is ever free.
 /// ENOTSUP when the file system cannot.
 int exchangeNames(const fs::path& first, const fs::path& second);
+/// Waits until what was written to an open file, or to the list of an open folder, has reached the drive itself, and
+/// not only its cache.
+int flushFile(int handle);
 /// Waits until everything written to the volume that holds `path` has reached the drive.
 int flushVolume(const fs::path& path);
 /// What stands between an item and its removal, beside the permissions of its folder.

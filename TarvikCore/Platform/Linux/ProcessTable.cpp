@@ -13,6 +13,7 @@
 #include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace tarvik::ProcessTable {
 
@@ -86,6 +87,13 @@ std::optional<fs::path> executableOf(pid_t identifier) {
     return text.ends_with(removed) ? fs::path(text.substr(0, text.size() - removed.size())) : *path;
 }
 
+std::vector<pid_t> identifiers() {
+    std::vector<pid_t> result;
+    for (const std::string& name : Files::names(table))
+        if (const auto identifier = numberOf<pid_t>(name)) result.push_back(*identifier);
+    return result;
+}
+
 /// The two calls by their numbers: the header that declares them lacks what C++ needs in some versions of the library.
 int openHandle(pid_t identifier) {
     return static_cast<int>(::syscall(SYS_pidfd_open, identifier, 0U));
@@ -99,16 +107,22 @@ bool sendThrough(const FileDescriptor& handle, int signal) {
 
 std::vector<Process> processes() {
     std::vector<Process> result;
-    for (const std::string& name : Files::names(table)) {
-        const auto identifier = numberOf<pid_t>(name);
-        if (!identifier || !mayBeTold(*identifier)) continue;
+    for (const pid_t identifier : identifiers()) {
+        if (!mayBeTold(identifier)) continue;
         // The time comes first: were the identifier given to another process meanwhile, the time would not be its own.
-        const auto startTime = startTimeOf(*identifier);
-        const auto executable = executableOf(*identifier);
+        const auto startTime = startTimeOf(identifier);
+        const auto executable = executableOf(identifier);
         if (!startTime || !executable) continue;
-        result.push_back({*identifier, *startTime, *executable, argumentsOf(*identifier),
-                          Files::linkText(folderOf(*identifier) / "cwd").value_or(fs::path())});
+        result.push_back({identifier, *startTime, *executable, argumentsOf(identifier),
+                          Files::linkText(folderOf(identifier) / "cwd").value_or(fs::path())});
     }
+    return result;
+}
+
+std::vector<fs::path> programs() {
+    std::vector<fs::path> result;
+    for (const pid_t identifier : identifiers())
+        if (auto program = programOf(identifier); !program.empty()) result.push_back(std::move(program));
     return result;
 }
 

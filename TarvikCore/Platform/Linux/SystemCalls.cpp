@@ -51,6 +51,10 @@ int exchangeNames(const fs::path& first, const fs::path& second) {
     return result == EINVAL || result == ENOSYS ? ENOTSUP : result;
 }
 
+int flushFile(int handle) {
+    return resultOf(::fsync(handle));
+}
+
 int flushVolume(const fs::path& path) {
     const FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!item) return errno;

@@ -2,6 +2,7 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/SystemCalls.h"
 #include "Platform/Linux/TrashInfo.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/TrashItem.h"
@@ -98,8 +99,7 @@ bool writeRecord(const fs::path& record, std::string_view text) {
     }
     // An item without a readable record could not be put back: the record must outlive a power cut that the rename
     // does.
-    if (::fsync(file.get()) != 0) {
-        const int failure = errno;
+    if (const int failure = SystemCalls::flushFile(file.get())) {
         ::unlink(record.c_str());
         throw FileError("write", record, failure);
     }

@@ -3,6 +3,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/RunningApplications.h"
+#include "Platform/Machine/SleepBlocker.h"
 #include "Platform/Machine/ToolRules.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/VolumeList.h"
@@ -89,6 +90,7 @@ Host Host::thisMachine(const std::optional<fs::path>& home) {
             .volumes = makeSystemVolumeList(real),
             .trash = makeSystemTrashCan(real),
             .runningApplications = makeSystemRunningApplications(),
+            .sleepBlocker = makeSystemSleepBlocker(),
             .now = std::chrono::system_clock::now};
 }
 
@@ -100,6 +102,7 @@ Host Host::rootedAt(const fs::path& root, const fs::path& home) {
             .volumes = makeRootedVolumeList(root),
             .trash = makeRootedTrashCan(home),
             .runningApplications = makeProcessTableApplications({root, home}),
+            .sleepBlocker = nullptr,
             .now = std::chrono::system_clock::now};
 }
 

@@ -11,6 +11,7 @@
 namespace tarvik {
 
 class RunningApplications;
+class SleepBlocker;
 class TrashCan;
 class VolumeList;
 
@@ -31,6 +32,8 @@ struct Host {
     std::shared_ptr<const VolumeList> volumes;
     std::shared_ptr<const TrashCan> trash;
     std::shared_ptr<const RunningApplications> runningApplications;
+    /// Null for a machine that does not sleep; see `KeptAwake`.
+    std::shared_ptr<const SleepBlocker> sleepBlocker;
     Clock now;
 
     /// The machine that this program runs on, with the user's home folder, or another one. Without one, HOME names it,

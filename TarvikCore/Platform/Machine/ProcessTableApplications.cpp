@@ -1,5 +1,6 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/EnclosingBundles.h"
 #include "Platform/Machine/RunningApplications.h"
 #include "Platform/Processes/ProcessTable.h"
 
@@ -68,17 +69,6 @@ std::optional<fs::path> scriptOf(const Process& process) {
     return std::nullopt;
 }
 
-/// The bundles that a file lies inside of, the outermost first.
-std::vector<fs::path> bundlesAround(const fs::path& file) {
-    std::vector<fs::path> bundles;
-    fs::path folder;
-    for (const fs::path& component : file.parent_path()) {
-        folder /= component;
-        if (component.extension() == ".app") bundles.push_back(folder);
-    }
-    return bundles;
-}
-
 class ProcessTableApplications final : public RunningApplications {
 public:
     explicit ProcessTableApplications(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
@@ -86,13 +76,21 @@ public:
     std::vector<RunningApplication> running() const override {
         std::vector<RunningApplication> applications;
         for (const Process& process : ProcessTable::processes()) {
-            auto bundles = bundlesAround(process.executable);
+            auto bundles = EnclosingBundles::of(process.executable);
             if (bundles.empty())
-                if (const auto script = scriptOf(process)) bundles = bundlesAround(*script);
+                if (const auto script = scriptOf(process)) bundles = EnclosingBundles::of(*script);
             for (auto& bundle : bundles)
                 if (counts(bundle)) applications.push_back({process.identifier, process.startTime, std::move(bundle)});
         }
         return applications;
+    }
+
+    std::vector<fs::path> bundlesInUse() const override {
+        std::vector<fs::path> inUse;
+        for (const fs::path& program : ProcessTable::programs())
+            for (auto& bundle : EnclosingBundles::of(program))
+                if (counts(bundle)) inUse.push_back(std::move(bundle));
+        return inUse;
     }
 
     void terminate(const RunningApplication& application) const override {

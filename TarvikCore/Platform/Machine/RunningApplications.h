@@ -16,6 +16,9 @@ public:
 
     /// The running applications that have a bundle, in no promised order.
     virtual std::vector<RunningApplication> running() const = 0;
+    /// The bundles that any process runs from inside of, whosever it is: helpers and daemons too, which are no
+    /// applications. A bundle may be among them more than once.
+    virtual std::vector<fs::path> bundlesInUse() const = 0;
     /// Asks one to end, as its user would. It may take its time, or refuse; nothing happens when it has gone already.
     virtual void terminate(const RunningApplication& application) const = 0;
     /// Ends one, whatever it is doing.

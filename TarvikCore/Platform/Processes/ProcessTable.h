@@ -25,6 +25,8 @@ struct Process {
 /// The processes whose programs can be told, without this one and the system's first. Processes that have ended but
 /// were not waited for have no program.
 std::vector<Process> processes();
+/// The programs of all processes, whosever they are, as far as `programOf` can tell them.
+std::vector<fs::path> programs();
 /// Sends a signal to the process that has the identifier and began at that time, and to no other. Does nothing when it
 /// has ended, and for this process and the system's first. The check leaves no gap where the system has a handle for a
 /// process; elsewhere the identifier would have to be given to another process within an instant.

@@ -7,6 +7,9 @@
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
 
 namespace tarvik {
 
@@ -16,8 +19,16 @@ Failure disconnected(const std::string& further = {}) {
     return {"DriveGuard", ENODEV, "Target drive disconnected" + further};
 }
 
-std::uint64_t deviceAt(const fs::path& place) {
-    const auto info = Files::infoFollowingLinks(place);
+std::optional<std::uint64_t> deviceOf(const FileDescriptor& folder) {
+    struct stat status {};
+    if (!folder || ::fstat(folder.get(), &status) != 0) return std::nullopt;
+    return static_cast<std::uint64_t>(status.st_dev);
+}
+
+/// That of the open folder, or of what stands at its path.
+std::uint64_t deviceOf(const FileDescriptor& folder, const fs::path& path) {
+    if (const auto device = deviceOf(folder)) return *device;
+    const auto info = Files::infoFollowingLinks(path);
     if (!info) throw disconnected();
     return info->device;
 }
@@ -30,13 +41,18 @@ fs::path lowestPresent(fs::path place) {
 
 }  // namespace
 
-DriveGuard::DriveGuard(const fs::path& drive) : DriveGuard(deviceAt(drive)) {}
+DriveGuard::DriveGuard(const fs::path& drive)
+    : m_device(0),
+      m_folder(std::make_shared<const FileDescriptor>(::open(drive.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))) {
+    m_device = deviceOf(*m_folder, drive);
+}
 
 DriveGuard DriveGuard::ofMarked(const Host& host, const fs::path& mountPath, const std::optional<std::string>& mark) {
     const DriveGuard drive(mountPath);
     const auto markNow = DriveScanner::markOf(host, mountPath);
     const bool wasThere = !mark || !mark->empty();
-    if (!markNow || !wasThere) throw disconnected();
+    // The mark is that of the path, and must be that of the volume which is held.
+    if (!markNow || !wasThere || !drive.holds(mountPath)) throw disconnected();
     if (mark && mark != markNow) throw disconnected(fmt::format(". Another drive is at {} now.", mountPath.native()));
     return drive;
 }
@@ -47,7 +63,9 @@ DriveGuard DriveGuard::ofFolder(const fs::path& folder) {
 
 bool DriveGuard::holds(const fs::path& place) const {
     const auto info = Files::infoFollowingLinks(lowestPresent(place));
-    return info && info->device == m_device;
+    // A volume that was torn out does not answer any more.
+    const bool isThere = !*m_folder || deviceOf(*m_folder) == m_device;
+    return isThere && info && info->device == m_device;
 }
 
 void DriveGuard::require(const fs::path& place) const {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
+#include "Platform/Files/FileDescriptor.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -13,6 +15,9 @@ struct Host;
 /// The volume that a drive is, held on to for the length of an act. A drive that goes away can leave its mount path
 /// behind as a folder of the disk below: what is written there would fill that disk, and the user would look for it on
 /// the drive.
+///
+/// The volume's folder is held open meanwhile: a drive that is written to cannot be ejected, and nothing that is
+/// mounted in the place of one that has been torn out gets its number.
 ///
 /// Blocks while the system answers; any thread.
 class DriveGuard {
@@ -30,12 +35,13 @@ public:
     /// @throws Failure "Target drive disconnected" when it is not.
     void require(const fs::path& place) const;
 
-    bool operator==(const DriveGuard&) const = default;
+    /// Whether both hold the same volume.
+    bool operator==(const DriveGuard& other) const { return m_device == other.m_device; }
 
 private:
-    explicit DriveGuard(std::uint64_t device) : m_device(device) {}
-
     std::uint64_t m_device;
+    /// Closed where the folder may be passed through only.
+    std::shared_ptr<const FileDescriptor> m_folder;
 };
 
 }  // namespace tarvik

@@ -11,6 +11,7 @@
 #include <string>
 #include <sys/proc_info.h>
 #include <sys/sysctl.h>
+#include <utility>
 #include <vector>
 
 namespace tarvik::ProcessTable {
@@ -82,6 +83,13 @@ std::vector<Process> processes() {
         if (!startTime || !executable) continue;
         result.push_back({identifier, *startTime, *executable, argumentsOf(identifier), workingFolderOf(identifier)});
     }
+    return result;
+}
+
+std::vector<fs::path> programs() {
+    std::vector<fs::path> result;
+    for (const pid_t identifier : identifiers())
+        if (auto executable = executableOf(identifier)) result.push_back(std::move(*executable));
     return result;
 }
 

@@ -48,10 +48,20 @@ int exchangeNames(const fs::path& first, const fs::path& second) {
     return resultOf(::renamex_np(first.c_str(), second.c_str(), RENAME_SWAP));
 }
 
+/// fsync(2) of macOS hands the data to the drive, which may keep it in its cache; F_FULLFSYNC of fcntl(2) empties that
+/// too. Not every volume knows it: network volumes refuse.
+int flushFile(int handle) {
+    if (::fcntl(handle, F_FULLFSYNC) == 0) return 0;
+    return resultOf(::fsync(handle));
+}
+
 int flushVolume(const fs::path& path) {
     struct statfs volume {};
     if (::statfs(path.c_str(), &volume) != 0) return errno;
-    return resultOf(::sync_volume_np(volume.f_mntonname, SYNC_VOLUME_FULLSYNC | SYNC_VOLUME_WAIT));
+    const int result = resultOf(::sync_volume_np(volume.f_mntonname, SYNC_VOLUME_FULLSYNC | SYNC_VOLUME_WAIT));
+    if (result != ENOTSUP) return result;
+    // The volume knows no emptying of the drive's cache: as for a single file, the most that it knows is done.
+    return resultOf(::sync_volume_np(volume.f_mntonname, SYNC_VOLUME_WAIT));
 }
 
 int readGuard(int folderHandle, const char* name, ItemGuard& guard) {

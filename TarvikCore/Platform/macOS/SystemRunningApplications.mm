@@ -1,7 +1,10 @@
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/EnclosingBundles.h"
 #include "Platform/Machine/RunningApplications.h"
+#include "Platform/Processes/ProcessTable.h"
 
 #import <AppKit/AppKit.h>
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <csignal>
@@ -28,20 +31,26 @@ bool hasEnded(NSRunningApplication* application) {
 }
 
 /// The applications as Launch Services knows them: those of the user, agents included, but no helpers and daemons.
+///
+/// The workspace's list is brought up to date by the main thread's run loop alone (NSWorkspace, runningApplications),
+/// and a command has none: what was started since it began is missing there. So each process that runs from a bundle is
+/// looked up by itself, too.
 class MacRunningApplications final : public RunningApplications {
 public:
     std::vector<RunningApplication> running() const override {
         std::vector<RunningApplication> applications;
         @autoreleasepool {
-            for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
-                const char* path = application.bundleURL.fileSystemRepresentation;
-                if (!path || hasEnded(application) || application.processIdentifier == ::getpid()) continue;
-                applications.push_back(
-                    {application.processIdentifier, startTimeOf(application), Files::standardized(path)});
-            }
+            for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications)
+                add(application, applications);
+            for (const auto& process : ProcessTable::processes())
+                if (!EnclosingBundles::of(process.executable).empty())
+                    add([NSRunningApplication runningApplicationWithProcessIdentifier:process.identifier],
+                        applications);
         }
         return applications;
     }
+
+    std::vector<fs::path> bundlesInUse() const override { return m_table->bundlesInUse(); }
 
     void terminate(const RunningApplication& application) const override {
         with(application, [](NSRunningApplication* found) { [found terminate]; });
@@ -52,6 +61,16 @@ public:
     }
 
 private:
+    /// Once each.
+    static void add(NSRunningApplication* application, std::vector<RunningApplication>& applications) {
+        const char* path = application.bundleURL.fileSystemRepresentation;
+        if (!path || hasEnded(application) || application.processIdentifier == ::getpid()) return;
+        const pid_t process = application.processIdentifier;
+        const bool isThere = std::any_of(applications.begin(), applications.end(),
+                                         [&](const RunningApplication& other) { return other.process == process; });
+        if (!isThere) applications.push_back({process, startTimeOf(application), Files::standardized(path)});
+    }
+
     /// Looks an application up by its process and makes sure that it is the same one. The object stands for one run of
     /// an application: a later process of the same number is another one's.
     static void with(const RunningApplication& application, const std::function<void(NSRunningApplication*)>& act) {
@@ -62,6 +81,8 @@ private:
             if (found && startTimeOf(found) == application.startTime) act(found);
         }
     }
+
+    const std::shared_ptr<const RunningApplications> m_table = makeProcessTableApplications({});
 };
 
 }  // namespace

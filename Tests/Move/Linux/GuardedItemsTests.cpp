@@ -72,7 +72,7 @@ TEST_F(GuardedItems, AFileThatMayNotBeReadStaysWithAllOthers) {
     {
         const PlainUser user;
         EXPECT_EQ(failureOfMove(source),
-                  "Copy failed: ditto failed: Could not read " + (source / "sub/b").native() + ": Permission denied");
+                  "Copy failed: ditto failed: ditto: " + (source / "sub/b").native() + ": Permission denied");
     }
     fs::permissions(source / "sub/b", fs::perms(0644));
     EXPECT_EQ(pictureOf(source), picture);

@@ -105,14 +105,14 @@ TEST_F(InterruptedMove, KeepsTheOriginalWhenTheToolWritesToADriveThatHasGone) {
 TEST_F(InterruptedMove, KeepsTheOriginalWhenTheDriveFails) {
     makeTree(home);
     EXPECT_THAT(failureOfMove([this] { failDrive(volume->path()); }),
-                testing::MatchesRegex("Copy failed: ditto failed: Could not .*: Input/output error"));
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: .*: Input/output error"));
     EXPECT_EQ(pictureOf(home), picture);
 }
 
 TEST_F(InterruptedMove, KeepsTheOriginalWhenTheDriveTurnsReadOnly) {
     makeTree(home);
     EXPECT_THAT(failureOfMove([this] { volume->remountReadOnly(); }),
-                testing::MatchesRegex("Copy failed: ditto failed: Could not .*: Read-only file system"));
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: .*: Read-only file system"));
     EXPECT_EQ(pictureOf(home), picture);
     // Where nothing can be changed, the partial copy cannot be disposed of. It does not bear the item's name.
     EXPECT_FALSE(Files::itemExists(onDrive));
@@ -125,7 +125,7 @@ TEST_F(InterruptedMove, KeepsTheLinkWhenTheDriveGoesOnTheWayBack) {
     makeTree(onDrive);
     makeLink(home, onDrive);
     EXPECT_THAT(failureOfRestore([this] { volume->detach(); }),
-                testing::MatchesRegex("ditto failed: Could not .*: No such file or directory"));
+                testing::MatchesRegex("ditto failed: ditto: Cannot get the real path for source .*"));
     EXPECT_EQ(Files::linkText(home), onDrive);
     EXPECT_EQ(world->namesAtHome(), std::vector<std::string>{"Music"});
 }
@@ -134,7 +134,7 @@ TEST_F(InterruptedMove, KeepsTheLinkWhenTheDriveFailsOnTheWayBack) {
     makeTree(onDrive);
     makeLink(home, onDrive);
     EXPECT_THAT(failureOfRestore([this] { failDrive(volume->path()); }),
-                testing::MatchesRegex("ditto failed: Could not .*: Input/output error"));
+                testing::MatchesRegex("ditto failed: ditto: .*: Input/output error"));
     EXPECT_EQ(Files::linkText(home), onDrive);
     EXPECT_EQ(world->namesAtHome(), std::vector<std::string>{"Music"});
 }

@@ -36,6 +36,28 @@ TEST(CodesignMetadata, NamesTheDeveloperWithoutTheTeamsNumber) {
     EXPECT_EQ(teamNameFrom("Authority=Developer ID Application: Grüße & Söhne"), "Grüße & Söhne");
 }
 
+TEST(CodesignMetadata, ReadsWhatAMacPrints) {
+    // The form of `codesign -dvv` and of `spctl -a -vv` on macOS, see codesign(1) and spctl(8).
+    EXPECT_EQ(teamNameFrom("Executable=/Editor.app/Contents/MacOS/Editor\n"
+                           "Identifier=org.example.Editor\n"
+                           "Format=app bundle with Mach-O universal (x86_64 arm64)\n"
+                           "CodeDirectory v=20500 size=1786 flags=0x10000(runtime) hashes=45+7 location=embedded\n"
+                           "Signature size=9046\n"
+                           "Authority=Developer ID Application: Example Works (AB12CD34EF)\n"
+                           "Authority=Developer ID Certification Authority\n"
+                           "Authority=Apple Root CA\n"
+                           "Timestamp=15 Nov 2026 at 17:45:43\n"
+                           "Info.plist entries=29\n"
+                           "TeamIdentifier=AB12CD34EF\n"
+                           "Runtime Version=14.0.0\n"
+                           "Sealed Resources version=2 rules=13 files=310\n"
+                           "Internal requirements count=1 size=184\n"),
+              "Example Works");
+    EXPECT_EQ(statusFrom("/Editor.app: accepted\nsource=Notarized Developer ID\n"
+                         "origin=Developer ID Application: Example Works (AB12CD34EF)\n"),
+              "Notarized");
+}
+
 TEST(CodesignMetadata, NamesTheStore) {
     EXPECT_EQ(teamNameFrom("Authority=Apple Mac OS Application Signing\n"), "Apple (Mac App Store)");
 }

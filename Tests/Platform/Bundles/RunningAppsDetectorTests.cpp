@@ -1,6 +1,7 @@
 #include "Platform/Bundles/RunningAppsDetector.h"
 #include "Platform/Bundles/RunningBundle.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Processes/Utf8Locale.h"
 #include "Support/EnvironmentVariable.h"
 #include "Support/RealVolume.h"
 #include "Support/World.h"
@@ -169,6 +170,40 @@ TEST(RunningAppsDetector, TakesTheProcessListAndTheListOfApplicationsTogether) {
     EXPECT_TRUE(RunningAppsDetector::isRunning(world.host, "/B/Two.app"));
     EXPECT_FALSE(RunningAppsDetector::isRunning(world.host, "/A/one.app"));
     EXPECT_FALSE(RunningAppsDetector::isRunning(world.host, "/A"));
+}
+
+TEST(RunningAppsDetector, ReadsTheListOfAMacWhichCutsItsFirstColumn) {
+    // `ps -axo comm,args` as macOS prints it: of a command that is not the last column, 16 bytes are left.
+    Listed world(
+        "COMM             ARGS\n"
+        "/sbin/launchd    /sbin/launchd\n"
+        "/System/Library/ /System/Library/CoreServices/loginwindow.app/Contents/MacOS/loginwindow console\n"
+        "/Applications/My /Applications/My Editor.app/Contents/MacOS/My Editor\n"
+        "/Applications/Ma /Applications/Mail Helper.app/Contents/MacOS/Mail Helper -psn_0_12345\n"
+        "/usr/bin/python3 /usr/bin/python3 /Applications/Script.app/Contents/Resources/run.py\n"
+        "/usr/libexec/tru /usr/libexec/trustd\n");
+    const auto bundles = RunningAppsDetector::bundlePaths(world.host);
+    for (const char* bundle : {"/System/Library/CoreServices/loginwindow.app", "/Applications/My Editor.app",
+                               "/Applications/Mail Helper.app", "/Applications/Script.app"})
+        EXPECT_TRUE(bundles.contains(bundle)) << bundle;
+    EXPECT_FALSE(bundles.contains("/usr/libexec/trustd"));
+}
+
+TEST(RunningAppsDetector, TakesTheProgramsOfAllProcessesToo) {
+    // Arguments may hide the program, and lists may be cut or late.
+    Listed world("COMM             ARGS\nlogin            -bash\n");
+    world.applications->inUse = {"/A/One.app", "/A/One.app/Contents/Helpers/Inner.app"};
+    EXPECT_EQ(RunningAppsDetector::bundlePaths(world.host),
+              (Bundles{"/A/One.app", "/A/One.app/Contents/Helpers/Inner.app"}));
+}
+
+TEST(RunningAppsDetector, AsksForTheProcessListInALocaleThatTheSystemKnows) {
+    World world;
+    const test::EnvironmentVariable language("LC_ALL", "nonsense");
+    const fs::path noted = world.folder / "noted";
+    world.host.tools.ps = world.tool("ps", "echo \"$LC_ALL\" > '" + noted.native() + "'");
+    RunningAppsDetector::bundlePaths(world.host);
+    EXPECT_EQ(test::contentOf(noted), Utf8Locale::name() + "\n");
 }
 
 TEST(RunningAppsDetector, TheListOfApplicationsServesAloneWhenTheProcessListSaysNothing) {

@@ -50,6 +50,19 @@ TEST(RunningApplications, AProcessBelongsToEachOfNestedBundles) {
     EXPECT_THAT(bundlesRunningIn(folder.path()), UnorderedElementsAre(outer, inner));
 }
 
+TEST(RunningApplications, TellTheBundlesOfAllProcesses) {
+    const TemporaryFolder folder;
+    const fs::path outer = folder / "Outer.app";
+    // As applications of another system's devices lie in theirs: not in "Contents".
+    const fs::path inner = outer / "Wrapper/Inner.app";
+    const auto inUse = [&] { return makeProcessTableApplications({folder.path()})->bundlesInUse(); };
+    EXPECT_THAT(inUse(), IsEmpty());
+    const ChildProcess program = runSleeperIn(inner);
+    EXPECT_THAT(inUse(), UnorderedElementsAre(outer, inner));
+    EXPECT_THAT(makeProcessTableApplications({folder / "elsewhere"})->bundlesInUse(), IsEmpty());
+    EXPECT_THAT(makeProcessTableApplications({})->bundlesInUse(), Contains(inner));
+}
+
 TEST(RunningApplications, OnlyBundlesInTheGivenFoldersCount) {
     const TemporaryFolder folder;
     const ChildProcess outside = runSleeperIn(folder / "outside/One.app");

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace tarvik::test {
 
 TEST(DriveGuard, HoldsWhatIsOrWillBeOnItsVolume) {
@@ -40,6 +42,31 @@ TEST(DriveGuard, DoesNotTakeTheDiskBelowForADriveThatHasGone) {
     fs::remove(place);
     EXPECT_EQ(failureOf([&] { guard.require(place / "Music"); }), "Target drive disconnected");
     EXPECT_EQ(failureOf([&] { const DriveGuard late(place); }), "Target drive disconnected");
+}
+
+TEST(DriveGuard, KeepsItsDriveFromBeingEjected) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder folder;
+    auto drive = RealVolume::memory(folder.path(), megabyte);
+    makeFolder(drive / "Music");
+    for (const fs::path& place : {drive.path(), drive / "Music"}) {
+        auto guard = std::make_optional<DriveGuard>(place);
+        const DriveGuard copy = *guard;
+        guard.reset();
+        EXPECT_FALSE(drive.eject()) << place;
+    }
+    EXPECT_TRUE(drive.eject());
+}
+
+TEST(DriveGuard, DoesNotTakeAnotherDriveInItsPlaceForItsOwn) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder folder;
+    auto drive = RealVolume::memory(folder.path(), megabyte);
+    const DriveGuard guard(drive.path());
+    drive.detach();
+    // Without the hold the next one would get its number.
+    const auto another = RealVolume::memory(folder.path(), megabyte);
+    EXPECT_FALSE(guard.holds(another.path()));
 }
 
 }  // namespace tarvik::test

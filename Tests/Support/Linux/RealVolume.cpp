@@ -184,6 +184,13 @@ void RealVolume::remountReadOnly() {
         fail("cannot make read-only " + m_path.native());
 }
 
+bool RealVolume::eject() {
+    if (::umount2(m_path.c_str(), 0) != 0) return false;
+    ::rmdir(m_path.c_str());
+    m_path.clear();
+    return true;
+}
+
 void RealVolume::detach() {
     if (m_path.empty() || ::umount2(m_path.c_str(), MNT_DETACH) != 0) return;
     ::rmdir(m_path.c_str());

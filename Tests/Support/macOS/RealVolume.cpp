@@ -80,6 +80,13 @@ void RealVolume::remountReadOnly() {
         throw std::runtime_error("cannot make read-only " + m_path.native());
 }
 
+bool RealVolume::eject() {
+    if (!run({"/usr/bin/hdiutil", "detach", m_path.native()})) return false;
+    ::rmdir(m_path.c_str());
+    m_path.clear();
+    return true;
+}
+
 void RealVolume::detach() {
     if (m_path.empty() || !run({"/usr/bin/hdiutil", "detach", m_path.native(), "-force"})) return;
     ::rmdir(m_path.c_str());
