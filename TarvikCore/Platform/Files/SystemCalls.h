@@ -23,11 +23,13 @@ struct ItemGuard {
     uid_t owner = 0;
     /// Something else is mounted there: a volume's top folder or, where the system has that, a file shown twice.
     bool isMountPoint = false;
-    /// A flag of the file system lets nobody remove it, nor anything in it.
-    bool isLocked = false;
+    /// The flags of the file system, as a Mac numbers them: see "Platform/Files/FileFlags.h".
+    std::uint32_t flags = 0;
 };
 /// The item itself, a link not followed.
 int readGuard(int folderHandle, const char* name, ItemGuard& guard);
+/// What an access control list says against the removal of the item: 0, or the errno of trying.
+int deletionDenied(int folderHandle, const char* name);
 /// Whether the calling thread may remove what belongs to others even from a folder with the sticky bit.
 bool mayRemoveOthersItems();
 /// Whether the item carries the system's hidden flag, whatever its name.

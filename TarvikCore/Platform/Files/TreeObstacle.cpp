@@ -1,5 +1,6 @@
 #include "Platform/Files/TreeObstacle.h"
 
+#include "Platform/Files/FileFlags.h"
 #include "Platform/Files/SystemCalls.h"
 #include "Platform/Files/TreeWalk.h"
 
@@ -20,6 +21,10 @@ struct Holder {
     /// errno of taking something out of it, 0 when that is allowed.
     int sealedBy = 0;
 };
+
+bool isLocked(const SystemCalls::ItemGuard& item) {
+    return (item.flags & FileFlags::locks) != 0;
+}
 
 struct Found {
     Kind kind;
@@ -51,7 +56,7 @@ public:
             return Found{Kind::unreadable, error};
         }
         if (guard.isMountPoint) return Found{Kind::mountedVolume, EBUSY};
-        if (guard.isLocked) return Found{Kind::lockedItem, EPERM};
+        if (isLocked(guard)) return Found{Kind::lockedItem, EPERM};
         if (!m_hasAllRights && isForeign(guard, holder.guard, m_user)) return Found{Kind::foreignItem, EPERM};
         if (m_countsSockets && S_ISSOCK(guard.mode)) return Found{Kind::socket, ENOTSUP};
         return std::nullopt;
@@ -75,7 +80,7 @@ std::optional<TreeObstacle> find(const fs::path& item, bool countsSockets) {
     SystemCalls::ItemGuard guard;
     if (SystemCalls::readGuard(AT_FDCWD, parent.c_str(), guard) != 0) return std::nullopt;  // Nothing is there.
     holders.push_back(holderOf(AT_FDCWD, parent.c_str(), guard));
-    if (guard.isLocked) holders.back().sealedBy = EPERM;
+    if (isLocked(guard)) holders.back().sealedBy = EPERM;
 
     if (const auto found = search.obstacleAt(AT_FDCWD, item.c_str(), holders.back(), guard))
         return obstacle(*found, item);

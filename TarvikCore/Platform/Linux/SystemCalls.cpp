@@ -1,6 +1,7 @@
 #include "Platform/Files/SystemCalls.h"
 
 #include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/FileFlags.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -51,17 +52,22 @@ int flushVolume(const fs::path& path) {
 }
 
 int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
-    constexpr std::uint64_t locks = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
     struct statx status {};
     if (::statx(folderHandle, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_MODE | STATX_UID,
                 &status) != 0)
         return errno;
+    const bool isImmutable = (status.stx_attributes & STATX_ATTR_IMMUTABLE) != 0;
+    const bool onlyGrows = (status.stx_attributes & STATX_ATTR_APPEND) != 0;
     const bool isMountKnown = (status.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) != 0;
     guard = {.mode = status.stx_mode,
              .owner = status.stx_uid,
              .isMountPoint = isMountKnown ? (status.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0
                                           : S_ISDIR(status.stx_mode) && isOnAnotherDevice(folderHandle, name),
-             .isLocked = (status.stx_attributes & locks) != 0};
+             .flags = (isImmutable ? FileFlags::systemImmutable : 0) | (onlyGrows ? FileFlags::systemAppend : 0)};
+    return 0;
+}
+
+int deletionDenied(int, const char*) {
     return 0;
 }
 

@@ -49,13 +49,16 @@ int flushVolume(const fs::path& path) {
 }
 
 int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
-    constexpr std::uint32_t locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND | SF_RESTRICTED | SF_NOUNLINK;
     struct stat status {};
     if (::fstatat(folderHandle, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
     guard = {.mode = status.st_mode,
              .owner = status.st_uid,
              .isMountPoint = S_ISDIR(status.st_mode) && isOnAnotherDevice(folderHandle, name),
-             .isLocked = (status.st_flags & locks) != 0};
+             .flags = status.st_flags};
+    return 0;
+}
+
+int deletionDenied(int, const char*) {
     return 0;
 }
 
