@@ -6,6 +6,8 @@
 #include "ProcessAge.h"
 #include "RefreshMeasurement.h"
 #include "State/Apps/AppsState.h"
+#include "State/Folders/FoldersState.h"
+#include "State/Folders/GivenFolder.h"
 #include "State/QmlModule.h"
 #include "State/Shared/AppState.h"
 #include "State/Shared/WindowDialogs.h"
@@ -77,6 +79,7 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
 
     auto& window = *qobject_cast<QQuickWindow*>(engine.rootObjects().first());
     new CloseGuard(window, state);
+    new GivenFolder(application, state.tab<FoldersState>());
     if (options.picture) savePictureWhenReady(window, state, *options.picture);
     if (options.wantsTimeToFirstFrame) printTimeOfFirstFrame(window);
     if (measurement) measurement->watch(window);

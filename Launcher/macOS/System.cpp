@@ -1,5 +1,8 @@
 #include "System.h"
 
+#include "Documents.h"
+#include "OpenCommand.h"
+
 #include <CoreFoundation/CoreFoundation.h>
 #include <cerrno>
 #include <cstdint>
@@ -36,12 +39,7 @@ std::string System::executable() {
 }
 
 std::string System::open(const std::string& target, const std::vector<std::string>& arguments) {
-    std::vector<std::string> words = {"/usr/bin/open", target};
-    for (const std::string& argument : arguments) {
-        if (argument.starts_with("-psn_")) continue;  // What the Finder adds for its own use.
-        if (words.size() == 2) words.emplace_back("--args");
-        words.push_back(argument);
-    }
+    std::vector<std::string> words = OpenCommand::words(target, Documents::given(), arguments);
     std::vector<char*> pointers;
     for (std::string& word : words) pointers.push_back(word.data());
     pointers.push_back(nullptr);

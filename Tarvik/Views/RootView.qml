@@ -34,6 +34,13 @@ FocusScope {
         }
     }
 
+    Connections {
+        target: FoldersState
+        function onTaken() {
+            root.selectedTab = root.tabs.findIndex(tab => tab.name === "folders");
+        }
+    }
+
     Sidebar {
         id: sidebar
         width: Theme.sidebarWidth

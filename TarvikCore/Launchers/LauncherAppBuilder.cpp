@@ -6,6 +6,7 @@
 #include "Copying/HiddenPlace.h"
 #include "Copying/ItemLock.h"
 #include "Copying/Leftovers.h"
+#include "Launchers/LauncherDocumentTypes.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
@@ -23,6 +24,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace tarvik::LauncherAppBuilder {
 
@@ -83,6 +85,8 @@ PropertyList infoOf(const PropertyList& metadata, const fs::path& launcher, cons
         {"LSMinimumSystemVersion", "10.13"},
     };
     if (icon) info.emplace("CFBundleIconFile", *icon);
+    if (auto types = LauncherDocumentTypes::of(metadata); !types.empty())
+        info.emplace("CFBundleDocumentTypes", std::move(types));
     return info;
 }
 

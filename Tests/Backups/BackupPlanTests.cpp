@@ -317,7 +317,7 @@ TEST_F(BackupOnVolume, ThatIsUnpluggedInTheMiddleLeavesNoRecord) {
     makeFile(home / "Music/song");
     for (const std::string moment : {"before", "after"}) {
         const auto volume = test::RealVolume::memory(mounts.path(), 2'000'000);
-        const auto unplug = "umount -l '" + volume.path().native() + "'\n";
+        const auto unplug = test::RealVolume::unplugging(volume.path()) + "\n";
         const std::string copy = "mkdir -p \"${3%/*}\"; cp -aT \"$2\" \"$3\"\n";
         world.withDitto(moment == "before" ? unplug + copy : copy + unplug);
         EXPECT_EQ(failureOn(volume), "Target drive disconnected") << moment;
@@ -329,10 +329,10 @@ TEST_F(BackupOnVolume, ThatIsUnpluggedBeforeTheFirstCopyLeavesTheDiskBelowAlone)
     TARVIK_NEEDS_MEMORY_VOLUMES();
     makeFile(home / "Music/song");
     makeFolder(backups);
-    ASSERT_EQ(std::system(("mount -t tmpfs -o size=2m none '" + world.drive.native() + "'").c_str()), 0);
+    ASSERT_EQ(std::system(test::RealVolume::plugging(world.drive, 2'000'000).c_str()), 0);
     const auto plan = planOf({home / "Music"});
     // The time is asked for when the folder gets its name.
-    const auto unplug = "umount -l '" + world.drive.native() + "' 2>/dev/null";
+    const auto unplug = test::RealVolume::unplugging(world.drive) + " 2>/dev/null";
     world.host.now = [unplug, now = world.host.now] {
         static_cast<void>(std::system(unplug.c_str()));
         return now();

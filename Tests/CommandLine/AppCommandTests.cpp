@@ -185,6 +185,7 @@ TEST(AppCommand, SaysWhereAMovedApplicationIs) {
 }
 
 TEST(AppCommand, TellsWhoVouchesForAnApplicationWhereThatIsKnown) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world("exit 1");
     EXPECT_THAT(world.run({"apps", "Tunnel"}).output, Not(HasSubstr("Signed by")));
     EXPECT_THAT(world.run({"apps", "Tunnel"}).output, Not(HasSubstr("Notarization")));
@@ -202,6 +203,7 @@ TEST(AppCommand, TellsWhoVouchesForAnApplicationWhereThatIsKnown) {
 }
 
 TEST(AppCommand, EndsAtOnceOnASignal) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world("exit 1");
     // What Ctrl-C does: the whole group gets the signal, in the middle of the act.
     makeTool(world, "codesign", "kill -INT 0; exec sleep 600");

@@ -201,6 +201,7 @@ TEST(BackupCommand, RefusesToActUnaskedWithoutATerminal) {
 }
 
 TEST(BackupCommand, TakesOddNames) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     const CommandWorld world;
     std::vector<fs::path> paths;
     for (const std::string name : {" ", "-x", "a\nb", "写真 \xF0\x9F\x8E\xB9",
@@ -232,6 +233,7 @@ TEST(BackupCommand, SaysThatCopiesLackFiles) {
 }
 
 TEST(BackupCommand, TellsAFailureAndWhereTheCopiesStay) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world(
         R"(case $2 in */Docs) mkdir "$3"; echo half > "$3/half"; echo 'no room' >&2; exit 1;; esac; cp -aT "$2" "$3")");
     const auto docs = world.machine.home / "Docs";
@@ -259,6 +261,7 @@ TEST(BackupCommand, TellsAFailureAndWhereTheCopiesStay) {
 }
 
 TEST(BackupCommand, StoppedOrKilledInTheMiddleLeavesNoBackup) {
+    TARVIK_NEEDS_MADE_TOOLS();
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGKILL}) {
         const CommandWorld world(endlessDitto);
         const auto before = test::pictureOf(world.library);
@@ -279,6 +282,7 @@ TEST(BackupCommand, StoppedOrKilledInTheMiddleLeavesNoBackup) {
 }
 
 TEST(BackupCommand, StoppedBetweenTwoCopiesBeginsNoOther) {
+    TARVIK_NEEDS_MADE_TOOLS();
     for (const std::string signal : {"INT", "TERM", "HUP"}) {
         const CommandWorld world("trap '' INT TERM HUP; cp -aT \"$2\" \"$3\" && kill -" + signal + " $PPID");
         test::makeFile(world.machine.home / "Docs/letter");

@@ -21,7 +21,7 @@ using testing::MatchesRegex;
 /// Copies, unless the test has put a file "catch" beside it: then it stands in the middle of its work until it is
 /// ended.
 constexpr auto catchableDitto = R"(here="${0%/*}"
-if [ ! -e "$here/catch" ]; then exec cp -aT "$2" "$3"; fi
+if [ ! -e "$here/catch" ]; then cp -aT "$2" "$3"; exit; fi
 mkdir -p "$3"; echo part > "$3/part"; echo caught > "$here/caught"; exec sleep 600)";
 
 /// A practice machine with one more drive, which is a real file system.
@@ -61,6 +61,7 @@ protected:
     InterruptedRestore() : world(catchableDitto) {}
 
     void SetUp() override {
+        TARVIK_NEEDS_MADE_TOOLS();
         TARVIK_NEEDS_MEMORY_VOLUMES();
         volume.emplace(RealVolume::memory(world.machine.root / "Volumes", 64'000'000));
         before = test::pictureOf(world.library);

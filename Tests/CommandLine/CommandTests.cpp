@@ -219,6 +219,7 @@ TEST(Command, RefusesToActUnaskedWithoutATerminal) {
 }
 
 TEST(Command, MovesFoldersWithOddNames) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     const CommandWorld world;
     for (const std::string name : {" ", "-x", "a\nb", "写真 \xF0\x9F\x8E\xB9",
                                    "bad\xFF"

@@ -1,6 +1,8 @@
 #include "CommandLine/CommandWorld.h"
 
 #include "CommandLine/Lines.h"
+#include "Platform/Machine/ToolRules.h"
+#include "Support/ShellScript.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
@@ -21,8 +23,12 @@ CommandWorld::CommandWorld(const std::string& ditto) : CommandWorld() {
     makeFolder(programs / "stand-ins");
     fs::copy_file(command, programs / "tarvik");
     command = programs / "tarvik";
-    makeFile(programs / "stand-ins/ditto", "#!/bin/sh\n" + ditto + "\n");
+    makeFile(programs / "stand-ins/ditto", scriptOf(ditto));
     fs::permissions(programs / "stand-ins/ditto", fs::perms::owner_all);
+}
+
+bool CommandWorld::takesMadeTools() {
+    return systemTools().ditto.parent_path() == ToolRules::standIns();
 }
 
 std::vector<std::string> CommandWorld::onMachine(const std::vector<std::string>& arguments) const {

@@ -4,6 +4,8 @@
 #include "Practice/PracticeMachine.h"
 #include "Support/TemporaryFolder.h"
 
+#include <gtest/gtest.h>
+
 namespace tarvik::test {
 
 /// A practice machine and the command that works on it.
@@ -11,6 +13,8 @@ struct CommandWorld {
     CommandWorld();
     /// The same with a copy tool that is a shell script; its arguments are --rsrc, the source and the destination.
     explicit CommandWorld(const std::string& ditto);
+    /// Whether the command runs tools that lie beside it, rather than those that the system has.
+    static bool takesMadeTools();
 
     /// The command's arguments, put behind --root.
     std::vector<std::string> onMachine(const std::vector<std::string>& arguments) const;
@@ -33,3 +37,10 @@ struct CommandWorld {
 };
 
 }  // namespace tarvik::test
+
+/// First line of a test that puts scripts in the place of the command's tools.
+#define TARVIK_NEEDS_MADE_TOOLS()                                               \
+    do {                                                                        \
+        if (!::tarvik::test::CommandWorld::takesMadeTools())                    \
+            GTEST_SKIP() << "The command runs the tools that this system has."; \
+    } while (false)

@@ -99,6 +99,7 @@ TEST(CommandOnATerminal, ShowsABarWhileAFolderComesBackAndTakesItOff) {
 }
 
 TEST(CommandOnASignal, CleansUpWhenACopyIsInterrupted) {
+    TARVIK_NEEDS_MADE_TOOLS();
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         const CommandWorld world(endlessDitto);
         const auto picture = test::pictureOf(world.library);
@@ -114,6 +115,7 @@ TEST(CommandOnASignal, CleansUpWhenACopyIsInterrupted) {
 }
 
 TEST(CommandOnASignal, PassesASignalOnThatReachedItAlone) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world(endlessDitto);
     RunningProgram program(world.command, world.moveOfLibrary({"--yes"}));
     waitUntilCaught(world);
@@ -124,6 +126,7 @@ TEST(CommandOnASignal, PassesASignalOnThatReachedItAlone) {
 }
 
 TEST(CommandOnASignal, FinishesWhatTheCopyIsFollowedBy) {
+    TARVIK_NEEDS_MADE_TOOLS();
     // The copy is whole, and then the signal comes: from here on the original and the link belong together.
     const CommandWorld world(
         R"(cp -aT "$2" "$3" && trap '' INT TERM HUP && kill -INT $PPID && kill -TERM $PPID && kill -HUP $PPID)");
@@ -135,6 +138,7 @@ TEST(CommandOnASignal, FinishesWhatTheCopyIsFollowedBy) {
 }
 
 TEST(CommandOnASignal, StartsNothingMore) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world(R"(cp -aT "$2" "$3" && trap '' INT && kill -INT $PPID)");
     const auto applications = world.machine.root / "Applications";
     const auto moved = test::runProgram(
@@ -147,6 +151,7 @@ TEST(CommandOnASignal, StartsNothingMore) {
 }
 
 TEST(CommandOnASignal, LetsItsToolsEndOnSignalsAsUsual) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world(R"(kill -PIPE $$; cp -aT "$2" "$3")");
     const auto finished = test::runProgram(world.command, world.moveOfLibrary({"--yes"}));
     EXPECT_EQ(finished.status, 1) << "the tool must not inherit an ignored signal";
@@ -163,6 +168,7 @@ TEST(CommandWithoutAReader, FinishesTheMove) {
 }
 
 TEST(CommandWithoutAReader, FinishesTheMoveWithEveryStreamClosed) {
+    TARVIK_NEEDS_MADE_TOOLS();
     const CommandWorld world(R"(cp -aT "$2" "$3")");
     const auto picture = test::pictureOf(world.library);
     EXPECT_EQ(test::runProgram(world.command, world.moveOfLibrary({"--yes"}), Streams::none).status, 1);

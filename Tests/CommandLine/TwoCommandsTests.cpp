@@ -1,6 +1,7 @@
 // Two commands that do the same at the same moment: one of them does it, the other one says so, and nothing is lost.
 #include "CommandLine/CommandWorld.h"
 #include "CommandLine/Lines.h"
+#include "Platform/Machine/ToolTable.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -26,7 +27,7 @@ std::string waitingDitto() {
     return "here=$(dirname \"$0\"); touch \"$here/begun-$$\"; turns=0\n"
            "until [ -e \"$here/go\" ]; do turns=$((turns+1)); [ $turns -lt 6000 ] || exit 99; sleep 0.01; done\n"
            "exec '" +
-           test::programOfThisBuild("stand-ins/ditto").native() + "' \"$@\"";
+           systemTools().ditto.native() + "' \"$@\"";
 }
 
 /// A practice machine with a drive that is a real volume, and one application with data.
@@ -92,6 +93,7 @@ std::string finishBoth(RunningProgram& first, RunningProgram& second) {
 }  // namespace
 
 TEST(TwoCommands, MoveAnApplicationOnce) {
+    TARVIK_NEEDS_MADE_TOOLS();
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TwoCommandsWorld world;
     RunningProgram first(world.command, world.move());
@@ -108,6 +110,7 @@ TEST(TwoCommands, MoveAnApplicationOnce) {
 }
 
 TEST(TwoCommands, BringAnApplicationBackOnce) {
+    TARVIK_NEEDS_MADE_TOOLS();
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TwoCommandsWorld world;
     world.letGo();
@@ -127,6 +130,7 @@ TEST(TwoCommands, BringAnApplicationBackOnce) {
 }
 
 TEST(TwoCommands, LoseNothingHoweverTheyMeet) {
+    TARVIK_NEEDS_MADE_TOOLS();
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TwoCommandsWorld world;
     world.letGo();

@@ -51,6 +51,7 @@ TEST_F(AppBundleEnumeratorTest, FindsBundlesDownToADepth) {
 }
 
 TEST_F(AppBundleEnumeratorTest, GoesByBytesOfNamesAndEntersAFolderWhereItStands) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     for (const char* bundle : {"b.app", "C.app", "a.app", "bb/x.app", "Ä.app", "\xFF.app", "日本.app"})
         test::makeFolder(root / bundle);
     EXPECT_THAT(found(), ElementsAre("C.app", "a.app", "b.app", "bb/x.app", "Ä.app", "日本.app", "\xFF.app"));

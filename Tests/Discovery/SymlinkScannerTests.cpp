@@ -117,6 +117,7 @@ TEST_F(SymlinkScannerTest, PassesOverRootsThatCannotBeListed) {
 }
 
 TEST_F(SymlinkScannerTest, GoesByTheBytesOfPaths) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     for (const char* name : {"b", "B", "a", "Zebra", "ä", "日本", "\xFFx", "a b"})
         test::makeLink(applications / name, "/missing");
     test::makeLink(world.folder / "Applications a/link", "/missing");

@@ -127,6 +127,17 @@ TEST_F(LauncherAppBuilderTest, WritesAWholeBundle) {
     EXPECT_EQ(AppScanner::launcherShimTarget(launcher), app);
 }
 
+TEST_F(LauncherAppBuilderTest, TakesTheDocumentsOfTheApplication) {
+    const PropertyList::List letters{Info{{"CFBundleTypeExtensions", PropertyList::List{"letter"}}}};
+    describe({{"CFBundleDocumentTypes", letters}});
+    EXPECT_EQ(install(), "done");
+    const auto info = PropertyList::dictionaryAt(launcher / "Contents/Info.plist");
+    const auto* const types = info.find("CFBundleDocumentTypes");
+    ASSERT_TRUE(types);
+    EXPECT_EQ(*types, PropertyList(PropertyList::List{Info{{"CFBundleTypeExtensions", PropertyList::List{"letter"}},
+                                                           {"LSHandlerRank", "Alternate"}}}));
+}
+
 TEST_F(LauncherAppBuilderTest, DescribesABundleThatDoesNotDescribeItself) {
     for (const char* list : {"", "no list", "<plist version=\"1.0\"><array/></plist>"}) {
         makeFile(app / "Contents/Info.plist", list);
@@ -385,6 +396,7 @@ TEST_F(LauncherAppBuilderTest, MakesTheFolderThatItStandsIn) {
 }
 
 TEST_F(LauncherAppBuilderTest, ServesNamesOfEveryKind) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     const std::vector<std::string> names = {"A b  c.app",
                                             "\"quoted\" & <'tagged'>.app",
                                             "line\nbreak.app",
@@ -431,6 +443,7 @@ TEST_F(LauncherAppBuilderTest, WritesAListThatOthersRead) {
 }
 
 TEST_F(LauncherAppBuilderTest, WritesAListThatOthersReadWhateverTheNamesHold) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     if (!Files::exists("/usr/bin/python3")) TARVIK_SKIP_BECAUSE("python3 is not installed");
     const fs::path target = world.drive / "\x01 \xFF\x7F.app";
     launcher = applications / target.filename();

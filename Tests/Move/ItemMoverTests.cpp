@@ -105,7 +105,7 @@ TEST_F(FileOnADrive, StaysThereWhenItWasWrittenToMeanwhile) {
 TEST_F(FileOnADrive, StaysThereWhenItWasReplacedByAnOlderOneMeanwhile) {
     world->withDitto(
         "cp -a \"$2\" \"$3\"; printf 'PICTURES' > \"$2.new\"\n"
-        "touch -d '2001-01-01' \"$2.new\"; mv \"$2.new\" \"$2\"");
+        "touch -t 200101010000 \"$2.new\"; mv \"$2.new\" \"$2\"");
     EXPECT_EQ(failureOfRestore(), "Verification failed: movie was changed while it was copied.");
     EXPECT_EQ(Files::linkText(link), file);
     EXPECT_EQ(contentOf(file), "PICTURES");

@@ -5,6 +5,7 @@
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Storage/DriveGuard.h"
+#include "Support/FailureOf.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -12,6 +13,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <chrono>
 #include <optional>
 #include <string>
@@ -336,7 +338,7 @@ TEST_F(MoverEngineTest, StashesTheCopyWhenTheOriginalCannotBeRemoved) {
     } catch (const MoverError& error) {
         EXPECT_EQ(error.kind(), MoverError::Case::sourceRemoveFailed);
         EXPECT_EQ(error.description(), "Could not remove original after copy: Could not remove the mounted volume " +
-                                           inside->path().native() + ": Device or resource busy");
+                                           inside->path().native() + ": " + wordsFor(EBUSY));
     }
     inside.reset();
     EXPECT_EQ(pictureOf(source), picture);

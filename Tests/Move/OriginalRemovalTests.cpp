@@ -100,7 +100,7 @@ TEST(OriginalRemoval, LeavesAnOriginalThatHoldsAVolume) {
     const Pair pair;
     const RealVolume inside = RealVolume::memory(pair.original / "deep", 1'000'000);
     EXPECT_EQ(failureOf([&] { pair.replaceByLink(pair.copy, ChangeWatch::mark(pair.original)); }),
-              "Could not remove the mounted volume " + inside.path().native() + ": Device or resource busy");
+              "Could not remove the mounted volume " + inside.path().native() + ": " + wordsFor(EBUSY));
     EXPECT_TRUE(Files::exists(pair.original / "song"));
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
 }

@@ -4,6 +4,7 @@
 #include "Move/MoverEngine.h"
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/ToolTable.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Support/FailureOf.h"
 #include "Support/RealVolume.h"
@@ -13,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -109,8 +111,7 @@ TEST(RealVolumes, ThatTurnReadOnlyBeforeTheCopyLeaveTheOriginalWhole) {
     const TemporaryFolder mounts;
     const RealVolume volume = RealVolume::ext4(mounts.path(), 20 * megabyte);
     World world(volume.path());
-    world.withDitto("mount -o remount,ro '" + volume.path().native() + "'; exec '" +
-                    programOfThisBuild("stand-ins/ditto").native() + "' \"$@\"");
+    world.withDitto(RealVolume::makingReadOnly(volume.path()) + "; exec '" + systemTools().ditto.native() + "' \"$@\"");
     makeMusic(world.home / "Music");
     const std::string picture = pictureOf(world.home / "Music");
     EXPECT_THAT(failureOf([&] { move(world, world.home / "Music"); }),
@@ -123,12 +124,12 @@ TEST(RealVolumes, ThatAreUnpluggedDuringTheCopyLeaveTheOriginalWhole) {
     const TemporaryFolder mounts;
     RealVolume volume = RealVolume::ext4(mounts.path(), 20 * megabyte);
     World world(volume.path());
-    const std::string real = programOfThisBuild("stand-ins/ditto").native();
+    const std::string real = systemTools().ditto;
     makeMusic(world.home / "Music");
     const std::string picture = pictureOf(world.home / "Music");
 
     // Gone before the copy: the tool then writes into the folder that the drive left behind.
-    world.withDitto("umount -l '" + volume.path().native() + "'; exec '" + real + "' \"$@\"");
+    world.withDitto(RealVolume::unplugging(volume.path()) + "; exec '" + real + "' \"$@\"");
     EXPECT_EQ(failureOf([&] { move(world, world.home / "Music"); }),
               "Verification failed: The target drive was disconnected while it was written to.");
     EXPECT_EQ(pictureOf(world.home / "Music"), picture);
@@ -151,7 +152,7 @@ TEST(RealVolumes, ThatAreUnpluggedWhileTheyAreListedAreNotThere) {
     world.host.volumes = volumes;
     EXPECT_TRUE(DriveScanner::isThere(world.host, volume.path()));
     // It leaves its mount path behind.
-    volumes->meanwhile = "umount -l '" + volume.path().native() + "'";
+    volumes->meanwhile = RealVolume::unplugging(volume.path());
     EXPECT_FALSE(DriveScanner::isThere(world.host, volume.path()));
 }
 
@@ -162,8 +163,7 @@ TEST(RealVolumes, ThatAreUnpluggedAfterTheCopyLeaveTheOriginalWhole) {
     World world(volume.path());
     makeMusic(world.home / "Music");
     const std::string picture = pictureOf(world.home / "Music");
-    world.withDitto("'" + programOfThisBuild("stand-ins/ditto").native() + "' \"$@\" && umount -l '" +
-                    volume.path().native() + "'");
+    world.withDitto("'" + systemTools().ditto.native() + "' \"$@\" && " + RealVolume::unplugging(volume.path()));
     EXPECT_EQ(failureOf([&] { move(world, world.home / "Music"); }),
               "Verification failed: Music is missing at the destination.");
     EXPECT_EQ(pictureOf(world.home / "Music"), picture);
@@ -178,7 +178,7 @@ TEST(RealVolumes, MountedInsideAFolderStopItsRemoval) {
     makeFile(inside.path() / "precious", "only copy");
     const std::string failure = failureOf([&] { move(world, world.home / "Music"); });
     EXPECT_EQ(failure, "Could not remove original after copy: Could not remove the mounted volume " +
-                           inside.path().native() + ": Device or resource busy");
+                           inside.path().native() + ": " + wordsFor(EBUSY));
     EXPECT_EQ(contentOf(inside.path() / "precious"), "only copy");
     EXPECT_TRUE(Files::exists(world.home / "Music/song"));
     EXPECT_FALSE(Files::itemExists(world.foldersOnDrive() / "Music"));

@@ -1,5 +1,6 @@
 #include "Discovery/AppScanner.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Files/SystemCalls.h"
 #include "Practice/PracticeMachine.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
@@ -24,8 +25,8 @@ std::map<std::string, std::string> timesOf(const fs::path& root) {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         struct stat status {};
         ::lstat(entry.path().c_str(), &status);
-        times[entry.path().lexically_relative(root).native()] =
-            fmt::format("{}.{}", status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
+        const timespec changed = SystemCalls::contentChangeTime(status);
+        times[entry.path().lexically_relative(root).native()] = fmt::format("{}.{}", changed.tv_sec, changed.tv_nsec);
     }
     return times;
 }

@@ -2,6 +2,8 @@
 
 #include "Platform/Basics/Failure.h"
 
+#include <system_error>
+
 namespace tarvik::test {
 
 std::string failureOf(const std::function<void()>& act) {
@@ -11,6 +13,10 @@ std::string failureOf(const std::function<void()>& act) {
         return failure.description();
     }
     return "done";
+}
+
+std::string wordsFor(int error) {
+    return std::generic_category().message(error);
 }
 
 }  // namespace tarvik::test

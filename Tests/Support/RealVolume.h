@@ -47,6 +47,12 @@ public:
     /// Unplugs it: the mount point goes, files on it that are open stay usable until they are closed.
     void detach();
 
+    /// Shell lines that do the same to the volume at `place`, for what a tool does that is a script. The mount point
+    /// stays, and a new, empty volume of `sizeBytes` can be plugged in there.
+    static std::string makingReadOnly(const fs::path& place);
+    static std::string unplugging(const fs::path& place);
+    static std::string plugging(const fs::path& place, std::int64_t sizeBytes);
+
     /// Why volumes of a kind cannot be made here; nothing when they can.
     static std::optional<std::string> unavailableReason(Kind kind = Kind::ext4);
 

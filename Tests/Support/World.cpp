@@ -3,7 +3,9 @@
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/ToolTable.h"
 #include "Platform/Processes/ProgramLocation.h"
+#include "Support/ShellScript.h"
 #include "Support/Tree.h"
 
 #include <cerrno>
@@ -58,7 +60,7 @@ World::World(const fs::path& drivePath)
 }
 
 World& World::withRealDitto() {
-    host.tools.ditto = programOfThisBuild("stand-ins/ditto");
+    host.tools.ditto = systemTools().ditto;
     return *this;
 }
 
@@ -69,7 +71,7 @@ World& World::withDitto(const std::string& script) {
 
 fs::path World::tool(const std::string& name, const std::string& script) {
     const fs::path path = folder / "tools" / name;
-    makeFile(path, "#!/bin/sh\n" + script + "\n");
+    makeFile(path, scriptOf(script));
     fs::permissions(path, fs::perms::owner_all);
     return path;
 }

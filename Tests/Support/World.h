@@ -72,7 +72,7 @@ public:
     /// With the drive at `drivePath`, a real volume for instance.
     explicit World(const fs::path& drivePath);
 
-    /// The same machine with the program of this build as its copy tool.
+    /// The same machine with this system's own copy tool, which is a program of this build where the system has none.
     World& withRealDitto();
     /// Replaces the copy tool by a shell script; its arguments are --rsrc, the source and the destination.
     World& withDitto(const std::string& script);

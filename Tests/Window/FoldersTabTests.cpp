@@ -1,4 +1,8 @@
+#include "State/Folders/GivenFolder.h"
 #include "Window/WindowTest.h"
+
+#include <QCoreApplication>
+#include <QFileOpenEvent>
 
 #include <algorithm>
 
@@ -126,6 +130,17 @@ TEST_F(FoldersTab, FillsTheSourceFromACandidate) {
     EXPECT_TRUE(window.waitForText("sourceName", "Downloads"));
     EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
     EXPECT_TRUE(window.item("quickPick-Downloads").property("isChosen").toBool());
+}
+
+TEST_F(FoldersTab, TakesAFolderThatWasDroppedOnTheProgramsIcon) {
+    auto& window = open();
+    const GivenFolder given(*QCoreApplication::instance(), window.foldersState());
+    EXPECT_FALSE(window.isShown("foldersTab"));
+    QFileOpenEvent event(QString::fromStdString(makePhotos().native()));
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &event);
+    EXPECT_TRUE(window.waitUntilShown("foldersTab"));
+    EXPECT_TRUE(window.waitForText("sourceName", "Photos"));
+    EXPECT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
 }
 
 TEST_F(FoldersTab, KeepsLongNamesOnOneLine) {

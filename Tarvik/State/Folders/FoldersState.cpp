@@ -58,6 +58,11 @@ QCoro::Task<> FoldersState::findQuickPicks() {
     }
 }
 
+void FoldersState::take(const QUrl& url) {
+    m_source.setUrl(url);
+    emit taken();
+}
+
 void FoldersState::moveArbitraryFolder(const FilePath& folder) {
     follow(moveFolder(folder.path));
 }

@@ -9,6 +9,7 @@
 #include "State/Shared/TabState.h"
 
 #include <QAbstractItemModel>
+#include <QUrl>
 #include <QtQml/qqmlregistration.h>
 
 #include <vector>
@@ -39,8 +40,14 @@ public:
     /// Moves a folder to the selected drive once the user has agreed.
     Q_INVOKABLE void moveArbitraryFolder(const tarvik::FilePath& folder);
 
+    /// Chooses the folder at a `file:` address that came from outside of the window, and asks for the tab to be shown.
+    void take(const QUrl& url);
+
     void refresh() override;
     void stop() override { m_stopSizing.cancel(); }
+
+signals:
+    void taken();
 
 private:
     QCoro::Task<> moveFolder(fs::path folder);

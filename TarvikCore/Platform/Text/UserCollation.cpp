@@ -1,6 +1,7 @@
 #include "Platform/Text/UserCollation.h"
 
 #include "Platform/Text/UnicodeFailure.h"
+#include "Platform/Text/UserLocale.h"
 
 #include <unicode/coleitr.h>
 #include <unicode/coll.h>
@@ -12,7 +13,6 @@
 #include <unicode/usetiter.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -22,18 +22,11 @@ namespace {
 
 constexpr UChar32 firstBeyondAscii = 0x80;
 
-/// The user's locale as the environment names it for sorting. The order of the C locale is for machines, not for users.
+/// The user's locale, or English where there is none that ICU knows.
 icu::Locale userLocale() {
-    for (const char* variable : {"LC_ALL", "LC_COLLATE", "LANG"}) {
-        const char* const value = std::getenv(variable);
-        if (!value || !*value) continue;
-        const std::string_view name(value);
-        if (name == "C" || name == "POSIX" || name.starts_with("C.")) break;
-        auto locale = icu::Locale::createCanonical(value);
-        if (locale.isBogus() || !*locale.getLanguage()) break;
-        return locale;
-    }
-    return icu::Locale::getEnglish();
+    const std::string name = UserLocale::name();
+    auto locale = icu::Locale::createCanonical(name.c_str());
+    return name.empty() || locale.isBogus() || !*locale.getLanguage() ? icu::Locale::getEnglish() : locale;
 }
 
 std::unique_ptr<icu::Collator> makeCollator(icu::Collator::ECollationStrength strength) {

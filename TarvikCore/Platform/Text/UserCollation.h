@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// How the user's language orders and finds texts. The locale comes from the environment, is read once, and is English
-/// where that names none. Both texts are valid UTF-8. Safe on every thread.
+/// How the user's language orders and finds texts. The locale is the `UserLocale`, is read once, and is English
+/// where there is none. Both texts are valid UTF-8. Safe on every thread.
 namespace tarvik::UserCollation {
 
 /// Below, at or above 0: the order of two texts, case ignored.

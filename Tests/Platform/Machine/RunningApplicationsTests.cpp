@@ -36,6 +36,7 @@ std::vector<fs::path> bundlesRunningIn(const fs::path& folder) {
 }
 
 TEST(RunningApplications, AProcessBelongsToTheBundleThatItRunsFrom) {
+    TARVIK_NEEDS_NAMES_OF_ANY_BYTES();
     const TemporaryFolder folder;
     EXPECT_THAT(runningIn(folder.path()), IsEmpty());
     const ChildProcess program = runSleeperIn(folder / "My Grüße\xFF.app");

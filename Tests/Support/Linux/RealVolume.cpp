@@ -191,6 +191,18 @@ bool RealVolume::eject() {
     return true;
 }
 
+std::string RealVolume::makingReadOnly(const fs::path& place) {
+    return "mount -o remount,ro '" + place.native() + "'";
+}
+
+std::string RealVolume::unplugging(const fs::path& place) {
+    return "umount -l '" + place.native() + "'";
+}
+
+std::string RealVolume::plugging(const fs::path& place, std::int64_t sizeBytes) {
+    return fmt::format("mount -t tmpfs -o size={} none '{}'", sizeBytes, place.native());
+}
+
 void RealVolume::detach() {
     if (m_path.empty() || ::umount2(m_path.c_str(), MNT_DETACH) != 0) return;
     ::rmdir(m_path.c_str());

@@ -87,6 +87,21 @@ bool RealVolume::eject() {
     return true;
 }
 
+std::string RealVolume::makingReadOnly(const fs::path& place) {
+    return "/sbin/mount -u -o rdonly '" + place.native() + "'";
+}
+
+std::string RealVolume::unplugging(const fs::path& place) {
+    return "/usr/bin/hdiutil detach '" + place.native() + "' -force >/dev/null";
+}
+
+std::string RealVolume::plugging(const fs::path& place, std::int64_t sizeBytes) {
+    const std::string image = "'" + place.native() + ".dmg'";
+    return "{ /usr/bin/hdiutil create -size " + std::to_string(sizeBytes / 512) + "s -fs HFS+ -volname untitled " +
+           image + " && /usr/bin/hdiutil attach " + image + " -nobrowse -owners on -mountpoint '" + place.native() +
+           "' && rm -f " + image + "; } >/dev/null";
+}
+
 void RealVolume::detach() {
     if (m_path.empty() || !run({"/usr/bin/hdiutil", "detach", m_path.native(), "-force"})) return;
     ::rmdir(m_path.c_str());

@@ -1,0 +1,9 @@
+#include "Platform/Text/UserLocale.h"
+
+namespace tarvik {
+
+std::string UserLocale::inSystemSettings() {
+    return {};
+}
+
+}  // namespace tarvik
