@@ -8,11 +8,25 @@
 #include "CommandLine/LauncherActs.h"
 #include "CommandLine/LinkActs.h"
 #include "CommandLine/RestoreActs.h"
+#include "CommandLine/Terminal.h"
+#include "Platform/Machine/FullDiskAccess.h"
 
 namespace tarvik::CommandLine::Acts {
 
+namespace {
+
+using Verb = Options::Verb;
+
+/// Whether the act looks at what is the user's, of which a Mac may keep some from the command.
+bool looksAround(Verb verb) {
+    return verb != Verb::drives && verb != Verb::backupList;
+}
+
+}  // namespace
+
 void perform(const Host& host, const Options& options) {
-    using Verb = Options::Verb;
+    if (looksAround(options.verb) && FullDiskAccess::isMissing(host))
+        Terminal::say(FullDiskAccess::loss() + " " + FullDiskAccess::remedy());
     switch (options.verb) {
         case Verb::drives:
             return DriveActs::list(host, options.format);

@@ -10,6 +10,7 @@
 #include "State/Folders/GivenFolder.h"
 #include "State/QmlModule.h"
 #include "State/Shared/AppState.h"
+#include "State/Shared/Desktop.h"
 #include "State/Shared/WindowDialogs.h"
 #include "State/Threads/Background.h"
 
@@ -67,8 +68,9 @@ void printTimeOfFirstFrame(QQuickWindow& window) {
 int runWindow(QGuiApplication& application, const Options& options, const Host& host) {
     WindowDialogs dialogs{nullptr};
     AppState state(host, dialogs);
+    const auto desktop = makeSystemDesktop();
     QQmlApplicationEngine engine;
-    QmlModule::attach(engine, state, dialogs);
+    QmlModule::attach(engine, state, dialogs, *desktop);
     QVariantMap initial;
     if (options.size) initial = {{"width", options.size->first}, {"height", options.size->second}};
     engine.setInitialProperties(initial);

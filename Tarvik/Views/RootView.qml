@@ -16,22 +16,30 @@ FocusScope {
     property int selectedTab: 0
     property int toastDuration: Theme.toastDuration
 
-    Component.onCompleted: AppState.refreshAll()
-
-    Shortcut {
-        sequences: ["Ctrl+R", "F5"]
-        enabled: !Alerts.isOpen
-        autoRepeat: false
-        onActivated: AppState.refreshAll()
+    Component.onCompleted: {
+        if (Desktop.hasMenuBar)
+            makeMenuBar();
+        AppState.refreshAll();
     }
-    Instantiator {
-        model: root.tabs.length
-        Shortcut {
-            required property int index
-            sequence: "Ctrl+" + (index + 1)
-            enabled: !Alerts.isOpen
-            onActivated: root.selectedTab = index
-        }
+
+    /// By its address: where there are no menus, what they are made of need not be installed.
+    function makeMenuBar() {
+        const bar = Qt.createComponent("MenuBar.qml").createObject(root, { acts: acts, tabs: tabs });
+        bar.isEnabled = Qt.binding(() => !Alerts.isOpen);
+        bar.tabPicked.connect(index => selectedTab = index);
+    }
+
+    WindowActs {
+        id: acts
+        window: root.Window.window
+        onAboutAsked: about.open()
+    }
+    // Keys are where the menus are, or else here.
+    WindowKeys {
+        acts: acts
+        enabled: !Desktop.hasMenuBar && !Alerts.isOpen
+        tabCount: root.tabs.length
+        onTabPicked: index => root.selectedTab = index
     }
 
     Connections {
@@ -48,6 +56,7 @@ FocusScope {
         tabs: root.tabs
         selectedTab: root.selectedTab
         onTabPicked: index => root.selectedTab = index
+        onAboutAsked: about.open()
     }
 
     Item {
@@ -61,10 +70,16 @@ FocusScope {
             width: parent.width
             title: root.tabs[root.selectedTab].label
         }
+        FullDiskAccessNotice {
+            id: notice
+            anchors.top: toolbar.bottom
+            width: parent.width
+            height: implicitHeight
+        }
         Item {
             id: content
             objectName: "tabContent"
-            anchors.top: toolbar.bottom
+            anchors.top: notice.bottom
             anchors.bottom: jobsPanel.top
             width: parent.width
         }
@@ -107,5 +122,6 @@ FocusScope {
         }
     }
 
+    AboutDialog { id: about }
     AlertDialog {}
 }

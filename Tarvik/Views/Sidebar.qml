@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import QtQuick.Templates as T
 import Tarvik
 
 /// The tabs, the target drive, and what is left on the boot volume.
@@ -9,6 +10,7 @@ Rectangle {
     property var tabs: []
     property int selectedTab: 0
     signal tabPicked(int index)
+    signal aboutAsked
 
     color: Theme.sidebar
 
@@ -25,15 +27,26 @@ Rectangle {
         anchors.rightMargin: Theme.medium + 1
         spacing: 0
 
-        Label {
+        T.AbstractButton {
+            id: appName
             objectName: "appName"
             Layout.preferredHeight: Theme.toolbarHeight
             Layout.leftMargin: Theme.small
-            verticalAlignment: Text.AlignVCenter
             text: "Tarvik"
-            font.pixelSize: Theme.headlineSize
-            font.weight: Font.Bold
+            focusPolicy: Qt.NoFocus
             Accessible.role: Accessible.Heading
+            Accessible.name: text
+            Accessible.description: "About Tarvik"
+            Accessible.onPressAction: sidebar.aboutAsked()
+            onClicked: sidebar.aboutAsked()
+
+            contentItem: Label {
+                text: appName.text
+                verticalAlignment: Text.AlignVCenter
+                font.pixelSize: Theme.headlineSize
+                font.weight: Font.Bold
+                Accessible.ignored: true
+            }
         }
         RowList {
             id: tabList

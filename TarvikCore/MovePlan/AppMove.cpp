@@ -5,6 +5,7 @@
 #include "MovePlan/MoveDialogs.h"
 #include "MovePlan/MovePlanner.h"
 #include "MovePlan/MoveRefusal.h"
+#include "MovePlan/UpdateDoubts.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Bundles/RunningAppsDetector.h"
 #include "Platform/Files/Files.h"
@@ -143,12 +144,15 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
     plan.jobs = MovePlanner::buildAppJobs(host, plan.movable, plan.drive, includeData, cancellation);
     plan.obstructed = obstructionsOf(plan.jobs, plan.drive, cancellation);
     const Places sources = sourcesOf(plan.jobs);
+    std::vector<AppEntry> moving;
     for (const auto& entry : chosen) {
-        if (!movesBundle(entry, sources))
+        if (movesBundle(entry, sources))
+            moving.push_back(entry);
+        else
             plan.staying.push_back(stayOf(host, entry, plan.drive, plan.jobs, sources));
-        else if (isRisky(entry))
-            plan.risky.push_back(entry);
     }
+    std::copy_if(moving.begin(), moving.end(), std::back_inserter(plan.risky), isRisky);
+    plan.doubts = UpdateDoubts::about(moving);
     return plan;
 }
 
@@ -187,6 +191,7 @@ Dialog confirmMove(const Plan& plan) {
         question.details.insert(question.details.end(), sentences.begin(), sentences.end());
     };
     add(plan.obstructed);
+    add(plan.doubts);
     add(DriveLimits::warnings(plan.drive));
     return question;
 }

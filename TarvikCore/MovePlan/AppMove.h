@@ -31,6 +31,8 @@ struct Plan {
     std::vector<std::string> obstructed;
     /// The applications whose bundles would move although that is risky.
     std::vector<AppEntry> risky;
+    /// A sentence for each thing that some of those whose bundles would move are known to lose; see `UpdateDoubts`.
+    std::vector<std::string> doubts;
 
     /// In bytes.
     std::int64_t totalBytes() const;
@@ -56,7 +58,8 @@ bool isRisky(const AppEntry& entry);
 /// @throws Failure with the sentence for the user when no drive is chosen, or as `refusalOf` tells.
 Plan propose(const Host& host, const std::vector<AppEntry>& chosen, const std::optional<DriveInfo>& drive,
              bool includeData, const Cancellation& cancellation = {});
-/// Asks whether it shall be run, warns of the risky ones, and tells what stays all the same. Pure.
+/// Asks whether it shall be run, warns of the risky ones, and tells what stays all the same and what is known to lose
+/// its updates. Pure.
 Dialog confirmMove(const Plan& plan);
 /// Takes a snapshot of the system's disk before a batch, where the system can do that. @returns the sentence for the
 /// user when there is one now. Blocks for the system's tool; never fails.

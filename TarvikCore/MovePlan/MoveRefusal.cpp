@@ -5,6 +5,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeObstacle.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/FullDiskAccess.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/SizeCalculator.h"
@@ -121,7 +122,11 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (auto refusal = byMachine(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
     if (auto refusal = DriveLimits::refusal(folder, drive)) return refusal;
-    return byContents(folder, TreeObstacle::toMove(folder));
+    const auto obstacle = TreeObstacle::toMove(folder);
+    if (obstacle && obstacle->kind == TreeObstacle::Kind::unreadable)
+        if (auto refusal = FullDiskAccess::refusalOf(host, folder, obstacle->path, obstacle->errorNumber))
+            return refusal;
+    return byContents(folder, obstacle);
 }
 
 std::optional<std::string> ofContents(const fs::path& item) {

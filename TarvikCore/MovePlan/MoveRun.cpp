@@ -2,6 +2,7 @@
 
 #include "Discovery/AppScanner.h"
 #include "Move/MoverEngine.h"
+#include "MovePlan/AppManagement.h"
 #include "MovePlan/DriveLimits.h"
 #include "MovePlan/MoveRefusal.h"
 #include "Platform/Basics/Failure.h"
@@ -49,6 +50,7 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
                 fmt::format("{} stays: it has been moved by now.", job.source.filename().native()));
         if (auto refusal = limitOf(host, job.source, drivePath)) return JobStatus::failed(std::move(*refusal));
         if (auto refusal = MoveRefusal::ofContents(job.source)) return JobStatus::failed(std::move(*refusal));
+        if (auto refusal = AppManagement::refusalOf(job.source)) return JobStatus::failed(std::move(*refusal));
         notify(status, index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,

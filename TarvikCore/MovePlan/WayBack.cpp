@@ -3,6 +3,7 @@
 #include "Applications/AppClassifier.h"
 #include "Discovery/AppScanner.h"
 #include "Move/MoverEngine.h"
+#include "MovePlan/AppManagement.h"
 #include "MovePlan/DataTrash.h"
 #include "MovePlan/MoveDialogs.h"
 #include "MovePlan/MoveRefusal.h"
@@ -136,6 +137,7 @@ void run(const Host& host, const Plan& plan, const ProgressCallback& progress) {
     if (way != Way{plan.link, plan.target})
         throw refusal(fmt::format("{} leads to {} by now. Look at it and try again.", plan.link.filename().native(),
                                   way.target.native()));
+    if (auto sentence = AppManagement::refusalOf(plan.target)) throw refusal(*sentence);
     const KeptAwake awake(host, "An item is being moved back from a drive");
     MoverEngine::restore(host, plan.link, progress);
 }

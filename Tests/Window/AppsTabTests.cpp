@@ -238,6 +238,27 @@ TEST_F(AppsTab, MovesWhatIsTickedAndBringsItBack) {
     EXPECT_EQ(pictureOf(editor), before);
 }
 
+TEST_F(AppsTab, SaysOfAnApplicationWhoseDriveIsAwayThatItIsNotThere) {
+    const auto there = appOnDrive("Far", 50'000);
+    appOnDrive("Near", 50'000);
+    const auto away = backup / "ExternalTarvik/Away.app";
+    fs::rename(there, away);
+    auto& window = openScope("onDrive", small);
+    ASSERT_TRUE(window.waitUntilShown("app-Far/appAbsence"));
+    EXPECT_EQ(window.text("app-Far/appTotal"), "—");
+    EXPECT_EQ(window.text("app-Far/appSize"), "app —");
+    EXPECT_FALSE(window.isEnabled("app-Far/appMoveBackButton"));
+    EXPECT_FALSE(window.isShown("app-Near/appAbsence"));
+    EXPECT_TRUE(window.isEnabled("app-Near/appMoveBackButton"));
+    window.savePicture("AppsAbsent-900");
+
+    fs::rename(away, there);
+    window.click("refreshDrivesButton");
+    EXPECT_TRUE(window.waitUntilHidden("app-Far/appAbsence")) << "its drive is there again";
+    EXPECT_TRUE(window.isEnabled("app-Far/appMoveBackButton"));
+    EXPECT_TRUE(window.waitUntil([&] { return window.text("app-Far/appTotal").startsWith("5"); })) << "and measured";
+}
+
 TEST_F(AppsTab, StartsNoOtherMoveDuringARun) {
     app("Editor");
     appOnDrive("Far");

@@ -1,9 +1,11 @@
+#include "Support/Bundles.h"
 #include "Window/WindowTest.h"
 
 #include <QAccessible>
 #include <QSignalSpy>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarvik::test {
 
@@ -76,20 +78,50 @@ TEST_F(Keyboard, ScrollsWhatItReachesIntoSight) {
     EXPECT_GT(window.item("foldersTab").property("contentY").toDouble(), 0);
 }
 
-TEST_F(Keyboard, FindsANameOnEveryControl) {
+/// Expects that every control that is shown has a name and a role, and that there are at least `least` of them.
+void expectNames(const QQuickWindow& window, std::size_t least, const std::string& where) {
+    std::vector<QQuickItem*> controls;
+    collectControls(window.contentItem(), controls);
+    EXPECT_GE(controls.size(), least) << where;
+    for (QQuickItem* control : controls) {
+        const std::string which =
+            where + ", " + control->metaObject()->className() + " " + control->objectName().toStdString();
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(control);
+        ASSERT_NE(accessible, nullptr) << which;
+        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << which;
+        EXPECT_NE(accessible->role(), QAccessible::NoRole) << which;
+    }
+}
+
+TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
     makeFolder(world.home / "Downloads");
+    const fs::path applications = world.folder / "Applications";
+    for (const char* name : {"Editor", "Player"}) makeBundle(applications / (std::string(name) + ".app"));
+    makeFile(world.home / "Library/Caches/Editor/cache");
+    makeLink(applications / "Far.app", backup / "ExternalTarvik/Apps/Far.app");
     auto& window = open();
     move(makePhotos());
     ASSERT_TRUE(window.waitUntilShown("job-Photos/moveBackButton"));
-    std::vector<QQuickItem*> controls;
-    collectControls(window.window().contentItem(), controls);
-    EXPECT_GE(controls.size(), 10u);
-    for (QQuickItem* control : controls) {
-        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(control);
-        ASSERT_NE(accessible, nullptr) << control->metaObject()->className();
-        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << control->objectName().toStdString();
-        EXPECT_NE(accessible->role(), QAccessible::NoRole) << control->objectName().toStdString();
+    for (const auto& [tab, least] : {std::pair("folders", 15u), {"symlinks", 12u}, {"apps", 20u}}) {
+        window.openTab(tab);
+        expectNames(window.window(), least, tab);
     }
+    window.click("viewPicker-all");
+    window.click("app-Editor/appChevron");
+    ASSERT_TRUE(window.waitUntilShown("category-Caches"));
+    expectNames(window.window(), 25, "an opened application");
+    window.click("app-Editor/appName", Qt::RightButton);
+    ASSERT_TRUE(window.waitUntilShown("revealItem"));
+    expectNames(window.window(), 27, "the menu of a row");
+    window.press(Qt::Key_Escape);
+    window.press(Qt::Key_F1);
+    ASSERT_TRUE(window.waitUntilShown("closeAboutButton"));
+    expectNames(window.window(), 25, "about");
+    window.press(Qt::Key_Escape);
+    window.click("app-Editor/appBox");
+    window.click("moveAppsButton");
+    ASSERT_TRUE(window.waitUntilShown("alertButton-1"));
+    expectNames(window.window(), 27, "a question");
 }
 
 TEST_F(Keyboard, PressesOnceWhileAKeyIsHeldDown) {

@@ -1,4 +1,5 @@
 #include "State/QmlModule.h"
+#include "Window/RecordedDesktop.h"
 #include "Window/WindowTest.h"
 
 #include <QQmlComponent>
@@ -15,7 +16,7 @@ namespace {
 class ToastUnderTest {
 public:
     ToastUnderTest() : m_state({}, m_dialogs) {
-        QmlModule::attach(m_engine, m_state, m_dialogs);
+        QmlModule::attach(m_engine, m_state, m_dialogs, m_desktop);
         QQmlComponent component(&m_engine);
         component.setData(R"(
             import QtQuick
@@ -36,6 +37,7 @@ public:
 private:
     WindowDialogs m_dialogs{nullptr};
     AppState m_state;
+    RecordedDesktop m_desktop{false};
     QQmlEngine m_engine;
     std::unique_ptr<QObject> m_scene;
     QObject* m_toast = nullptr;
@@ -94,6 +96,25 @@ TEST_F(ToastOfTheWindow, CoversNothingOfTheTab) {
     const auto& toast = window.item("errorToast");
     EXPECT_LE(toast.mapToScene({0, toast.height()}).y(), window.item("tabContent").mapToScene({}).y());
     EXPECT_LT(toast.mapToScene({toast.width(), 0}).x(), window.item("refreshAllButton").mapToScene({}).x());
+}
+
+TEST_F(ToastOfTheWindow, StandsBelowAnotherOne) {
+    for (const QSize size : {small, large}) {
+        auto& window = open(size);
+        window.state().setInfo("Moved 3 items.");
+        window.state().setError(
+            "A sentence that is so long that it takes more than one line of the widest toast that the "
+            "window would ever show, and then some more of it.");
+        ASSERT_TRUE(window.waitUntilShown("errorToast"));
+        const auto placeOf = [&](const QString& name) {
+            const QQuickItem& item = window.item(name);
+            return item.mapRectToScene({0, 0, item.width(), item.height()});
+        };
+        EXPECT_TRUE(window.waitUntil([&] { return placeOf("errorToast").top() > placeOf("infoToast").bottom(); }));
+        EXPECT_TRUE(placeOf("errorToast").contains(placeOf("errorToast/toastText")));
+        EXPECT_NEAR(placeOf("errorToast").center().x(), placeOf("infoToast").center().x(), 1);
+        window.savePicture("ToastsTogether-" + std::to_string(size.width()));
+    }
 }
 
 TEST_F(ToastOfTheWindow, GoesByItself) {

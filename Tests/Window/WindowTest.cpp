@@ -34,8 +34,9 @@ void WindowTest::TearDown() {
     opened.reset();
 }
 
-WindowUnderTest& WindowTest::open(QSize size) {
-    return opened.emplace(world.host, size);
+WindowUnderTest& WindowTest::open(QSize size, bool hasMenus) {
+    opened.reset();
+    return opened.emplace(world.host, size, hasMenus);
 }
 
 WindowUnderTest& WindowTest::openFolders(QSize size) {

@@ -25,7 +25,7 @@ protected:
     explicit WindowTest(const fs::path& drivePath);
     void TearDown() override;
 
-    WindowUnderTest& open(QSize size = large);
+    WindowUnderTest& open(QSize size = large, bool hasMenus = false);
     /// The same, with the Folders tab in sight.
     WindowUnderTest& openFolders(QSize size = large);
     /// Lists another volume; unlike the two drives it stands nowhere. The caller may change what is returned before the

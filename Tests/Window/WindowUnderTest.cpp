@@ -40,11 +40,12 @@ QUrl urlOf(const fs::path& path) {
 
 }  // namespace
 
-WindowUnderTest::WindowUnderTest(const Host& host, QSize size)
+WindowUnderTest::WindowUnderTest(const Host& host, QSize size, bool hasMenus)
     : m_dialogs(std::make_unique<WindowDialogs>(nullptr)),
+      m_desktop(std::make_unique<RecordedDesktop>(hasMenus)),
       m_state(std::make_unique<AppState>(host, *m_dialogs)),
       m_engine(std::make_unique<QQmlApplicationEngine>()) {
-    QmlModule::attach(*m_engine, *m_state, *m_dialogs);
+    QmlModule::attach(*m_engine, *m_state, *m_dialogs, *m_desktop);
     m_engine->loadData("import Tarvik\nMainWindow {}");
     if (m_engine->rootObjects().isEmpty()) throw std::runtime_error("The window does not load.");
     m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().constFirst());
@@ -74,7 +75,7 @@ QQuickItem& WindowUnderTest::item(const QString& name) const {
     return *find(name);
 }
 
-void WindowUnderTest::click(const QString& name) {
+void WindowUnderTest::click(const QString& name, Qt::MouseButton button) {
     // A dialog stands where it belongs, and takes clicks, once it has taken the keyboard.
     if (name.startsWith(QLatin1String("alertButton-")))
         (void)waitUntil([this] { return isShown("alertButton-0") && hasFocus("alertButton-0"); });
@@ -83,7 +84,7 @@ void WindowUnderTest::click(const QString& name) {
     // A row whose list has been put in another order may still be on its way.
     const QRectF window(QPointF(), m_window->size());
     (void)waitUntil([&] { return window.contains(centreOf(item(name))); });
-    QTest::mouseClick(m_window, Qt::LeftButton, {}, centreOf(item(name)).toPoint());
+    QTest::mouseClick(m_window, button, {}, centreOf(item(name)).toPoint());
 }
 
 void WindowUnderTest::type(const QString& text) {

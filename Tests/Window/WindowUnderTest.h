@@ -5,6 +5,7 @@
 #include "State/Folders/FoldersState.h"
 #include "State/Shared/AppState.h"
 #include "State/Shared/WindowDialogs.h"
+#include "Window/RecordedDesktop.h"
 
 #include <QQmlApplicationEngine>
 #include <QQuickItem>
@@ -29,7 +30,7 @@ namespace tarvik::test {
 /// - Apps tab: appsTab, appsHeading, appsCount, sizingBar, appsSpinner, refreshAppsButton, viewPicker (each choice:
 ///   viewPicker-onDrive, -local, -all), appSearch, appSearchClear, selectAllBox, sortPicker (-size, -name, -risk),
 ///   hideRiskyBox, includeDataBox, appList, discoveringText, emptyApps, noAppsShown
-/// - an application, app-NAME: appBox, appIcon, appName, appRisk, appPath, appTotal, appSize, appDataSize,
+/// - an application, app-NAME: appBox, appIcon, appName, appRisk, appAbsence, appPath, appTotal, appSize, appDataSize,
 ///   appSizeSpinner, appMoveBackButton, appChevron
 /// - below the applications, appsActionBar: selectionText, targetText, targetFree, clearSelectionButton,
 ///   restoreSelectedButton, moveAppsButton
@@ -45,15 +46,20 @@ namespace tarvik::test {
 /// - a job, or the restore: transferLabel, transferFrom, transferTo, transferBytes, transferStatus, transferBar,
 ///   transferFailure, moveBackButton
 /// - dialog: alertDialog, alertTitle, alertDetails, alertText, alertButton-INDEX
+/// - about: aboutDialog, aboutName, aboutVersion, aboutText, closeAboutButton
+/// - the menu of a row: itemMenu, revealItem, copyPathItem
+/// - above the tab: fullDiskAccessNotice, openFullDiskAccessButton, sendFullDiskAccessNoticeAwayButton
 class WindowUnderTest {
 public:
-    explicit WindowUnderTest(const Host& host, QSize size = {1400, 900});
+    /// `hasMenus` says whether its desktop shows menus above windows.
+    explicit WindowUnderTest(const Host& host, QSize size = {1400, 900}, bool hasMenus = false);
     ~WindowUnderTest();
 
     AppState& state() { return *m_state; }
     AppsState& appsState() { return m_state->tab<AppsState>(); }
     FoldersState& foldersState() { return m_state->tab<FoldersState>(); }
     QQuickWindow& window() { return *m_window; }
+    const RecordedDesktop& desktop() const { return *m_desktop; }
 
     /// The item that is shown under this name, or null.
     QQuickItem* find(const QString& name) const;
@@ -64,7 +70,7 @@ public:
     bool isEnabled(const QString& name) const { return item(name).isEnabled(); }
     bool hasFocus(const QString& name) const { return item(name).hasActiveFocus(); }
 
-    void click(const QString& name);
+    void click(const QString& name, Qt::MouseButton button = Qt::LeftButton);
     void type(const QString& text);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     /// Presses a key and keeps it down: its repetitions come, as many as asked for, and no release.
@@ -88,6 +94,7 @@ public:
 
 private:
     std::unique_ptr<WindowDialogs> m_dialogs;
+    std::unique_ptr<RecordedDesktop> m_desktop;
     std::unique_ptr<AppState> m_state;
     std::unique_ptr<QQmlApplicationEngine> m_engine;
     QQuickWindow* m_window = nullptr;

@@ -13,6 +13,11 @@ QString sizeText(std::int64_t bytes) {
     return screenText(Text::byteCount(bytes));
 }
 
+/// Of what lies in the bundle: unknown while that is not there.
+QString bundleSizeText(const AppRow& row, std::int64_t bytes) {
+    return row.isAbsent ? QStringLiteral("—") : sizeText(bytes);
+}
+
 QString riskText(RiskLevel risk) {
     switch (risk) {
         case RiskLevel::high:
@@ -34,11 +39,12 @@ std::vector<Role<AppRow>> AppRow::roles() {
         {"bundlePath", [](const AppRow& row) { return QVariant::fromValue(FilePath(row.entry.bundlePath)); }},
         {"bundlePathText", [](const AppRow& row) -> QVariant { return screenPath(row.entry.bundlePath); }},
         {"version", [](const AppRow& row) -> QVariant { return screenText(row.entry.version.value_or("")); }},
-        {"appSizeText", [](const AppRow& row) -> QVariant { return sizeText(row.entry.appSize); }},
+        {"appSizeText", [](const AppRow& row) -> QVariant { return bundleSizeText(row, row.entry.appSize); }},
         {"dataSizeText", [](const AppRow& row) -> QVariant { return sizeText(row.entry.dataSize); }},
-        {"totalSizeText", [](const AppRow& row) -> QVariant { return sizeText(row.entry.totalSize()); }},
+        {"totalSizeText", [](const AppRow& row) -> QVariant { return bundleSizeText(row, row.entry.totalSize()); }},
         {"hasData", [](const AppRow& row) -> QVariant { return !row.entry.dataPaths.empty(); }},
         {"riskText", [](const AppRow& row) -> QVariant { return riskText(row.entry.riskLevel()); }},
+        {"isAbsent", [](const AppRow& row) -> QVariant { return row.isAbsent; }},
         {"isAlreadySymlinked", [](const AppRow& row) -> QVariant { return row.entry.isAlreadySymlinked; }},
         // Until an application is measured anew, it shows the sizes that it had.
         {"isSizeKnown", [](const AppRow& row) -> QVariant { return !row.sizesPending || row.entry.totalSize() > 0; }},

@@ -15,6 +15,8 @@ struct AppRow {
     bool sizesPending = true;
     bool isSelected = false;
     bool isExpanded = false;
+    /// It has been moved, and what its link leads to is not there now: the drive is not connected, for instance.
+    bool isAbsent = false;
 
     bool operator==(const AppRow&) const = default;
 

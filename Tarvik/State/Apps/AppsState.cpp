@@ -1,6 +1,7 @@
 #include "State/Apps/AppsState.h"
 
 #include "Discovery/AppScanner.h"
+#include "Platform/Files/Files.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "State/Lists/ScreenText.h"
 #include "State/Shared/AppState.h"
@@ -49,6 +50,8 @@ struct AppsState::Sizing {
 
 AppsState::AppsState(AppState& app) : TabState(app) {
     connect(this, &AppsState::selectionChanged, this, &AppsState::selectedTotalChanged);
+    // Drives have come or gone.
+    connect(&app, &AppState::targetDrivesChanged, this, [this] { follow(lookForAbsent()); });
 }
 
 AppsState* AppsState::create(QQmlEngine* engine, QJSEngine*) {
@@ -68,8 +71,33 @@ QCoro::Task<> AppsState::scanApps() {
     std::vector<AppEntry> entries = co_await inBackground(Priority::userInitiated, look);
     setSizeProgress(0, static_cast<int>(entries.size()));
     takeApps(entries);
+    co_await lookForAbsent();
     co_await computeSizes(std::move(entries));
     sortAppsBySize();
+}
+
+QCoro::Task<> AppsState::lookForAbsent() {
+    std::vector<fs::path> moved;
+    for (const AppRow& row : apps())
+        if (row.entry.isAlreadySymlinked) moved.push_back(row.entry.bundlePath);
+    if (moved.empty() || app().isClosing()) co_return;
+    const auto look = [moved] {
+        std::set<fs::path> absent;
+        for (const fs::path& bundle : moved)
+            if (!Files::exists(bundle)) absent.insert(bundle);
+        return absent;
+    };
+    const std::set<fs::path> absent = co_await inBackground(Priority::userInitiated, look);
+    bool hasComeBack = false;
+    for (std::size_t index = 0; index < apps().size(); ++index) {
+        AppRow row = apps()[index];
+        const bool isAbsent = absent.contains(row.entry.bundlePath);
+        if (row.isAbsent == isAbsent) continue;
+        row.isAbsent = isAbsent;
+        hasComeBack = hasComeBack || !isAbsent;
+        m_apps.update(index, std::move(row));
+    }
+    if (hasComeBack) refreshApps();  // Only now it can be measured.
 }
 
 QCoro::Task<> AppsState::computeSizes(std::vector<AppEntry> entries) {
@@ -117,6 +145,7 @@ void AppsState::takeApps(std::vector<AppEntry> entries) {
         row.isSelected = m_selectedAppIDs.contains(row.entry.id);
         row.isExpanded = m_expandedAppIDs.contains(row.entry.id);
         const auto before = known.find(AppRow::key(row));
+        if (before != known.end()) row.isAbsent = before->second->isAbsent;
         if (before != known.end() && isSameButForSizes(before->second->entry, row.entry))
             row.entry = row.entry.withSizes(before->second->entry.appSize, before->second->entry.dataPathSizes);
         rows.push_back(std::move(row));

@@ -107,6 +107,8 @@ private:
     struct Sizing;
 
     QCoro::Task<> scanApps();
+    /// Looks which of the moved applications are not there now.
+    QCoro::Task<> lookForAbsent();
     QCoro::Task<> computeSizes(std::vector<AppEntry> entries);
     QCoro::Task<> sizeOneAfterAnother(std::shared_ptr<Sizing> sizing);
     QCoro::Task<> moveSelectedApps();

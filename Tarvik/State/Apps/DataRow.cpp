@@ -1,6 +1,7 @@
 #include "State/Apps/DataRow.h"
 
 #include "Platform/Storage/SizeCalculator.h"
+#include "State/Lists/FilePath.h"
 #include "State/Lists/ScreenText.h"
 
 namespace tarvik {
@@ -37,6 +38,7 @@ std::vector<Role<DataRow>> DataRow::roles() {
     return {
         {"kind", [](const DataRow& row) -> QVariant { return nameOf(row.kind); }},
         {"name", [](const DataRow& row) -> QVariant { return screenText(row.name); }},
+        {"path", [](const DataRow& row) { return QVariant::fromValue(FilePath(row.path)); }},
         {"pathText", [](const DataRow& row) -> QVariant { return screenPath(row.path); }},
         {"helpText", [](const DataRow& row) -> QVariant { return screenText(row.help); }},
         {"summary", [](const DataRow& row) -> QVariant { return screenText(row.summary); }},

@@ -3,6 +3,7 @@
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/FullDiskAccess.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
@@ -91,6 +92,7 @@ bool AppState::isRefreshing() const {
 void AppState::refreshAll() {
     if (isRefreshing() || m_isClosing) return;
     refreshDrives();
+    lookAtFullDiskAccess();
     for (const auto& each : m_tabs) each->refresh();
     follow(checkLinks());
 }
@@ -157,6 +159,27 @@ QCoro::Task<> AppState::checkLinks() {
         row.isLinked = standing[i];
         m_jobs.update(i, std::move(row));
     }
+}
+
+void AppState::lookAtFullDiskAccess() {
+    if (!m_isClosing) follow(tryFullDiskAccess());
+}
+
+QCoro::Task<> AppState::tryFullDiskAccess() {
+    const auto look = [host = m_host] { return FullDiskAccess::isMissing(host); };
+    const bool isMissing = co_await inBackground(Priority::userInitiated, look);
+    if (m_missesFullDiskAccess == isMissing) co_return;
+    m_missesFullDiskAccess = isMissing;
+    emit missesFullDiskAccessChanged();
+    if (!isMissing) lookAgain();
+}
+
+QString AppState::fullDiskAccessText() const {
+    return screenText(FullDiskAccess::loss());
+}
+
+QString AppState::fullDiskAccessPage() const {
+    return QLatin1String(FullDiskAccess::settingsPage);
 }
 
 void AppState::selectDrive(const QString& driveId) {

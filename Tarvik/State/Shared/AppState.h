@@ -86,6 +86,12 @@ class AppState : public QObject {
     Q_PROPERTY(bool isRestoring READ isRestoring NOTIFY isRestoringChanged)
     Q_PROPERTY(tarvik::RestoreRun restore READ restore NOTIFY restoreChanged)
 
+    /// Whether a Mac keeps folders from the program that Full Disk Access would open; what the user is told then, and
+    /// the page of the settings where it is changed.
+    Q_PROPERTY(bool missesFullDiskAccess READ missesFullDiskAccess NOTIFY missesFullDiskAccessChanged)
+    Q_PROPERTY(QString fullDiskAccessText READ fullDiskAccessText CONSTANT)
+    Q_PROPERTY(QString fullDiskAccessPage READ fullDiskAccessPage CONSTANT)
+
     /// The message lines; empty when there is nothing to tell. A text stands until another one is set or it is cleared.
     Q_PROPERTY(QString lastError READ lastError NOTIFY lastErrorChanged)
     Q_PROPERTY(QString lastInfo READ lastInfo NOTIFY lastInfoChanged)
@@ -136,6 +142,9 @@ public:
     QString timeLeft() const { return m_timeLeft; }
     bool isRestoring() const { return m_isRestoring; }
     const RestoreRun& restore() const { return m_restore; }
+    bool missesFullDiskAccess() const { return m_missesFullDiskAccess; }
+    QString fullDiskAccessText() const;
+    QString fullDiskAccessPage() const;
     QString lastError() const { return m_lastError; }
     QString lastInfo() const { return m_lastInfo; }
 
@@ -143,6 +152,8 @@ public:
     Q_INVOKABLE void refreshAll();
     /// Looks at the drives anew, and selects a target when none is selected.
     Q_INVOKABLE void refreshDrives();
+    /// Looks anew whether Full Disk Access is missing; when it has been given, at everything.
+    Q_INVOKABLE void lookAtFullDiskAccess();
     /// Makes a drive of the list the target of all moves. An unknown id changes nothing.
     Q_INVOKABLE void selectDrive(const QString& driveId);
     /// Brings back what the link at the path leads to, once the user has agreed.
@@ -203,6 +214,7 @@ signals:
     void timeLeftChanged();
     void isRestoringChanged();
     void restoreChanged();
+    void missesFullDiskAccessChanged();
     void lastErrorChanged();
     void lastInfoChanged();
     /// The user wanted to leave in the middle of something, and what could not be cut short has ended.
@@ -211,6 +223,7 @@ signals:
 private:
     QCoro::Task<> scanDrives();
     QCoro::Task<> checkLinks();
+    QCoro::Task<> tryFullDiskAccess();
     QCoro::Task<> askToClose();
 
     /// Whether a refresh of all is dropped.
@@ -264,6 +277,7 @@ private:
     RestoreRun m_restore;
     TimeLeft m_timeLeftEstimate;
     QString m_timeLeft;
+    bool m_missesFullDiskAccess = false;
     QString m_lastError;
     QString m_lastInfo;
 

@@ -1,6 +1,7 @@
 #include "State/Shared/EngineObjects.h"
 
 #include "State/Shared/AppState.h"
+#include "State/Shared/Desktop.h"
 #include "State/Shared/WindowDialogs.h"
 
 #include <QQmlEngine>
@@ -12,15 +13,18 @@ namespace {
 
 constexpr const char* stateProperty = "tarvik.state";
 constexpr const char* dialogsProperty = "tarvik.dialogs";
+constexpr const char* desktopProperty = "tarvik.desktop";
 
 }  // namespace
 
-void give(QQmlEngine& engine, AppState& state, WindowDialogs& dialogs) {
+void give(QQmlEngine& engine, AppState& state, WindowDialogs& dialogs, Desktop& desktop) {
     engine.setProperty(stateProperty, QVariant::fromValue(&state));
     engine.setProperty(dialogsProperty, QVariant::fromValue(&dialogs));
+    engine.setProperty(desktopProperty, QVariant::fromValue(&desktop));
     QQmlEngine::setObjectOwnership(&state, QQmlEngine::CppOwnership);
     for (const auto& tab : state.tabs()) QQmlEngine::setObjectOwnership(tab.get(), QQmlEngine::CppOwnership);
     QQmlEngine::setObjectOwnership(&dialogs, QQmlEngine::CppOwnership);
+    QQmlEngine::setObjectOwnership(&desktop, QQmlEngine::CppOwnership);
 }
 
 AppState* stateOf(const QQmlEngine& engine) {
@@ -29,6 +33,10 @@ AppState* stateOf(const QQmlEngine& engine) {
 
 WindowDialogs* dialogsOf(const QQmlEngine& engine) {
     return engine.property(dialogsProperty).value<WindowDialogs*>();
+}
+
+Desktop* desktopOf(const QQmlEngine& engine) {
+    return engine.property(desktopProperty).value<Desktop*>();
 }
 
 }  // namespace tarvik::EngineObjects

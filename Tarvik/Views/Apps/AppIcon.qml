@@ -16,8 +16,8 @@ Item {
         id: picture
         anchors.fill: parent
         visible: !icon.isNeutral
-        // Twice as many points, for screens that have them.
-        sourceSize: Qt.size(2 * icon.width, 2 * icon.height)
+        // In points: the picture comes with as many pixels as the screen has for them.
+        sourceSize: Qt.size(icon.width, icon.height)
         asynchronous: true
         fillMode: Image.PreserveAspectFit
     }

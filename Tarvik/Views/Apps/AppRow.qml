@@ -15,6 +15,7 @@ ListRow {
     required property string totalSizeText
     required property string riskText
     required property bool isAlreadySymlinked
+    required property bool isAbsent
     required property bool isSizeKnown
     required property bool isSelected
     required property bool isExpanded
@@ -38,9 +39,10 @@ ListRow {
     bottomPadding: expansion.height
     leftPadding: Theme.margin
     rightPadding: Theme.large
-    Accessible.name: [name, riskText, isSizeKnown ? totalSizeText : "", isAlreadySymlinked ? "on a drive" : ""].filter(part => part !== "").join(", ")
+    Accessible.name: [name, riskText, isSizeKnown ? totalSizeText : "", isAbsent ? "not there" : isAlreadySymlinked ? "on a drive" : ""].filter(part => part !== "").join(", ")
     Accessible.checkable: true
     Accessible.checked: isSelected
+    item: bundlePath
     turns: true
     onTurned: isOpen => setExpanded(isOpen)
 
@@ -90,10 +92,31 @@ ListRow {
                     text: row.riskText
                     tone: text === "caution" ? "warning" : "danger"
                 }
+                Loader {
+                    id: absence
+                    active: row.isAbsent
+                    visible: active
+                    sourceComponent: Badge {
+                        objectName: "appAbsence"
+                        implicitHeight: 18
+                        text: "not there"
+                        tone: "neutral"
+
+                        HoverHandler { id: pointer }
+                        Loader {
+                            active: pointer.hovered
+                            sourceComponent: Tooltip {
+                                parent: absence
+                                text: "Its drive is not connected, or it has gone from there."
+                                visible: true
+                            }
+                        }
+                    }
+                }
                 ElidedLabel {
                     objectName: "appPath"
                     anchors.verticalCenter: parent.verticalCenter
-                    width: parent.width - (risk.visible ? risk.width + parent.spacing : 0)
+                    width: parent.width - (risk.visible ? risk.width + parent.spacing : 0) - (absence.visible ? absence.width + parent.spacing : 0)
                     fullText: (row.version === "" ? "" : row.version + " \u00b7 ") + row.bundlePathText
                     color: Theme.textSecondary
                     font.pixelSize: Theme.captionSize
@@ -119,7 +142,7 @@ ListRow {
             active: row.isAlreadySymlinked
             sourceComponent: Button {
                 objectName: "appMoveBackButton"
-                enabled: !AppState.isBusy
+                enabled: !AppState.isBusy && !row.isAbsent
                 focusPolicy: Qt.NoFocus
                 text: "Move Back"
                 kind: "quiet"

@@ -7,6 +7,7 @@ ListRow {
 
     required property string kind
     required property string name
+    required property var path
     required property string pathText
     required property string helpText
     required property string summary
@@ -27,6 +28,7 @@ ListRow {
     Accessible.name: [name, summary, sizeText].filter(part => part !== "").join(", ")
     Accessible.checkable: kind !== "more" && !isLocked
     Accessible.checked: checkState === Qt.Checked
+    item: kind === "file" ? path : undefined
     turns: true
     onTurned: isOpen => details.setOpen(index, isOpen)
 

@@ -14,6 +14,8 @@ T.ItemDelegate {
     /// Whether the right arrow opens the row and the left one closes it.
     property bool turns: false
     signal turned(bool isOpen)
+    /// The path of what the row stands for, for its menu; nothing where there is none.
+    property var item
     readonly property RowList list: ListView.view as RowList
 
     width: ListView.view ? ListView.view.width : implicitWidth

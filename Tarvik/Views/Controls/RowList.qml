@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Tarvik
 
-/// A list of `ListRow` delegates: Tab reaches it as one stop, arrows walk it, Space and Return press the row.
+/// A list of `ListRow` delegates: Tab reaches it as one stop, arrows walk it, Space and Return press the row. A right click,
+/// the menu key or Shift-F10 opens the menu of a row that stands for an item.
 ListView {
     id: list
 
@@ -24,6 +25,50 @@ ListView {
             row.turned(isOpen);
     }
 
+    /// Made when it is first asked for: most lists are never asked.
+    property var menu: null
+
+    function openMenu(row, x, y) {
+        if (!row?.item)
+            return false;
+        if (menu === null)
+            menu = menuMaker.createObject(list);
+        menu.item = row.item;
+        menu.popup(list, x, y);
+        return true;
+    }
+
+    function openMenuAt(scenePosition) {
+        const position = mapFromItem(null, scenePosition);
+        const row = itemAt(position.x + contentX, position.y + contentY) as ListRow;
+        if (!row?.item)
+            return;
+        currentIndex = row.index;
+        forceActiveFocus(Qt.MouseFocusReason);
+        showsFocus = false;
+        openMenu(row, position.x, position.y);
+    }
+
+    /// Below the row, where it begins.
+    function openCurrentMenu() {
+        const row = currentItem as ListRow;
+        if (!row)
+            return false;
+        const corner = row.mapToItem(list, row.leftPadding, row.height - row.bottomPadding);
+        return openMenu(row, corner.x, corner.y);
+    }
+
+    Component {
+        id: menuMaker
+        ItemMenu {}
+    }
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        // A list in a row of another one keeps the click for itself.
+        gesturePolicy: TapHandler.WithinBounds
+        onTapped: eventPoint => list.openMenuAt(eventPoint.scenePosition)
+    }
+
     activeFocusOnTab: count > 0
     keyNavigationEnabled: true
     highlightFollowsCurrentItem: true
@@ -42,7 +87,8 @@ ListView {
     Keys.onLeftPressed: event => turnCurrent(event, false)
     Keys.onPressed: event => {
         showsFocus = true;
-        event.accepted = false;
+        const asksForMenu = event.key === Qt.Key_Menu || (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier);
+        event.accepted = asksForMenu && openCurrentMenu();
     }
     onActiveFocusChanged: {
         showsFocus = activeFocus;

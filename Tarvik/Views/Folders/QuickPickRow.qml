@@ -17,6 +17,7 @@ ListRow {
     leftPadding: Theme.medium
     rightPadding: Theme.medium
     highlighted: isChosen
+    item: path
     Accessible.name: label
     Accessible.description: sizeText === "" ? pathText : pathText + ", " + sizeText
 

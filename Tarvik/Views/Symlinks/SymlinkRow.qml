@@ -22,6 +22,7 @@ ListRow {
     rightPadding: Theme.large
     Accessible.name: locationText + ", " + (isValid ? "valid" : "broken")
     Accessible.description: targetText
+    item: location
 
     onRestore: AppState.restoreSymlink(location)
     Keys.onReturnPressed: event => restoreOnce(event)

@@ -1,0 +1,117 @@
+#include "State/EventLoop.h"
+#include "State/Shared/Desktop.h"
+#include "Support/EnvironmentVariable.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/Tree.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QProcess>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace tarvik::test {
+namespace {
+
+/// A desktop without a file manager on the bus, whose opener of folders is a script that notes what it is given.
+class SystemDesktop : public testing::Test {
+protected:
+    SystemDesktop() {
+        QObject::connect(desktop.get(), &Desktop::failed, [this](const QString& text) { told = text; });
+    }
+    void makeOpener() {
+        makeFile(folder / "bin/xdg-open", "#!/bin/sh\nprintf %s \"$1\" > \"" + (folder / "new").native() + "\"\nmv \"" +
+                                              (folder / "new").native() + "\" \"" + (folder / "opened").native() +
+                                              "\"\n");
+        fs::permissions(folder / "bin/xdg-open", fs::perms::owner_all);
+    }
+    std::string opened() const {
+        std::ifstream file(folder / "opened");
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+    TemporaryFolder folder;
+    EnvironmentVariable bus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder / "no-bus").native()};
+    EnvironmentVariable path{"PATH", (folder / "bin").native() + ":/usr/bin:/bin"};
+    std::unique_ptr<Desktop> desktop = makeSystemDesktop();
+    QString told;
+};
+
+TEST_F(SystemDesktop, OpensTheFolderOfAnItemWhereNoFileManagerAnswers) {
+    makeOpener();
+    desktop->reveal(FilePath(folder / "Some & \"place\"/caf\xE9 100%"));
+    spinUntil([&] { return fs::exists(folder / "opened"); });
+    EXPECT_EQ(opened(), "file://" + folder.path().native() + "/Some%20%26%20%22place%22");
+    EXPECT_EQ(told, "");
+}
+
+TEST_F(SystemDesktop, SaysWhereTheItemIsWhenNothingOpensFolders) {
+    const EnvironmentVariable nothing{"PATH", (folder / "bin").native()};
+    desktop->reveal(FilePath(folder / "item"));
+    spinUntil([&] { return !told.isEmpty(); });
+    EXPECT_EQ(told.toStdString(), "No file manager answers. The item is at " + (folder / "item").native() + ".");
+}
+
+/// A file manager as others see it on the bus.
+class FileManager : public QDBusVirtualObject {
+public:
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        asked = message.interface() + "." + message.member();
+        shown = message.arguments().value(0).toStringList();
+        return bus.send(isBroken ? message.createErrorReply(QDBusError::Failed, "broken") : message.createReply());
+    }
+
+    bool isBroken = false;
+    QString asked;
+    QStringList shown;
+};
+
+/// The same with a file manager on a bus of its own.
+class SystemDesktopWithFileManager : public SystemDesktop {
+protected:
+    SystemDesktopWithFileManager() {
+        makeFile(folder / "bus.conf",
+                 "<busconfig><type>session</type><listen>unix:path=" + (folder / "no-bus").native() +
+                     "</listen><policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+                     "<allow own='*'/></policy></busconfig>");
+        daemon.start("dbus-daemon", {"--nofork", "--config-file=" + QString::fromStdString(folder / "bus.conf")});
+        spinUntil([&] { return fs::exists(folder / "no-bus"); });
+        auto connection = QDBusConnection::connectToBus("unix:path=" + QString::fromStdString(folder / "no-bus"),
+                                                        "test-file-manager");
+        EXPECT_TRUE(connection.registerVirtualObject("/org/freedesktop/FileManager1", &manager));
+        EXPECT_TRUE(connection.registerService("org.freedesktop.FileManager1"));
+        makeOpener();
+    }
+    ~SystemDesktopWithFileManager() override {
+        desktop.reset();
+        QDBusConnection::disconnectFromBus("test-file-manager");
+        daemon.kill();
+        daemon.waitForFinished();
+    }
+
+    QProcess daemon;
+    FileManager manager;
+};
+
+TEST_F(SystemDesktopWithFileManager, ShowsTheItemThere) {
+    desktop->reveal(FilePath(folder / "Some place/caf\xE9"));
+    spinUntil([&] { return !manager.shown.isEmpty(); });
+    EXPECT_EQ(manager.asked, "org.freedesktop.FileManager1.ShowItems");
+    EXPECT_EQ(manager.shown,
+              QStringList{"file://" + QString::fromStdString(folder.path().native()) + "/Some%20place/caf%E9"});
+    spinOnce();
+    EXPECT_FALSE(fs::exists(folder / "opened"));
+}
+
+TEST_F(SystemDesktopWithFileManager, OpensTheFolderWhenThatFails) {
+    manager.isBroken = true;
+    desktop->reveal(FilePath(folder / "place/item"));
+    spinUntil([&] { return fs::exists(folder / "opened"); });
+    EXPECT_EQ(opened(), "file://" + folder.path().native() + "/place");
+}
+
+}  // namespace
+}  // namespace tarvik::test
