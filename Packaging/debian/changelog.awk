@@ -6,12 +6,25 @@ function finish(    command, date) {
     close(command)
     printf "\n -- %s  %s\n\n", maintainer, date
 }
+# A line of at most 78 characters, and what is left below it.
+function wrap(text, begin,    count, words, line, i) {
+    count = split(text, words, " ")
+    line = begin
+    for (i = 1; i <= count; i++) {
+        if (length(line) + length(words[i]) > 77) {
+            print line
+            line = "   "
+        }
+        line = line " " words[i]
+    }
+    print line
+}
 /^## / {
     finish()
     version = $2
     day = substr($3, 2, 10)
     printf "tarvik (%s) unstable; urgency=medium\n\n", version
 }
-/^- / { print "  * " substr($0, 3) }
-/^  [^ ]/ { print "    " substr($0, 3) }
+/^- / { wrap(substr($0, 3), "  *") }
+/^  [^ ]/ { wrap($0, "   ") }
 END { finish() }
