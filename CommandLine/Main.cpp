@@ -1,5 +1,6 @@
 #include "CommandLine/Acts.h"
 #include "CommandLine/Columns.h"
+#include "CommandLine/CompletionActs.h"
 #include "CommandLine/Options.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
@@ -30,6 +31,7 @@ Host hostOf(const Options& options) {
 }
 
 void run(const std::vector<std::string>& arguments) {
+    if (CompletionActs::isQuestion(arguments)) return CompletionActs::answer(arguments);
     const auto parsed = parse(arguments);
     if (const auto* information = std::get_if<Information>(&parsed)) return Terminal::writeResult(information->text);
     const auto& options = std::get<Options>(parsed);

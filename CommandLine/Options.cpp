@@ -1,5 +1,8 @@
 #include "CommandLine/Options.h"
 
+#include "CommandLine/CompletionScripts.h"
+#include "CommandLine/ManPage.h"
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -24,23 +27,8 @@ const std::map<std::string, Format> formats = {{"human", Format::human}, {"tsv",
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> valued = {
     {{"--root", "DIR"}, {"--home", "DIR"}, {"--format", "FORMAT"}, {"--drive", "DRIVE"}}};
 
-/// Each verb by its words, in the order in which they are shown, and how it is used.
-struct VerbEntry {
-    Verb verb;
-    std::string_view words;
-    std::string_view usage;
-};
-constexpr std::array<VerbEntry, 9> verbs = {{
-    {Verb::drives, "drives", "tarvik drives"},
-    {Verb::apps, "apps", "tarvik apps [NAME]"},
-    {Verb::links, "links", "tarvik links"},
-    {Verb::launchers, "launchers", "tarvik launchers [--repair]"},
-    {Verb::moveApp, "move app", "tarvik move app NAME... --drive DRIVE [--no-data] [--quit-running] [--dry-run]"},
-    {Verb::moveFolder, "move folder", "tarvik move folder PATH --drive DRIVE"},
-    {Verb::moveRestore, "move restore", "tarvik move restore NAME|PATH..."},
-    {Verb::backupCreate, "backup create", "tarvik backup create PATH... --drive DRIVE"},
-    {Verb::backupList, "backup list", "tarvik backup list --drive DRIVE"},
-}};
+/// What help shows behind the name of an argument that can be given several times.
+constexpr const char* several = "...";
 
 /// The options that only some verbs take, and which these are.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 5> owned = {
@@ -58,19 +46,32 @@ std::string wordsOf(const CLI::App& app) {
     return before.empty() ? app.get_name() : before + " " + app.get_name();
 }
 
-/// The verbs that begin with these words.
-std::vector<VerbEntry> verbsOf(const std::string& words) {
-    std::vector<VerbEntry> found;
-    for (const auto& entry : verbs)
-        if (words.empty() || entry.words == words || entry.words.starts_with(words + " ")) found.push_back(entry);
-    return found;
+std::string usageOf(const CLI::App& app) {
+    std::vector<std::string_view> usages;
+    for (const auto& entry : Verbs::beginningWith(wordsOf(app))) usages.push_back(entry.usage);
+    return fmt::format("{}", fmt::join(usages, "\n       "));
 }
 
-std::string usageOf(const CLI::App& app) {
-    std::string lines;
-    for (const auto& entry : verbsOf(wordsOf(app)))
-        lines += fmt::format("{}{}", lines.empty() ? "" : "\n       ", entry.usage);
-    return lines;
+OptionDescription descriptionOf(const CLI::Option& option) {
+    OptionDescription described{.value = option.get_type_name(), .text = option.get_description()};
+    for (const auto& letter : option.get_snames()) described.names.push_back("-" + letter);
+    for (const auto& name : option.get_lnames()) described.names.push_back("--" + name);
+    return described;
+}
+
+CommandDescription descriptionOf(const CLI::App& app) {
+    CommandDescription described{.name = app.get_name(), .words = wordsOf(app), .text = app.get_description()};
+    for (const auto& entry : Verbs::beginningWith(described.words)) described.usages.emplace_back(entry.usage);
+    const bool isWhole = app.get_parent() == nullptr;
+    for (const auto* option : app.get_options()) {
+        if (option->get_positional())
+            described.arguments.push_back(
+                {option->get_name(), option->get_type_name() == several, option->get_description()});
+        else if (isWhole || option != app.get_help_ptr())
+            described.options.push_back(descriptionOf(*option));
+    }
+    for (const auto* verb : app.get_subcommands({})) described.verbs.push_back(descriptionOf(*verb));
+    return described;
 }
 
 /// The library's help with usage lines that show the whole command.
@@ -118,7 +119,7 @@ public:
             addVerb(*m_move, "app", "Move applications and their data to a drive, and link their old paths to it");
         // One name only: the library would take a name in brackets for a list. The others are left over.
         m_moveApp->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
-            ->type_name("...");
+            ->type_name(several);
         addOption(*m_moveApp, "--drive", m_drive, "The drive: its mount path or its name");
         m_moveApp->add_flag("--dry-run", m_options.isDryRun, "Change nothing, only show what would be done")
             ->disable_flag_override();
@@ -130,15 +131,21 @@ public:
         folder->add_option("PATH", m_path, "The folder")->type_name("");
         addOption(*folder, "--drive", m_drive, "The drive: its mount path or its name");
         m_restore = addVerb(*m_move, "restore", "Bring back what links and launchers lead to");
-        m_restore->add_option("NAME|PATH", m_name, "An application, or the path of a link")->type_name("...");
+        m_restore->add_option("NAME|PATH", m_name, "An application, or the path of a link")->type_name(several);
         m_backup = addVerb(m_app, "backup", "Copy things to a drive, or list the copies");
         m_backup->require_subcommand(0, 1);
         m_backupCreate = addVerb(*m_backup, "create", "Make a dated copy of files, folders or applications on a drive");
-        m_backupCreate->add_option("PATH", m_path, "A file, a folder or an application")->type_name("...");
+        m_backupCreate->add_option("PATH", m_path, "A file, a folder or an application")->type_name(several);
         addOption(*m_backupCreate, "--drive", m_drive, "The drive: its mount path or its name");
         auto* list = addVerb(*m_backup, "list", "List the backups on a drive");
         addOption(*list, "--drive", m_drive, "The drive: its mount path or its name");
+        m_completion = addVerb(m_app, Verbs::completion, "Print a script that completes the command in a shell");
+        m_completion
+            ->add_option("SHELL", m_shell, fmt::format("One of: {}", fmt::join(CompletionScripts::shells, ", ")))
+            ->type_name("");
     }
+
+    CommandDescription description() const { return descriptionOf(m_app); }
 
     std::variant<Options, Information> parse(const Arguments& arguments) {
         // The library forgets the mark that ends the options where a verb has all it needs: it never sees it.
@@ -156,6 +163,7 @@ public:
         }
         refuseUnclearWords(takeWords(std::move(marked)));
         takeGlobalOptions();
+        if (m_completion->parsed()) return Information{std::string(CompletionScripts::scriptFor(knownShell()))};
         takeVerb();
         return m_options;
     }
@@ -167,8 +175,8 @@ private:
         app.add_option(name, value, description)->type_name(std::string(entry->second));
     }
 
-    static CLI::App* addVerb(CLI::App& parent, const char* name, const char* description) {
-        auto* verb = parent.add_subcommand(name, description)->group("Verbs");
+    static CLI::App* addVerb(CLI::App& parent, std::string_view name, const char* description) {
+        auto* verb = parent.add_subcommand(std::string(name), description)->group("Verbs");
         verb->footer("Every verb takes the options of \"tarvik --help\" too.");
         return verb;
     }
@@ -183,8 +191,8 @@ private:
     }
 
     void takeVerb() {
-        for (const auto& entry : verbs)
-            if (entry.words == wordsOf(meant())) m_options.verb = entry.verb;
+        for (const auto& entry : Verbs::beginningWith(wordsOf(meant())))
+            if (entry.verb) m_options.verb = *entry.verb;
         if (m_options.verb != Verb::backupCreate) m_options.path = m_path;
         m_options.drive = m_drive;
         m_options.includesData = !m_leavesData;
@@ -266,8 +274,9 @@ private:
             m_options.paths.emplace_back(word);
             return true;
         }
-        if (words != "move folder" || !m_path.empty()) return false;
-        m_path = word;
+        auto& only = words == Verbs::completion ? m_shell : m_path;
+        if ((words != Verbs::completion && words != "move folder") || !only.empty()) return false;
+        only = word;
         return true;
     }
 
@@ -292,7 +301,7 @@ private:
     void requireVerb(const CLI::App& app, const Arguments& words) const {
         if (!app.get_subcommands().empty()) return;
         std::vector<std::string_view> choices;
-        for (const auto& entry : verbsOf(wordsOf(app))) choices.push_back(entry.words);
+        for (const auto& entry : Verbs::beginningWith(wordsOf(app))) choices.push_back(entry.words);
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
         const auto word = std::find_if_not(words.begin(), words.end(), isOption);
         if (word == words.end() && !words.empty())
@@ -311,6 +320,15 @@ private:
         m_options.home = pathOption("--home", m_home);
     }
 
+    const std::string& knownShell() const {
+        const auto& shells = CompletionScripts::shells;
+        const auto choices = fmt::format("{}", fmt::join(shells, ", "));
+        if (m_shell.empty()) throw wrong(fmt::format("Name the shell, one of: {}.", choices));
+        if (std::find(shells.begin(), shells.end(), m_shell) == shells.end())
+            throw wrong(fmt::format("\"{}\" is no shell that can be completed in. There is: {}.", m_shell, choices));
+        return m_shell;
+    }
+
     /// An empty path would be taken for the working directory: nobody means that.
     std::optional<fs::path> pathOption(const std::string& name, const std::string& text) const {
         if (m_app.get_option(name)->empty()) return std::nullopt;
@@ -319,7 +337,7 @@ private:
     }
 
     Options m_options;
-    std::string m_root, m_home, m_path, m_name, m_drive, m_format = "human";
+    std::string m_root, m_home, m_path, m_name, m_drive, m_shell, m_format = "human";
     bool m_leavesData = false;
     CLI::App m_app{"Moves what is large to an external drive and leaves a link, so that everything keeps working.",
                    "tarvik"};
@@ -329,6 +347,7 @@ private:
     CLI::App* m_restore = nullptr;
     CLI::App* m_backup = nullptr;
     CLI::App* m_backupCreate = nullptr;
+    CLI::App* m_completion = nullptr;
 };
 
 }  // namespace
@@ -336,14 +355,13 @@ private:
 WrongUse::WrongUse(std::string description, std::string usage)
     : Failure("CommandLine", 2, std::move(description)), m_usage(std::move(usage)) {}
 
-std::string_view usageOf(Verb verb) {
-    for (const auto& entry : verbs)
-        if (entry.verb == verb) return entry.usage;
-    return "tarvik";
+std::variant<Options, Information> parse(const Arguments& arguments) {
+    if (arguments == Arguments{"--man"}) return Information{ManPage::of(describe())};
+    return Grammar().parse(arguments);
 }
 
-std::variant<Options, Information> parse(const Arguments& arguments) {
-    return Grammar().parse(arguments);
+CommandDescription describe() {
+    return Grammar().description();
 }
 
 }  // namespace tarvik::CommandLine

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "CommandLine/CommandDescription.h"
 #include "CommandLine/Records.h"
+#include "CommandLine/Verbs.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Path.h"
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -14,7 +15,7 @@ namespace tarvik::CommandLine {
 
 /// What a command line asks for.
 struct Options {
-    enum class Verb { drives, apps, links, launchers, moveApp, moveFolder, moveRestore, backupCreate, backupList };
+    using Verb = CommandLine::Verb;
 
     Verb verb = Verb::drives;
     /// The item of a move, as it was written.
@@ -54,15 +55,16 @@ private:
     std::string m_usage;
 };
 
-/// How the command is written with this verb: "tarvik move restore PATH".
-std::string_view usageOf(Options::Verb verb);
-
-/// Text to print instead of an act: what --help and --version ask for.
+/// Text to print instead of an act: what --help, --version and `completion` ask for, and --man, which no help shows:
+/// the source of the manual page, for those who pack the command.
 struct Information {
     std::string text;
 };
 
 /// Reads the arguments, the program's own name left out. @throws WrongUse
 std::variant<Options, Information> parse(const std::vector<std::string>& arguments);
+
+/// What `parse` understands.
+CommandDescription describe();
 
 }  // namespace tarvik::CommandLine

@@ -9,6 +9,7 @@
 #include "MovePlan/AppRestore.h"
 #include "MovePlan/WayBack.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 
 #include <fmt/format.h>
 
@@ -25,17 +26,37 @@ namespace {
 
 using WaysBack = std::vector<WayBack::Plan>;
 
+/// The application that stands at the path and has been moved, be it with the folder that it stands in.
+std::optional<AppEntry> movedAppAt(const fs::path& place, const std::vector<AppEntry>& entries) {
+    for (const auto& entry : entries)
+        if (entry.isAlreadySymlinked && entry.bundlePath == place) return entry;
+    return std::nullopt;
+}
+
+/// Whether only a list of applications tells what is meant by the path: a bundle in a folder that was moved.
+bool mayBeInMovedFolder(const fs::path& place) {
+    return place.extension() == ".app" && !Files::isSymbolicLink(place) && Files::isFolder(place);
+}
+
 /// The applications are looked for once, and only when one is named.
 std::vector<AppRestore::Wanted> wantedOf(const Host& host, const Options& options) {
     std::optional<std::vector<AppEntry>> entries;
+    const auto found = [&]() -> const std::vector<AppEntry>& {
+        if (!entries) entries = findApps(host);
+        return *entries;
+    };
     std::vector<AppRestore::Wanted> wanted;
     for (const auto& name : options.names) {
-        if (AppRestore::isPath(name)) {
-            wanted.emplace_back(fs::path(name));
+        if (!AppRestore::isPath(name)) {
+            wanted.emplace_back(chosenApp(found(), name, options.verb));
             continue;
         }
-        if (!entries) entries = findApps(host);
-        wanted.emplace_back(chosenApp(*entries, name, options.verb));
+        const auto place = Files::standardized(name);
+        const auto app = mayBeInMovedFolder(place) ? movedAppAt(place, found()) : std::nullopt;
+        if (app)
+            wanted.emplace_back(*app);
+        else
+            wanted.emplace_back(fs::path(name));
     }
     return wanted;
 }

@@ -105,6 +105,7 @@ int run(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("Tarvik"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TARVIK_VERSION));
     Appearance::forceLight();
+    Appearance::identify();
     const int status = runWindow(application, options, host);
     Background::finish();
     return status;

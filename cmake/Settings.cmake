@@ -118,3 +118,12 @@ function(tarvik_program name)
     target_link_libraries(${name} PRIVATE ${argument_LIBRARIES})
     tarvik_settings(${name})
 endfunction()
+
+# The day of the newest version, from the list of changes: 2026-11-22.
+set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
+file(STRINGS ${PROJECT_SOURCE_DIR}/CHANGELOG.md releases REGEX "^## ")
+list(GET releases 0 newest)
+if(NOT newest MATCHES "^## ${PROJECT_VERSION} \\(([0-9-]+)\\)$")
+    message(FATAL_ERROR "The newest version in CHANGELOG.md is not ${PROJECT_VERSION}: ${newest}")
+endif()
+set(TARVIK_DATE ${CMAKE_MATCH_1})

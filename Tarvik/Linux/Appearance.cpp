@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QGuiApplication>
+#include <QIcon>
 #include <QPalette>
 
 namespace tarvik::Appearance {
@@ -21,6 +22,14 @@ void forceLight() {
     palette.setColor(QPalette::Highlight, QColor(0x2b, 0x66, 0xd9));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     QGuiApplication::setPalette(palette);
+}
+
+void identify() {
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.tarvik.Tarvik"));
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/icon/%1x%1/apps/tarvik.png").arg(side));
+    QGuiApplication::setWindowIcon(icon);
 }
 
 bool hasGraphicsCard() {

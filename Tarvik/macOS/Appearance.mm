@@ -11,6 +11,8 @@ void forceLight() {
     });
 }
 
+void identify() {}
+
 bool hasGraphicsCard() {
     return true;
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace tarvik::CommandLine {
 
 namespace {
@@ -158,11 +160,11 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(
         sentenceOf({}),
         "What shall be done? Name one of: drives, apps, links, launchers, move app, move folder, move restore, backup "
-        "create, backup list.");
+        "create, backup list, completion.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
-              "create, backup list.");
+              "create, backup list, completion.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
@@ -178,7 +180,7 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({"--quick", "frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
-              "create, backup list.");
+              "create, backup list, completion.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
@@ -222,7 +224,8 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     EXPECT_EQ(
         usageFor({}),
         "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       tarvik launchers [--repair]\n       " +
-            app + "\n       " + folder + "\n       " + restore + "\n       " + backups);
+            app + "\n       " + folder + "\n       " + restore + "\n       " + backups +
+            "\n       tarvik completion SHELL");
     EXPECT_EQ(usageFor({"backup"}), backups);
 }
 
@@ -236,6 +239,32 @@ TEST(Options, GivesHelpAndVersionAsText) {
     EXPECT_NE(verbHelp.find("Usage: tarvik move folder PATH --drive DRIVE\n"), std::string::npos) << verbHelp;
     for (const auto& arguments : {Arguments{"-h"}, {"move", "-h"}, {"drives", "--help"}, {"move", "restore", "--help"}})
         EXPECT_NE(std::get<Information>(parse(arguments)).text.find("Usage: tarvik "), std::string::npos);
+}
+
+TEST(Options, GivesTheScriptOfAShellAsText) {
+    for (const auto& arguments : {Arguments{"completion", "zsh"}, {"completion", "--", "zsh"}})
+        EXPECT_EQ(std::get<Information>(parse(arguments)).text.substr(0, 15), "#compdef tarvik");
+    EXPECT_EQ(sentenceOf({"completion"}), "Name the shell, one of: bash, zsh, fish.");
+    EXPECT_EQ(sentenceOf({"completion", "csh"}),
+              "\"csh\" is no shell that can be completed in. There is: bash, zsh, fish.");
+    EXPECT_EQ(sentenceOf({"completion", "zsh", "fish"}), "\"fish\" is one word too many.");
+    EXPECT_EQ(usageFor({"completion"}), "tarvik completion SHELL");
+}
+
+TEST(Options, DescribesWhatHelpShows) {
+    const auto command = describe();
+    EXPECT_EQ(command.name, "tarvik");
+    EXPECT_EQ(command.usages.size(), 10U);
+    EXPECT_EQ(command.options.front().names, (Arguments{"-h", "--help"}));
+    const auto& move =
+        *std::find_if(command.verbs.begin(), command.verbs.end(), [](const auto& verb) { return verb.name == "move"; });
+    const auto& app = move.verbs.front();
+    EXPECT_EQ(app.words, "move app");
+    EXPECT_EQ(app.usages, Arguments{std::string(usageOf(Verb::moveApp))});
+    EXPECT_EQ(app.arguments.front().name, "NAME");
+    EXPECT_TRUE(app.arguments.front().repeats);
+    EXPECT_EQ(app.options.front(), (OptionDescription{{"--drive"}, "DRIVE", "The drive: its mount path or its name"}));
+    EXPECT_FALSE(command.verbs[1].arguments.front().repeats);
 }
 
 }  // namespace tarvik::CommandLine

@@ -37,6 +37,15 @@ TEST(RestoreCommand, BringsBackTheRestWhenOneCannotComeBack) {
     EXPECT_FALSE(fs::is_symlink(world.tunnel));
 }
 
+TEST(RestoreCommand, BringsBackTheFolderOfAnApplicationThatIsNamedByItsPath) {
+    const CommandWorld world;
+    const auto suite = world.machine.root / "Applications/Linked Suite";
+    const auto back = world.run({"move", "restore", suite / "Inside.app", "--yes"});
+    EXPECT_EQ(back.status, 0) << back.errors;
+    EXPECT_FALSE(fs::is_symlink(suite));
+    EXPECT_TRUE(fs::is_directory(suite / "Inside.app"));
+}
+
 TEST(RestoreCommand, HasARecordForEachThatWasNamed) {
     const RestoreWorld world;
     const std::vector<std::string> names = {"move", "restore", "Full House", world.library, "--format", "tsv"};
