@@ -17,8 +17,6 @@ namespace tarvik::HealthRecheck {
 
 namespace {
 
-using Kind = HealthIssue::Kind;
-
 /// Whether the item is a link that leads where it led: to the text of it as it stands, or as a path.
 bool isSameLink(const HealthIssue& issue) {
     const auto text = Files::linkText(issue.location);
@@ -70,17 +68,10 @@ bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy stra
     return false;
 }
 
-bool isFor(Kind kind, HealthRepairStrategy strategy) {
-    if (strategy == HealthRepairStrategy::repointDangling) return kind == Kind::dangling;
-    const auto& offers = HealthRepairStrategies::offers(kind);
-    return std::any_of(offers.begin(), offers.end(),
-                       [&](const HealthRepairStrategies::Offer& offer) { return offer.strategy == strategy; });
-}
-
 }  // namespace
 
 void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
-    if (!isFor(issue.kind, strategy))
+    if (!HealthRepairStrategies::isFor(issue.kind, strategy))
         throw Failure("HealthRepair", EINVAL,
                       fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
                                   issue.location.filename().native()));

@@ -1,7 +1,6 @@
 #include "HealthRepair/HealthRepairStrategy.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace tarvik::HealthRepairStrategies {
@@ -9,7 +8,7 @@ namespace tarvik::HealthRepairStrategies {
 namespace {
 
 /// In the order of the strategies.
-constexpr std::array<std::string_view, 11> names = {
+constexpr std::array<std::string_view, 11> allNames = {
     "removeDangling",           "removeEmpty",          "reclaimReverted",
     "reSymlinkReverted",        "removeOrphan",         "forgetMissingTrackedFiles",
     "repairSpotlightLaunchers", "repairBrokenLauncher", "restoreUnsafePrefs",
@@ -36,14 +35,25 @@ const std::vector<Offer>& offers(HealthIssue::Kind kind) {
     return all[static_cast<std::size_t>(kind)];
 }
 
+bool isFor(HealthIssue::Kind kind, HealthRepairStrategy strategy) {
+    // The window offers none of it: a user who sees the finding removes the link or looks where the copy went.
+    if (strategy == HealthRepairStrategy::repointDangling) return kind == HealthIssue::Kind::dangling;
+    const auto& some = offers(kind);
+    return std::any_of(some.begin(), some.end(), [&](const Offer& offer) { return offer.strategy == strategy; });
+}
+
+const std::array<std::string_view, 11>& names() {
+    return allNames;
+}
+
 std::string_view name(HealthRepairStrategy strategy) {
-    return names[static_cast<std::size_t>(strategy)];
+    return allNames[static_cast<std::size_t>(strategy)];
 }
 
 std::optional<HealthRepairStrategy> named(std::string_view name) {
-    const auto* const found = std::find(names.begin(), names.end(), name);
-    if (found == names.end()) return std::nullopt;
-    return static_cast<HealthRepairStrategy>(found - names.begin());
+    const auto* const found = std::find(allNames.begin(), allNames.end(), name);
+    if (found == allNames.end()) return std::nullopt;
+    return static_cast<HealthRepairStrategy>(found - allNames.begin());
 }
 
 }  // namespace tarvik::HealthRepairStrategies

@@ -2,6 +2,7 @@
 
 #include "Health/HealthIssue.h"
 
+#include <array>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,10 @@ struct Offer {
 
 /// What the window offers for a finding, in the order of the buttons. Pure.
 const std::vector<Offer>& offers(HealthIssue::Kind kind);
+/// Whether it is a repair for findings of that kind. Pure.
+bool isFor(HealthIssue::Kind kind, HealthRepairStrategy strategy);
+/// The names by which strategies are asked for, in their order.
+const std::array<std::string_view, 11>& names();
 /// The name by which it is asked for, as "reclaimReverted". Pure.
 std::string_view name(HealthRepairStrategy strategy);
 /// The strategy of that name. Pure.
