@@ -1,11 +1,11 @@
 #include "CommandLine/FoundApps.h"
 
 #include "Applications/AppChoice.h"
-#include "CommandLine/Parallel.h"
 #include "CommandLine/ProgressDisplay.h"
 #include "Discovery/AppScanner.h"
 #include "Discovery/InstalledAppsScanner.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Basics/Parallel.h"
 #include "Platform/Files/Files.h"
 
 #include <atomic>

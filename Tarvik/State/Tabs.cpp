@@ -2,6 +2,7 @@
 
 #include "State/Apps/AppsState.h"
 #include "State/Folders/FoldersState.h"
+#include "State/Health/HealthState.h"
 #include "State/Symlinks/SymlinksState.h"
 
 namespace tarvik::Tabs {
@@ -12,6 +13,7 @@ std::vector<std::unique_ptr<TabState>> all(AppState& app) {
     tabs.push_back(std::make_unique<AppsState>(app));
     tabs.push_back(std::make_unique<FoldersState>(app));
     tabs.push_back(std::make_unique<SymlinksState>(app));
+    tabs.push_back(std::make_unique<HealthState>(app));
     return tabs;
 }
 

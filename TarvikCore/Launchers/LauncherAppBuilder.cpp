@@ -7,10 +7,10 @@
 #include "Copying/ItemLock.h"
 #include "Copying/Leftovers.h"
 #include "Launchers/LauncherDocumentTypes.h"
+#include "Launchers/LauncherSigning.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Processes/CommandRunner.h"
 #include "Platform/Text/PropertyList.h"
 #include "Platform/Text/Text.h"
 
@@ -179,23 +179,6 @@ void build(const Host& host, const fs::path& sourceApp, const fs::path& launcher
     reporter.log(fmt::format("launcher-app\t{}\t{}", launcher.native(), target.native()));
 }
 
-void sign(const Host& host, const fs::path& launcher, const InstallerRunReporter& reporter) {
-    const auto result =
-        CommandRunner::run(host.tools.codesign, {"--force", "--sign", "-", "--timestamp=none", launcher.native()});
-    if (result.succeeded()) {
-        log(reporter, "signed-launcher", launcher.native());
-    } else {
-        log(reporter, "sign-launcher-warning", result.stderr);
-    }
-}
-
-/// Tells the system of the launcher, where it wants to be told.
-void registerLauncher(const Host& host, const fs::path& launcher, const InstallerRunReporter& reporter) {
-    if (!Files::exists(host.tools.lsregister)) return;
-    CommandRunner::run(host.tools.lsregister, {"-f", launcher.native()});
-    log(reporter, "registered-launcher", launcher.native());
-}
-
 }  // namespace
 
 void install(const Host& host, const fs::path& sourceApp, const fs::path& launcher, const fs::path& target,
@@ -204,9 +187,9 @@ void install(const Host& host, const fs::path& sourceApp, const fs::path& launch
         log(reporter, "reuse-launcher", launcher.native());
     } else {
         build(host, sourceApp, launcher, target, reporter);
-        sign(host, launcher, reporter);
+        LauncherSigning::sign(host, launcher, reporter);
     }
-    registerLauncher(host, launcher, reporter);
+    LauncherSigning::enter(host, launcher, reporter);
 }
 
 }  // namespace tarvik::LauncherAppBuilder

@@ -3,6 +3,7 @@
 #include "Platform/Machine/VolumeList.h"
 #include "State/Apps/AppsState.h"
 #include "State/Folders/FoldersState.h"
+#include "State/Health/HealthState.h"
 #include "State/ScriptedDialogs.h"
 #include "State/Shared/AppState.h"
 #include "State/Symlinks/SymlinksState.h"
@@ -67,6 +68,7 @@ protected:
     AppsState& appsTab() const { return state->tab<AppsState>(); }
     FoldersState& foldersTab() const { return state->tab<FoldersState>(); }
     SymlinksState& symlinksTab() const { return state->tab<SymlinksState>(); }
+    HealthState& healthTab() const { return state->tab<HealthState>(); }
     JobStatus statusOf(std::size_t job) const { return state->jobs().at(job).job.status; }
 
     World world;

@@ -15,6 +15,7 @@ namespace tarvik::test {
 
 fs::path MadeTrash::moveToTrash(const fs::path& item) const {
     if (refuses) throw FileError("move to the Trash", item, EPERM);
+    if (!Files::itemExists(item)) throw FileError("move to the Trash", item, ENOENT);
     fs::create_directories(folder);
     const fs::path goal = folder / item.filename();
     fs::rename(item, goal);

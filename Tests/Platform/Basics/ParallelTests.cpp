@@ -1,4 +1,4 @@
-#include "CommandLine/Parallel.h"
+#include "Platform/Basics/Parallel.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 #include <unistd.h>
 #include <vector>
 
-namespace tarvik::CommandLine {
+namespace tarvik {
 
 TEST(Parallel, CallsTheBodyOnceForEachIndex) {
     for (const std::size_t threads : {0U, 1U, 8U, 200U}) {
@@ -65,4 +65,4 @@ TEST(Parallel, GoesOnWithoutThreadsThatTheSystemRefuses) {
     EXPECT_EXIT(countWithoutThreads(), testing::ExitedWithCode(0), "");
 }
 
-}  // namespace tarvik::CommandLine
+}  // namespace tarvik

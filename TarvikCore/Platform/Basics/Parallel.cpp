@@ -1,4 +1,4 @@
-#include "CommandLine/Parallel.h"
+#include "Platform/Basics/Parallel.h"
 
 #include <algorithm>
 #include <atomic>
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarvik::CommandLine {
+namespace tarvik {
 
 namespace {
 
@@ -81,4 +81,8 @@ void inParallel(std::size_t count, std::size_t threads, const std::function<void
     work.rethrow();
 }
 
-}  // namespace tarvik::CommandLine
+std::size_t processorCount() {
+    return std::max(1U, std::thread::hardware_concurrency());
+}
+
+}  // namespace tarvik

@@ -1,0 +1,176 @@
+#include "CommandLine/HealthActs.h"
+
+#include "CommandLine/Columns.h"
+#include "CommandLine/HealthTexts.h"
+#include "CommandLine/Outcome.h"
+#include "CommandLine/Signals.h"
+#include "CommandLine/Terminal.h"
+#include "Health/HealthCheck.h"
+#include "HealthRepair/HealthRepair.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/LastComponent.h"
+#include "Platform/Files/WrittenPath.h"
+#include "Platform/Text/Text.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace tarvik::CommandLine::HealthActs {
+
+namespace {
+
+/// A finding and what is to be done about it.
+struct Repair {
+    HealthIssue issue;
+    HealthRepairStrategy strategy;
+};
+/// What became of it: a sentence that the core says, or why it was not done.
+struct RepairEnd {
+    Repair repair;
+    std::string sentence;
+    bool hasFailed = false;
+};
+
+/// Ends soon when somebody asks the command to.
+HealthReport checked(const Host& host) {
+    const SignalGuard guard;
+    return HealthCheck::run(host, HealthCheck::applicationRoots(host), {.cancellation = SignalGuard::request()});
+}
+
+std::optional<HealthRepairStrategy> strategyOf(const Options& options) {
+    if (options.strategy.empty()) return std::nullopt;
+    const auto strategy = HealthRepairStrategies::named(options.strategy);
+    if (strategy) return strategy;
+    throw WrongUse(fmt::format("There is no strategy \"{}\". There is: {}.", options.strategy,
+                               fmt::join(HealthRepairStrategies::names(), ", ")),
+                   std::string(usageOf(options.verb)));
+}
+
+/// What can be done about a finding by this strategy, or by its only one.
+std::optional<HealthRepairStrategy> repairOf(const Host& host, const HealthIssue& issue,
+                                             std::optional<HealthRepairStrategy> strategy) {
+    if (!strategy) return HealthRepair::safeRepair(host, issue);
+    return HealthRepairStrategies::isFor(issue.kind, *strategy) ? strategy : std::nullopt;
+}
+
+/// The findings at the paths that were named. Each must have one that can be repaired.
+std::vector<Repair> named(const Host& host, const HealthReport& report, const Options& options) {
+    const auto problems = report.problems();
+    const auto strategy = strategyOf(options);
+    std::vector<Repair> repairs;
+    for (const fs::path& written : options.paths) {
+        const fs::path path = WrittenPath::meant(written);
+        bool isFound = false;
+        const std::size_t before = repairs.size();
+        for (const HealthIssue& issue : problems) {
+            if (issue.location != path) continue;
+            isFound = true;
+            if (const auto repair = repairOf(host, issue, strategy)) repairs.push_back({issue, *repair});
+        }
+        if (!isFound) throw Failure("CommandLine", 1, fmt::format("Nothing was found wrong with {}.", path.native()));
+        if (repairs.size() == before)
+            throw Failure("CommandLine", 1,
+                          fmt::format("What was found at {} has {}.", path.native(),
+                                      strategy ? fmt::format("no repair {}", options.strategy)
+                                               : "no repair, or several: name one with --strategy"));
+    }
+    return repairs;
+}
+
+std::vector<Repair> all(const Host& host, const HealthReport& report, const Options& options) {
+    const auto strategy = strategyOf(options);
+    std::vector<Repair> repairs;
+    for (const HealthIssue& issue : report.problems())
+        if (const auto repair = repairOf(host, issue, strategy)) repairs.push_back({issue, *repair});
+    return repairs;
+}
+
+Dialog question(const std::vector<Repair>& repairs) {
+    std::vector<std::string> lines;
+    lines.reserve(repairs.size());
+    for (const auto& [issue, strategy] : repairs)
+        lines.push_back(fmt::format("{}: {}.", issue.location.native(), HealthRepair::intent(issue, strategy)));
+    return {fmt::format("Repair {}?", Text::counted(std::ssize(repairs), "finding")),
+            fmt::format("{}", fmt::join(lines, "\n")),
+            {"Repair", "Cancel"}};
+}
+
+std::vector<RepairEnd> perform(const Host& host, const std::vector<Repair>& repairs) {
+    const SignalGuard guard;
+    std::vector<RepairEnd> ends;
+    ends.reserve(repairs.size());
+    for (const Repair& repair : repairs) {
+        if (SignalGuard::isAskedToEnd()) {
+            ends.push_back({repair, notStarted, true});
+            continue;
+        }
+        try {
+            ends.push_back({repair, HealthRepair::perform(host, repair.issue, repair.strategy)});
+        } catch (const Failure& failure) {
+            ends.push_back({repair, failure.description(), true});
+        }
+    }
+    return ends;
+}
+
+Record recordOf(const RepairEnd& end) {
+    return {{"kind", std::string(HealthIssueKind::rawValue(end.repair.issue.kind))},
+            {"location", end.repair.issue.location.native()},
+            {"strategy", std::string(HealthRepairStrategies::name(end.repair.strategy))},
+            {"state", std::string(end.hasFailed ? "failed" : "done")},
+            {"description", end.sentence}};
+}
+
+void print(const std::vector<RepairEnd>& ends, Format format) {
+    if (format != Format::human) {
+        std::vector<Record> records;
+        records.reserve(ends.size());
+        for (const RepairEnd& end : ends) records.push_back(recordOf(end));
+        return Terminal::writeResult(format == Format::toml ? toml("repairs", records)
+                                                            : tsv(namesOf(recordOf({})), records));
+    }
+    for (const RepairEnd& end : ends) {
+        if (end.hasFailed)
+            Terminal::say(
+                fmt::format("{}: {}", Columns::oneLine(lastComponent(end.repair.issue.location)), end.sentence));
+        else
+            Terminal::writeResult(Columns::printable(end.sentence) + "\n");
+    }
+}
+
+}  // namespace
+
+void check(const Host& host, Format format) {
+    const HealthReport report = checked(host);
+    const std::size_t problems = report.problems().size();
+    Terminal::writeResult(format == Format::human ? HealthTexts::human(report)
+                          : format == Format::tsv ? HealthTexts::tsv(report)
+                                                  : HealthTexts::toml(report));
+    if (problems > 0)
+        throw Failure(
+            "CommandLine", 1,
+            fmt::format("{} found.", problems == 1 ? "1 problem was" : fmt::format("{} problems were", problems)));
+}
+
+void repair(const Host& host, const Options& options) {
+    strategyOf(options);  // A wrong one is told before a long check.
+    const HealthReport report = checked(host);
+    const auto repairs = options.paths.empty() ? all(host, report, options) : named(host, report, options);
+    if (repairs.empty()) {
+        if (options.format == Format::human) Terminal::say("There is nothing that can be repaired without a choice.");
+        return print({}, options.format);
+    }
+    Terminal::confirm(question(repairs), options.yes);
+    const auto ends = perform(host, repairs);
+    print(ends, options.format);
+    const auto failed = std::count_if(ends.begin(), ends.end(), [](const RepairEnd& end) { return end.hasFailed; });
+    if (failed > 0)
+        throw Failure("CommandLine", 1, fmt::format("{} could not be repaired.", Text::counted(failed, "finding")));
+}
+
+}  // namespace tarvik::CommandLine::HealthActs

@@ -1,0 +1,72 @@
+import QtQuick
+import Tarvik
+
+/// One finding with what can be done about it.
+ListRow {
+    id: row
+
+    required property string id
+    required property string kind
+    required property string name
+    required property string locationText
+    required property string targetText
+    required property string detail
+    required property string sizeText
+    required property var repairs
+
+    objectName: "issue-" + kind + "-" + name
+    implicitHeight: column.implicitHeight + 2 * Theme.medium + Theme.small
+    topPadding: Theme.medium
+    leftPadding: Theme.large
+    rightPadding: Theme.large
+    Accessible.name: name + (sizeText !== "" ? ", " + sizeText : "")
+    Accessible.description: detail
+
+    contentItem: Item {
+        Column {
+            id: column
+            width: parent.width
+            spacing: Theme.small
+
+            HealthIssueRowHeader {
+                width: parent.width
+                name: row.name
+                locationText: row.locationText
+                sizeText: row.sizeText
+            }
+            Label {
+                objectName: "issueDetail"
+                width: parent.width
+                visible: text !== ""
+                text: row.detail
+                wrapMode: Text.Wrap
+                Accessible.ignored: true
+            }
+            ElidedLabel {
+                objectName: "issueTarget"
+                width: parent.width
+                visible: text !== ""
+                fullText: row.targetText
+                color: Theme.textSecondary
+                font.pixelSize: Theme.captionSize
+            }
+            HealthIssueRowActions {
+                visible: row.repairs.length > 0
+                issueName: row.name
+                repairs: row.repairs
+                onRepair: strategy => HealthState.repairHealth(row.id, strategy)
+            }
+        }
+    }
+    background: Rectangle {
+        height: row.height - Theme.small
+        radius: Theme.radiusLarge
+        color: Theme.card
+        border.width: 1
+        border.color: Theme.border
+        FocusRing {
+            radius: Theme.radiusLarge
+            visible: row.ListView.isCurrentItem && row.list !== null && row.list.activeFocus && row.list.showsFocus
+        }
+    }
+}

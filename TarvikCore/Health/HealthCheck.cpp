@@ -1,0 +1,115 @@
+#include "Health/HealthCheck.h"
+
+#include "Discovery/ApplicationsRootScan.h"
+#include "Discovery/ExternalAppsRootsDiscovery.h"
+#include "Health/BrokenLauncherDetector.h"
+#include "Health/DanglingDataLinkDetector.h"
+#include "Health/ManifestRevertDetector.h"
+#include "Health/OrphanedBundleDetector.h"
+#include "Health/SSDRevertDetector.h"
+#include "Health/SandboxExternalSymlinkDetector.h"
+#include "Health/SignatureBrokenDetector.h"
+#include "Health/SymlinkInspector.h"
+#include "Health/TrackedFilesChecker.h"
+#include "Health/UnsafePrefsPlistDetector.h"
+#include "Launchers/NestedAppLauncherService.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/SystemFolders.h"
+
+#include <iterator>
+#include <map>
+#include <set>
+#include <utility>
+
+namespace tarvik::HealthCheck {
+
+namespace {
+
+using Links = std::vector<ApplicationsRootScan::Link>;
+using Issues = std::vector<HealthIssue>;
+
+void append(Issues& issues, Issues more) {
+    issues.insert(issues.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+}
+
+/// A finding for each link, and behind a healthy one what its application lacks.
+void inspect(const Host& host, const Links& links, const HealthSizes& sizes, HealthReport& report) {
+    Issues inspected;
+    for (const auto& link : links) inspected.push_back(SymlinkInspector::inspect(link.location, link.target));
+    sizes.fill(inspected, [](const HealthIssue& issue) -> const fs::path& { return *issue.target; });
+    for (HealthIssue& issue : inspected) {
+        const bool isHealthy = issue.kind == HealthIssue::Kind::healthy;
+        report.issues.push_back(std::move(issue));
+        if (!isHealthy) continue;
+        ++report.healthyCount;
+        const HealthIssue& healthy = report.issues.back();
+        if (auto missing = TrackedFilesChecker::check(host, healthy.location, *healthy.target))
+            report.issues.push_back(std::move(*missing));
+    }
+}
+
+/// One finding for each linked folder, by the paths of the links.
+Issues missingLaunchers(const Host& host) {
+    std::map<std::string, std::vector<NestedAppLauncherCandidate>> byLink;
+    for (auto& candidate : NestedAppLauncherService::missingCandidates(host, SystemFolders::applications(host)))
+        byLink[candidate.folderLink].push_back(std::move(candidate));
+    Issues issues;
+    for (const auto& [link, candidates] : byLink)
+        issues.push_back({.kind = HealthIssue::Kind::missingSpotlightLaunchers,
+                          .location = link,
+                          .target = candidates.front().folderTarget,
+                          .detail = NestedAppLauncherService::detail(candidates)});
+    return issues;
+}
+
+/// The links that nothing is wrong with so far.
+Links cleanLinks(const Links& links, const Issues& issues) {
+    std::set<fs::path> faulty;
+    for (const HealthIssue& issue : issues)
+        if (issue.kind != HealthIssue::Kind::healthy) faulty.insert(Files::standardized(issue.location));
+    Links clean;
+    for (const auto& link : links)
+        if (!faulty.contains(Files::standardized(link.location))) clean.push_back(link);
+    return clean;
+}
+
+std::set<fs::path> standardizedSet(const Links& links, fs::path ApplicationsRootScan::Link::*end) {
+    std::set<fs::path> paths;
+    for (const auto& link : links) paths.insert(Files::standardized(link.*end));
+    return paths;
+}
+
+}  // namespace
+
+std::vector<fs::path> applicationRoots(const Host& host) {
+    return {SystemFolders::applications(host)};
+}
+
+HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
+    const HealthSizes sizes(host, options.sizes, options.cancellation);
+    HealthReport report;
+    const auto [links, realAppNames] = ApplicationsRootScan::scan(applicationRoots);
+    report.scannedSymlinks = links.size();
+    report.scannedDrives = ExternalAppsRootsDiscovery::roots(host, options.extraDriveRoots);
+
+    inspect(host, links, sizes, report);
+    Issues& issues = report.issues;
+    auto reverted = SSDRevertDetector::detect(host, report.scannedDrives, realAppNames, sizes);
+    append(issues, std::move(reverted.issues));
+    append(issues, missingLaunchers(host));
+    append(issues, BrokenLauncherDetector::detect(SystemFolders::applications(host)));
+    // Those tools are slow, and stay away from drives that are not there.
+    append(issues, SignatureBrokenDetector::detect(host, cleanLinks(links, issues), options.cancellation));
+    append(issues, UnsafePrefsPlistDetector::detect(host, {}));
+    append(issues, SandboxExternalSymlinkDetector::detect(host));
+    append(issues, DanglingDataLinkDetector::detect(host, options.cancellation));
+    append(issues, ManifestRevertDetector::detect(host, standardizedSet(links, &ApplicationsRootScan::Link::location),
+                                                  reverted.handledSources, sizes));
+    append(issues,
+           OrphanedBundleDetector::detect(
+               report.scannedDrives, standardizedSet(links, &ApplicationsRootScan::Link::target), realAppNames, sizes));
+    report.scannedAt = host.now();
+    return report;
+}
+
+}  // namespace tarvik::HealthCheck

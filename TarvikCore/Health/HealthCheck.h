@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Health/HealthReport.h"
+#include "Health/HealthSizes.h"
+#include "Platform/Basics/Cancellation.h"
+#include "Platform/Machine/Host.h"
+
+#include <vector>
+
+/// Looks at everything that was moved, and at the links and launchers that stand for it.
+namespace tarvik::HealthCheck {
+
+struct Options {
+    /// Folders of applications beside those on mounted drives.
+    std::vector<fs::path> extraDriveRoots;
+    HealthSizes::Wish sizes = HealthSizes::Wish::measured;
+    /// A cancelled check ends soon and gives what it has found so far.
+    Cancellation cancellation;
+};
+
+/// The application folders that are checked: /Applications.
+std::vector<fs::path> applicationRoots(const Host& host);
+
+/// Blocks for long: it reads folders, measures bundles and runs the signature tools for each, over all processors; the
+/// findings come in one order all the same. Any thread but the window's; never fails: what cannot be read gives fewer
+/// findings.
+HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options = {});
+
+}  // namespace tarvik::HealthCheck

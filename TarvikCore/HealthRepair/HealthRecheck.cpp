@@ -1,0 +1,84 @@
+#include "HealthRepair/HealthRecheck.h"
+
+#include "Applications/AppClassifier.h"
+#include "Discovery/AppBundleEnumerator.h"
+#include "Discovery/ApplicationsRootScan.h"
+#include "Health/SymlinkInspector.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/SystemFolders.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace tarvik::HealthRecheck {
+
+namespace {
+
+/// Whether the item is a link that leads where it led: to the text of it as it stands, or as a path.
+bool isSameLink(const HealthIssue& issue) {
+    const auto text = Files::linkText(issue.location);
+    if (!text || !issue.target) return text.has_value();
+    const fs::path path = issue.location.parent_path() / *text;
+    return *text == *issue.target || path == *issue.target || Files::standardized(path) == *issue.target;
+}
+
+bool isRealItem(const fs::path& path) {
+    return Files::exists(path) && !Files::isSymbolicLink(path);
+}
+
+bool isOrphan(const Host& host, const fs::path& bundle) {
+    if (!isRealItem(bundle)) return false;
+    const auto scan = ApplicationsRootScan::scan({SystemFolders::applications(host)});
+    return std::none_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
+        return Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
+    });
+}
+
+bool isSameLauncher(const HealthIssue& issue) {
+    const auto target = AppClassifier::readLauncherTarget(issue.location);
+    return target && target == issue.target && !Files::exists(*target) && !Files::isSymbolicLink(issue.location);
+}
+
+bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+    using enum HealthRepairStrategy;
+    switch (strategy) {
+        case removeDangling:
+        case repointDangling:
+            return isSameLink(issue) && !Files::exists(issue.location);
+        case removeEmpty:
+            return isSameLink(issue) && issue.target &&
+                   SymlinkInspector::inspect(issue.location, *issue.target).kind == issue.kind;
+        case reclaimReverted:
+        case reSymlinkReverted:
+            return isRealItem(issue.location) && !AppClassifier::readLauncherTarget(issue.location);
+        case removeOrphan:
+            return isOrphan(host, issue.location);
+        case repairBrokenLauncher:
+            return isSameLauncher(issue);
+        case forgetMissingTrackedFiles:
+            return true;  // It looks at the files again itself, and touches none.
+        case repairSpotlightLaunchers:
+        case restoreUnsafePrefs:
+        case restoreSandboxExternal:
+            return isSameLink(issue);
+    }
+    return false;
+}
+
+}  // namespace
+
+void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+    if (!HealthRepairStrategies::isFor(issue.kind, strategy))
+        throw Failure("HealthRepair", EINVAL,
+                      fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
+                                  issue.location.filename().native()));
+    if (!holds(host, issue, strategy))
+        throw Failure("HealthRepair", ESTALE,
+                      fmt::format("{} is not what it was when it was checked. Nothing was changed.",
+                                  issue.location.filename().native()));
+}
+
+}  // namespace tarvik::HealthRecheck

@@ -1,0 +1,235 @@
+#include "HealthRepair/HealthRepair.h"
+
+#include "Copying/HiddenName.h"
+#include "HealthRepair/BrokenLauncherRepairService.h"
+#include "HealthRepair/HealthRecheck.h"
+#include "HealthRepair/SandboxRestore.h"
+#include "Launchers/LauncherShimCleaner.h"
+#include "Launchers/NestedAppLauncherService.h"
+#include "Launchers/StaleRootRetarget.h"
+#include "Move/MoverEngine.h"
+#include "MovePlan/MoveRefusal.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/SystemFolders.h"
+#include "Platform/Machine/TrashCan.h"
+#include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/DriveGuard.h"
+#include "Platform/Text/Text.h"
+#include "Records/InstallsDB.h"
+#include "Records/InstallsDBEntryResolver.h"
+#include "Records/InstallsDBWriter.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace tarvik::HealthRepair {
+
+namespace {
+
+/// Where applications go when nothing tells where they were.
+constexpr const char* defaultDrive = "Crucial X9";
+
+[[noreturn]] void refuse(int code, std::string sentence) {
+    throw Failure("HealthRepair", code, std::move(sentence));
+}
+
+std::string nameOf(const HealthIssue& issue) {
+    return issue.location.filename();
+}
+
+std::string counted(std::int64_t count, std::string_view one, std::string_view many) {
+    return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+/// What a user would miss: a volume, the home, a folder of the system.
+void requireMovable(const Host& host, const fs::path& item) {
+    const fs::path place = Files::resolved(item).value_or(item);
+    const auto volumes = host.volumes->mounted();
+    const bool isVolume = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& volume) {
+        return Files::isAtOrBelow(volume.mountPath, place);
+    });
+    if (isVolume || SystemFolders::isImmovable(host, place) || Files::isAtOrBelow(host.home, place))
+        refuse(EPERM, fmt::format("{} must stay where it is. Nothing was changed.", place.native()));
+}
+
+std::string shimSentence(const Host& host, const fs::path& target) {
+    const auto removed = LauncherShimCleaner::cleanupShims(host, target);
+    if (removed.empty()) return {};
+    return fmt::format(" Removed {}.", counted(std::ssize(removed), "stale launcher shim", "stale launcher shims"));
+}
+
+std::string removeEmpty(const Host& host, const HealthIssue& issue) {
+    requireMovable(host, *issue.target);
+    ignoringFailure([&] { Files::removeLink(issue.location); });
+    ignoringFailure([&] { host.trash->moveToTrash(*issue.target); });
+    return fmt::format("Cleaned up {}. Reinstall the app.", nameOf(issue));
+}
+
+std::string reclaimReverted(const Host& host, const HealthIssue& issue) {
+    std::string sentence = fmt::format("Reclaimed stale SSD copy of {}.", nameOf(issue));
+    if (!issue.target) return sentence;
+    requireMovable(host, *issue.target);
+    host.trash->moveToTrash(*issue.target);
+    return sentence + shimSentence(host, *issue.target);
+}
+
+/// The folder on the drive that a reverted application goes to again. The drive must be there: a folder that an absent
+/// one has left behind is on the internal disk.
+fs::path folderOnDrive(const Host& host, const HealthIssue& issue) {
+    if (issue.target) return issue.target->parent_path();
+    const fs::path drive = SystemFolders::volumes(host) / defaultDrive;
+    const auto volumes = host.volumes->mounted();
+    if (std::none_of(volumes.begin(), volumes.end(), [&](const Volume& volume) { return volume.mountPath == drive; }))
+        refuse(ENODEV, fmt::format("The drive {} is not connected. Nothing was changed.", defaultDrive));
+    return AppStorageNames::appsRootOn(drive);
+}
+
+std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
+    const fs::path folder = folderOnDrive(host, issue);
+    // All that can be told before the copy goes.
+    if (const auto reason = MoveRefusal::ofContents(issue.location)) refuse(EPERM, *reason);
+    const DriveGuard drive = DriveGuard::ofFolder(folder);
+    std::string inTrash;
+    if (issue.target) {
+        requireMovable(host, *issue.target);
+        inTrash = host.trash->moveToTrash(*issue.target);
+    }
+    try {
+        MoverEngine::moveAndLink(host, issue.location, folder, false, {}, {}, drive);
+    } catch (const Failure& failure) {
+        if (inTrash.empty()) throw;
+        throw Failure(failure.domain(), failure.code(),
+                      fmt::format("{} {} stays at {}; the old copy from the drive is in the Trash, at {}.",
+                                  failure.description(), nameOf(issue), issue.location.native(), inTrash));
+    }
+    return fmt::format("Re-symlinked {} to SSD.", nameOf(issue));
+}
+
+std::string removeOrphan(const Host& host, const HealthIssue& issue) {
+    requireMovable(host, issue.location);
+    host.trash->moveToTrash(issue.location);
+    return fmt::format("Trashed orphan {}.", nameOf(issue)) + shimSentence(host, issue.location);
+}
+
+std::string forgetMissingTrackedFiles(const Host& host, const HealthIssue& issue) {
+    if (issue.target) {
+        if (const auto entry = InstallsDBEntryResolver::resolve(host, issue.location, *issue.target)) {
+            const int count =
+                InstallsDBWriter::forgetMissingTrackedFiles(entry->installId, InstallsDB::defaultPath(host));
+            return fmt::format("Forgot {} for {}.",
+                               counted(count, "stale tracked file entry", "stale tracked file entries"),
+                               entry->appName);
+        }
+    }
+    return fmt::format("No setupbook entry found for {}; nothing to forget.", nameOf(issue));
+}
+
+std::string repairSpotlightLaunchers(const Host& host, const HealthIssue& issue) {
+    const auto count = NestedAppLauncherService::installMissingLaunchers(
+        host, issue.location, SystemFolders::applications(host), InstallerRunReporter::silent);
+    return fmt::format("Installed/repaired {}.", counted(count, "Spotlight launcher", "Spotlight launchers"));
+}
+
+std::string restoreUnsafePrefs(const Host& host, const HealthIssue& issue) {
+    const std::string& path = issue.location.native();
+    if (path.starts_with(SystemFolders::library(host).native() + "/"))
+        return fmt::format(
+            "{} is root-owned. Run:\n  ~/.claude/skills/rootferry/rootferry \"$(which tarvik)\" move "
+            "restore \"{}\"",
+            path, path);
+    MoverEngine::restore(host, issue.location);
+    return fmt::format("Restored {} to internal disk.", nameOf(issue));
+}
+
+std::string repointDangling(const Host& host, const HealthIssue& issue) {
+    const auto relocated = issue.target ? StaleRootRetarget::candidate(host, *issue.target) : std::nullopt;
+    if (!relocated) refuse(ENOENT, fmt::format("No relocated copy of {} was found.", nameOf(issue)));
+    const fs::path link = HiddenName::forExchangeOf(issue.location);
+    Files::createSymbolicLink(link, *relocated);
+    try {
+        Files::exchange(link, issue.location, HiddenName::forExchangeOf(issue.location));
+    } catch (...) {
+        ignoringFailure([&] { Files::removeLink(link); });
+        throw;
+    }
+    ignoringFailure([&] { Files::removeLink(link); });
+    return fmt::format("Repointed {} to {}.", nameOf(issue), relocated->native());
+}
+
+}  // namespace
+
+std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+    using Strategy = HealthRepairStrategy;
+    HealthRecheck::require(host, issue, strategy);
+    switch (strategy) {
+        case Strategy::removeDangling:
+            Files::removeLink(issue.location);
+            return fmt::format("Removed dead symlink {}.", nameOf(issue));
+        case Strategy::removeEmpty:
+            return removeEmpty(host, issue);
+        case Strategy::reclaimReverted:
+            return reclaimReverted(host, issue);
+        case Strategy::reSymlinkReverted:
+            return reSymlinkReverted(host, issue);
+        case Strategy::removeOrphan:
+            return removeOrphan(host, issue);
+        case Strategy::forgetMissingTrackedFiles:
+            return forgetMissingTrackedFiles(host, issue);
+        case Strategy::repairSpotlightLaunchers:
+            return repairSpotlightLaunchers(host, issue);
+        case Strategy::repairBrokenLauncher:
+            return BrokenLauncherRepairService::repair(host, issue.location);
+        case Strategy::restoreUnsafePrefs:
+            return restoreUnsafePrefs(host, issue);
+        case Strategy::restoreSandboxExternal:
+            if (!issue.target) return fmt::format("No target for {}; nothing to restore.", nameOf(issue));
+            return SandboxRestore::run(host, issue.location, *issue.target);
+        case Strategy::repointDangling:
+            return repointDangling(host, issue);
+    }
+    return {};
+}
+
+std::optional<HealthRepairStrategy> safeRepair(const Host& host, const HealthIssue& issue) {
+    const bool isRelocated =
+        issue.kind == HealthIssue::Kind::dangling && issue.target && StaleRootRetarget::candidate(host, *issue.target);
+    if (isRelocated) return HealthRepairStrategy::repointDangling;
+    const auto& offers = HealthRepairStrategies::offers(issue.kind);
+    return offers.size() == 1 ? std::optional(offers.front().strategy) : std::nullopt;
+}
+
+std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy) {
+    using enum HealthRepairStrategy;
+    const std::string target = issue.target ? issue.target->native() : std::string();
+    switch (strategy) {
+        case removeDangling:
+            return "remove the link";
+        case removeEmpty:
+            return fmt::format("remove the link and move {} to the Trash", target);
+        case reclaimReverted:
+            return fmt::format("move {} to the Trash", target);
+        case reSymlinkReverted:
+            return "move it to the drive again, and the old copy there to the Trash";
+        case removeOrphan:
+            return "move it to the Trash";
+        case forgetMissingTrackedFiles:
+            return "forget the tracked files that are missing";
+        case repairSpotlightLaunchers:
+            return "install the launchers that are missing";
+        case repairBrokenLauncher:
+            return "let it open another copy of its app";
+        case restoreUnsafePrefs:
+            return fmt::format("bring {} back to its place", target);
+        case restoreSandboxExternal:
+            return fmt::format("copy {} back to its place", target);
+        case repointDangling:
+            return "let it lead to the copy that was found";
+    }
+    return {};
+}
+
+}  // namespace tarvik::HealthRepair

@@ -1,0 +1,154 @@
+#include "Health/HealthCheck.h"
+#include "Health/HealthWorld.h"
+#include "Platform/Storage/SizeCalculator.h"
+#include "Records/InstallsDB.h"
+#include "Support/Bundles.h"
+#include "Support/TrackingDatabase.h"
+#include "Support/Tree.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tarvik {
+
+namespace {
+
+using test::HealthWorld;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using enum HealthIssue::Kind;
+
+HealthReport checked(const HealthWorld& world, const HealthCheck::Options& options = {}) {
+    return HealthCheck::run(world.host, HealthCheck::applicationRoots(world.host), options);
+}
+
+std::vector<std::string> found(const HealthWorld& world) {
+    return test::kindsAndNames(checked(world).issues);
+}
+
+/// A drive away, with nothing of ours.
+struct BareWorld : test::HealthWorld {
+    BareWorld() {
+        fs::remove_all(appsOnDrive);
+        volumes->list.clear();
+    }
+};
+
+}  // namespace
+
+TEST(HealthCheck, FindsNothingWhereNothingIs) {
+    const BareWorld world;
+    const HealthReport report = checked(world);
+    EXPECT_EQ(report, HealthReport{.scannedAt = world.host.now()});
+    EXPECT_THAT(report.problems(), IsEmpty());
+}
+
+TEST(HealthCheck, ChecksTheApplicationsFolder) {
+    const HealthWorld world;
+    EXPECT_THAT(HealthCheck::applicationRoots(world.host), ElementsAre(world.applications));
+}
+
+TEST(HealthCheck, CountsHealthyLinksAndAllThatItLooksAt) {
+    const HealthWorld world;
+    world.moveApp("A.app");
+    world.moveApp("B.app");
+    test::makeLink(world.applications / "Gone.app", world.appsOnDrive / "Gone.app");
+    test::makeFolder(world.appsOnDrive / "Hollow.app");
+    test::makeLink(world.applications / "Hollow.app", world.appsOnDrive / "Hollow.app");
+    const HealthReport report = checked(world);
+    EXPECT_EQ(report.scannedSymlinks, 4U);
+    EXPECT_EQ(report.healthyCount, 2U);
+    EXPECT_THAT(report.scannedDrives, ElementsAre(world.appsOnDrive));
+    EXPECT_EQ(report.scannedAt, world.host.now());
+    EXPECT_THAT(test::kindsAndNames(report.issues),
+                ElementsAre("healthy A.app", "healthy B.app", "dangling Gone.app", "empty Hollow.app"));
+    EXPECT_EQ(report.issues[0].sizeBytes, SizeCalculator::size(world.host, world.appsOnDrive / "A.app"));
+    EXPECT_GT(report.issues[0].sizeBytes, 0);
+}
+
+TEST(HealthCheck, PutsEachStepBehindTheOneBefore) {
+    HealthWorld world;
+    world.signAll("broken");
+    world.moveApp("Healthy.app");
+    test::makeLink(world.applications / "Dangling.app", "/nowhere/Dangling.app");
+    test::makeBundle(world.appsOnDrive / "Reverted.app");
+    test::makeBundle(world.applications / "Reverted.app");
+    test::makeBundle(world.appsOnDrive / "Suite/Mixer.app");
+    test::makeLink(world.applications / "Suite", world.appsOnDrive / "Suite");
+    test::makeLauncher(world.applications / "Launcher.app", "/nowhere/Launcher.app");
+    test::makeLink(world.library / "Preferences/x.plist", "/nowhere");
+    test::makeLink(world.library / "Containers/sandbox", world.drive / "sandbox");
+    test::makeLink(world.library / "Logs/data", "/nowhere");
+    test::makeBundle(world.folder / "Moved.app");
+    world.remember(world.folder / "Moved.app", "/nowhere/Moved.app");
+    test::makeBundle(world.appsOnDrive / "Orphan.app");
+    EXPECT_THAT(found(world),
+                ElementsAre("dangling Dangling.app", "healthy Healthy.app", "reverted Reverted.app",
+                            "missingSpotlightLaunchers Suite", "brokenLauncher Launcher.app",
+                            "signatureBroken Healthy.app", "unsafePrefsPlist x.plist", "sandboxExternalSymlink sandbox",
+                            "dangling data", "reverted Moved.app", "orphan Orphan.app"));
+}
+
+TEST(HealthCheck, ReportsARevertedCopyOnce) {
+    const HealthWorld world;
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    test::makeBundle(world.applications / "Foo.app");
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    const auto issues = checked(world).issues;
+    ASSERT_EQ(issues.size(), 1U);
+    EXPECT_EQ(issues[0].kind, reverted);
+    EXPECT_EQ(issues[0].target, world.appsOnDrive / "Foo.app");
+    EXPECT_THAT(issues[0].detail, testing::StartsWith("An updater"));
+}
+
+TEST(HealthCheck, KeepsTheSignatureToolsAwayFromLinksThatAreNotClean) {
+    HealthWorld world;
+    world.signAll("broken");
+    world.moveApp("Tracked.app");
+    world.moveApp("Clean.app");
+    const fs::path database = InstallsDB::defaultPath(world.host);
+    test::makeTrackingDatabase(database);
+    test::askDatabase(database,
+                      "INSERT INTO installs (install_id, app_name) VALUES ('one', 'Tracked.app');"
+                      "INSERT INTO tracked_files (install_id, file_path) VALUES ('one', '/nowhere');");
+    EXPECT_THAT(found(world), ElementsAre("healthy Clean.app", "healthy Tracked.app", "missingTrackedFiles Tracked.app",
+                                          "signatureBroken Clean.app"));
+    EXPECT_EQ(checked(world).healthyCount, 2U);
+}
+
+TEST(HealthCheck, GroupsMissingLaunchersByTheirLink) {
+    const HealthWorld world;
+    for (const char* app : {"B/Two.app", "A/One.app", "B/Three.app"}) test::makeBundle(world.drive / app);
+    test::makeLink(world.applications / "Suite B", world.drive / "B");
+    test::makeLink(world.applications / "Suite A", world.drive / "A");
+    const auto issues = checked(world).issues;
+    ASSERT_THAT(test::kindsAndNames(issues),
+                ElementsAre("missingSpotlightLaunchers Suite A", "missingSpotlightLaunchers Suite B"));
+    EXPECT_EQ(issues[1].target, world.drive / "B");
+    EXPECT_EQ(issues[1].detail, "Nested apps need top-level launchers for Spotlight: Three.app, Two.app");
+    EXPECT_EQ(issues[1].sizeBytes, 0);
+}
+
+TEST(HealthCheck, LooksAtFurtherFoldersOfApplications) {
+    const BareWorld world;
+    test::makeBundle(world.folder / "more/Orphan.app");
+    const auto report = checked(world, {.extraDriveRoots = {world.folder / "more"}});
+    EXPECT_THAT(test::kindsAndNames(report.issues), ElementsAre("orphan Orphan.app"));
+    EXPECT_THAT(report.scannedDrives, ElementsAre(world.folder / "more"));
+}
+
+TEST(HealthCheck, LeavesSizesOutOnDemand) {
+    const HealthWorld world;
+    world.moveApp("A.app");
+    EXPECT_EQ(checked(world, {.sizes = HealthSizes::Wish::leftOut}).issues.at(0).sizeBytes, 0);
+}
+
+TEST(HealthCheck, FindsEveryLinkOfADriveThatIsAwayDangling) {
+    const HealthWorld world;
+    world.moveApp("A.app");
+    world.moveApp("B.app");
+    fs::remove_all(world.drive);
+    EXPECT_THAT(found(world), ElementsAre("dangling A.app", "dangling B.app"));
+}
+
+}  // namespace tarvik

@@ -1,0 +1,82 @@
+#include "Health/HealthWorld.h"
+#include "Health/SignatureBrokenDetector.h"
+#include "Support/Tree.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tarvik {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Links = std::vector<ApplicationsRootScan::Link>;
+
+class BrokenSignatureDetection : public testing::Test {
+protected:
+    Links linkTo(const std::string& name) const { return {{world.moveApp(name), world.appsOnDrive / name}}; }
+    std::vector<HealthIssue> found(const Links& links) const {
+        return SignatureBrokenDetector::detect(world.host, links);
+    }
+    void answerTicket(const std::string& script) { world.host.tools.xcrun = world.tool("xcrun", script); }
+
+    test::HealthWorld world;
+};
+
+}  // namespace
+
+TEST_F(BrokenSignatureDetection, PassesWhatVerifies) {
+    world.signAll();
+    EXPECT_THAT(found(linkTo("Foo.app")), IsEmpty());
+}
+
+TEST_F(BrokenSignatureDetection, TellsTheFirstLineOfWhatTheToolSays) {
+    world.signAll("\n\nFoo.app: a sealed resource is missing\nfile modified: x");
+    EXPECT_THAT(found(linkTo("Foo.app")),
+                ElementsAre(HealthIssue{.kind = HealthIssue::Kind::signatureBroken,
+                                        .location = world.applications / "Foo.app",
+                                        .target = world.appsOnDrive / "Foo.app",
+                                        .detail = "codesign verify failed. Foo.app: a sealed resource is missing"}));
+}
+
+TEST_F(BrokenSignatureDetection, TellsOfATicketThatFails) {
+    world.signAll();
+    answerTicket("echo 'Processing: Foo.app'; echo 'The ticket is bad.'; exit 65");
+    EXPECT_EQ(found(linkTo("Foo.app")).at(0).detail, "codesign verify failed. stapler: Processing: Foo.app");
+    world.signAll("seal broken");
+    answerTicket("echo 'Ticket bad.'; exit 65");
+    EXPECT_EQ(found(linkTo("Bar.app")).at(0).detail, "codesign verify failed. seal broken stapler: Ticket bad.");
+}
+
+TEST_F(BrokenSignatureDetection, SaysNoMoreThanTheToolDoes) {
+    world.signAll();
+    world.host.tools.codesign = world.tool("codesign", "case $1 in --verify) exit 1;; esac");
+    EXPECT_EQ(found(linkTo("Foo.app")).at(0).detail, "codesign verify failed.");
+}
+
+TEST_F(BrokenSignatureDetection, PassesOverUnsignedAndMissingOnesAndFolders) {
+    world.signAll("broken");
+    EXPECT_THAT(found({{world.applications / "Gone.app", world.appsOnDrive / "Gone.app"}}), IsEmpty());
+    EXPECT_THAT(found(linkTo("Folder")), IsEmpty());
+    world.host.tools.codesign = world.tool("codesign", "echo 'code object is not signed at all' >&2; exit 1");
+    EXPECT_THAT(found(linkTo("Foo.app")), IsEmpty());
+}
+
+TEST_F(BrokenSignatureDetection, KeepsTheOrderOfTheLinks) {
+    world.signAll("broken");
+    Links links;
+    for (int number = 0; number < 12; ++number) links.push_back(linkTo(std::to_string(11 - number) + ".app").front());
+    const auto issues = found(links);
+    ASSERT_EQ(issues.size(), links.size());
+    for (std::size_t index = 0; index < links.size(); ++index) EXPECT_EQ(issues[index].location, links[index].location);
+}
+
+TEST_F(BrokenSignatureDetection, BeginsNothingMoreOnceItIsCancelled) {
+    world.signAll("broken");
+    const Cancellation cancellation;
+    cancellation.cancel();
+    EXPECT_THAT(SignatureBrokenDetector::detect(world.host, linkTo("Foo.app"), cancellation), IsEmpty());
+}
+
+}  // namespace tarvik

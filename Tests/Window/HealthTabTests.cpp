@@ -1,0 +1,152 @@
+#include "Support/Bundles.h"
+#include "Window/AppsWindowTest.h"
+
+namespace tarvik::test {
+
+namespace {
+
+class HealthTab : public AppsWindowTest {
+protected:
+    WindowUnderTest& openTab(QSize size = large) {
+        makeFolder(applications);
+        open(size).openTab("health");
+        return *opened;
+    }
+    WindowUnderTest& scanned(QSize size = large) {
+        auto& window = openTab(size);
+        window.click("scanButton");
+        EXPECT_TRUE(window.waitUntilShown("healthSummary"));
+        return window;
+    }
+    void breakLink(const std::string& name) const { makeLink(applications / name, backup / "nowhere" / name); }
+    /// A finding of nearly every kind.
+    void breakAll() {
+        appOnDrive("Healthy");
+        breakLink("Dangling.app");
+        makeFolder(appsOnBackup / "Empty.app");
+        makeLink(applications / "Empty.app", appsOnBackup / "Empty.app");
+        makeFile(appsOnBackup / "Corrupted.app/Contents/Info.plist");
+        makeLink(applications / "Corrupted.app", appsOnBackup / "Corrupted.app");
+        makeLauncher(applications / "Launcher.app", "/nowhere/Launcher.app");
+        makeLink(world.home / "Library/Containers/org.example.editor", backup / "Containers/org.example.editor");
+        makeLink(world.home / "Library/Preferences/org.example.editor.plist", "/nowhere");
+        makeBundle(appsOnBackup / "Reverted.app");
+        makeBundle(applications / "Reverted.app");
+        makeFileOfSize(appsOnBackup / "Orphan.app/Contents/large", 2'000'000);
+        makeBundle(backup / "Suite/Mixer.app");
+        makeLink(applications / "Suite", backup / "Suite");
+    }
+
+    const fs::path appsOnBackup = backup / "ExternalTarvik/Apps";
+};
+
+TEST_F(HealthTab, AsksToScanAtFirst) {
+    auto& window = openTab();
+    EXPECT_EQ(window.text("healthHeading"), "Health");
+    EXPECT_EQ(window.text("healthText"),
+              "Verify every moved app is intact. Detects dangling, empty, corrupted, reverted, and orphaned bundles.");
+    EXPECT_EQ(window.text("scanButton"), "Scan");
+    EXPECT_EQ(window.text("neverScanned/emptyTitle"), "Click Scan to check the health of moved apps.");
+    EXPECT_FALSE(window.isShown("healthSummary"));
+    EXPECT_FALSE(window.isShown("scanningHealth"));
+}
+
+TEST_F(HealthTab, SaysThatEverythingIsHealthy) {
+    appOnDrive("One");
+    appOnDrive("Two");
+    auto& window = scanned();
+    EXPECT_EQ(window.text("healthyTile/tileValue"), "2");
+    EXPECT_EQ(window.text("problemsTile/tileValue"), "0");
+    EXPECT_EQ(window.text("scannedTile/tileValue"), "2");
+    EXPECT_EQ(window.text("allHealthyTitle"), "All moved apps are healthy.");
+    EXPECT_EQ(window.text("allHealthyText"), "Nothing to repair.");
+    EXPECT_EQ(window.text("topLargestTitle"), "Top 10 largest healthy symlinked apps");
+    EXPECT_TRUE(window.isShown("largest-One.app"));
+}
+
+TEST_F(HealthTab, ShowsNoTopListWithoutLinks) {
+    auto& window = scanned();
+    EXPECT_EQ(window.text("scannedTile/tileValue"), "0");
+    EXPECT_TRUE(window.isShown("allHealthy"));
+    EXPECT_FALSE(window.isShown("topLargest"));
+}
+
+TEST_F(HealthTab, ShowsEachFindingInItsSection) {
+    breakLink("Lost.app");
+    auto& window = scanned();
+    EXPECT_EQ(window.text("problemsTile/tileValue"), "1");
+    EXPECT_FALSE(window.isShown("allHealthy"));
+    EXPECT_EQ(window.text("healthSection-dangling/sectionTitle"), "Dangling symlinks (1)");
+    EXPECT_FALSE(window.isShown("healthSection-dangling/sectionTotal"));
+    const QString row = "issue-dangling-Lost.app/";
+    EXPECT_EQ(window.text(row + "issueName"), "Lost.app");
+    EXPECT_EQ(window.text(row + "issueLocation").toStdString(), (applications / "Lost.app").native());
+    EXPECT_EQ(window.text(row + "issueDetail"),
+              "Target does not exist. The external drive may be unmounted, or the file was deleted.");
+    EXPECT_EQ(window.text(row + "issueTarget").toStdString(), "→ " + (backup / "nowhere/Lost.app").native());
+    EXPECT_FALSE(window.isShown(row + "issueSize"));
+    EXPECT_EQ(window.text(row + "repairButton-0"), "Remove dead symlink");
+    EXPECT_FALSE(window.isShown(row + "repairButton-1"));
+}
+
+TEST_F(HealthTab, RepairsAtOnceAndScansAgain) {
+    breakLink("Lost.app");
+    auto& window = scanned();
+    window.click("issue-dangling-Lost.app/repairButton-0");
+    EXPECT_TRUE(window.waitForText("infoToast/toastText", "Removed dead symlink Lost.app."));
+    EXPECT_TRUE(window.waitUntilShown("allHealthy"));
+    EXPECT_FALSE(fs::is_symlink(applications / "Lost.app"));
+}
+
+TEST_F(HealthTab, OffersTwoRepairsForWhatWasReverted) {
+    makeBundle(appsOnBackup / "Reverted.app");
+    makeBundle(applications / "Reverted.app");
+    auto& window = scanned();
+    EXPECT_TRUE(window.text("healthSection-reverted/sectionTotal").startsWith("Total reclaimable: "));
+    EXPECT_EQ(window.text("issue-reverted-Reverted.app/repairButton-0"), "Reclaim SSD space");
+    EXPECT_EQ(window.text("issue-reverted-Reverted.app/repairButton-1"), "Re-symlink to SSD");
+    window.click("issue-reverted-Reverted.app/repairButton-1");
+    EXPECT_TRUE(window.waitForText("infoToast/toastText", "Re-symlinked Reverted.app to SSD."));
+    EXPECT_TRUE(window.waitUntilShown("allHealthy"));
+    EXPECT_TRUE(fs::is_symlink(applications / "Reverted.app"));
+}
+
+TEST_F(HealthTab, KeepsTheReportInSightDuringARescan) {
+    breakLink("Lost.app");
+    auto& window = scanned();
+    window.click("scanButton");
+    EXPECT_TRUE(window.isShown("issue-dangling-Lost.app"));
+    EXPECT_FALSE(window.isShown("scanningHealth"));
+}
+
+TEST_F(HealthTab, ShowsAllKindsAtTheLargeSize) {
+    breakAll();
+    auto& window = scanned();
+    EXPECT_EQ(window.text("problemsTile/tileValue"), "9");
+}
+
+TEST_F(HealthTab, ShowsAllKindsAtTheSmallSize) {
+    breakAll();
+    auto& window = scanned(small);
+    EXPECT_EQ(window.text("problemsTile/tileValue"), "9");
+}
+
+TEST_F(HealthTab, KeepsLongNamesInTheirCards) {
+    const std::string name(120, 'W');
+    breakLink(name + ".app");
+    auto& window = scanned(small);
+    const QString row = QString::fromStdString("issue-dangling-" + name + ".app/");
+    EXPECT_TRUE(window.item(row + "issueName").property("truncated").toBool());
+    EXPECT_TRUE(window.item(row + "issueTarget").property("truncated").toBool());
+}
+
+TEST_F(HealthTab, ScrollsThroughHundredsOfFindings) {
+    for (int number = 0; number < 300; ++number) breakLink("App " + std::to_string(number) + ".app");
+    auto& window = scanned();
+    EXPECT_EQ(window.text("problemsTile/tileValue"), "300");
+    EXPECT_EQ(window.text("healthSection-dangling/sectionTitle"), "Dangling symlinks (300)");
+}
+
+}  // namespace
+
+}  // namespace tarvik::test
