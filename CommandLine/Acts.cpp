@@ -5,6 +5,7 @@
 #include "CommandLine/BackupActs.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FolderActs.h"
+#include "CommandLine/HealthActs.h"
 #include "CommandLine/LauncherActs.h"
 #include "CommandLine/LinkActs.h"
 #include "CommandLine/RestoreActs.h"
@@ -47,6 +48,10 @@ void perform(const Host& host, const Options& options) {
             return BackupActs::create(host, options);
         case Verb::backupList:
             return BackupActs::list(host, options);
+        case Verb::health:
+            return HealthActs::check(host, options.format);
+        case Verb::healthRepair:
+            return HealthActs::repair(host, options);
     }
 }
 

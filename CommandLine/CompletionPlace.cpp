@@ -1,6 +1,7 @@
 #include "CommandLine/CompletionPlace.h"
 
 #include "CommandLine/CompletionScripts.h"
+#include "HealthRepair/HealthRepairStrategy.h"
 
 #include <algorithm>
 #include <string_view>
@@ -108,6 +109,9 @@ private:
         if (name == "PATH") m_place.kind = m_place.verb == "move folder" ? Kind::folder : Kind::path;
         if (name == "SHELL")
             for (const auto& shell : CompletionScripts::shells) m_place.candidates.push_back({std::string(shell), {}});
+        if (name == "STRATEGY")
+            for (const auto& strategy : HealthRepairStrategies::names())
+                m_place.candidates.push_back({std::string(strategy), {}});
         if (name == "FORMAT")
             m_place.candidates = {{"human", "for eyes"}, {"tsv", "a line for each record"}, {"toml", "a document"}};
     }

@@ -28,7 +28,7 @@ constexpr std::string_view questions =
     "only look.";
 
 /// What a reader wants to know of a verb beyond its help.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 7> remarks = {{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks = {{
     {"apps", "Without a NAME, the list is sorted by size, the largest first."},
     {"launchers",
      "A launcher is a small application that bears the name and icon of one on the drive and opens it. One whose "
@@ -46,6 +46,15 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 7> remarks =
     {"backup create",
      "The copies stand in a folder with the date as its name; it is complete when backup.json stands in "
      "it."},
+    {"health",
+     "The status is 1 when something is wrong. A finding tells its place, what was found, and where it leads. Nothing "
+     "is "
+     "changed."},
+    {"health repair",
+     "Without a PATH, all findings are repaired that have just one repair, which the question names for each. A "
+     "finding "
+     "with two (reverted) needs --strategy: reclaimReverted or reSymlinkReverted. What has changed since the check is "
+     "left alone."},
     {"completion",
      "For bash, put \"source <(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "

@@ -24,19 +24,20 @@ using Verb = Options::Verb;
 const std::map<std::string, Format> formats = {{"human", Format::human}, {"tsv", Format::tsv}, {"toml", Format::toml}};
 
 /// The options that take a value, and what it is.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 4> valued = {
-    {{"--root", "DIR"}, {"--home", "DIR"}, {"--format", "FORMAT"}, {"--drive", "DRIVE"}}};
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> valued = {
+    {{"--root", "DIR"}, {"--home", "DIR"}, {"--format", "FORMAT"}, {"--drive", "DRIVE"}, {"--strategy", "STRATEGY"}}};
 
 /// What help shows behind the name of an argument that can be given several times.
 constexpr const char* several = "...";
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 5> owned = {
+constexpr std::array<std::pair<std::string_view, std::string_view>, 6> owned = {
     {{"--drive", "move app, move folder and backup"},
      {"--dry-run", "move app alone"},
      {"--no-data", "move app alone"},
      {"--quit-running", "move app alone"},
-     {"--repair", "launchers alone"}}};
+     {"--repair", "launchers alone"},
+     {"--strategy", "health repair alone"}}};
 
 /// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
 std::string wordsOf(const CLI::App& app) {
@@ -139,6 +140,14 @@ public:
         addOption(*m_backupCreate, "--drive", m_drive, "The drive: its mount path or its name");
         auto* list = addVerb(*m_backup, "list", "List the backups on a drive");
         addOption(*list, "--drive", m_drive, "The drive: its mount path or its name");
+        m_health =
+            addVerb(m_app, "health", "Check everything that was moved, and the links and launchers that stand for it");
+        m_health->require_subcommand(0, 1);
+        m_healthRepair =
+            addVerb(*m_health, "repair", "Repair what the check finds: all that has just one repair, or what is named");
+        m_healthRepair->add_option("PATH", m_path, "The place of a finding")->type_name(several);
+        addOption(*m_healthRepair, "--strategy", m_options.strategy,
+                  "How, where there are several ways: the name of a repair");
         m_completion = addVerb(m_app, Verbs::completion, "Print a script that completes the command in a shell");
         m_completion
             ->add_option("SHELL", m_shell, fmt::format("One of: {}", fmt::join(CompletionScripts::shells, ", ")))
@@ -192,8 +201,8 @@ private:
 
     void takeVerb() {
         for (const auto& entry : Verbs::beginningWith(wordsOf(meant())))
-            if (entry.verb) m_options.verb = *entry.verb;
-        if (m_options.verb != Verb::backupCreate) m_options.path = m_path;
+            if (entry.verb && entry.words == wordsOf(meant())) m_options.verb = *entry.verb;
+        if (m_options.paths.empty()) m_options.path = m_path;
         m_options.drive = m_drive;
         m_options.includesData = !m_leavesData;
         requireArguments();
@@ -250,7 +259,7 @@ private:
     Arguments takeWords(Arguments marked) {
         if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") > 0)
             m_options.names = {m_name};
-        if (m_backupCreate->count("PATH") > 0) m_options.paths = {m_path};
+        if (m_backupCreate->count("PATH") + m_healthRepair->count("PATH") > 0) m_options.paths = {m_path};
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
         Arguments rest;
         for (auto& word : m_app.remaining(true))
@@ -270,7 +279,7 @@ private:
             m_options.names.push_back(word);
             return true;
         }
-        if (words == "backup create") {
+        if (words == "backup create" || words == "health repair") {
             m_options.paths.emplace_back(word);
             return true;
         }
@@ -284,6 +293,7 @@ private:
         requireVerb(m_app, words);
         if (m_move->parsed()) requireVerb(*m_move, words);
         if (m_backup->parsed()) requireVerb(*m_backup, words);
+        if (m_health->parsed() && !words.empty()) requireVerb(*m_health, words);
         if (words.empty()) return;
         const auto& word = words.front();
         for (const auto& [name, owners] : owned)
@@ -347,6 +357,8 @@ private:
     CLI::App* m_restore = nullptr;
     CLI::App* m_backup = nullptr;
     CLI::App* m_backupCreate = nullptr;
+    CLI::App* m_health = nullptr;
+    CLI::App* m_healthRepair = nullptr;
     CLI::App* m_completion = nullptr;
 };
 

@@ -23,7 +23,7 @@ struct Options {
     /// The applications that are meant, or the links of a restore, as they were written. `apps` takes one at most;
     /// without it, all are meant.
     std::vector<std::string> names;
-    /// The items of a backup, as they were written.
+    /// The items of a backup, or the places of findings, as they were written.
     std::vector<fs::path> paths;
     /// A mount path or a volume's name, as it was written.
     std::string drive;
@@ -40,6 +40,8 @@ struct Options {
     bool isDryRun = false;
     /// Mends what is wrong instead of only telling it.
     bool repairs = false;
+    /// How a finding shall be repaired, as it was written; empty when that was left open.
+    std::string strategy;
 
     bool operator==(const Options&) const = default;
 };

@@ -7,7 +7,7 @@ namespace tarvik::CommandLine {
 
 namespace {
 
-constexpr std::array<Verbs::Entry, 10> allVerbs = {{
+constexpr std::array<Verbs::Entry, 12> allVerbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
@@ -17,6 +17,8 @@ constexpr std::array<Verbs::Entry, 10> allVerbs = {{
     {Verb::moveRestore, "move restore", "tarvik move restore NAME|PATH..."},
     {Verb::backupCreate, "backup create", "tarvik backup create PATH... --drive DRIVE"},
     {Verb::backupList, "backup list", "tarvik backup list --drive DRIVE"},
+    {Verb::health, "health", "tarvik health"},
+    {Verb::healthRepair, "health repair", "tarvik health repair [PATH...] [--strategy STRATEGY]"},
     {std::nullopt, Verbs::completion, "tarvik completion SHELL"},
 }};
 

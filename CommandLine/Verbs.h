@@ -7,7 +7,19 @@
 namespace tarvik::CommandLine {
 
 /// What the command is told to do.
-enum class Verb { drives, apps, links, launchers, moveApp, moveFolder, moveRestore, backupCreate, backupList };
+enum class Verb {
+    drives,
+    apps,
+    links,
+    launchers,
+    moveApp,
+    moveFolder,
+    moveRestore,
+    backupCreate,
+    backupList,
+    health,
+    healthRepair
+};
 
 /// Each verb by its words, and how it is written. Pure; safe on every thread.
 namespace Verbs {

@@ -25,27 +25,22 @@ bool copies(const Host& host, const fs::path& from, const fs::path& to) {
 }
 
 /// Makes a copy and puts it in its place. False when there is no good one, and then nothing is left of it.
+/// @throws Failure when the copy tool cannot be started.
 bool bringBack(const Host& host, const fs::path& target, const fs::path& place) {
-    CopyPlace copy(target, place);
-    bool isInPlace = false;
-    const auto end = [&] {
-        if (!isInPlace) ignoringFailure([&] { Files::removeItem(copy.path()); });
-        copy.clearFolder();
-    };
-    try {
-        if (copies(host, target, copy.path()) &&
-            !CopyProof::reasonAgainst(host, target, copy.path(), CopyProof::Count::yes))
-            ignoringFailure([&] {
-                Files::rename(copy.path(), place);
-                Files::flushVolume(place);
-                isInPlace = true;
-            });
-    } catch (...) {
-        end();
-        throw;
+    CopyPlace copy(place);
+    if (!copies(host, target, copy.path()) ||
+        CopyProof::reasonAgainst(host, target, copy.path(), CopyProof::Count::yes)) {
+        ignoringFailure([&] { Files::removeItem(copy.path()); });
+        return false;
     }
-    end();
-    return isInPlace;
+    try {
+        copy.arrive();
+    } catch (const Failure&) {  // Something has come to stand there.
+        ignoringFailure([&] { Files::removeItem(copy.path()); });
+        return false;
+    }
+    ignoringFailure([&] { Files::flushVolume(place); });
+    return true;
 }
 
 }  // namespace
