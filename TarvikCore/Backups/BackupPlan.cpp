@@ -1,6 +1,7 @@
 #include "Backups/BackupPlan.h"
 
 #include "Backups/BackupNames.h"
+#include "MovePlan/DriveLimits.h"
 #include "MovePlan/MoveRefusal.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
@@ -117,6 +118,7 @@ Plan plan(const Host& host, const std::vector<fs::path>& paths, const DriveInfo&
                                   elsewhere->native()));
     for (const auto& source : plan.sources) throwIf(bySource(source, AppStorageNames::backupsRootOn(drive.mountPath)));
     throwIf(byNames(plan.sources));
+    for (const auto& source : plan.sources) throwIf(DriveLimits::refusal(source, drive));
     for (const auto& source : plan.sources) plan.bytesTotal += SizeCalculator::size(host, source);
     throwIf(MoveRefusal::ofSpace(plan.bytesTotal, drive));
     return plan;

@@ -56,11 +56,11 @@ std::optional<std::string> refusal(const fs::path& item, const DriveInfo& drive)
 std::optional<std::string> refusal(const fs::path& item, const Needs& needs, const DriveInfo& drive) {
     const std::string name = item.filename();
     if (hasLimitOfLinks(drive) && needs.link)
-        return fmt::format("{} can't be moved to {}: {} is a symlink, and {} holds none. Choose another drive.", name,
+        return fmt::format("{} does not fit on {}: {} is a symlink, and {} holds none. Choose another drive.", name,
                            drive.name, needs.link->native(), formatOf(drive));
     if (hasLimitOfSize(drive) && needs.largestFile && needs.largestSize > *drive.largestFile)
         return fmt::format(
-            "{} can't be moved to {}: {} has {}, and {} holds no file of more than {}. Choose another "
+            "{} does not fit on {}: {} has {}, and {} holds no file of more than {}. Choose another "
             "drive.",
             name, drive.name, needs.largestFile->native(), SizeCalculator::format(needs.largestSize), formatOf(drive),
             SizeCalculator::format(*drive.largestFile));

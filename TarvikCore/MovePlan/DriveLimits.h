@@ -24,8 +24,8 @@ struct Needs {
     static Needs of(const fs::path& item);
 };
 
-/// Why the item cannot be moved to the drive, as a sentence for the user; nothing when it can. Walks through the item
-/// only when the drive has a limit.
+/// Why no copy of the item can stand on the drive, as a sentence for the user; nothing when it can. Walks through the
+/// item only when the drive has a limit.
 std::optional<std::string> refusal(const fs::path& item, const DriveInfo& drive);
 /// The same for needs that are known. Pure.
 std::optional<std::string> refusal(const fs::path& item, const Needs& needs, const DriveInfo& drive);

@@ -88,6 +88,16 @@ TEST_F(BackupPlanned, RefusesWhatHoldsTheBackups) {
     EXPECT_EQ(refusal({world.drive / "Music"}), "planned") << "what is on the drive may be copied there";
 }
 
+TEST_F(BackupPlanned, RefusesWhatTheDriveCannotHold) {
+    makeLink(home / "Music/latest", "song");
+    auto stick = world.driveInfo();
+    stick.filesystem = "exFAT";
+    stick.keepsLinks = false;
+    EXPECT_EQ(refusal({home / "Music"}, stick), "Music does not fit on Backup: " + (home / "Music/latest").native() +
+                                                    " is a symlink, and exFAT holds none. Choose another drive.");
+    EXPECT_EQ(refusal({home / "Music"}), "planned");
+}
+
 TEST_F(BackupPlanned, RefusesTwoThingsOfOneName) {
     for (const auto* item : {"One.app", "Two.app", "a/Music", "b/music", "Tarvik files", "App files"})
         makeFolder(home / item);

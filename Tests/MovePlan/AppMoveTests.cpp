@@ -127,7 +127,7 @@ TEST_F(AppMoveTest, TellsWhatTheDriveCannotHold) {
     stick.filesystem = "exFAT";
     stick.keepsLinks = stick.keepsPermissions = false;
     const auto plan = AppMove::plan(world.host, {editor}, stick, false);
-    EXPECT_THAT(plan.obstructed, ElementsAre("Editor.app can't be moved to " + stick.name + ": " +
+    EXPECT_THAT(plan.obstructed, ElementsAre("Editor.app does not fit on " + stick.name + ": " +
                                              (editor.bundlePath / "Contents/Current").native() +
                                              " is a symlink, and exFAT holds none. Choose another drive."));
     EXPECT_THAT(AppMove::confirmMove(plan).details, testing::Contains(testing::HasSubstr("keeps no permissions")));

@@ -36,7 +36,7 @@ TEST_F(DriveLimitsTest, KeepOutLinksWhereNoneCanBeMade) {
     EXPECT_EQ(DriveLimits::refusal(app, stick), std::nullopt);
     makeLink(app / "Contents/Current", "MacOS");
     EXPECT_EQ(DriveLimits::refusal(app, stick),
-              "Editor.app can't be moved to Stick: " + (app / "Contents/Current").native() +
+              "Editor.app does not fit on Stick: " + (app / "Contents/Current").native() +
                   " is a symlink, and FAT32 holds none. Choose another drive.");
 }
 
@@ -54,7 +54,7 @@ TEST_F(DriveLimitsTest, KeepOutFilesThatAreTooLarge) {
         return DriveLimits::refusal(folder / "Films", {std::nullopt, film, size}, stick).value_or("none");
     };
     EXPECT_EQ(refusal(fourGigabytes), "none");
-    EXPECT_EQ(refusal(5'000'000'000), "Films can't be moved to Stick: " + film.native() +
+    EXPECT_EQ(refusal(5'000'000'000), "Films does not fit on Stick: " + film.native() +
                                           " has 5 GB, and FAT32 holds no file of more than 4.29 GB. Choose another "
                                           "drive.");
 }

@@ -141,10 +141,10 @@ TEST_F(MoveRunTest, CopiesNothingThatTheDriveCannotHold) {
     world.volumes->list[0].isBrowsable = true;
     run();
     EXPECT_EQ(jobs[0].status, JobStatus::done());
-    EXPECT_EQ(jobs[1].status,
-              JobStatus::failed("Two can't be moved to " + world.driveInfo().name + ": " +
-                                (jobs[1].source / "link").native() +
-                                " is a symlink, and its file system holds none. Choose another drive."));
+    EXPECT_EQ(
+        jobs[1].status,
+        JobStatus::failed("Two does not fit on " + world.driveInfo().name + ": " + (jobs[1].source / "link").native() +
+                          " is a symlink, and its file system holds none. Choose another drive."));
     EXPECT_EQ(history[1].size(), 1U);
 }
 

@@ -64,6 +64,21 @@ TEST_F(WayBackTest, AsksBeforeItBringsBack) {
               (std::vector<std::string>{"To /home/Music", "Music is not a symlink that Tarvik has left."}));
 }
 
+TEST_F(WayBackTest, IsRefusedForWhatNoCopyWouldBring) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder mounts;
+    const RealVolume drive = RealVolume::memory(mounts.path(), test::megabyte);
+    world.volumes->list.push_back({.mountPath = drive.path(), .name = "Studio"});
+    test::makePipe(drive / "Music/pipe");
+    makeLink(world.home / "Music", drive / "Music");
+    EXPECT_EQ(refusal(world.home / "Music"),
+              "Music can't be moved: " + (drive / "Music/pipe").native() + " is a pipe, which no copy can hold.");
+    // Within one volume nothing is copied.
+    test::makePipe(world.drive / "Films/pipe");
+    makeLink(world.home / "Films", world.drive / "Films");
+    EXPECT_EQ(refusal(world.home / "Films"), "planned");
+}
+
 TEST_F(WayBackTest, SaysWhatIsBack) {
     EXPECT_EQ(WayBack::restored("/home/Music"), "Restored Music");
     EXPECT_EQ(WayBack::movedBack({"/home/Music", "/Volumes/Backup/Music"}), "Moved Music back to /home/Music.");

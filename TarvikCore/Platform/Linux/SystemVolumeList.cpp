@@ -3,7 +3,6 @@
 #include "Platform/Linux/PatientStatus.h"
 #include "Platform/Linux/VolumeRules.h"
 #include "Platform/Machine/VolumeList.h"
-#include "Platform/Storage/FileSystemAbilities.h"
 
 #include <libmount/libmount.h>
 
@@ -73,8 +72,6 @@ Volume volumeOf(MountFacts mount, const FileSystemStatus& status) {
     mount.contentType = std::move(device.contentType);
     mount.isLoopDevice = device.isLoopDevice;
     mount.disks = std::move(device.disks);
-    std::string format = VolumeRules::formatDescription(mount);
-    const auto abilities = FileSystemAbilities::of(format);
     return {.mountPath = mount.mountPath,
             .name = device.label ? device.label : labelOnDevice(mount.source),
             .totalBytes = status.totalBytes,
@@ -82,11 +79,8 @@ Volume volumeOf(MountFacts mount, const FileSystemStatus& status) {
             .isInternal = VolumeRules::isInternal(mount),
             .isBrowsable = true,
             .isReadOnly = status.isReadOnly,
-            .formatDescription = std::move(format),
-            .identifier = std::move(device.identifier),
-            .keepsLinks = abilities ? std::optional(abilities->links) : std::nullopt,
-            .keepsPermissions = abilities ? std::optional(abilities->permissions) : std::nullopt,
-            .largestFile = abilities ? abilities->largestFile : std::nullopt};
+            .formatDescription = VolumeRules::formatDescription(mount),
+            .identifier = std::move(device.identifier)};
 }
 
 bool isFolder(const fs::path& path) {

@@ -4,6 +4,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/FileSystemAbilities.h"
 
 #include <fmt/format.h>
 
@@ -13,18 +14,30 @@ namespace tarvik::DriveScanner {
 
 namespace {
 
+/// What is usual for the format counts where the system does not tell of the volume itself.
+void addUsualAbilities(DriveInfo& drive) {
+    const auto usual = FileSystemAbilities::of(drive.filesystem.value_or(std::string{}));
+    if (!usual) return;
+    if (!drive.keepsLinks) drive.keepsLinks = usual->links;
+    if (!drive.keepsPermissions) drive.keepsPermissions = usual->permissions;
+    if (!drive.largestFile) drive.largestFile = usual->largestFile;
+}
+
 DriveInfo driveOf(const Volume& volume) {
-    return {.id = volume.mountPath.native(),
-            .name = volume.name.value_or(std::string{}).empty() ? lastComponent(volume.mountPath) : *volume.name,
-            .mountPath = volume.mountPath,
-            .totalBytes = volume.totalBytes.value_or(0),
-            .freeBytes = volume.availableBytes.value_or(0),
-            .isInternal = volume.isInternal.value_or(false),
-            .isWritable = !volume.isReadOnly.value_or(false),
-            .filesystem = volume.formatDescription,
-            .keepsLinks = volume.keepsLinks,
-            .keepsPermissions = volume.keepsPermissions,
-            .largestFile = volume.largestFile};
+    DriveInfo drive{
+        .id = volume.mountPath.native(),
+        .name = volume.name.value_or(std::string{}).empty() ? lastComponent(volume.mountPath) : *volume.name,
+        .mountPath = volume.mountPath,
+        .totalBytes = volume.totalBytes.value_or(0),
+        .freeBytes = volume.availableBytes.value_or(0),
+        .isInternal = volume.isInternal.value_or(false),
+        .isWritable = !volume.isReadOnly.value_or(false),
+        .filesystem = volume.formatDescription,
+        .keepsLinks = volume.keepsLinks,
+        .keepsPermissions = volume.keepsPermissions,
+        .largestFile = volume.largestFile};
+    addUsualAbilities(drive);
+    return drive;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace tarvik {
 /// What the file systems of drives can hold, in one table. Where the system itself tells of a volume (a Mac does, by
 /// the resource keys of NSURL), that counts: a driver may add what its format has not.
 struct FileSystemAbilities {
-    /// As `Volume::formatDescription` spells it on Linux.
+    /// As `Volume::formatDescription` spells it where that is no phrase in the user's language, as on a Mac.
     std::string_view format;
     /// Symbolic links.
     bool links;

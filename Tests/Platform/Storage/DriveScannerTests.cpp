@@ -59,6 +59,32 @@ TEST(DriveScanner, GivesEveryFigureOfAVolume) {
     EXPECT_EQ(drives[0].filesystem, "APFS");
 }
 
+TEST(DriveScanner, TellsWhatAFormatUsuallyHolds) {
+    auto card = volume("/Volumes/Card", "Card", false);
+    card.formatDescription = "FAT32";
+    auto unknown = volume("/Volumes/Share", "Share", false);
+    unknown.formatDescription = "SMB";
+    const auto drives = scanned({card, unknown});
+    EXPECT_EQ(drives[0].keepsLinks, false);
+    EXPECT_EQ(drives[0].keepsPermissions, false);
+    EXPECT_EQ(drives[0].largestFile, 0xFFFFFFFF);
+    EXPECT_EQ(drives[1].keepsLinks, std::nullopt);
+    EXPECT_EQ(drives[1].keepsPermissions, std::nullopt);
+    EXPECT_EQ(drives[1].largestFile, std::nullopt);
+}
+
+TEST(DriveScanner, BelievesTheSystemMoreThanTheFormat) {
+    auto card = volume("/Volumes/Card", "Card", false);
+    card.formatDescription = "FAT32";
+    card.keepsLinks = true;
+    card.keepsPermissions = true;
+    card.largestFile = 12;
+    const auto drives = scanned({card});
+    EXPECT_EQ(drives[0].keepsLinks, true);
+    EXPECT_EQ(drives[0].keepsPermissions, true);
+    EXPECT_EQ(drives[0].largestFile, 12);
+}
+
 TEST(DriveScanner, GivesNothingWhenTheSystemHasNoList) {
     EXPECT_THAT(scanned({}), IsEmpty());
 }
