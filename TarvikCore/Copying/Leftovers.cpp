@@ -4,6 +4,7 @@
 #include "Copying/ItemLock.h"
 #include "Copying/MoveVerifier.h"
 #include "Copying/MoverStasher.h"
+#include "Discovery/AppScanner.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/ClashNames.h"
 #include "Platform/Files/Files.h"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
+#include <optional>
 #include <string>
 
 namespace tarvik::Leftovers {
@@ -27,13 +29,20 @@ bool isRealItem(const fs::path& path) {
     return Files::itemExists(path) && !Files::isSymbolicLink(path);
 }
 
-/// Whether a link under a hidden name tells of an act that was killed between two whole items.
-bool isMark(const fs::path& link, const fs::path& place) {
-    const auto target = Files::linkText(link);
-    return target && Files::itemExists(*target) && isRealItem(place);
+/// Where a link, or a launcher that stood in the place of its application, leads.
+std::optional<fs::path> targetOf(const fs::path& mark) {
+    auto target = Files::linkText(mark);
+    return target ? target : AppScanner::launcherShimTarget(mark);
 }
 
-/// Whether a hidden name is one that a link to a copy of `source` can wait under.
+/// Whether a link or a launcher under a hidden name tells of an act that was killed between two whole items. A launcher
+/// that was to take another one's place does not.
+bool isMark(const fs::path& mark, const fs::path& place) {
+    const auto target = targetOf(mark);
+    return target && Files::itemExists(*target) && isRealItem(place) && !AppScanner::launcherShimTarget(place);
+}
+
+/// Whether a hidden name is one that a mark which leads to a copy of `source` can wait under.
 bool isNameOfMark(const std::string& name, const fs::path& source) {
     return HiddenName::isFor(name, Purpose::copy, source) || HiddenName::isFor(name, Purpose::removal, source);
 }
@@ -82,6 +91,7 @@ void clear(const Host& host, const fs::path& leftover, const HiddenName::Reading
     const FileDescriptor lock = ItemLock::holdAlone(leftover);
     if (!lock) return;
     if (isExchange && goesTo(leftover, place)) return;
+    if (name.purpose == Purpose::copy && isMark(leftover, place)) return;
     if (Files::isFolder(leftover) && Files::names(leftover).empty()) return Files::removeEmptyFolder(leftover);
     trash(host, leftover, name.ownName);
 }
@@ -112,7 +122,7 @@ void clearUnfinished(const Host& host, const fs::path& source, const fs::path& d
         std::vector<fs::path> marks;
         for (const auto& name : Files::names(source.parent_path())) {
             const fs::path link = source.parent_path() / name;
-            if (isNameOfMark(name, source) && Files::linkText(link) == destination) marks.push_back(link);
+            if (isNameOfMark(name, source) && targetOf(link) == destination) marks.push_back(link);
         }
         if (marks.empty()) return;
         const FileDescriptor original = ItemLock::holdAlone(source);
@@ -122,7 +132,9 @@ void clearUnfinished(const Host& host, const fs::path& source, const fs::path& d
             if (!copy || !isNeedless(host, destination, source)) return;
             if (MoverStasher::stash(host, destination).end == Disposal::Outcome::End::stayed) return;
         }
-        for (const auto& link : marks) Files::removeLink(link);
+        // A launcher may hold more than its mark: a sweep takes it, now that it leads nowhere.
+        for (const auto& link : marks)
+            if (Files::isSymbolicLink(link)) Files::removeLink(link);
     });
 }
 

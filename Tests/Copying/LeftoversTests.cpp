@@ -3,6 +3,7 @@
 #include "Copying/Leftovers.h"
 #include "Move/MoverEngine.h"
 #include "Platform/Files/Files.h"
+#include "Support/Bundles.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
@@ -125,6 +126,35 @@ TEST(Leftovers, AreCompleteCopiesOfAKilledMove) {
         fs::remove_all(world.trash->folder);
         makeFile(copy / "song", "la la");
     }
+}
+
+TEST(Leftovers, AreWhatAKilledWayBackHasLeftBehindALauncher) {
+    const World world;
+    const fs::path source = world.home / "Editor.app";
+    const fs::path rest = world.drive / "Editor.app";
+    const fs::path launcher = HiddenName::forCopyTo(source);
+    for (const fs::path& item : {source, rest}) makeFile(item / "Contents/Info.plist", "of a real one");
+    makeLauncher(launcher, rest);
+    // The launcher is the mark by which the next move frees the place.
+    Leftovers::sweep(world.host, world.home);
+    EXPECT_TRUE(Files::exists(launcher));
+    Leftovers::clearUnfinished(world.host, source, rest);
+    EXPECT_FALSE(Files::itemExists(rest));
+    EXPECT_EQ(contentOf(world.trash->folder / "Editor.app/Contents/Info.plist"), "of a real one");
+    Leftovers::sweep(world.host, world.home);
+    EXPECT_THAT(world.namesAtHome(), ElementsAre("Editor.app"));
+    EXPECT_EQ(contentOf(source / "Contents/Info.plist"), "of a real one");
+}
+
+TEST(Leftovers, AreLaunchersThatWereToTakeAnotherOnesPlace) {
+    const World world;
+    const fs::path app = world.drive / "Editor.app";
+    makeFile(app / "Contents/Info.plist");
+    makeLauncher(world.home / "Editor.app", app);
+    makeLauncher(HiddenName::forCopyTo(world.home / "Editor.app"), app);
+    Leftovers::sweep(world.host, world.home);
+    EXPECT_THAT(world.namesAtHome(), ElementsAre("Editor.app"));
+    EXPECT_TRUE(Files::exists(app / "Contents/Info.plist"));
 }
 
 TEST(Leftovers, AreLinksThatHaveOutlivedTheirAct) {

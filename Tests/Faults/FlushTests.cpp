@@ -31,8 +31,12 @@ protected:
     /// Runs the command and notes its renames and flushes in their order.
     void run(const std::vector<std::string>& arguments) {
         const fs::path log = folder / "log";
-        std::vector<std::string> words = {"-f",   "-y",  "-o",     log,        "-e", "trace=rename,renameat2,fsync,syncfs",
-                                          "--",   programOfThisBuild("tarvik"), "--root", root, "--yes"};
+        std::vector<std::string> words = {"-f",     "-y",
+                                          "-o",     log,
+                                          "-e",     "trace=rename,renameat2,fsync,syncfs",
+                                          "--",     programOfThisBuild("tarvik"),
+                                          "--root", root,
+                                          "--yes"};
         words.insert(words.end(), arguments.begin(), arguments.end());
         const auto result = CommandRunner::run(tracer, words);
         ASSERT_EQ(result.status, 0) << result.stderr;

@@ -1,11 +1,10 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Machine/SleepBlocker.h"
 
-#include <systemd/sd-bus.h>
-
 #include <fcntl.h>
 #include <memory>
 #include <string>
+#include <systemd/sd-bus.h>
 #include <utility>
 
 namespace tarvik {

@@ -8,7 +8,8 @@
 
 namespace tarvik {
 
-/// Keeps the host's machine awake for as long as it lives, where that can be done. A machine in a folder does not sleep.
+/// Keeps the host's machine awake for as long as it lives, where that can be done. A machine in a folder does not
+/// sleep.
 class KeptAwake {
 public:
     /// `reason` is what a user reads who looks for what keeps the machine awake.

@@ -48,7 +48,7 @@ DriveGuard::DriveGuard(const fs::path& drive)
 }
 
 DriveGuard DriveGuard::ofMarked(const Host& host, const fs::path& mountPath, const std::optional<std::string>& mark) {
-    const DriveGuard drive(mountPath);
+    DriveGuard drive(mountPath);
     const auto markNow = DriveScanner::markOf(host, mountPath);
     const bool wasThere = !mark || !mark->empty();
     // The mark is that of the path, and must be that of the volume which is held.

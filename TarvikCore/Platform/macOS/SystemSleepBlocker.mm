@@ -17,8 +17,7 @@ public:
                                                                                    reason:reason])) {}
     ~MacSleepHold() override {
         @autoreleasepool {
-            [NSProcessInfo.processInfo endActivity:(__bridge id<NSObject>)m_activity];
-            CFRelease(m_activity);
+            [NSProcessInfo.processInfo endActivity:CFBridgingRelease(m_activity)];
         }
     }
 

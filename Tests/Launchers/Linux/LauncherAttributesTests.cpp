@@ -19,8 +19,8 @@ TEST(LauncherAttributes, AreNotThoseOfADownloadedApplication) {
     makeFile(app / "Contents/Resources/Icon.icns", "picture");
     world.host.tools.externalAppLauncher = world.folder / "external-app-launcher";
     makeFile(world.host.tools.externalAppLauncher, "the program");
-    for (const fs::path& item : {app, app / "Contents", app / "Contents/Resources/Icon.icns",
-                                 world.host.tools.externalAppLauncher})
+    for (const fs::path& item :
+         {app, app / "Contents", app / "Contents/Resources/Icon.icns", world.host.tools.externalAppLauncher})
         if (::setxattr(item.c_str(), "user.com.apple.quarantine", "0083", 4, 0) != 0)
             TARVIK_SKIP_BECAUSE("needs extended attributes");
     LauncherAppBuilder::install(world.host, app, launcher, app, {});

@@ -1,5 +1,5 @@
-// What an item itself bears, beside what is in it: the real copy tool gives it to a copy that it makes itself, and to no
-// folder that stands there already.
+// What an item itself bears, beside what is in it: the real copy tool gives it to a copy that it makes itself, and to
+// no folder that stands there already.
 #include "Move/MoverEngine.h"
 #include "Platform/Files/Files.h"
 #include "Support/Linux/PlainUser.h"
@@ -35,9 +35,10 @@ bool setAttribute(const fs::path& item, const char* name, const std::string& val
 }
 
 /// An access list as the system stores it: the owner and the group may do all, others nothing.
-const std::string list("\x02\x00\x00\x00\x01\x00\x07\x00\xFF\xFF\xFF\xFF\x04\x00\x07\x00\xFF\xFF\xFF\xFF"
-                       "\x20\x00\x00\x00\xFF\xFF\xFF\xFF",
-                       28);
+const std::string list(
+    "\x02\x00\x00\x00\x01\x00\x07\x00\xFF\xFF\xFF\xFF\x04\x00\x07\x00\xFF\xFF\xFF\xFF"
+    "\x20\x00\x00\x00\xFF\xFF\xFF\xFF",
+    28);
 
 /// Two volumes that know the attributes of users.
 class OwnAttributes : public testing::Test {

@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <systemd/sd-bus.h>
 
 #include <array>
 #include <cstdint>
@@ -16,6 +15,7 @@
 #include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <systemd/sd-bus.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
