@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
         return 2;
     }
 
-    std::vector<std::string> words = {"mac-volume", "-o", "allow_other,default_permissions,fsname=mac-volume"};
+    std::vector<std::string> words = {"mac-volume", "-o", "allow_other,default_permissions,subtype=mac-volume"};
     std::vector<char*> pointers;
     for (std::string& word : words) pointers.push_back(word.data());
     fuse_args arguments = FUSE_ARGS_INIT(static_cast<int>(pointers.size()), pointers.data());
