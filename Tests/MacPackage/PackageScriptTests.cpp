@@ -38,20 +38,22 @@ protected:
              "Tarvik.app/Contents/MacOS/external-app-launcher; do\n"
              "printf '#!/bin/sh\\n# machine code\\nexit ${DOES_NOT_START:-0}\\n' >$name; chmod +x $name; done");
         fs::create_directories(tree / "build/release/bin");
+        tool(tree / "Scripts/install-dependencies", "");
         makeDouble("ditto", "cp -R \"$1\" \"$2\"");
         makeDouble("macdeployqt",
-                "for file in Frameworks/QtCore.framework/Versions/A/QtCore Frameworks/libplist.dylib "
-                "PlugIns/platforms/libcocoa.dylib; do mkdir -p \"$1/Contents/${file%/*}\"\n"
-                "echo 'machine code' >\"$1/Contents/$file\"; done");
+                   "for file in Frameworks/QtCore.framework/Versions/A/QtCore Frameworks/libplist.dylib "
+                   "PlugIns/platforms/libcocoa.dylib; do mkdir -p \"$1/Contents/${file%/*}\"\n"
+                   "echo 'machine code' >\"$1/Contents/$file\"; done");
         makeDouble("file",
-                "for file; do if grep -q 'machine code' \"$file\"; then echo \"$file: Mach-O 64-bit\"\n"
-                "else echo \"$file: XML\"; fi; done");
-        makeDouble("otool",
-                "if [ $1 = -L ]; then printf '%s:\\n\\t@executable_path/../Frameworks/libplist.dylib (x)\\n"
-                "\\t/usr/lib/libSystem.B.dylib (x)\\n' \"$2\"; case $2 in *libplist*) cat foreign 2>/dev/null || true;; "
-                "esac\nelse printf '    minos %s\\n      sdk 99.0\\n' \"${MINOS:-13.0}\"; case $2 in "
-                "*/MacOS/Tarvik) printf '     path @executable_path/../Frameworks (offset 12)\\n"
-                "     path /opt/homebrew/lib (offset 12)\\n'; esac; fi");
+                   "for file; do if grep -q 'machine code' \"$file\"; then echo \"$file: Mach-O 64-bit\"\n"
+                   "else echo \"$file: XML\"; fi; done");
+        makeDouble(
+            "otool",
+            "if [ $1 = -L ]; then printf '%s:\\n\\t@executable_path/../Frameworks/libplist.dylib (x)\\n"
+            "\\t/usr/lib/libSystem.B.dylib (x)\\n' \"$2\"; case $2 in *libplist*) cat foreign 2>/dev/null || true;; "
+            "esac\nelse printf '    minos %s\\n      sdk 99.0\\n' \"${MINOS:-13.0}\"; case $2 in "
+            "*/MacOS/Tarvik) printf '     path @executable_path/../Frameworks (offset 12)\\n"
+            "     path /opt/homebrew/lib (offset 12)\\n'; esac; fi");
         makeDouble("plutil", "case $2 in LSMinimum*) echo 13.0;; CFBundleShort*) echo 1.2.3;; esac");
         makeDouble("hdiutil", "for image; do :; done; echo image >\"$image\"");
         makeDouble("xcrun", "[ $1 = stapler ] || printf '  id: 7\\n  status: %s\\n' \"${ANSWER:-Accepted}\"");
@@ -104,28 +106,27 @@ TEST_F(PackageScript, PutsEverythingIntoTheBundleBeforeItIsSignedAndSignsFromThe
     EXPECT_EQ(result.status, 0) << result.stderr;
     auto steps = calls();
     std::erase_if(steps, [](const std::string& step) {
-        return step.starts_with("otool ") || step.starts_with("file ") || step.starts_with("plutil ");
+        return step.starts_with("install-dependencies ") || step.starts_with("otool ") || step.starts_with("file ") ||
+               step.starts_with("plutil ");
     });
     const std::string sign = "codesign --force --sign - --timestamp=none ";
     EXPECT_THAT(
         steps,
-        ElementsAre("build release tarvik tarvik-practice tarvik-window external-app-launcher",
-                    "ditto build/release/bin/Tarvik.app " + app,
-                    "ditto build/release/bin/tarvik " + app + "/Contents/Helpers/tarvik",
-                    "ditto build/release/bin/tarvik-practice " + app + "/Contents/Helpers/tarvik-practice",
-                    "macdeployqt " + app + " -qmldir=Tarvik/Views -executable=" + app +
-                        "/Contents/Helpers/tarvik -executable=" + app +
-                        "/Contents/Helpers/tarvik-practice -always-overwrite",
-                    "install_name_tool -delete_rpath /opt/homebrew/lib " + app + "/Contents/MacOS/Tarvik",
-                    sign + app + "/Contents/Frameworks/libplist.dylib", sign + app + "/Contents/Helpers/tarvik",
-                    sign + app + "/Contents/Helpers/tarvik-practice",
-                    sign + app + "/Contents/MacOS/external-app-launcher",
-                    sign + app + "/Contents/PlugIns/platforms/libcocoa.dylib",
-                    sign + app + "/Contents/Frameworks/QtCore.framework",
-                    sign + "--entitlements Tarvik/macOS/Tarvik.entitlements " + app,
-                    "codesign --verify --deep --strict " + app,
-                    "hdiutil create -quiet -volname Tarvik -srcfolder build/package/image -format UDZO "
-                    "build/package/unfinished.dmg"));
+        ElementsAre(
+            "build release tarvik tarvik-practice tarvik-window external-app-launcher",
+            "ditto build/release/bin/Tarvik.app " + app,
+            "ditto build/release/bin/tarvik " + app + "/Contents/Helpers/tarvik",
+            "ditto build/release/bin/tarvik-practice " + app + "/Contents/Helpers/tarvik-practice",
+            "macdeployqt " + app + " -qmldir=Tarvik/Views -executable=" + app +
+                "/Contents/Helpers/tarvik -executable=" + app + "/Contents/Helpers/tarvik-practice -always-overwrite",
+            "install_name_tool -delete_rpath /opt/homebrew/lib " + app + "/Contents/MacOS/Tarvik",
+            sign + app + "/Contents/Frameworks/libplist.dylib", sign + app + "/Contents/Helpers/tarvik",
+            sign + app + "/Contents/Helpers/tarvik-practice", sign + app + "/Contents/MacOS/external-app-launcher",
+            sign + app + "/Contents/PlugIns/platforms/libcocoa.dylib",
+            sign + app + "/Contents/Frameworks/QtCore.framework",
+            sign + "--entitlements Tarvik/macOS/Tarvik.entitlements " + app, "codesign --verify --deep --strict " + app,
+            "hdiutil create -quiet -volname Tarvik -srcfolder build/package/image -format UDZO "
+            "build/package/unfinished.dmg"));
     EXPECT_THAT(images(), ElementsAre("Tarvik-1.2.3-arm64.dmg"));
     EXPECT_THAT(result.stdout, HasSubstr("The disk image is build/package/Tarvik-1.2.3-arm64.dmg\n"));
     EXPECT_EQ(fs::read_symlink(tree / "build/package/image/Applications"), "/Applications");
@@ -139,10 +140,9 @@ TEST_F(PackageScript, SignsWithAnIdentityAndNotarizes) {
     EXPECT_THAT(signatures, Contains("codesign --force --sign Acme Inc --timestamp --options runtime " + app +
                                      "/Contents/Helpers/tarvik"));
     EXPECT_EQ(signatures.back(), "codesign --force --sign Acme Inc --timestamp build/package/unfinished.dmg");
-    EXPECT_THAT(
-        callsOf("xcrun"),
-        ElementsAre("xcrun notarytool submit build/package/unfinished.dmg --keychain-profile a profile --wait",
-                    "xcrun stapler staple build/package/unfinished.dmg"));
+    EXPECT_THAT(callsOf("xcrun"),
+                ElementsAre("xcrun notarytool submit build/package/unfinished.dmg --keychain-profile a profile --wait",
+                            "xcrun stapler staple build/package/unfinished.dmg"));
 }
 
 TEST_F(PackageScript, EndsAtEveryStepThatFailsAndLeavesNoImage) {
@@ -168,8 +168,7 @@ TEST_F(PackageScript, RefusesToNotarizeWhatNobodySigned) {
 }
 
 TEST_F(PackageScript, TakesNoOtherAnswerOfTheNotaryForAYes) {
-    const auto result =
-        run({{"TARVIK_SIGN_IDENTITY", "A"}, {"TARVIK_NOTARY_PROFILE", "p"}, {"ANSWER", "Invalid"}});
+    const auto result = run({{"TARVIK_SIGN_IDENTITY", "A"}, {"TARVIK_NOTARY_PROFILE", "p"}, {"ANSWER", "Invalid"}});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.stderr, HasSubstr("status: Invalid\nIt was not notarized.\n"));
     EXPECT_EQ(callsOf("xcrun").size(), 1U);
@@ -193,8 +192,8 @@ TEST_F(PackageScript, PromisesNoOlderSystemThanItsLibrariesRunOn) {
     const auto result = run({{"MINOS", "14.10"}});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.stdout, HasSubstr("It needs macOS 14.10: libraries in it were built for that.\n"));
-    EXPECT_THAT(callsOf("plutil"), Contains("plutil -replace LSMinimumSystemVersion -string 14.10 " + app +
-                                            "/Contents/Info.plist"));
+    EXPECT_THAT(callsOf("plutil"),
+                Contains("plutil -replace LSMinimumSystemVersion -string 14.10 " + app + "/Contents/Info.plist"));
 }
 
 TEST_F(PackageScript, TriesWhetherThePackagedProgramsStart) {

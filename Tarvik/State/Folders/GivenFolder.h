@@ -6,8 +6,8 @@ namespace tarvik {
 
 class FoldersState;
 
-/// Takes the folder that the system asks the program to open, which a Mac does when one is dropped on the program's icon
-/// or opened with it, as if it had been chosen in the Folders tab, and lets that be shown.
+/// Takes the folder that the system asks the program to open, which a Mac does when one is dropped on the program's
+/// icon or opened with it, as if it had been chosen in the Folders tab, and lets that be shown.
 class GivenFolder : public QObject {
 public:
     /// `folders` must outlive `application`'s events.

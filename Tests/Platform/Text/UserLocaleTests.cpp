@@ -1,5 +1,4 @@
 #include "Platform/Text/UserLocale.h"
-
 #include "Support/EnvironmentVariable.h"
 
 #include <gtest/gtest.h>
