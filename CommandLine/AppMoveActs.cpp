@@ -53,7 +53,6 @@ std::vector<std::string> remarksOf(const Host& host, const AppMove::Plan& plan) 
         remarks.push_back(fmt::format("{} is running: quit it before it moves.", name));
     for (const auto& entry : plan.risky)
         for (const auto& warning : entry.warnings()) remarks.push_back(fmt::format("{}: {}", entry.name, warning));
-    remarks.insert(remarks.end(), plan.doubts.begin(), plan.doubts.end());
     return remarks;
 }
 

@@ -4,7 +4,7 @@ import Qt.labs.platform as Platform
 import Tarvik
 
 /// The menus above the window. Those of the program itself (Services, Hide, Show All, Quit) come from the system, which
-/// puts what has a role of its own there too.
+/// puts what has a role of its own there too, and adds Enter Full Screen to the menu that is called View.
 Platform.MenuBar {
     id: bar
 
@@ -80,12 +80,6 @@ Platform.MenuBar {
             shortcut: bar.acts.refreshKeys
             enabled: bar.isEnabled
             onTriggered: AppState.refreshAll()
-        }
-        Platform.MenuSeparator {}
-        Platform.MenuItem {
-            text: bar.acts.window?.visibility === Window.FullScreen ? "Exit Full Screen" : "Enter Full Screen"
-            shortcut: bar.acts.fullScreenKeys
-            onTriggered: bar.acts.toggleFullScreen()
         }
         Platform.MenuSeparator {}
     }

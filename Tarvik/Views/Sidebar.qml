@@ -32,6 +32,7 @@ Rectangle {
             objectName: "appName"
             Layout.preferredHeight: Theme.toolbarHeight
             Layout.leftMargin: Theme.small
+            implicitWidth: implicitContentWidth
             text: "Tarvik"
             focusPolicy: Qt.NoFocus
             Accessible.role: Accessible.Heading

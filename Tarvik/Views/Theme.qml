@@ -76,6 +76,10 @@ QtObject {
     readonly property int textSize: 13
     readonly property int captionSize: 12
 
+    /// Whether a drawing with the processor may be kept as a picture: on a screen of more pixels than points that stays
+    /// empty.
+    readonly property bool keepsPictures: Array.from(Qt.application.screens).every(screen => screen.devicePixelRatio === 1)
+
     readonly property int quick: 120
     readonly property int calm: 170
     /// How long a message stays, in milliseconds.

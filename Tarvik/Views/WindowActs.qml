@@ -6,8 +6,9 @@ QtObject {
     id: acts
 
     required property Window window
-    readonly property var quitKeys: StandardKey.Quit
-    readonly property var closeKeys: StandardKey.Close
+    // Not as the desktop has them: some have none.
+    readonly property string quitKeys: "Ctrl+Q"
+    readonly property string closeKeys: "Ctrl+W"
     readonly property var fullScreenKeys: StandardKey.FullScreen
     readonly property string minimizeKeys: "Ctrl+M"
     readonly property string refreshKeys: "Ctrl+R"

@@ -228,6 +228,17 @@ TEST_F(AppMoveTest, IsRefusedToADriveThatCannotBeWrittenTo) {
               "Backup is read-only. Choose a drive that can be written to.");
 }
 
+TEST_F(AppMoveTest, TellsInItsQuestionWhatAnApplicationLosesOnADrive) {
+    test::makeFile(applications / "Store.app/Contents/_MASReceipt/receipt");
+    const auto plan = planned({made("Store"), made("Editor")}, false);
+    EXPECT_THAT(AppMove::confirmMove(plan).details,
+                ElementsAre("The App Store may not update Store on a drive: move back before an update."));
+    test::makeFolder(onDrive);
+    fs::rename(applications / "Store.app", onDrive / "Store.app");
+    test::makeLink(applications / "Store.app", onDrive / "Store.app");
+    EXPECT_THAT(planned({entryOf(applications / "Store.app")}, false).doubts, IsEmpty()) << "it does not move";
+}
+
 TEST_F(AppMoveTest, TellsInItsQuestionWhichOfTwoOfOneNameStays) {
     const auto own = world.home / "Applications/Quill.app";
     test::makeBundle(own);

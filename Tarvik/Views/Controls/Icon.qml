@@ -25,7 +25,7 @@ Item {
     Accessible.ignored: true
     // Drawn with the processor, a shape that moves paints over what hides it; the picture of one does not. But the
     // picture does not follow a change of the shape: it is made anew.
-    layer.enabled: keepsPicture && GraphicsInfo.api === GraphicsInfo.Software
+    layer.enabled: keepsPicture && Theme.keepsPictures && GraphicsInfo.api === GraphicsInfo.Software
     Component.onCompleted: keepsPicture = true
     onColorChanged: renewPicture()
     onNameChanged: renewPicture()

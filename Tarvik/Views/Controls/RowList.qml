@@ -27,6 +27,7 @@ ListView {
 
     /// Made when it is first asked for: most lists are never asked.
     property var menu: null
+    property bool showedFocusBeforeMenu: false
 
     function openMenu(row, x, y) {
         if (!row?.item)
@@ -34,6 +35,7 @@ ListView {
         if (menu === null)
             menu = menuMaker.createObject(list);
         menu.item = row.item;
+        showedFocusBeforeMenu = showsFocus;
         menu.popup(list, x, y);
         return true;
     }
@@ -60,7 +62,12 @@ ListView {
 
     Component {
         id: menuMaker
-        ItemMenu {}
+        ItemMenu {
+            onClosed: {
+                list.forceActiveFocus(Qt.PopupFocusReason);
+                list.showsFocus = list.showedFocusBeforeMenu;
+            }
+        }
     }
     TapHandler {
         acceptedButtons: Qt.RightButton

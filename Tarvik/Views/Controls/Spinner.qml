@@ -17,7 +17,7 @@ Item {
         anchors.fill: parent
         antialiasing: true
         // As in `Icon`.
-        layer.enabled: GraphicsInfo.api === GraphicsInfo.Software
+        layer.enabled: Theme.keepsPictures && GraphicsInfo.api === GraphicsInfo.Software
         layer.smooth: true
 
         ShapePath {

@@ -33,7 +33,7 @@ TEST_F(FullDiskAccessCommand, IsToldOfOnceByWhatLooksAround) {
         EXPECT_EQ(finished.errors, line) << verb;
         EXPECT_THAT(finished.output, Not(HasSubstr("Full Disk Access"))) << verb;
     }
-    EXPECT_THAT(world.run(world.moveOfLibrary({"--yes"})).errors, StartsWith(line));
+    EXPECT_THAT(runProgram(world.command, world.moveOfLibrary({"--yes"})).errors, StartsWith(line));
 }
 
 TEST_F(FullDiskAccessCommand, IsNotToldOfWhereNothingIsKept) {

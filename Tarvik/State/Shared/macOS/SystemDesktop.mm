@@ -13,11 +13,7 @@ namespace {
 
 class MacDesktop : public Desktop {
 public:
-    MacDesktop() : Desktop(nullptr) {
-        // The window's own menu has the item for the full screen: the system adds none (AppKit release notes, OS
-        // X 10.11).
-        [NSUserDefaults.standardUserDefaults registerDefaults:@{@"NSFullScreenMenuItemEverywhere" : @NO}];
-    }
+    MacDesktop() : Desktop(nullptr) {}
 
     bool hasMenuBar() const override { return true; }
     QString revealText() const override { return QStringLiteral("Reveal in Finder"); }

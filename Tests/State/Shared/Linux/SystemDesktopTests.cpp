@@ -15,6 +15,12 @@
 namespace tarvik::test {
 namespace {
 
+/// Where the bus would be. One for all tests: the library remembers the first address that it has read.
+fs::path busSocket() {
+    static const TemporaryFolder folder;
+    return folder / "bus";
+}
+
 /// A desktop without a file manager on the bus, whose opener of folders is a script that notes what it is given.
 class SystemDesktop : public testing::Test {
 protected:
@@ -33,7 +39,7 @@ protected:
     }
 
     TemporaryFolder folder;
-    EnvironmentVariable bus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder / "no-bus").native()};
+    EnvironmentVariable bus{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + busSocket().native()};
     EnvironmentVariable path{"PATH", (folder / "bin").native() + ":/usr/bin:/bin"};
     std::unique_ptr<Desktop> desktop = makeSystemDesktop();
     QString told;
@@ -74,13 +80,14 @@ class SystemDesktopWithFileManager : public SystemDesktop {
 protected:
     SystemDesktopWithFileManager() {
         makeFile(folder / "bus.conf",
-                 "<busconfig><type>session</type><listen>unix:path=" + (folder / "no-bus").native() +
-                     "</listen><policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+                 "<busconfig><type>session</type><listen>unix:path=" + busSocket().native() +
+                     "</listen><policy context='default'><allow send_destination='*' eavesdrop='true'/><allow "
+                     "eavesdrop='true'/>"
                      "<allow own='*'/></policy></busconfig>");
         daemon.start("dbus-daemon", {"--nofork", "--config-file=" + QString::fromStdString(folder / "bus.conf")});
-        spinUntil([&] { return fs::exists(folder / "no-bus"); });
-        auto connection = QDBusConnection::connectToBus("unix:path=" + QString::fromStdString(folder / "no-bus"),
-                                                        "test-file-manager");
+        spinUntil([&] { return fs::exists(busSocket()); });
+        auto connection =
+            QDBusConnection::connectToBus("unix:path=" + QString::fromStdString(busSocket()), "test-file-manager");
         EXPECT_TRUE(connection.registerVirtualObject("/org/freedesktop/FileManager1", &manager));
         EXPECT_TRUE(connection.registerService("org.freedesktop.FileManager1"));
         makeOpener();
@@ -90,6 +97,7 @@ protected:
         QDBusConnection::disconnectFromBus("test-file-manager");
         daemon.kill();
         daemon.waitForFinished();
+        fs::remove(busSocket());
     }
 
     QProcess daemon;
