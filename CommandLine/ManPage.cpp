@@ -47,7 +47,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 7> remarks =
      "The copies stand in a folder with the date as its name; it is complete when backup.json stands in "
      "it."},
     {"completion",
-     "For bash, put \"source <(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
+     "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "
      "fpath. For fish, save it as ~/.config/fish/completions/tarvik.fish. An installed package has done so already."},
 }};
