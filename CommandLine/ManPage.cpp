@@ -56,7 +56,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks =
      "with two (reverted) needs --strategy: reclaimReverted or reSymlinkReverted. What has changed since the check is "
      "left alone."},
     {"completion",
-     "For bash, put \"source <(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
+     "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "
      "fpath. For fish, save it as ~/.config/fish/completions/tarvik.fish. An installed package has done so already."},
 }};

@@ -7,8 +7,8 @@ namespace tarvik::Appearance {
 /// made.
 void forceLight();
 
-/// Gives the window its icon, and tells the desktop which of its entries the window belongs to. On a Mac both are in the
-/// bundle. UI thread, with the application object made.
+/// Gives the window its icon, and tells the desktop which of its entries the window belongs to. On a Mac both are in
+/// the bundle. UI thread, with the application object made.
 void identify();
 
 /// Whether something can draw faster than the processor does.

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <regex>
 #include <set>
 
@@ -50,7 +51,33 @@ void gather(const CommandDescription& command, std::vector<std::string> words, s
     }
 }
 
+/// How often each text of help stands in it: that of an argument or an option may be there for several verbs.
+void countTexts(const CommandDescription& command, std::map<std::string, int>& counts) {
+    for (const auto& argument : command.arguments) ++counts[argument.text];
+    for (const auto& option : command.options) ++counts[option.text];
+    for (const auto& verb : command.verbs) {
+        if (verb.verbs.empty()) ++counts[verb.text];
+        countTexts(verb, counts);
+    }
+}
+
+int timesIn(const std::string& text, const std::string& part) {
+    int times = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++times;
+    return times;
+}
+
 }  // namespace
+
+TEST(ManPage, HasEachTextOfHelpAsOftenAsHelpHasIt) {
+    const auto page = formatted(pageOfCommand());
+    if (page.status == 127) TARVIK_SKIP_BECAUSE("mandoc is not installed");
+    std::map<std::string, int> counts;
+    countTexts(describe(), counts);
+    EXPECT_GT(counts.size(), 20U);
+    const auto text = withoutOverstrikes(page.output);
+    for (const auto& [part, count] : counts) EXPECT_GE(timesIn(text, part), count) << part;
+}
 
 TEST(ManPage, HasEachVerbAndEachOptionOfHelp) {
     const auto page = formatted(pageOfCommand());

@@ -19,6 +19,7 @@ constexpr const char* oddName = "Zoë's \"Box\" & $5!";
 
 /// A shell at a terminal, as a user starts it, in which the command is completed by its own script.
 struct Shell {
+    const char* label;
     const char* name;
     std::vector<std::string> arguments;
     /// Makes `show` print its arguments, each in angle brackets, and reads the script.
@@ -27,13 +28,21 @@ struct Shell {
 
 const std::vector<Shell> shells = {
     {"bash",
+     "bash",
      {"--norc", "--noprofile", "-i"},
-     "show() { printf '<%s>' \"$@\"; printf '\\n'; }; source <(tarvik completion bash)"},
+     "show() { printf '<%s>' \"$@\"; printf '\\n'; }; eval \"$(tarvik completion bash)\""},
     {"zsh",
+     "zsh",
      {"-f", "-i"},
      "show() { printf '<%s>' \"$@\"; printf '\\n' }; autoload -U compinit; compinit -u -D; unsetopt auto_remove_slash; "
      "source <(tarvik completion zsh)"},
+    {"zshWithItsLoader",
+     "zsh",
+     {"-f", "-i"},
+     "show() { printf '<%s>' \"$@\"; printf '\\n' }; tarvik completion zsh >../_tarvik; fpath=(.. $fpath); "
+     "autoload -U compinit; compinit -u -D; unsetopt auto_remove_slash"},
     {"fish",
+     "fish",
      {"--no-config", "-i"},
      "function show; printf '<%s>' $argv; printf '\\n'; end; tarvik completion fish | source"},
 };
@@ -107,6 +116,6 @@ TEST_P(ShellCompletion, CompletesPaths) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Real, ShellCompletion, testing::ValuesIn(shells),
-                         [](const auto& shell) { return std::string(shell.param.name); });
+                         [](const auto& shell) { return std::string(shell.param.label); });
 
 }  // namespace tarvik
