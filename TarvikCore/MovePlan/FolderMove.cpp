@@ -46,6 +46,7 @@ MoveJob plan(const Host& host, const fs::path& folder, const DriveInfo& drive, c
     MoveJob job(source.filename(), source, AppStorageNames::foldersRootOn(drive.mountPath) / source.filename(),
                 JobStatus::pending(), size, 0);
     job.driveMark = DriveScanner::markOf(host, drive.mountPath).value_or(std::string());
+    job.drive = drive;
     return job;
 }
 

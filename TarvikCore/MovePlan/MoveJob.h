@@ -2,6 +2,7 @@
 
 #include "Move/JobStatus.h"
 #include "Platform/Basics/Path.h"
+#include "Platform/Storage/DriveInfo.h"
 
 #include <cstdint>
 #include <optional>
@@ -30,6 +31,8 @@ struct MoveJob {
     /// What `DriveScanner::markOf` told of the drive that is meant: empty when it was not there. Nothing for a job that
     /// goes to whatever drive stands at its place.
     std::optional<std::string> driveMark;
+    /// That drive as it was known then, by which it is told what it cannot hold.
+    std::optional<DriveInfo> drive;
 };
 
 }  // namespace tarvik

@@ -59,6 +59,7 @@ public:
           m_host(host),
           m_apps(AppStorageNames::appsRootOn(drive.mountPath)),
           m_data(AppStorageNames::dataRootOn(drive.mountPath)),
+          m_drive(drive),
           m_driveMark(DriveScanner::markOf(host, drive.mountPath).value_or(std::string())) {}
 
     void addBundle(const AppEntry& entry) {
@@ -86,6 +87,7 @@ public:
             const auto bytes = item.isBundle ? item.bytes : SizingService::size(m_host, item.source, cancellation);
             jobs.emplace_back(item.label, item.source, item.destination, JobStatus::pending(), bytes, 0);
             jobs.back().driveMark = m_driveMark;
+            jobs.back().drive = m_drive;
         }
         return jobs;
     }
@@ -123,6 +125,7 @@ private:
     const Host& m_host;
     const fs::path m_apps;
     const fs::path m_data;
+    const DriveInfo m_drive;
     const std::string m_driveMark;
     Places m_destinations;
     /// Volume, number and name of each source.

@@ -10,14 +10,11 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/KeptAwake.h"
 #include "Platform/Storage/DriveGuard.h"
-#include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <optional>
-#include <string>
 #include <utility>
 
 namespace tarvik::MoveRun {
@@ -31,13 +28,6 @@ bool standsOnDriveByNow(const Host& host, const fs::path& source, const fs::path
     return real && Files::isAtOrBelow(*real, Files::resolved(drivePath).value_or(drivePath));
 }
 
-/// What the drive cannot hold of the item.
-std::optional<std::string> limitOf(const Host& host, const fs::path& source, const fs::path& drivePath) {
-    for (const DriveInfo& drive : DriveScanner::scan(host))
-        if (drive.mountPath == drivePath) return DriveLimits::refusal(source, drive);
-    return std::nullopt;
-}
-
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
                     bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
     try {
@@ -48,7 +38,9 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
         if (standsOnDriveByNow(host, job.source, drivePath))
             return JobStatus::failed(
                 fmt::format("{} stays: it has been moved by now.", job.source.filename().native()));
-        if (auto refusal = limitOf(host, job.source, drivePath)) return JobStatus::failed(std::move(*refusal));
+        if (job.drive)
+            if (auto refusal = DriveLimits::refusal(job.source, *job.drive))
+                return JobStatus::failed(std::move(*refusal));
         if (auto refusal = MoveRefusal::ofContents(job.source)) return JobStatus::failed(std::move(*refusal));
         if (auto refusal = AppManagement::refusalOf(job.source)) return JobStatus::failed(std::move(*refusal));
         notify(status, index, JobStatus::copying(0));

@@ -131,6 +131,7 @@ TEST_F(AppMoveTest, TellsWhatTheDriveCannotHold) {
                                              (editor.bundlePath / "Contents/Current").native() +
                                              " is a symlink, and exFAT holds none. Choose another drive."));
     EXPECT_THAT(AppMove::confirmMove(plan).details, testing::Contains(testing::HasSubstr("keeps no permissions")));
+    EXPECT_EQ(plan.jobs.at(0).drive, plan.drive) << "the run is to know it too";
 }
 
 TEST_F(AppMoveTest, CountsOnThePlaceOfACopyThatAKilledMoveHasLeft) {

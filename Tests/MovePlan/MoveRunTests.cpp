@@ -137,8 +137,8 @@ TEST_F(MoveRunTest, CopiesNothingOfWhatCouldNotBeRemoved) {
 
 TEST_F(MoveRunTest, CopiesNothingThatTheDriveCannotHold) {
     makeLink(jobs[1].source / "link", "file");
-    world.volumes->list[0].keepsLinks = false;
-    world.volumes->list[0].isBrowsable = true;
+    for (MoveJob& job : jobs) job.drive = world.driveInfo();
+    jobs[1].drive->keepsLinks = false;
     run();
     EXPECT_EQ(jobs[0].status, JobStatus::done());
     EXPECT_EQ(
