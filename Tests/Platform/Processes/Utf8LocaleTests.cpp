@@ -14,7 +14,7 @@ TEST(Utf8Locale, IsTheFirstThatTheSystemKnows) {
 
 TEST(Utf8Locale, IsKnownHere) {
     EXPECT_TRUE(Utf8Locale::name().ends_with(".UTF-8"));
-    EXPECT_NO_THROW(std::locale(Utf8Locale::name()));
+    EXPECT_NO_THROW(const std::locale known(Utf8Locale::name()));
 }
 
 }  // namespace tarvik::test
