@@ -1,0 +1,49 @@
+// The window over a machine of a Mac's volumes.
+#include "MacWindow.h"
+#include "Platform/Files/Files.h"
+#include "Support/Tree.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace tarvik::test {
+
+TEST_F(MacWindow, MovesAFolderToEachDriveAndBringsItBack) {
+    auto& window = open();
+    for (const auto* drive : {"Extended", "Card"}) {
+        const fs::path photos = mac->atHome(std::string("Photos d'\u00E9t\u00E9 ") + drive);
+        makeFile(photos / "Lac L\u00E9man.raw", "water");
+        makeOld(photos);
+        const std::string before = contentsOf(photos);
+        const QString job = "job-" + QString::fromStdString(photos.filename());
+        move(photos, drive);
+        ASSERT_TRUE(window.waitForText(job + "/transferStatus", "Done"));
+        EXPECT_TRUE(leadsTo(photos, mac->at("Volumes") / drive / "ExternalTarvik/Folders" / photos.filename()));
+        EXPECT_EQ(contentsOf(photos / "."), before);
+        window.click(job + "/moveBackButton");
+        window.click("alertButton-0");
+        ASSERT_TRUE(window.waitForText("restoreRow/transferStatus", "Done"));
+        EXPECT_FALSE(Files::isSymbolicLink(photos));
+        EXPECT_EQ(contentsOf(photos), before);
+        window.click("closeRunButton");
+        ASSERT_TRUE(window.waitUntilHidden("jobsPanel"));
+    }
+}
+
+TEST_F(MacWindow, SaysWhatPrivacyKeepsFromBeingMoved) {
+    const fs::path letters = mac->atHome("Letters");
+    makeFile(letters / "one", "dear");
+    keepPrivate(letters);
+    auto& window = open();
+    window.click("drive-Extended");
+    window.chooseFolder(letters);
+    ASSERT_TRUE(window.waitUntil([&] { return window.isEnabled("moveButton"); }));
+    window.click("moveButton");
+    EXPECT_TRUE(window.waitUntilShown("errorToast"));
+    EXPECT_TRUE(window.text("errorToast/toastText").contains("Letters can't be moved"))
+        << window.text("errorToast/toastText").toStdString();
+    EXPECT_FALSE(Files::itemExists(mac->extended / "ExternalTarvik"));
+}
+
+}  // namespace tarvik::test
