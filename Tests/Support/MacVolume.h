@@ -1,15 +1,14 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
-#include "Platform/Files/FileDescriptor.h"
 #include "Support/MacAttributes.h"
 #include "Support/RealVolume.h"
 
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 
 namespace tarvik::test {
 
@@ -46,10 +45,10 @@ public:
     static std::optional<std::string> unavailableReason();
 
 private:
+    struct Program;
+
     fs::path m_path;
-    pid_t m_program = -1;
-    FileDescriptor m_orders;
-    FileDescriptor m_answers;
+    std::unique_ptr<Program> m_program;
 };
 
 // What an item of such a volume bears, and keeps wherever it goes on it. The marks of items that stand on another kind

@@ -1,5 +1,6 @@
 #include "Support/MacVolume.h"
 
+#include "Platform/Files/FileDescriptor.h"
 #include "Support/World.h"
 
 #include <fmt/format.h>
@@ -8,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <memory>
 #include <spawn.h>
 #include <stdexcept>
 #include <string_view>
@@ -75,6 +77,27 @@ void setSwitch(const fs::path& item, const char* name, bool isOn) {
 
 }  // namespace
 
+/// The running program that serves the volume. What still waits for its answer when it is ended gets an error.
+struct MacVolume::Program {
+    explicit Program(std::vector<std::string> words) {
+        auto [ordersRead, ordersWritten] = makePipe();
+        auto [answersRead, answersWritten] = makePipe();
+        process = start(std::move(words), ordersRead, answersWritten);
+        orders = std::move(ordersWritten);
+        answers = std::move(answersRead);
+    }
+    ~Program() {
+        ::kill(process, SIGKILL);
+        while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) continue;
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    pid_t process = -1;
+    FileDescriptor orders;
+    FileDescriptor answers;
+};
+
 MacVolume::MacVolume(const fs::path& folder, std::initializer_list<Habit> habits) : MacVolume(folder, folder, habits) {}
 
 MacVolume::MacVolume(const fs::path& folder, const fs::path& mountPath, std::initializer_list<Habit> habits) {
@@ -82,28 +105,18 @@ MacVolume::MacVolume(const fs::path& folder, const fs::path& mountPath, std::ini
     m_path = fs::canonical(mountPath);
     std::vector<std::string> words = {programOfThisBuild("mac-volume"), fs::canonical(folder), m_path};
     for (const Habit habit : habits) words.push_back(nameOf(habit));
-    auto [ordersRead, ordersWritten] = makePipe();
-    auto [answersRead, answersWritten] = makePipe();
-    m_program = start(std::move(words), ordersRead, answersWritten);
-    m_orders = std::move(ordersWritten);
-    m_answers = std::move(answersRead);
-    answersWritten.close();  // Then the end of the program is the end of its answers.
-    if (lineFrom(m_answers) == "ready") return;
-    ::waitpid(m_program, nullptr, 0);
-    throw std::runtime_error("no volume on " + m_path.native());
+    m_program = std::make_unique<Program>(std::move(words));
+    if (lineFrom(m_program->answers) != "ready") throw std::runtime_error("no volume on " + m_path.native());
 }
 
 MacVolume::~MacVolume() {
     ::umount2(m_path.c_str(), MNT_DETACH);
-    // What still waits for an answer gets an error.
-    ::kill(m_program, SIGKILL);
-    while (::waitpid(m_program, nullptr, 0) < 0 && errno == EINTR) continue;
 }
 
 void MacVolume::set(Habit habit, bool isOn) {
     const std::string order = fmt::format("{} {}\n", nameOf(habit), isOn ? "on" : "off");
-    if (::write(m_orders.get(), order.data(), order.size()) != static_cast<ssize_t>(order.size()) ||
-        lineFrom(m_answers) != "ok")
+    if (::write(m_program->orders.get(), order.data(), order.size()) != static_cast<ssize_t>(order.size()) ||
+        lineFrom(m_program->answers) != "ok")
         throw std::runtime_error("the volume does not obey");
 }
 

@@ -12,6 +12,8 @@ namespace {
 
 }  // namespace
 
+struct MacVolume::Program {};
+
 MacVolume::MacVolume(const fs::path&, std::initializer_list<Habit>) {
     failWithoutNeed();
 }
