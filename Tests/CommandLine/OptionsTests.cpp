@@ -160,11 +160,11 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(
         sentenceOf({}),
         "What shall be done? Name one of: drives, apps, links, launchers, move app, move folder, move restore, backup "
-        "create, backup list, completion.");
+        "create, backup list, health, health repair, completion.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
-              "create, backup list, completion.");
+              "create, backup list, health, health repair, completion.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
@@ -180,7 +180,7 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({"--quick", "frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
-              "create, backup list, completion.");
+              "create, backup list, health, health repair, completion.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
@@ -206,7 +206,18 @@ TEST(Options, RefusesAnOptionWithoutItsValueOrGivenTwice) {
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", "A", "--drive", "B"}), "--drive can be given only once.");
     EXPECT_EQ(sentenceOf({"drives", "--yes=maybe"}), "--yes takes no value.");
     EXPECT_EQ(sentenceOf({"drives", "--yes=1"}), "--yes takes no value.");
+    EXPECT_EQ(sentenceOf({"health", "fix"}), "There is no \"health fix\". There is: health, health repair.");
+    EXPECT_EQ(sentenceOf({"health", "--strategy=x"}), "--strategy belongs to health repair alone.");
+    EXPECT_EQ(sentenceOf({"health", "repair", ""}), "A PATH is empty.");
     EXPECT_TRUE(optionsOf({"drives", "--yes", "--yes"}).yes);
+}
+
+TEST(Options, TakesPlacesAndAStrategyForARepair) {
+    EXPECT_EQ(optionsOf({"health"}).verb, Options::Verb::health);
+    EXPECT_EQ(optionsOf({"health", "repair"}).verb, Options::Verb::healthRepair);
+    const auto options = optionsOf({"health", "repair", "/a", "--strategy", "reclaimReverted", "--", "-b"});
+    EXPECT_EQ(options.paths, (std::vector<fs::path>{"/a", "-b"}));
+    EXPECT_EQ(options.strategy, "reclaimReverted");
 }
 
 TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
@@ -214,6 +225,7 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     const std::string folder = "tarvik move folder PATH --drive DRIVE";
     const std::string restore = "tarvik move restore NAME|PATH...";
     const std::string backups = "tarvik backup create PATH... --drive DRIVE\n       tarvik backup list --drive DRIVE";
+    const std::string health = "tarvik health\n       tarvik health repair [PATH...] [--strategy STRATEGY]";
     EXPECT_EQ(usageFor({"drives", "x"}), "tarvik drives");
     EXPECT_EQ(usageFor({"move", "folder"}), folder);
     EXPECT_EQ(usageFor({"move", "folder", "/f", "--drive"}), folder);
@@ -224,9 +236,10 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     EXPECT_EQ(
         usageFor({}),
         "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       tarvik launchers [--repair]\n       " +
-            app + "\n       " + folder + "\n       " + restore + "\n       " + backups +
+            app + "\n       " + folder + "\n       " + restore + "\n       " + backups + "\n       " + health +
             "\n       tarvik completion SHELL");
     EXPECT_EQ(usageFor({"backup"}), backups);
+    EXPECT_EQ(usageFor({"health", "x"}), health);
 }
 
 TEST(Options, GivesHelpAndVersionAsText) {
@@ -254,7 +267,7 @@ TEST(Options, GivesTheScriptOfAShellAsText) {
 TEST(Options, DescribesWhatHelpShows) {
     const auto command = describe();
     EXPECT_EQ(command.name, "tarvik");
-    EXPECT_EQ(command.usages.size(), 10U);
+    EXPECT_EQ(command.usages.size(), 12U);
     EXPECT_EQ(command.options.front().names, (Arguments{"-h", "--help"}));
     const auto& move =
         *std::find_if(command.verbs.begin(), command.verbs.end(), [](const auto& verb) { return verb.name == "move"; });

@@ -26,10 +26,7 @@ Item {
             Row {
                 anchors.horizontalCenter: parent.horizontalCenter
                 spacing: Theme.small
-                Spinner {
-                    anchors.verticalCenter: parent.verticalCenter
-                    running: parent.visible
-                }
+                Spinner { anchors.verticalCenter: parent.verticalCenter }
                 Label {
                     objectName: "scanningText"
                     anchors.verticalCenter: parent.verticalCenter

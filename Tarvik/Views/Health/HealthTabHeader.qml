@@ -19,7 +19,6 @@ ColumnLayout {
         Spinner {
             objectName: "rescanSpinner"
             visible: HealthState.isScanningHealth && HealthState.hasReport
-            running: visible
         }
         Button {
             objectName: "scanButton"

@@ -1,0 +1,115 @@
+#include "CommandLine/CommandWorld.h"
+#include "CommandLine/Lines.h"
+#include "Platform/Files/Files.h"
+#include "Support/Bundles.h"
+#include "Support/Tree.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <toml++/toml.h>
+
+namespace tarvik {
+
+namespace {
+
+using test::columnOf;
+using test::CommandWorld;
+using test::linesOf;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+/// A practice machine has one healthy link, one whose drive is away, a launcher that opens nothing, a folder whose
+/// application has no launcher, an application that stands here and on a drive, and bundles that nothing leads to.
+struct HealthCommandWorld : CommandWorld {
+    fs::path applications = machine.root / "Applications";
+    fs::path unplugged = applications / "Unplugged.app";
+    fs::path twice = applications / "Twice.app";
+    fs::path twiceOnDrive = machine.drives.front() / "ExternalTarvik/Apps/Twice.app";
+};
+
+}  // namespace
+
+TEST(HealthCommand, ShowsFiguresSectionsAndTheLargest) {
+    const HealthCommandWorld world;
+    const auto before = test::pictureOf(world.machine.root);
+    const auto finished = world.run({"health"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_THAT(finished.errors, testing::MatchesRegex("[0-9]+ problems were found.\n"));
+    EXPECT_THAT(linesOf(finished.output).front(),
+                testing::MatchesRegex("Healthy 1  Problems [0-9]+  Scanned 2  Drives 2"));
+    EXPECT_THAT(finished.output, HasSubstr("\nDangling symlinks (1)\n  Unplugged.app\n    " + world.unplugged.native() +
+                                           "\n    Target does not exist. The external drive may be unmounted, or the "
+                                           "file was deleted.\n    → "));
+    EXPECT_THAT(finished.output, HasSubstr("\nReverted by auto-updater (1)  Total reclaimable: "));
+    EXPECT_THAT(finished.output, HasSubstr("\nTop 10 largest healthy symlinked apps\n"));
+    EXPECT_EQ(test::pictureOf(world.machine.root), before) << "it only looks";
+}
+
+TEST(HealthCommand, TellsProgramsAllThatWasFound) {
+    const HealthCommandWorld world;
+    const auto tsv = world.run({"health", "--format", "tsv"});
+    EXPECT_EQ(tsv.status, 1);
+    EXPECT_EQ(linesOf(tsv.output).front(), "kind\tlocation\ttarget\tbytes\tdetail");
+    const auto kinds = columnOf(tsv.output, "kind");
+    EXPECT_EQ(kinds.front(), "healthy");
+    EXPECT_THAT(kinds, Contains("brokenLauncher"));
+    EXPECT_THAT(columnOf(tsv.output, "location"), Contains(world.unplugged.native()));
+    const auto toml = toml::parse(world.run({"health", "--format", "toml"}).output);
+    EXPECT_EQ(toml["healthy"].value<int>(), 1);
+    EXPECT_EQ(toml["scanned"].value<int>(), 2);
+    EXPECT_EQ(toml["drives"].as_array()->size(), 2U);
+    EXPECT_EQ(toml["issues"].as_array()->size(), kinds.size());
+    EXPECT_EQ(toml["problems"].value<int>(), static_cast<int>(kinds.size()) - 1);
+}
+
+TEST(HealthRepairCommand, RepairsAllThatLeavesNoChoice) {
+    const HealthCommandWorld world;
+    const auto finished = world.run({"health", "repair", "--yes"});
+    EXPECT_EQ(finished.status, 0) << finished.errors;
+    EXPECT_THAT(finished.output, HasSubstr("Removed dead symlink Unplugged.app.\n"));
+    EXPECT_FALSE(fs::is_symlink(world.unplugged));
+    EXPECT_TRUE(Files::exists(world.twiceOnDrive)) << "that needs a choice";
+    const auto kinds = columnOf(world.run({"health", "--format", "tsv"}).output, "kind");
+    for (const char* gone : {"dangling", "orphan", "missingSpotlightLaunchers"})
+        EXPECT_THAT(kinds, Not(Contains(gone)));
+    EXPECT_THAT(kinds, Contains("reverted"));
+}
+
+TEST(HealthRepairCommand, AsksFirstAndNamesWhatItDoesToEach) {
+    const HealthCommandWorld world;
+    const auto before = test::pictureOf(world.machine.root);
+    const auto refused = world.run({"health", "repair", world.unplugged});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, HasSubstr(world.unplugged.native() + ": remove the link."));
+    EXPECT_EQ(test::pictureOf(world.machine.root), before);
+}
+
+TEST(HealthRepairCommand, NeedsTheStrategyOfWhatHasTwo) {
+    const HealthCommandWorld world;
+    const auto unnamed = world.run({"health", "repair", world.twice, "--yes"});
+    EXPECT_EQ(unnamed.status, 1);
+    EXPECT_EQ(unnamed.errors,
+              "What was found at " + world.twice.native() + " has no repair, or several: name one with --strategy.\n");
+    const auto named =
+        world.run({"health", "repair", world.twice, "--strategy", "reclaimReverted", "--yes", "--format", "tsv"});
+    EXPECT_EQ(named.status, 0) << named.errors;
+    EXPECT_EQ(columnOf(named.output, "strategy").at(0), "reclaimReverted");
+    EXPECT_EQ(columnOf(named.output, "state").at(0), "done");
+    EXPECT_THAT(columnOf(named.output, "description").at(0), HasSubstr("Reclaimed stale SSD copy of Twice.app."));
+    EXPECT_TRUE(fs::is_directory(world.twice));
+}
+
+TEST(HealthRepairCommand, SaysWhatIsWrongWithItsArguments) {
+    const HealthCommandWorld world;
+    const auto fine = world.applications / "Faraway.app";
+    EXPECT_EQ(world.run({"health", "repair", fine, "--yes"}).errors,
+              "Nothing was found wrong with " + fine.native() + ".\n");
+    const auto unknown = world.run({"health", "repair", "--strategy", "magic"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_THAT(unknown.errors, HasSubstr("There is no strategy \"magic\". There is: removeDangling, "));
+    EXPECT_EQ(world.run({"health", "repair", world.unplugged, "--strategy", "removeOrphan", "--yes"}).errors,
+              "What was found at " + world.unplugged.native() + " has no repair removeOrphan.\n");
+}
+
+}  // namespace tarvik
