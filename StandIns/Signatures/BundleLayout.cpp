@@ -37,7 +37,8 @@ Form formOf(const fs::path& root) {
     if (Files::itemExists(contents)) return {contents, contents / "Info.plist", contents / "MacOS"};
     if (Files::itemExists(root / "Versions")) {
         const fs::path current = Files::resolved(root / "Versions/Current").value_or(fs::path());
-        if (current.parent_path() == root / "Versions") return {current, current / "Resources/Info.plist", current, true};
+        if (current.parent_path() == root / "Versions")
+            return {current, current / "Resources/Info.plist", current, true};
     }
     const bool isAtTop = Files::itemExists(root / "Info.plist");
     return {root, root / (isAtTop ? "Info.plist" : "Resources/Info.plist"), root};
@@ -50,7 +51,8 @@ BundleLayout BundleLayout::at(const fs::path& path) {
     if (::stat(path.c_str(), &status) != 0) throw SignatureFailure(path, systemErrorText(errno));
     const auto root = Files::resolved(path);
     if (!root) throw SignatureFailure(path, systemErrorText(ENOENT));
-    if (!Files::isFolder(*root)) throw SignatureFailure(path, isMachO(*root) ? Sentences::unsupported : Sentences::notSigned);
+    if (!Files::isFolder(*root))
+        throw SignatureFailure(path, isMachO(*root) ? Sentences::unsupported : Sentences::notSigned);
 
     const Form form = formOf(*root);
     BundleLayout layout{.named = path, .root = *root, .contents = form.contents, .isVersioned = form.isVersioned};

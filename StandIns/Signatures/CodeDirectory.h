@@ -13,8 +13,8 @@ struct BundleLayout;
 /// each. Its own digest is what others know the code by.
 ///
 /// A Mac keeps it inside a Mach-O program, and for any other program in a file of the bundle, `_CodeSignature/
-/// CodeDirectory`. Here it is always that file, in the Mac's form (struct CS_CodeDirectory of <kern/cs_blobs.h>, version
-/// 2.4): programs on other systems are no Mach-O files. One that is, is sealed as a whole like any other, and a
+/// CodeDirectory`. Here it is always that file, in the Mac's form (struct CS_CodeDirectory of <kern/cs_blobs.h>,
+/// version 2.4): programs on other systems are no Mach-O files. One that is, is sealed as a whole like any other, and a
 /// signature that it carries inside is not looked at.
 struct CodeDirectory {
     std::string identifier;

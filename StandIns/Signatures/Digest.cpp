@@ -1,12 +1,11 @@
 #include "Signatures/Digest.h"
 
-#include <openssl/crypto.h>
-#include <openssl/evp.h>
-
 #include <array>
 #include <cerrno>
 #include <memory>
 #include <new>
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
 #include <unistd.h>
 #include <vector>
 

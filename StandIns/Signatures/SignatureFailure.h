@@ -9,8 +9,8 @@
 
 namespace tarvik::signatures {
 
-/// What is wrong with the signature of an item, in the words in which the Mac's codesign tells it: "PATH: SENTENCE", and
-/// a line for each detail.
+/// What is wrong with the signature of an item, in the words in which the Mac's codesign tells it: "PATH: SENTENCE",
+/// and a line for each detail.
 class SignatureFailure : public Failure {
 public:
     SignatureFailure(const fs::path& item, std::string_view sentence, const std::vector<std::string>& details = {});

@@ -24,7 +24,8 @@ constexpr int plain = 1;
 constexpr Rule standardRules[] = {
     {".*\\.dSYM($|/)", Verdict::sealed, 11},
     {"^(.*/)?\\.DS_Store$", Verdict::unsealed, 2000},
-    {"^(Frameworks|SharedFrameworks|PlugIns|Plug-ins|XPCServices|Helpers|MacOS|Library/(Automator|Spotlight|LoginItems))/",
+    {"^(Frameworks|SharedFrameworks|PlugIns|Plug-ins|XPCServices|Helpers|MacOS|Library/"
+     "(Automator|Spotlight|LoginItems))/",
      Verdict::nested, 10},
     {"^.*", Verdict::sealed, plain},
     {"^Info\\.plist$", Verdict::unsealed, 20},
@@ -46,18 +47,25 @@ constexpr Rule oldRules[] = {
     {"^version.plist$", Verdict::sealed, plain},
 };
 
+/// Compiled when it is first needed: what only describes a seal needs none.
 class Expression {
 public:
-    explicit Expression(const char* pattern) {
-        if (::regcomp(&m_compiled, pattern, REG_EXTENDED | REG_NOSUB) != 0) throw std::bad_alloc();
-    }
+    explicit Expression(const char* pattern) : m_pattern(pattern) {}
     Expression(const Expression&) = delete;
     Expression& operator=(const Expression&) = delete;
-    ~Expression() { ::regfree(&m_compiled); }
+    ~Expression() {
+        if (m_isCompiled) ::regfree(&m_compiled);
+    }
 
-    bool fits(const std::string& path) const { return ::regexec(&m_compiled, path.c_str(), 0, nullptr, 0) == 0; }
+    bool fits(const std::string& path) {
+        if (!m_isCompiled && ::regcomp(&m_compiled, m_pattern, REG_EXTENDED | REG_NOSUB) != 0) throw std::bad_alloc();
+        m_isCompiled = true;
+        return ::regexec(&m_compiled, path.c_str(), 0, nullptr, 0) == 0;
+    }
 
 private:
+    const char* m_pattern;
+    bool m_isCompiled = false;
     regex_t m_compiled{};
 };
 

@@ -8,8 +8,8 @@
 namespace tarvik::codesign {
 
 /// Which items of a bundle a seal covers, and how: regular expressions for paths below the sealed folder, of which the
-/// heaviest that fits decides. Source: Apple's Technical Note TN2206 ("Changes in OS X 10.9 and Yosemite") and the rules
-/// that every CodeResources file holds.
+/// heaviest that fits decides. Source: Apple's Technical Note TN2206 ("Changes in OS X 10.9 and Yosemite") and the
+/// rules that every CodeResources file holds.
 class ResourceRules {
 public:
     enum class Verdict {
@@ -19,8 +19,8 @@ public:
         nested,    ///< code with a signature of its own
     };
 
-    /// The rules by which bundles with a folder `Resources` are sealed. They hold for those without one too, where a Mac
-    /// is milder.
+    /// The rules by which bundles with a folder `Resources` are sealed. They hold for those without one too, where a
+    /// Mac is milder.
     static const ResourceRules& standard();
     /// Those of the seals of old, which are written beside, for readers of old.
     static const ResourceRules& ofOldSeals();
@@ -29,7 +29,7 @@ public:
     ResourceRules& operator=(const ResourceRules&) = delete;
     ~ResourceRules();
 
-    /// `path` is below the sealed folder, without a slash at its front. Pure.
+    /// `path` is below the sealed folder, without a slash at its front. For one thread.
     Verdict verdictOf(const std::string& path) const;
     /// As a seal holds them.
     PropertyList propertyList() const;

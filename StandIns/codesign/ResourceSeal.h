@@ -28,7 +28,7 @@ struct ResourceSeal {
     using Items = std::map<std::string, SealedItem>;
 
     Items items;
-    /// What readers of old are told: ordinary files in Resources, with their SHA-1.
+    /// What readers of old are told: of the same items, the ordinary files in Resources, with their SHA-1.
     Items oldItems;
 
     /// Of the standard rules.

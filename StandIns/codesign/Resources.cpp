@@ -21,7 +21,8 @@ using Verdict = ResourceRules::Verdict;
 /// Below the sealed folder, what is not resource at all. The ticket is `CodeResources`: in the seals of very old
 /// bundles a link of that name led to the seal.
 bool isApart(const BundleLayout& layout, std::string_view path) {
-    return path == layout.executableName || path == "_CodeSignature" || path == "CodeResources" || path == "_MASReceipt";
+    return path == layout.executableName || path == "_CodeSignature" || path == "CodeResources" ||
+           path == "_MASReceipt";
 }
 
 [[noreturn]] void failUnreadable(const BundleLayout& layout, const fs::path& item, int error) {
@@ -43,9 +44,12 @@ void requireNothingUnsealed(const BundleLayout& layout) {
 
 Item::Kind kindOf(Files::ItemType type, Verdict verdict) {
     switch (type) {
-        case Files::ItemType::symbolicLink: return Item::Kind::link;  // No code, wherever it stands.
-        case Files::ItemType::regular: return verdict == Verdict::nested ? Item::Kind::nestedFile : Item::Kind::file;
-        default: return Item::Kind::special;
+        case Files::ItemType::symbolicLink:
+            return Item::Kind::link;  // No code, wherever it stands.
+        case Files::ItemType::regular:
+            return verdict == Verdict::nested ? Item::Kind::nestedFile : Item::Kind::file;
+        default:
+            return Item::Kind::special;
     }
 }
 
@@ -61,7 +65,8 @@ void forEach(const BundleLayout& layout, const std::function<void(const Item&)>&
     if (walk.rootError()) failUnreadable(layout, layout.contents, walk.rootError());
     while (walk.next()) {
         const std::string& path = walk.relativePath();
-        if (walk.event() == TreeWalk::Event::unreadable) failUnreadable(layout, layout.contents / path, walk.errorNumber());
+        if (walk.event() == TreeWalk::Event::unreadable)
+            failUnreadable(layout, layout.contents / path, walk.errorNumber());
         const Files::ItemType type = walk.type();
         const bool isFolder = type == Files::ItemType::folder;
         if (isApart(layout, path)) {

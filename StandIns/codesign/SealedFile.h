@@ -17,8 +17,8 @@ std::optional<std::vector<std::string>> digestsOf(const signatures::BundleLayout
                                                   const std::vector<signatures::Digest::Kind>& kinds, bool isStrict);
 /// The same of the bundle's program, SHA-256 alone.
 std::string digestOfProgram(const signatures::BundleLayout& layout, bool isStrict);
-/// The text of a link. @throws SignatureFailure when it cannot be read, or when `isStrict` and it leads out of the bundle
-/// to anything but the system
+/// The text of a link. @throws SignatureFailure when it cannot be read, or when `isStrict` and it leads out of the
+/// bundle to anything but the system
 std::string linkOf(const signatures::BundleLayout& layout, const Resources::Item& item, bool isStrict);
 
 /// For a strict look. @throws SignatureFailure when the bundle's own folder carries what no seal covers

@@ -16,9 +16,12 @@ constexpr std::int64_t largestRequirements = std::int64_t{1} << 20;
 
 const char* sentenceOf(ResourceSeal::Flaw flaw) {
     switch (flaw) {
-        case ResourceSeal::Flaw::tooOld: return Sentences::sealTooOld;
-        case ResourceSeal::Flaw::otherRules: return Sentences::otherRules;
-        case ResourceSeal::Flaw::unreadable: break;
+        case ResourceSeal::Flaw::tooOld:
+            return Sentences::sealTooOld;
+        case ResourceSeal::Flaw::otherRules:
+            return Sentences::otherRules;
+        case ResourceSeal::Flaw::unreadable:
+            break;
     }
     return Sentences::sealChanged;
 }

@@ -36,8 +36,7 @@ std::string codeHashOf(const BundleLayout& layout, const fs::path& nested, Manne
 }
 
 void addFile(ResourceSeal& seal, const BundleLayout& layout, const Resources::Item& item) {
-    const auto digests =
-        SealedFile::digestsOf(layout, item, {Digest::Kind::sha1, Digest::Kind::sha256}, strictly);
+    const auto digests = SealedFile::digestsOf(layout, item, {Digest::Kind::sha1, Digest::Kind::sha256}, strictly);
     if (!digests) throw SignatureFailure(layout.named, Sentences::resourceChanged);
     seal.items[item.path] = {.sha256 = digests->at(1), .sha1 = digests->at(0), .isOptional = item.isOptional};
     const auto old = ResourceRules::ofOldSeals().verdictOf(item.path);
@@ -48,11 +47,15 @@ void addFile(ResourceSeal& seal, const BundleLayout& layout, const Resources::It
 void add(ResourceSeal& seal, const BundleLayout& layout, const Resources::Item& item, Manner manner) {
     const fs::path place = Resources::placeOf(layout, item);
     switch (item.kind) {
-        case Kind::file: addFile(seal, layout, item); break;
+        case Kind::file:
+            addFile(seal, layout, item);
+            break;
         case Kind::link:
             seal.items[item.path] = {.link = SealedFile::linkOf(layout, item, strictly), .isOptional = item.isOptional};
             break;
-        case Kind::nestedBundle: seal.items[item.path] = {.codeHash = codeHashOf(layout, place, manner)}; break;
+        case Kind::nestedBundle:
+            seal.items[item.path] = {.codeHash = codeHashOf(layout, place, manner)};
+            break;
         case Kind::nestedFile:
             throw SignatureFailure(layout.named,
                                    BundleLayout::isMachO(place) ? Sentences::unsupported : Sentences::notSigned,

@@ -54,13 +54,15 @@ private:
         switch (item.kind) {
             case Kind::file:
             case Kind::nestedFile: {
-                const auto digests =
-                    SealedFile::digestsOf(m_layout, item, {Digest::Kind::sha256}, m_depth.isStrict);
+                const auto digests = SealedFile::digestsOf(m_layout, item, {Digest::Kind::sha256}, m_depth.isStrict);
                 return digests && sealed.sha256 == digests->front();
             }
-            case Kind::link: return sealed.link == SealedFile::linkOf(m_layout, item, m_depth.isStrict);
-            case Kind::nestedBundle: return sealed.codeHash && isNestedAsSealed(item, *sealed.codeHash);
-            case Kind::special: return false;
+            case Kind::link:
+                return sealed.link == SealedFile::linkOf(m_layout, item, m_depth.isStrict);
+            case Kind::nestedBundle:
+                return sealed.codeHash && isNestedAsSealed(item, *sealed.codeHash);
+            case Kind::special:
+                return false;
         }
         return false;
     }
@@ -74,8 +76,7 @@ private:
             if (m_depth.isDeep) verify(place, m_depth);
         } catch (const SignatureFailure& failure) {
             const bool isOfWhole = failure.sentence() == Sentences::nestedChanged;
-            if (!m_nested)
-                m_nested = isOfWhole ? failure : SignatureFailure::ofPart(m_layout.named, failure, place);
+            if (!m_nested) m_nested = isOfWhole ? failure : SignatureFailure::ofPart(m_layout.named, failure, place);
         }
         return true;
     }
@@ -100,6 +101,9 @@ void requireProgram(const BundleLayout& layout, const CodeDirectory& directory, 
 void verify(const fs::path& bundle, Depth depth) {
     const auto layout = BundleLayout::at(bundle);
     const auto directory = CodeDirectory::ofBundle(layout);
+    // Info.plist is sealed, so only the record itself can have been changed.
+    if (directory.identifier != layout.identifier && sha256(layout.infoBytes) == directory.info)
+        throw SignatureFailure(layout.named, Sentences::codeChanged);
     requireProgram(layout, directory, depth);
     if (sha256(layout.infoBytes) != directory.info) throw SignatureFailure(layout.named, Sentences::infoChanged);
     const auto requirements = SignatureFiles::requirementsOf(layout);

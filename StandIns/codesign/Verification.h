@@ -12,8 +12,8 @@ struct Depth {
     bool isStrict = false;
 };
 
-/// Reads every byte that the seal covers. @throws SignatureFailure with the first thing that is wrong; of resources, with
-/// each of them
+/// Reads every byte that the seal covers. @throws SignatureFailure with the first thing that is wrong; of resources,
+/// with each of them
 void verify(const fs::path& bundle, Depth depth);
 
 }  // namespace tarvik::codesign::Verification

@@ -36,11 +36,15 @@ void sign(const std::string& path, const Arguments& arguments) {
 int act(const std::string& path, const Arguments& arguments) {
     try {
         switch (arguments.operation) {
-            case Arguments::Operation::verify: verify(path, arguments); break;
+            case Arguments::Operation::verify:
+                verify(path, arguments);
+                break;
             case Arguments::Operation::display:
                 say(tarvik::codesign::Display::describe(path, arguments.verbosity));
                 break;
-            case Arguments::Operation::sign: sign(path, arguments); break;
+            case Arguments::Operation::sign:
+                sign(path, arguments);
+                break;
         }
         return 0;
     } catch (const tarvik::signatures::SignatureFailure& failure) {

@@ -27,10 +27,14 @@ State of(const fs::path& path, const std::optional<fs::path>& root) {
 
 std::string_view sentence(State state) {
     switch (state) {
-        case State::enabled: return "Indexing enabled. ";
-        case State::disabled: return "Indexing disabled.";
-        case State::readOnly: return "Index is read-only.";
-        case State::unknown: break;
+        case State::enabled:
+            return "Indexing enabled. ";
+        case State::disabled:
+            return "Indexing disabled.";
+        case State::readOnly:
+            return "Index is read-only.";
+        case State::unknown:
+            break;
     }
     return "Error: unknown indexing state.";
 }

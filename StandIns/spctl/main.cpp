@@ -76,9 +76,9 @@ int assess(const std::string& path, int verbosity) {
 
 }  // namespace
 
-/// Judges by whom an item is signed, as a Mac's spctl(8) does: `spctl -a [-v...] PATH...`. Nobody vouches for an item here,
-/// so each is rejected, but for one that carries a Mac's own signature: of that, it says that it cannot tell. Ends
-/// with the first that is not accepted.
+/// Judges by whom an item is signed, as a Mac's spctl(8) does: `spctl -a [-v...] PATH...`. Nobody vouches for an item
+/// here, so each is rejected, but for one that carries a Mac's own signature: of that, it says that it cannot tell.
+/// Ends with the first that is not accepted.
 int main(int argc, char** argv) {
     const auto arguments = parsed({argv + 1, argv + argc});
     if (!arguments) {

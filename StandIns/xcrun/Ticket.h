@@ -11,7 +11,8 @@ enum class State {
     doesNotFit  ///< It names other code, or the bundle has no signature to compare it with, or it is no ticket.
 };
 
-/// Looks at `Contents/CodeResources` of a bundle, where it is stapled. Whether the notary still stands by it is not asked.
+/// Looks at `Contents/CodeResources` of a bundle, where it is stapled. Whether the notary still stands by it is not
+/// asked.
 /// @throws SignatureFailure when there is no bundle at `path`
 State stateOf(const fs::path& path);
 

@@ -23,15 +23,17 @@ int validate(const std::string& path) {
             std::printf("Could not validate ticket for %s\nThe validate action failed! Error %d.\n", name.c_str(),
                         EX_DATAERR);
             return EX_DATAERR;
-        case tarvik::xcrun::Ticket::State::fits: std::puts("The validate action worked!"); return EX_OK;
+        case tarvik::xcrun::Ticket::State::fits:
+            std::puts("The validate action worked!");
+            return EX_OK;
     }
     return EX_SOFTWARE;
 }
 
 }  // namespace
 
-/// Validates the notary's ticket of a bundle as far as the bundle alone tells: `xcrun stapler validate PATH`, the only one
-/// of the developer's tools that it knows. Exit statuses as in stapler(1), which takes them from sysexits(3).
+/// Validates the notary's ticket of a bundle as far as the bundle alone tells: `xcrun stapler validate PATH`, the only
+/// one of the developer's tools that it knows. Exit statuses as in stapler(1), which takes them from sysexits(3).
 int main(int argc, char** argv) {
     const std::vector<std::string_view> words(argv + 1, argv + argc);
     if (words.empty() || words[0] != "stapler") {

@@ -19,8 +19,9 @@ constexpr std::array rules = {
     ToolRule{&ToolTable::find, "find", "/usr/bin/find", itself, "it is only asked to list"},
     ToolRule{&ToolTable::codesign, "codesign", "/usr/bin/codesign", standIn,
              "what it trusts are the keys and the settings of the machine that runs"},
-    ToolRule{&ToolTable::xcrun, "xcrun", "/usr/bin/xcrun", standIn,
-             "it offers to install the developer's tools on the machine that runs, and asks the notary about its bundles"},
+    ToolRule{
+        &ToolTable::xcrun, "xcrun", "/usr/bin/xcrun", standIn,
+        "it offers to install the developer's tools on the machine that runs, and asks the notary about its bundles"},
     ToolRule{&ToolTable::spctl, "spctl", "/usr/sbin/spctl", standIn,
              "it judges by the policy of the machine that runs, and remembers what it has judged"},
     ToolRule{&ToolTable::lsregister, "lsregister", lsregisterOnMac, none,
