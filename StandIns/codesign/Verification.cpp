@@ -60,26 +60,27 @@ private:
             case Kind::link:
                 return sealed.link == SealedFile::linkOf(m_layout, item, m_depth.isStrict);
             case Kind::nestedBundle:
-                return sealed.codeHash && isNestedAsSealed(item, *sealed.codeHash);
+                if (sealed.codeHash) compareNested(Resources::placeOf(m_layout, item), *sealed.codeHash);
+                return sealed.codeHash.has_value();
             case Kind::special:
                 return false;
         }
         return false;
     }
 
-    /// False when another kind of item stands in its place; what else is wrong with it is kept for later.
-    bool isNestedAsSealed(const Resources::Item& item, const std::string& codeHash) {
-        const fs::path place = Resources::placeOf(m_layout, item);
+    /// The first thing that is wrong with nested code is kept for later: what is wrong with resources goes before it.
+    void compareNested(const fs::path& place, const std::string& codeHash) {
+        if (m_nested) return;
         try {
-            if (CodeDirectory::ofBundle(BundleLayout::at(place)).hash() != codeHash)
-                throw SignatureFailure(m_layout.named, Sentences::nestedChanged, {"file modified: " + place.native()});
-            if (m_depth.isDeep) verify(place, m_depth);
+            const bool isSame = CodeDirectory::ofBundle(BundleLayout::at(place)).hash() == codeHash;
+            if (!isSame) m_nested.emplace(m_layout.named, Sentences::nestedChanged, detailsOf(place));
+            if (isSame && m_depth.isDeep) verify(place, m_depth);
         } catch (const SignatureFailure& failure) {
-            const bool isOfWhole = failure.sentence() == Sentences::nestedChanged;
-            if (!m_nested) m_nested = isOfWhole ? failure : SignatureFailure::ofPart(m_layout.named, failure, place);
+            m_nested = SignatureFailure::ofPart(m_layout.named, failure, place);
         }
-        return true;
     }
+
+    static std::vector<std::string> detailsOf(const fs::path& changed) { return {"file modified: " + changed.native()}; }
 
     const BundleLayout& m_layout;
     Depth m_depth;

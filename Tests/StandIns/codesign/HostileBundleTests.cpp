@@ -150,10 +150,12 @@ TEST(CodesignHostileBundle, AProgramNameNeverLeadsOutOfTheBundle) {
     const TemporaryFolder folder;
     for (const char* name : {"../../../outside", "/bin/sh", "..", ".", ""}) {
         const fs::path app = folder / "Editor.app";
-        makeUnsignedBundle(app);
         makeFile(folder / "outside");
+        makeFolder(app / "Contents/MacOS");
         makeFile(app / "Contents/Info.plist", PropertyList(Dictionary{{"CFBundleExecutable", name}}).xml());
-        EXPECT_EQ(runStandIn("codesign", {"--force", "--sign", "-", app}).status, 1) << name;
+        const auto refused = runStandIn("codesign", {"--force", "--sign", "-", app});
+        EXPECT_EQ(refused.status, 1) << name;
+        EXPECT_EQ(refused.stderr, app.native() + ": bundle format unrecognized, invalid, or unsuitable\n");
     }
 }
 
