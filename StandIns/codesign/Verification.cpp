@@ -80,7 +80,9 @@ private:
         }
     }
 
-    static std::vector<std::string> detailsOf(const fs::path& changed) { return {"file modified: " + changed.native()}; }
+    static std::vector<std::string> detailsOf(const fs::path& changed) {
+        return {"file modified: " + changed.native()};
+    }
 
     const BundleLayout& m_layout;
     Depth m_depth;

@@ -59,7 +59,8 @@ TEST_F(HealthQuestions, TheSearchKnowsTheMachineInTheFolder) {
     const EnvironmentVariable root("TARVIK_ROOT", app.folder.path().native());
     EXPECT_THAT(SpotlightHealthCheck::warnings(host), IsEmpty());
     makeFile(app.folder / ".metadata_never_index", "");
-    EXPECT_THAT(SpotlightHealthCheck::warnings(host), testing::ElementsAre(StartsWith("Spotlight indexing is disabled for ")));
+    EXPECT_THAT(SpotlightHealthCheck::warnings(host),
+                testing::ElementsAre(StartsWith("Spotlight indexing is disabled for ")));
 }
 
 }  // namespace

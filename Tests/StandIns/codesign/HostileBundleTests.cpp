@@ -95,7 +95,8 @@ TEST(CodesignHostileBundle, WhatCannotBeSealedIsNotSigned) {
     makePipe(app / "Contents/Resources/pipe");
     const auto refused = app.sign();
     EXPECT_EQ(refused.status, 1);
-    EXPECT_THAT(refused.stderr, testing::EndsWith("In subcomponent: " + (app / "Contents/Resources/pipe").native() + "\n"));
+    EXPECT_THAT(refused.stderr,
+                testing::EndsWith("In subcomponent: " + (app / "Contents/Resources/pipe").native() + "\n"));
 }
 
 TEST(CodesignHostileBundle, ASealInTheOtherFormOfItsListsIsOne) {
@@ -113,8 +114,9 @@ TEST(CodesignHostileBundle, ASealThatLeavesOutWhatItLikesIsNone) {
     Dictionary old = *seal.as<Dictionary>();
     old.erase("rules2");
     EXPECT_EQ(flawWithSeal(app, old), "resource envelope is obsolete (version 1 signature)\n");
-    EXPECT_EQ(flawWithSeal(app, seal), "a sealed resource is missing or invalid\n"
-                                       "file added: Contents/Resources/smuggled\n");
+    EXPECT_EQ(flawWithSeal(app, seal),
+              "a sealed resource is missing or invalid\n"
+              "file added: Contents/Resources/smuggled\n");
 }
 
 TEST(CodesignHostileBundle, ASealWithItemsOfWrongTypesIsNone) {
@@ -124,9 +126,11 @@ TEST(CodesignHostileBundle, ASealWithItemsOfWrongTypesIsNone) {
     const PropertyList::Data shorter{std::string(31, 'x')};
     for (const PropertyList& item :
          {PropertyList("text"), PropertyList(true), PropertyList(7), PropertyList(PropertyList::List{}),
-          PropertyList(Dictionary{}), PropertyList(Dictionary{{"hash2", "text"}}), PropertyList(Dictionary{{"hash2", shorter}}),
+          PropertyList(Dictionary{}), PropertyList(Dictionary{{"hash2", "text"}}),
+          PropertyList(Dictionary{{"hash2", shorter}}),
           PropertyList(Dictionary{{"hash2", digest}, {"symlink", "abc.txt"}}), PropertyList(Dictionary{{"symlink", 1}}),
-          PropertyList(Dictionary{{"cdhash", digest}}), PropertyList(Dictionary{{"hash2", digest}, {"optional", "yes"}})})
+          PropertyList(Dictionary{{"cdhash", digest}}),
+          PropertyList(Dictionary{{"hash2", digest}, {"optional", "yes"}})})
         EXPECT_EQ(flawWithSeal(app, withItem(seal, "Resources/abc.txt", item)), sealChanged) << item.xml();
     for (const PropertyList& files : {PropertyList("text"), PropertyList(PropertyList::List{}), PropertyList(1)})
         EXPECT_EQ(flawWithSeal(app, with(seal, "files2", files)), sealChanged);
@@ -140,7 +144,8 @@ TEST(CodesignHostileBundle, ASealNeverLeadsOutOfTheBundle) {
     const SignedApp app;
     makeFile(app.folder / "outside", "abc");
     const auto sealed = *sealOf(app).find("files2")->find("Resources/abc.txt");
-    for (const char* path : {"../../outside", "Resources/../../../outside", "Resources//abc.txt", "./Resources/abc.txt", ""})
+    for (const char* path :
+         {"../../outside", "Resources/../../../outside", "Resources//abc.txt", "./Resources/abc.txt", ""})
         EXPECT_THAT(flawWithSeal(app, withItem(sealOf(app), path, sealed)),
                     testing::StartsWith("a sealed resource is missing or invalid\nfile missing: "))
             << path;
@@ -185,7 +190,8 @@ TEST(CodesignHostileBundle, BrokenBytesAreNeverTakenForASeal) {
     const SignedApp app;
     const std::string whole = contentOf(app.seal);
     makeFile(app / "Contents/Resources/smuggled");
-    Mutator mutator(7, {"<true/>", "<dict>", "</dict>", "<key>Resources/smuggled</key>", "hash2", "omit", "\0", "&amp;"});
+    Mutator mutator(7,
+                    {"<true/>", "<dict>", "</dict>", "<key>Resources/smuggled</key>", "hash2", "omit", "\0", "&amp;"});
     for (int i = 0; i < 150; ++i) {
         app.forgeSeal(mutator.mutated(whole));
         EXPECT_NE(app.flaw(), "valid") << i;

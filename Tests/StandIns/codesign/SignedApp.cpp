@@ -21,7 +21,8 @@ std::string infoOf(const std::string& program) {
 }
 
 std::string without(std::string text, const std::string& part) {
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at)) text.erase(at, part.size());
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at))
+        text.erase(at, part.size());
     return text;
 }
 

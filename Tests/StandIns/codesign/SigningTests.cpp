@@ -41,10 +41,10 @@ TEST(CodesignSigning, SealsEverythingButWhatTheRulesLeaveOut) {
                 ElementsAre("Frameworks/Text.framework", "PlugIns/Export.bundle", "Resources/.hidden",
                             "Resources/Base.lproj/Main.nib", "Resources/Deep.bundle/inside.txt", "Resources/abc.txt",
                             "Resources/de.lproj/words.strings", "Resources/empty", "Resources/link", "version.plist"));
-    EXPECT_THAT(sealedIn(app, "files"),
-                ElementsAre("Resources/.hidden", "Resources/Base.lproj/Main.nib",
-                            "Resources/Deep.bundle/inside.txt", "Resources/abc.txt", "Resources/de.lproj/words.strings",
-                            "Resources/empty", "version.plist"));
+    EXPECT_THAT(
+        sealedIn(app, "files"),
+        ElementsAre("Resources/.hidden", "Resources/Base.lproj/Main.nib", "Resources/Deep.bundle/inside.txt",
+                    "Resources/abc.txt", "Resources/de.lproj/words.strings", "Resources/empty", "version.plist"));
 }
 
 TEST(CodesignSigning, SealsAFileByBothDigests) {
@@ -113,8 +113,8 @@ TEST(CodesignSigning, RefusesAFileWithoutASignatureWhereCodeBelongs) {
         makeFile(app / name);
         const auto refused = runStandIn("codesign", {"--force", "--deep", "--sign", "-", app});
         EXPECT_EQ(refused.status, 1);
-        EXPECT_EQ(refused.stderr,
-                  app.native() + ": code object is not signed at all\nIn subcomponent: " + (app / name).native() + "\n");
+        EXPECT_EQ(refused.stderr, app.native() + ": code object is not signed at all\nIn subcomponent: " +
+                                      (app / name).native() + "\n");
     }
 }
 
@@ -146,7 +146,8 @@ TEST(CodesignSigning, HasNobodysIdentity) {
 }
 
 TEST(CodesignSigning, RefusesLinksThatLeadOutOfTheBundle) {
-    for (const char* text : {"../../../outside", "/etc/passwd", "../Resources/../../../outside", "/System", "/Libraryx/a"}) {
+    for (const char* text :
+         {"../../../outside", "/etc/passwd", "../Resources/../../../outside", "/System", "/Libraryx/a"}) {
         const SignedApp app;
         makeLink(app / "Contents/Resources/out", text);
         const auto refused = app.sign();
@@ -200,9 +201,16 @@ TEST(CodesignSigning, LeavesAProgramThatAMacHasSignedAsItIs) {
 }
 
 TEST(CodesignSigning, TellsWrongUsageByStatusTwo) {
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{}, {"--verify"}, {"-d"}, {"/a"}, {"--sign", "-"}, {"--sign"}, {"--verify", "-d", "/a"},
-          {"--remove-everything", "/a"}, {"-x", "/a"}, {"--verify", ""}}) {
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
+                                                      {"--verify"},
+                                                      {"-d"},
+                                                      {"/a"},
+                                                      {"--sign", "-"},
+                                                      {"--sign"},
+                                                      {"--verify", "-d", "/a"},
+                                                      {"--remove-everything", "/a"},
+                                                      {"-x", "/a"},
+                                                      {"--verify", ""}}) {
         const auto refused = runStandIn("codesign", arguments);
         EXPECT_EQ(refused.status, 2) << testing::PrintToString(arguments);
         EXPECT_THAT(refused.stderr, testing::StartsWith("Usage: codesign "));

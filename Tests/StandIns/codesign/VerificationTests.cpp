@@ -20,8 +20,8 @@ TEST(CodesignVerification, SaysNothingOfAValidBundleUnlessAsked) {
     const auto told = runStandIn("codesign", {"-vv", app.path});
     EXPECT_EQ(told.status, 0);
     EXPECT_EQ(told.stdout, "");
-    EXPECT_EQ(told.stderr, app.path.native() + ": valid on disk\n" + app.path.native() +
-                               ": satisfies its Designated Requirement\n");
+    EXPECT_EQ(told.stderr,
+              app.path.native() + ": valid on disk\n" + app.path.native() + ": satisfies its Designated Requirement\n");
 }
 
 TEST(CodesignVerification, FindsOneChangedByteAnywhere) {
@@ -164,8 +164,9 @@ TEST(CodesignVerification, AllowsNothingBesideTheSealedFolder) {
     EXPECT_EQ(app.sign().status, 1);
     fs::remove(app / "Icon\r");
     makeFile(app.framework / "stray");
-    EXPECT_EQ(app.flaw(), "unsealed contents present in the bundle root\nIn subcomponent: "
-                          "Contents/Frameworks/Text.framework\n");
+    EXPECT_EQ(app.flaw(),
+              "unsealed contents present in the bundle root\nIn subcomponent: "
+              "Contents/Frameworks/Text.framework\n");
 }
 
 TEST(CodesignVerification, WhatCannotBeReadIsNoPass) {
@@ -190,10 +191,10 @@ TEST(CodesignVerification, TellsWhatIsNoSignedBundle) {
     makeFile(folder / "folder/file");
     makeUnsignedBundle(folder / "No program.app");
     fs::remove_all(folder / "No program.app/Contents/MacOS");
-    for (const auto& [name, sentence] : {std::pair("missing", "No such file or directory"),
-                                         std::pair("file", "code object is not signed at all"),
-                                         std::pair("folder", "bundle format unrecognized, invalid, or unsuitable"),
-                                         std::pair("No program.app", "bundle format unrecognized, invalid, or unsuitable")})
+    for (const auto& [name, sentence] :
+         {std::pair("missing", "No such file or directory"), std::pair("file", "code object is not signed at all"),
+          std::pair("folder", "bundle format unrecognized, invalid, or unsuitable"),
+          std::pair("No program.app", "bundle format unrecognized, invalid, or unsuitable")})
         for (const char* operation : {"--verify", "-dv", "-fs-"}) {
             const auto result = runStandIn("codesign", {operation, folder / name});
             EXPECT_EQ(result.status, 1) << name;
@@ -204,8 +205,8 @@ TEST(CodesignVerification, TellsWhatIsNoSignedBundle) {
 TEST(CodesignVerification, FollowsALinkToTheBundleAndTakesAnySpelling) {
     const SignedApp app;
     makeLink(app.folder / "link.app", app.path);
-    for (const std::string& spelling :
-         {(app.folder / "link.app").native(), app.path.native() + "/", (app.folder / "./Editor.app/Contents/..").native()})
+    for (const std::string& spelling : {(app.folder / "link.app").native(), app.path.native() + "/",
+                                        (app.folder / "./Editor.app/Contents/..").native()})
         EXPECT_EQ(runStandIn("codesign", {"--verify", "--deep", "--strict", spelling}).status, 0) << spelling;
 }
 

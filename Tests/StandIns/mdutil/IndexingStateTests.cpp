@@ -49,7 +49,8 @@ TEST_F(MdutilIndexingState, WhatIsNoVolumeOfTheMachineIsUnknown) {
     const EnvironmentVariable root("TARVIK_ROOT", folder.path().native());
     makeLink(folder / "Volumes/Out", "/");
     makeFile(folder / "Volumes/file");
-    for (const char* path : {"Volumes/Drive/Folder", "Volumes", "Volumes/none", "System", "Volumes/Out", "Volumes/file"})
+    for (const char* path :
+         {"Volumes/Drive/Folder", "Volumes", "Volumes/none", "System", "Volumes/Out", "Volumes/file"})
         EXPECT_EQ(stateOf(folder / path, 1), unknown) << path;
     EXPECT_EQ(stateOf("/", 1), unknown);
 }

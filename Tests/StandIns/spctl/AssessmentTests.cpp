@@ -39,7 +39,8 @@ TEST(SpctlAssessment, TellsWhatCannotBeJudged) {
     const auto noBundle = runStandIn("spctl", {"-a", folder.path()});
     EXPECT_EQ(noBundle.status, 1);
     EXPECT_EQ(noBundle.stderr, folder.path().native() + ": bundle format unrecognized, invalid, or unsuitable\n");
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{}, {"-a"}, {"-x", "/a"}, {"/a"}, {"-a", ""}})
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{}, {"-a"}, {"-x", "/a"}, {"/a"}, {"-a", ""}})
         EXPECT_EQ(runStandIn("spctl", arguments).status, 2);
 }
 
