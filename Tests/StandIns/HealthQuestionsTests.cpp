@@ -1,4 +1,5 @@
 #include "Health/SpotlightHealthCheck.h"
+#include "Launchers/LauncherAppBuilder.h"
 #include "Platform/Bundles/CodesignMetadata.h"
 #include "Platform/Bundles/CodesignVerifier.h"
 #include "Platform/Machine/Host.h"
@@ -53,6 +54,22 @@ TEST_F(HealthQuestions, ATicketOfOtherCodeBreaksTheBundle) {
 TEST_F(HealthQuestions, NobodyVouchesForIt) {
     EXPECT_EQ(CodesignMetadata::teamName(host, app.path), "Unsigned / Ad-hoc");
     EXPECT_EQ(CodesignMetadata::notarizationStatus(host, app.path), "Not signed");
+}
+
+TEST_F(HealthQuestions, ALauncherIsSignedAsItIsMadeAndHolds) {
+    const fs::path launcher = app.folder / "Applications/Editor.app";
+    makeFolder(launcher.parent_path());
+    host.tools.externalAppLauncher = app.folder / "external-app-launcher";
+    makeFile(host.tools.externalAppLauncher, "the program");
+    std::string log;
+    LauncherAppBuilder::install(host, app.path, launcher, app.path,
+                                {[&](const std::string& line) { log += line + "\n"; }});
+    EXPECT_THAT(log, testing::HasSubstr("\nsigned-launcher\t"));
+    const auto whole = CodesignVerifier::verify(host, launcher);
+    EXPECT_TRUE(whole.isSigned);
+    EXPECT_EQ(whole.codesignDetail, "");
+    makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", "/elsewhere");
+    EXPECT_FALSE(CodesignVerifier::verify(host, launcher).passed());
 }
 
 TEST_F(HealthQuestions, TheSearchKnowsTheMachineInTheFolder) {
