@@ -27,9 +27,11 @@ endif()
 # programs for it.
 if(APPLE)
     set(thisSystem macOS)
-    # Homebrew keeps its ICU apart from the system's.
-    execute_process(COMMAND brew --prefix icu4c OUTPUT_VARIABLE icuPrefix OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
-    list(APPEND CMAKE_PREFIX_PATH ${icuPrefix})
+    # Homebrew keeps these apart from the system's own.
+    foreach(formula icu4c openssl@3)
+        execute_process(COMMAND brew --prefix ${formula} OUTPUT_VARIABLE prefix OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+        list(APPEND CMAKE_PREFIX_PATH ${prefix})
+    endforeach()
 else()
     set(thisSystem Linux)
 endif()

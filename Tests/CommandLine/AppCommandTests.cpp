@@ -153,8 +153,10 @@ TEST(AppCommand, TellsAllAboutOneApplication) {
     EXPECT_EQ(finished.status, 0);
     const auto lines = linesOf(finished.output);
     EXPECT_EQ(lines.front(), "Full House");
-    EXPECT_THAT(lines, Contains("  Identifier  org.example.fullhouse"));
-    EXPECT_THAT(lines, Contains("  Where       " + (world.machine.root / "Applications/Full House.app").native()));
+    EXPECT_THAT(lines, Contains("  Identifier    org.example.fullhouse"));
+    EXPECT_THAT(lines, Contains("  Where         " + (world.machine.root / "Applications/Full House.app").native()));
+    EXPECT_THAT(lines, Contains("  Signed by     Unsigned / Ad-hoc"));
+    EXPECT_THAT(lines, Contains("  Notarization  Not signed"));
     EXPECT_THAT(lines, Contains(ContainsRegex("^Data: [0-9]+ KB$")));
     EXPECT_THAT(lines, Contains(ContainsRegex("^ +[0-9]+ KB  Caches, 7 items$")));
     EXPECT_THAT(lines, Contains(ContainsRegex("^ +[0-9]+ KB  ~/Library/Caches/org.example.fullhouse$")));
@@ -166,7 +168,7 @@ TEST(AppCommand, TellsAllAboutOneApplication) {
 TEST(AppCommand, WarnsOnALineForEachRisk) {
     const CommandWorld world;
     const auto output = world.run({"apps", "Everything"}).output;
-    EXPECT_THAT(output, HasSubstr("\n  Has         an App Store receipt, login items, a system extension\n"));
+    EXPECT_THAT(output, HasSubstr("\n  Has           an App Store receipt, login items, a system extension\n"));
     EXPECT_THAT(output, HasSubstr("\nWarning: Mac App Store app — moving may break the receipt\n"
                                   "Warning: Has a system extension — do not move\n"
                                   "Warning: Registers a login item / helper\n"));
@@ -177,7 +179,7 @@ TEST(AppCommand, SaysWhereAMovedApplicationIs) {
     const CommandWorld world;
     const auto drive = world.machine.drives.front() / "ExternalTarvik/Apps";
     EXPECT_THAT(world.run({"apps", "Faraway"}).output,
-                HasSubstr("  Leads to    " + (drive / "Faraway.app").native() + "\n"));
+                HasSubstr("  Leads to      " + (drive / "Faraway.app").native() + "\n"));
     EXPECT_THAT(world.run({"apps", "Unplugged"}).output,
                 ContainsRegex("Leads to +/.*/Unplugged.app \\(not there\\)\n"));
     // The place that it leads to names it as well.

@@ -17,10 +17,13 @@ constexpr std::string_view lsregisterOnMac =
 constexpr std::array rules = {
     ToolRule{&ToolTable::ditto, "ditto", "/usr/bin/ditto", itself, "it writes below the goal that it is given"},
     ToolRule{&ToolTable::find, "find", "/usr/bin/find", itself, "it is only asked to list"},
-    ToolRule{&ToolTable::codesign, "codesign", "/usr/bin/codesign", itself,
-             "it reads the bundle that it is given, and signs that one alone, without any key of the user's"},
-    ToolRule{&ToolTable::xcrun, "xcrun", "/usr/bin/xcrun", itself, "it is only asked to check a ticket"},
-    ToolRule{&ToolTable::spctl, "spctl", "/usr/sbin/spctl", itself, "it is only asked to judge a bundle"},
+    ToolRule{&ToolTable::codesign, "codesign", "/usr/bin/codesign", standIn,
+             "what it trusts are the keys and the settings of the machine that runs"},
+    ToolRule{
+        &ToolTable::xcrun, "xcrun", "/usr/bin/xcrun", standIn,
+        "it offers to install the developer's tools on the machine that runs, and asks the notary about its bundles"},
+    ToolRule{&ToolTable::spctl, "spctl", "/usr/sbin/spctl", standIn,
+             "it judges by the policy of the machine that runs, and remembers what it has judged"},
     ToolRule{&ToolTable::lsregister, "lsregister", lsregisterOnMac, none,
              "what it is told of, the system that runs would open and search"},
     ToolRule{&ToolTable::tmutil, "tmutil", "/usr/bin/tmutil", none, "it works on the disk of the machine that runs"},

@@ -1,4 +1,4 @@
-#include "StandIns/DittoRun.h"
+#include "StandIns/Linux/DittoRun.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"

@@ -1,7 +1,7 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Text/Text.h"
-#include "StandIns/DittoRun.h"
+#include "StandIns/Linux/DittoRun.h"
 #include "Support/DeepTree.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "StandIns/DittoRun.h"
+#include "StandIns/Linux/DittoRun.h"
 
 #include "Platform/Files/FileDescriptor.h"
 #include "Support/ReadToEnd.h"

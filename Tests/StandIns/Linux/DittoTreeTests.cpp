@@ -1,6 +1,6 @@
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
-#include "StandIns/DittoRun.h"
+#include "StandIns/Linux/DittoRun.h"
 #include "Support/DeepTree.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
