@@ -39,7 +39,9 @@ struct RepairEnd {
 /// Ends soon when somebody asks the command to.
 HealthReport checked(const Host& host) {
     const SignalGuard guard;
-    return HealthCheck::run(host, HealthCheck::applicationRoots(host), {.cancellation = SignalGuard::request()});
+    auto report = HealthCheck::run(host, HealthCheck::applicationRoots(host), {.cancellation = SignalGuard::request()});
+    if (SignalGuard::isAskedToEnd()) throw Failure("CommandLine", 1, "The check was stopped.");
+    return report;
 }
 
 std::optional<HealthRepairStrategy> strategyOf(const Options& options) {
@@ -51,10 +53,10 @@ std::optional<HealthRepairStrategy> strategyOf(const Options& options) {
                    std::string(usageOf(options.verb)));
 }
 
-/// What can be done about a finding by this strategy, or by its only one.
+/// What can be done about a finding by this strategy, or without one by what a user means who names it or does not.
 std::optional<HealthRepairStrategy> repairOf(const Host& host, const HealthIssue& issue,
-                                             std::optional<HealthRepairStrategy> strategy) {
-    if (!strategy) return HealthRepair::safeRepair(host, issue);
+                                             std::optional<HealthRepairStrategy> strategy, bool isNamed) {
+    if (!strategy) return isNamed ? HealthRepair::onlyRepair(host, issue) : HealthRepair::safeRepair(host, issue);
     return HealthRepairStrategies::isFor(issue.kind, *strategy) ? strategy : std::nullopt;
 }
 
@@ -70,7 +72,7 @@ std::vector<Repair> named(const Host& host, const HealthReport& report, const Op
         for (const HealthIssue& issue : problems) {
             if (issue.location != path) continue;
             isFound = true;
-            if (const auto repair = repairOf(host, issue, strategy)) repairs.push_back({issue, *repair});
+            if (const auto repair = repairOf(host, issue, strategy, true)) repairs.push_back({issue, *repair});
         }
         if (!isFound) throw Failure("CommandLine", 1, fmt::format("Nothing was found wrong with {}.", path.native()));
         if (repairs.size() == before)
@@ -86,7 +88,7 @@ std::vector<Repair> all(const Host& host, const HealthReport& report, const Opti
     const auto strategy = strategyOf(options);
     std::vector<Repair> repairs;
     for (const HealthIssue& issue : report.problems())
-        if (const auto repair = repairOf(host, issue, strategy)) repairs.push_back({issue, *repair});
+        if (const auto repair = repairOf(host, issue, strategy, false)) repairs.push_back({issue, *repair});
     return repairs;
 }
 
@@ -162,7 +164,7 @@ void repair(const Host& host, const Options& options) {
     const HealthReport report = checked(host);
     const auto repairs = options.paths.empty() ? all(host, report, options) : named(host, report, options);
     if (repairs.empty()) {
-        if (options.format == Format::human) Terminal::say("There is nothing that can be repaired without a choice.");
+        if (options.format == Format::human) Terminal::say("There is nothing that can be repaired without naming it.");
         return print({}, options.format);
     }
     Terminal::confirm(question(repairs), options.yes);

@@ -51,10 +51,13 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks =
      "is "
      "changed."},
     {"health repair",
-     "Without a PATH, all findings are repaired that have just one repair, which the question names for each. A "
-     "finding "
-     "with two (reverted) needs --strategy: reclaimReverted or reSymlinkReverted. What has changed since the check is "
-     "left alone."},
+     "Without a PATH, only what can do no harm is done: launchers are made or led to another copy, links of data are "
+     "led to "
+     "the copy that was found, and tracked files that are missing are forgotten. Everything else is named by its PATH, "
+     "and "
+     "a finding with two repairs (reverted) needs --strategy too: reclaimReverted or reSymlinkReverted. What has "
+     "changed "
+     "since the check is left alone."},
     {"completion",
      "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "
@@ -188,7 +191,9 @@ std::string optionsOf(const CommandDescription& command) {
 std::string verbsOf(const CommandDescription& command) {
     std::string text;
     for (const auto& verb : command.verbs) {
-        if (!verb.verbs.empty()) {
+        // One whose first way to be written is another verb's is no act of its own.
+        const bool isAct = verb.verbs.empty() || verb.usages.front() == "tarvik " + verb.words;
+        if (!isAct) {
             text += verbsOf(verb);
             continue;
         }
@@ -196,7 +201,7 @@ std::string verbsOf(const CommandDescription& command) {
         for (const auto& [words, remark] : remarks)
             if (words == verb.words) text += paragraph(remark);
         for (const auto& argument : verb.arguments) text += definition(usage(argument.name), sentence(argument.text));
-        text += optionsOf(verb);
+        text += optionsOf(verb) + verbsOf(verb);
     }
     return text;
 }

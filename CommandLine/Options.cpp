@@ -144,7 +144,7 @@ public:
             addVerb(m_app, "health", "Check everything that was moved, and the links and launchers that stand for it");
         m_health->require_subcommand(0, 1);
         m_healthRepair =
-            addVerb(*m_health, "repair", "Repair what the check finds: all that has just one repair, or what is named");
+            addVerb(*m_health, "repair", "Repair what the check finds: what is named, or all that can do no harm");
         m_healthRepair->add_option("PATH", m_path, "The place of a finding")->type_name(several);
         addOption(*m_healthRepair, "--strategy", m_options.strategy,
                   "How, where there are several ways: the name of a repair");
@@ -293,12 +293,12 @@ private:
         requireVerb(m_app, words);
         if (m_move->parsed()) requireVerb(*m_move, words);
         if (m_backup->parsed()) requireVerb(*m_backup, words);
-        if (m_health->parsed() && !words.empty()) requireVerb(*m_health, words);
         if (words.empty()) return;
         const auto& word = words.front();
         for (const auto& [name, owners] : owned)
             if (word == name || word.starts_with(std::string(name) + "="))
                 throw wrong(fmt::format("{} belongs to {}.", name, owners));
+        if (m_health->parsed() && word.front() != '-') requireVerb(*m_health, words);
         if (word.size() > 1 && word.front() == '-') throw wrong(fmt::format("There is no option \"{}\".", word));
         const auto argument = m_apps->parsed() ? "NAME" : "PATH";
         throw wrong(m_path.empty() && m_options.names.empty()

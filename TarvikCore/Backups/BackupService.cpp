@@ -5,6 +5,7 @@
 #include "Copying/FileStash.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
+#include "Platform/Files/AppleDouble.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
 #include "Platform/Machine/AppStorageNames.h"
@@ -175,7 +176,8 @@ std::int64_t countFiles(const fs::path& folder) {
     TreeWalk walk(folder, {.order = TreeWalk::Order::any});
     while (walk.next())
         if (walk.event() == TreeWalk::Event::item && walk.type() != Files::ItemType::folder) ++count;
-    return count;
+    // What a volume keeps for an item in a file of its own is no further item.
+    return AppleDouble::areKeptAt(folder) ? count - AppleDouble::countIn(folder) : count;
 }
 
 }  // namespace tarvik::BackupService

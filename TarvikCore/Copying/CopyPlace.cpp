@@ -19,11 +19,18 @@ void setPermissions(const fs::path& folder, fs::perms permissions) {
     if (error) throw FileError("set the permissions of", folder, error.value());
 }
 
+fs::perms permissionsOf(const fs::path& folder) {
+    std::error_code error;
+    const auto permissions = fs::status(folder, error).permissions();
+    if (error) throw FileError("read", folder, error.value());
+    return permissions;
+}
+
 /// Lets the owner write to a folder as long as this lives. One that nobody may write to gets no other parent: its ".."
 /// is an entry in it (rename(2)).
 class Unsealing {
 public:
-    explicit Unsealing(const fs::path& folder) : m_permissions(fs::status(folder).permissions()), m_place(folder) {
+    explicit Unsealing(const fs::path& folder) : m_permissions(permissionsOf(folder)), m_place(folder) {
         setPermissions(folder, m_permissions | fs::perms::owner_write);
     }
     ~Unsealing() {

@@ -1,5 +1,6 @@
 #include "Copying/Leftovers.h"
 
+#include "Applications/AppClassifier.h"
 #include "Copying/HiddenName.h"
 #include "Copying/ItemLock.h"
 #include "Copying/MoveVerifier.h"
@@ -36,10 +37,10 @@ std::optional<fs::path> targetOf(const fs::path& mark) {
 }
 
 /// Whether a link or a launcher under a hidden name tells of an act that was killed between two whole items. A launcher
-/// that was to take another one's place does not.
+/// that was to take another one's place does not, whether that one still opens something or not.
 bool isMark(const fs::path& mark, const fs::path& place) {
     const auto target = targetOf(mark);
-    return target && Files::itemExists(*target) && isRealItem(place) && !AppScanner::launcherShimTarget(place);
+    return target && Files::itemExists(*target) && isRealItem(place) && !AppClassifier::readLauncherTarget(place);
 }
 
 /// Whether a hidden name is one that a mark which leads to a copy of `source` can wait under.

@@ -11,7 +11,7 @@ std::vector<HealthIssue> detect(const fs::path& applicationRoot) {
     std::vector<HealthIssue> issues;
     for (const fs::path& bundle : AppBundleEnumerator::bundles(applicationRoot, 0)) {
         const auto target = AppClassifier::readLauncherTarget(bundle);
-        if (!target || target->empty() || !Text::isValidUtf8(target->native()) || Files::exists(*target)) continue;
+        if (!target || target->empty() || !Text::isValidUtf8(target->native()) || !Files::isMissing(*target)) continue;
         issues.push_back({.kind = HealthIssue::Kind::brokenLauncher,
                           .location = bundle,
                           .target = target,

@@ -35,7 +35,7 @@ void judge(const Host& host, const fs::path& link, std::vector<HealthIssue>& iss
     const auto text = Files::linkText(link);
     if (!text) return;
     const fs::path target = link.parent_path() / *text;
-    if (Files::exists(target)) return;
+    if (!Files::isMissing(target)) return;
     issues.push_back({.kind = HealthIssue::Kind::dangling,
                       .location = link,
                       .target = target,

@@ -14,8 +14,10 @@
 #include "Health/UnsafePrefsPlistDetector.h"
 #include "Launchers/NestedAppLauncherService.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/SystemFolders.h"
 
+#include <algorithm>
 #include <iterator>
 #include <map>
 #include <set>
@@ -73,6 +75,12 @@ Links cleanLinks(const Links& links, const Issues& issues) {
     return clean;
 }
 
+/// Whether the links in the folders can be known: where they cannot, nothing is an orphan for sure.
+bool areReadable(const std::vector<fs::path>& applicationRoots) {
+    return std::all_of(applicationRoots.begin(), applicationRoots.end(),
+                       [](const fs::path& root) { return Files::isMissing(root) || ListedFolder::at(root); });
+}
+
 std::set<fs::path> standardizedSet(const Links& links, fs::path ApplicationsRootScan::Link::*end) {
     std::set<fs::path> paths;
     for (const auto& link : links) paths.insert(Files::standardized(link.*end));
@@ -105,9 +113,11 @@ HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots
     append(issues, DanglingDataLinkDetector::detect(host, options.cancellation));
     append(issues, ManifestRevertDetector::detect(host, standardizedSet(links, &ApplicationsRootScan::Link::location),
                                                   reverted.handledSources, sizes));
-    append(issues,
-           OrphanedBundleDetector::detect(
-               report.scannedDrives, standardizedSet(links, &ApplicationsRootScan::Link::target), realAppNames, sizes));
+    if (areReadable(applicationRoots)) {
+        auto linked = standardizedSet(links, &ApplicationsRootScan::Link::target);
+        linked.merge(OrphanedBundleDetector::rememberedTargets(host));
+        append(issues, OrphanedBundleDetector::detect(report.scannedDrives, linked, realAppNames, sizes));
+    }
     report.scannedAt = host.now();
     return report;
 }

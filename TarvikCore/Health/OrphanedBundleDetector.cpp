@@ -3,6 +3,7 @@
 #include "Discovery/AppBundleEnumerator.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Storage/SizeCalculator.h"
+#include "Records/HealthManifest.h"
 
 #include <fmt/format.h>
 
@@ -20,6 +21,16 @@ std::vector<HealthIssue> detect(const std::vector<fs::path>& appsRoots, const st
         issue.detail =
             fmt::format("Bundle on SSD with no inbound symlink. Wasting {}.", SizeCalculator::format(issue.sizeBytes));
     return issues;
+}
+
+std::set<fs::path> rememberedTargets(const Host& host) {
+    std::set<fs::path> targets;
+    for (const HealthManifestEntry& entry : HealthManifest::load(host)) {
+        const auto text = Files::linkText(entry.sourcePath);
+        if (text && Files::standardized(entry.sourcePath.parent_path() / *text) == entry.destinationPath)
+            targets.insert(entry.destinationPath);
+    }
+    return targets;
 }
 
 }  // namespace tarvik::OrphanedBundleDetector

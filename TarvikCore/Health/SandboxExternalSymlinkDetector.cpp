@@ -1,5 +1,6 @@
 #include "Health/SandboxExternalSymlinkDetector.h"
 
+#include "Health/StashedLink.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/SystemFolders.h"
@@ -25,7 +26,7 @@ std::vector<HealthIssue> detect(const Host& host) {
             if (folder->type(index) != Files::ItemType::symbolicLink) continue;
             const fs::path link = root / folder->name(index);
             const auto text = Files::linkText(link);
-            if (!text || !text->native().starts_with(volumes)) continue;
+            if (!text || !text->native().starts_with(volumes) || StashedLink::isOne(folder->name(index))) continue;
             issues.push_back({.kind = HealthIssue::Kind::sandboxExternalSymlink,
                               .location = link,
                               .target = *text,

@@ -11,9 +11,9 @@ HealthIssue inspect(const fs::path& location, const fs::path& target) {
     const auto issue = [&](HealthIssue::Kind kind, std::string detail) {
         return HealthIssue{.kind = kind, .location = location, .target = target, .detail = std::move(detail)};
     };
-    if (!Files::exists(target))
+    if (Files::isMissing(target))
         return issue(dangling, "Target does not exist. The external drive may be unmounted, or the file was deleted.");
-    if (!Files::exists(target / "Contents/Info.plist"))
+    if (Files::isMissing(target / "Contents/Info.plist"))
         return issue(empty, "Bundle directory exists but has no Contents/Info.plist. App is unlaunchable.");
     if (Files::names(target / "Contents/MacOS").empty())
         return issue(corrupted, "Bundle has Info.plist but no executable in Contents/MacOS/.");

@@ -3,9 +3,10 @@
 #include "Applications/AppClassifier.h"
 #include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/ApplicationsRootScan.h"
-#include "Health/SymlinkInspector.h"
+#include "Health/OrphanedBundleDetector.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/SystemFolders.h"
 
 #include <fmt/format.h>
@@ -29,8 +30,16 @@ bool isRealItem(const fs::path& path) {
     return Files::exists(path) && !Files::isSymbolicLink(path);
 }
 
+/// Whether it is certain that the bundle cannot be opened: what may not be looked at could be whole.
+bool isHollow(const fs::path& bundle) {
+    const fs::path programs = bundle / "Contents/MacOS";
+    if (Files::isMissing(bundle / "Contents/Info.plist") || Files::isMissing(programs)) return true;
+    const auto listed = ListedFolder::at(programs);
+    return listed && Files::names(programs).empty();
+}
+
 bool isOrphan(const Host& host, const fs::path& bundle) {
-    if (!isRealItem(bundle)) return false;
+    if (!isRealItem(bundle) || OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return false;
     const auto scan = ApplicationsRootScan::scan({SystemFolders::applications(host)});
     return std::none_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
         return Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
@@ -39,7 +48,7 @@ bool isOrphan(const Host& host, const fs::path& bundle) {
 
 bool isSameLauncher(const HealthIssue& issue) {
     const auto target = AppClassifier::readLauncherTarget(issue.location);
-    return target && target == issue.target && !Files::exists(*target) && !Files::isSymbolicLink(issue.location);
+    return target && target == issue.target && Files::isMissing(*target) && !Files::isSymbolicLink(issue.location);
 }
 
 bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
@@ -47,10 +56,9 @@ bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy stra
     switch (strategy) {
         case removeDangling:
         case repointDangling:
-            return isSameLink(issue) && !Files::exists(issue.location);
+            return isSameLink(issue) && Files::isMissing(issue.location);
         case removeEmpty:
-            return isSameLink(issue) && issue.target &&
-                   SymlinkInspector::inspect(issue.location, *issue.target).kind == issue.kind;
+            return isSameLink(issue) && issue.target && isHollow(*issue.target);
         case reclaimReverted:
         case reSymlinkReverted:
             return isRealItem(issue.location) && !AppClassifier::readLauncherTarget(issue.location);

@@ -1,6 +1,8 @@
 #include "HealthRepair/HealthRepair.h"
 
 #include "Copying/HiddenName.h"
+#include "Copying/ItemLock.h"
+#include "Copying/MoverError.h"
 #include "HealthRepair/BrokenLauncherRepairService.h"
 #include "HealthRepair/HealthRecheck.h"
 #include "HealthRepair/SandboxRestore.h"
@@ -8,10 +10,13 @@
 #include "Launchers/NestedAppLauncherService.h"
 #include "Launchers/StaleRootRetarget.h"
 #include "Move/MoverEngine.h"
+#include "MovePlan/AppManagement.h"
 #include "MovePlan/MoveRefusal.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Bundles/RunningAppsDetector.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/KeptAwake.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/VolumeList.h"
@@ -45,8 +50,10 @@ std::string counted(std::int64_t count, std::string_view one, std::string_view m
     return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
-/// What a user would miss: a volume, the home, a folder of the system.
+/// What a user would miss: a volume, the home, a folder of the system, the copy of a move that is under way.
 void requireMovable(const Host& host, const fs::path& item) {
+    if (ItemLock::isHeld(item))
+        refuse(EBUSY, fmt::format("{} is being moved. Nothing was changed.", item.filename().native()));
     const fs::path place = Files::resolved(item).value_or(item);
     const auto volumes = host.volumes->mounted();
     const bool isVolume = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& volume) {
@@ -91,7 +98,9 @@ fs::path folderOnDrive(const Host& host, const HealthIssue& issue) {
 std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
     const fs::path folder = folderOnDrive(host, issue);
     // All that can be told before the copy goes.
-    if (const auto reason = MoveRefusal::ofContents(issue.location)) refuse(EPERM, *reason);
+    if (const auto reason = MoveRefusal::ofContents(host, issue.location)) refuse(EPERM, *reason);
+    if (const auto reason = AppManagement::refusalOf(issue.location)) refuse(EPERM, *reason);
+    if (RunningAppsDetector::isRunning(host, issue.location)) throw MoverError::appIsRunning(nameOf(issue));
     const DriveGuard drive = DriveGuard::ofFolder(folder);
     std::string inTrash;
     if (issue.target) {
@@ -165,6 +174,7 @@ std::string repointDangling(const Host& host, const HealthIssue& issue) {
 std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using Strategy = HealthRepairStrategy;
     HealthRecheck::require(host, issue, strategy);
+    const KeptAwake awake(host, "What has drifted is being repaired");
     switch (strategy) {
         case Strategy::removeDangling:
             Files::removeLink(issue.location);
@@ -198,6 +208,20 @@ std::optional<HealthRepairStrategy> safeRepair(const Host& host, const HealthIss
     const bool isRelocated =
         issue.kind == HealthIssue::Kind::dangling && issue.target && StaleRootRetarget::candidate(host, *issue.target);
     if (isRelocated) return HealthRepairStrategy::repointDangling;
+    switch (issue.kind) {
+        case HealthIssue::Kind::missingTrackedFiles:
+            return HealthRepairStrategy::forgetMissingTrackedFiles;
+        case HealthIssue::Kind::missingSpotlightLaunchers:
+            return HealthRepairStrategy::repairSpotlightLaunchers;
+        case HealthIssue::Kind::brokenLauncher:
+            return HealthRepairStrategy::repairBrokenLauncher;
+        default:
+            return std::nullopt;
+    }
+}
+
+std::optional<HealthRepairStrategy> onlyRepair(const Host& host, const HealthIssue& issue) {
+    if (const auto safe = safeRepair(host, issue)) return safe;
     const auto& offers = HealthRepairStrategies::offers(issue.kind);
     return offers.size() == 1 ? std::optional(offers.front().strategy) : std::nullopt;
 }

@@ -15,9 +15,13 @@ namespace tarvik::HealthRepair {
 /// when the finding does not hold any more, and then nothing has been touched.
 std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy);
 
-/// The one repair of a finding that can do no harm, for many findings at once: nothing where there is none, or where a
-/// user has to choose. A dangling link with a copy elsewhere is made to lead there.
+/// The repair of a finding that can do no harm, for many findings at once: it removes nothing and moves nothing.
+/// Nothing where there is none. A dangling link with a copy elsewhere is made to lead there; one without stays, for its
+/// drive may only be away.
 std::optional<HealthRepairStrategy> safeRepair(const Host& host, const HealthIssue& issue);
+
+/// The repair that a user means who names a finding and no way to mend it: the safe one, or the only one there is.
+std::optional<HealthRepairStrategy> onlyRepair(const Host& host, const HealthIssue& issue);
 
 /// What a repair will do, for a question: "remove the link". Pure.
 std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy);

@@ -2,10 +2,10 @@
 
 #include "Copying/CopyPlace.h"
 #include "Copying/CopyProof.h"
+#include "Copying/FileCopier.h"
+#include "Health/StashedLink.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Processes/ChildProcess.h"
-#include "Platform/Processes/StreamReader.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
@@ -14,47 +14,39 @@ namespace tarvik::SandboxRestore {
 
 namespace {
 
-/// Whether the copy tool has made a copy. @throws Failure when it cannot be started.
-bool copies(const Host& host, const fs::path& from, const fs::path& to) {
-    ChildProcess ditto = ChildProcess::start(host.tools.ditto, {from.native(), to.native()});
-    StreamReader reader;  // Read so that the tool never waits for us.
-    reader.add(ditto.standardError(), {});
-    reader.add(ditto.standardOutput(), {});
-    reader.readToEnd();
-    return ditto.wait() == 0;
-}
-
-/// Makes a copy and puts it in its place. False when there is no good one, and then nothing is left of it.
+/// Whether a proved copy stands at `copy`. What is there of a bad one is removed.
 /// @throws Failure when the copy tool cannot be started.
-bool bringBack(const Host& host, const fs::path& target, const fs::path& place) {
-    CopyPlace copy(place);
-    if (!copies(host, target, copy.path()) ||
-        CopyProof::reasonAgainst(host, target, copy.path(), CopyProof::Count::yes)) {
-        ignoringFailure([&] { Files::removeItem(copy.path()); });
-        return false;
-    }
+bool isCopied(const Host& host, const fs::path& from, const fs::path& copy) {
     try {
-        copy.arrive();
-    } catch (const Failure&) {  // Something has come to stand there.
-        ignoringFailure([&] { Files::removeItem(copy.path()); });
-        return false;
+        FileCopier::runDitto(host, from, copy);
+        if (!CopyProof::reasonAgainst(host, from, copy, CopyProof::Count::yes)) return true;
+    } catch (const Failure& failure) {
+        if (failure.domain() != "FileCopier") throw;  // That is the tool's own; the message has no room for its words.
     }
-    ignoringFailure([&] { Files::flushVolume(place); });
-    return true;
+    ignoringFailure([&] { Files::removeItem(copy); });
+    return false;
 }
 
 }  // namespace
 
 std::string run(const Host& host, const fs::path& link, const fs::path& target) {
     const std::string name = link.filename();
-    const fs::path stash = link.parent_path() / fmt::format("{}.tarvik-stashed-{}", name,
-                                                            Text::replacing(Text::isoDate(host.now()), ":", ""));
-    Files::rename(link, stash);
-    if (bringBack(host, target, link))
-        return fmt::format("Restored {} to internal disk. (External copy left at {}; stashed symlink at {}.)", name,
-                           target.native(), stash.filename().native());
-    ignoringFailure([&] { Files::rename(stash, link); });
-    return fmt::format("ditto failed restoring {}; reverted.", name);
+    const std::string moment = Text::replacing(Text::isoDate(host.now()), ":", "");
+    const fs::path stash = link.parent_path() / StashedLink::nameFor(name, moment);
+    // The link stands until the copy can take its place: at no moment does an application find nothing there for long.
+    CopyPlace copy(link);
+    if (!isCopied(host, target, copy.path())) return fmt::format("ditto failed restoring {}; reverted.", name);
+    try {
+        Files::rename(link, stash);
+        copy.arrive();
+    } catch (const Failure&) {
+        ignoringFailure([&] { Files::removeItem(copy.path()); });
+        if (!Files::itemExists(link)) ignoringFailure([&] { Files::rename(stash, link); });
+        throw;
+    }
+    ignoringFailure([&] { Files::flushVolume(link); });
+    return fmt::format("Restored {} to internal disk. (External copy left at {}; stashed symlink at {}.)", name,
+                       target.native(), stash.filename().native());
 }
 
 }  // namespace tarvik::SandboxRestore

@@ -12,7 +12,7 @@ namespace tarvik::SandboxRestore {
 /// Blocks for a copy; any thread. The copy grows under a hidden name and takes the link's place only when it has been
 /// proved: half of one never stands there. @returns what the user reads, also when the copy fails and the link is back.
 /// @throws Failure when the link cannot be renamed, and when the copy tool cannot be started: the link then stands
-/// under its other name.
+/// where it stood.
 std::string run(const Host& host, const fs::path& link, const fs::path& target);
 
 }  // namespace tarvik::SandboxRestore

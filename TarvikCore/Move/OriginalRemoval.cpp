@@ -48,15 +48,19 @@ void requireUnchangedAt(const Host& host, const fs::path& original, const fs::pa
     if (reason) throw MoverError::verifyFailed(*reason);
 }
 
-/// Both callbacks are given by who knows what stands in the original's place meanwhile.
-void removeBy(const Host& host, const fs::path& original, const fs::path& aside, const ChangeWatch::Mark& start,
-              const std::function<void()>& putAside, const std::function<void()>& putBack) {
+/// The callbacks are given by who knows what stands in the original's place meanwhile; `requireCopy` throws when that
+/// is not what it should be.
+void removeBy(
+    const Host& host, const fs::path& original, const fs::path& aside, const ChangeWatch::Mark& start,
+    const std::function<void()>& putAside, const std::function<void()>& putBack,
+    const std::function<void()>& requireCopy = [] {}) {
     // Most changes are seen here, before a program can have written to the copy by the old path.
     requireUnchangedAt(host, original, original, start);
     const FileDescriptor held = ItemLock::hold(original);
     onBehalfOf(original, putAside);
     try {
         requireUnchangedAt(host, original, aside, start);
+        requireCopy();
         onBehalfOf(original, [&] { Files::removeItem(aside, Files::Obstacles::knownToBeNone); });
     } catch (const std::exception& failure) {
         try {
@@ -106,7 +110,12 @@ void replaceByLink(const Host& host, const LinkInWaiting& link, const ChangeWatc
     // The way back must not fail for want of memory.
     const fs::path between = HiddenName::forExchangeOf(original);
     const auto exchange = [&] { Files::exchange(link.place(), original, between); };
-    removeBy(host, original, link.place(), start, exchange, exchange);
+    // Somebody may have thrown the copy away since it was proved: the link would lead nowhere.
+    const auto requireCopy = [&] {
+        if (!Files::exists(original))
+            throw MoverError::verifyFailed(fmt::format("{} has gone from the drive.", original.filename().native()));
+    };
+    removeBy(host, original, link.place(), start, exchange, exchange, requireCopy);
 }
 
 }  // namespace tarvik::OriginalRemoval

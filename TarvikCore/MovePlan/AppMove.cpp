@@ -1,6 +1,7 @@
 #include "MovePlan/AppMove.h"
 
 #include "Discovery/AppScanner.h"
+#include "MovePlan/AppManagement.h"
 #include "MovePlan/DriveLimits.h"
 #include "MovePlan/MoveDialogs.h"
 #include "MovePlan/MovePlanner.h"
@@ -114,18 +115,20 @@ bool hasCopyOfKilledMove(const MoveJob& job) {
 }
 
 /// Why the job would fail; nothing when that can't be seen.
-std::optional<std::string> obstructionOf(const MoveJob& job, const DriveInfo& drive) {
+std::optional<std::string> obstructionOf(const Host& host, const MoveJob& job, const DriveInfo& drive) {
     if (Files::itemExists(job.destination) && !hasCopyOfKilledMove(job))
         return fmt::format("{} would not move: {} is taken already.", job.label, job.destination.native());
     if (auto refusal = DriveLimits::refusal(job.source, drive)) return refusal;
-    return MoveRefusal::ofContents(job.source);
+    if (auto refusal = MoveRefusal::ofContents(host, job.source)) return refusal;
+    return AppManagement::refusalOf(job.source);
 }
 
-std::vector<std::string> obstructionsOf(const Jobs& jobs, const DriveInfo& drive, const Cancellation& cancellation) {
+std::vector<std::string> obstructionsOf(const Host& host, const Jobs& jobs, const DriveInfo& drive,
+                                        const Cancellation& cancellation) {
     std::vector<std::string> sentences;
     for (const auto& job : jobs) {
         if (cancellation.isCancelled()) break;
-        if (auto sentence = obstructionOf(job, drive)) sentences.push_back(std::move(*sentence));
+        if (auto sentence = obstructionOf(host, job, drive)) sentences.push_back(std::move(*sentence));
     }
     return sentences;
 }
@@ -142,7 +145,7 @@ Plan plan(const Host& host, const std::vector<AppEntry>& chosen, const DriveInfo
           const Cancellation& cancellation) {
     Plan plan{.drive = refreshed(host, drive), .chosenCount = std::ssize(chosen), .movable = movableOf(chosen)};
     plan.jobs = MovePlanner::buildAppJobs(host, plan.movable, plan.drive, includeData, cancellation);
-    plan.obstructed = obstructionsOf(plan.jobs, plan.drive, cancellation);
+    plan.obstructed = obstructionsOf(host, plan.jobs, plan.drive, cancellation);
     const Places sources = sourcesOf(plan.jobs);
     std::vector<AppEntry> moving;
     for (const auto& entry : chosen) {

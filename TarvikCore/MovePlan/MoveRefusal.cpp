@@ -70,8 +70,11 @@ Refusal byMachine(const Host& host, const fs::path& item) {
     return fmt::format("{} is not on the machine in {}.", item.native(), host.root.native());
 }
 
-Refusal byContents(const fs::path& item, const std::optional<TreeObstacle>& obstacle) {
-    return obstacle ? std::optional(ObstacleText::of(item, *obstacle)) : std::nullopt;
+Refusal byContents(const Host& host, const fs::path& item, const std::optional<TreeObstacle>& obstacle) {
+    if (!obstacle) return std::nullopt;
+    if (obstacle->kind == TreeObstacle::Kind::unreadable)
+        if (auto refusal = FullDiskAccess::refusalOf(host, item, obstacle->path, obstacle->errorNumber)) return refusal;
+    return ObstacleText::of(item, *obstacle);
 }
 
 }  // namespace
@@ -122,15 +125,11 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (auto refusal = byMachine(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
     if (auto refusal = DriveLimits::refusal(folder, drive)) return refusal;
-    const auto obstacle = TreeObstacle::toMove(folder);
-    if (obstacle && obstacle->kind == TreeObstacle::Kind::unreadable)
-        if (auto refusal = FullDiskAccess::refusalOf(host, folder, obstacle->path, obstacle->errorNumber))
-            return refusal;
-    return byContents(folder, obstacle);
+    return byContents(host, folder, TreeObstacle::toMove(folder));
 }
 
-std::optional<std::string> ofContents(const fs::path& item) {
-    return Files::exists(item) ? byContents(item, TreeObstacle::toMove(item)) : std::nullopt;
+std::optional<std::string> ofContents(const Host& host, const fs::path& item) {
+    return Files::exists(item) ? byContents(host, item, TreeObstacle::toMove(item)) : std::nullopt;
 }
 
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target) {
@@ -151,7 +150,7 @@ std::optional<std::string> ofRestore(const Host& host, const fs::path& link, con
     const auto own = Files::info(resolved);
     const auto folder = Files::info(goal.parent_path());
     const bool isRenamed = own && folder && own->device == folder->device;
-    return byContents(resolved, isRenamed ? TreeObstacle::toRemoval(resolved) : TreeObstacle::toReturn(resolved));
+    return byContents(host, resolved, isRenamed ? TreeObstacle::toRemoval(resolved) : TreeObstacle::toReturn(resolved));
 }
 
 }  // namespace tarvik::MoveRefusal

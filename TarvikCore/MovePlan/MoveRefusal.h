@@ -19,7 +19,7 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
 
 /// Why the item, with all that is in it, could not be moved to another volume; nothing when that can't be seen, or when
 /// it is not there. A status call for each entry; blocks; any thread.
-std::optional<std::string> ofContents(const fs::path& item);
+std::optional<std::string> ofContents(const Host& host, const fs::path& item);
 
 /// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a
 /// whole, a folder of the system, a folder that holds the link, a place outside of the machine. Nothing when it may.

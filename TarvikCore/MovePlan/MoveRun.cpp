@@ -1,5 +1,6 @@
 #include "MovePlan/MoveRun.h"
 
+#include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/AppScanner.h"
 #include "Move/MoverEngine.h"
 #include "MovePlan/AppManagement.h"
@@ -15,6 +16,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace tarvik::MoveRun {
@@ -29,7 +32,8 @@ bool standsOnDriveByNow(const Host& host, const fs::path& source, const fs::path
 }
 
 JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, const fs::path& drivePath,
-                    bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress) {
+                    bool quitRunning, const JobStatusCallback& status, const JobProgressCallback& progress,
+                    std::optional<std::string>& kept) {
     try {
         const auto drive = DriveGuard::ofMarked(host, drivePath, job.driveMark);
         // Another Tarvik may have been faster; the link would only be moved itself.
@@ -41,8 +45,9 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
         if (job.drive)
             if (auto refusal = DriveLimits::refusal(job.source, *job.drive))
                 return JobStatus::failed(std::move(*refusal));
-        if (auto refusal = MoveRefusal::ofContents(job.source)) return JobStatus::failed(std::move(*refusal));
-        if (auto refusal = AppManagement::refusalOf(job.source)) return JobStatus::failed(std::move(*refusal));
+        if (auto refusal = MoveRefusal::ofContents(host, job.source)) return JobStatus::failed(std::move(*refusal));
+        kept = AppManagement::refusalOf(job.source);
+        if (kept) return JobStatus::failed(*kept);
         notify(status, index, JobStatus::copying(0));
         MoverEngine::moveAndLink(
             host, job.source, job.destination.parent_path(), quitRunning,
@@ -62,8 +67,14 @@ JobStatus outcomeOf(const Host& host, const MoveJob& job, std::size_t index, con
 void run(const Host& host, const std::vector<MoveJob>& jobs, const fs::path& drivePath, bool quitRunning,
          const JobStatusCallback& status, const JobProgressCallback& progress, const Cancellation& stopAfterItem) {
     const KeptAwake awake(host, "Items are being moved to a drive");
-    for (std::size_t index = 0; index < jobs.size() && !stopAfterItem.isCancelled(); ++index)
-        notify(status, index, outcomeOf(host, jobs[index], index, drivePath, quitRunning, status, progress));
+    // Why the system keeps the application of the jobs that come now. Its data comes behind it, and stays with it.
+    std::optional<std::string> kept;
+    for (std::size_t index = 0; index < jobs.size() && !stopAfterItem.isCancelled(); ++index) {
+        if (AppBundleEnumerator::isBundleName(jobs[index].source.filename().native())) kept.reset();
+        notify(status, index,
+               kept ? JobStatus::failed(*kept)
+                    : outcomeOf(host, jobs[index], index, drivePath, quitRunning, status, progress, kept));
+    }
 }
 
 bool applyProgress(MoveJob& job, const ByteProgress& progress) {

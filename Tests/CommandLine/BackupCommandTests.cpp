@@ -48,7 +48,7 @@ std::vector<fs::path> foldersOn(const fs::path& drive) {
 }
 
 /// Stands in the middle of its work until it is ended.
-constexpr auto endlessDitto = R"(mkdir -p "$3"; echo part > "$3/part"; echo caught > "${0%/*}/caught"; exec sleep 600)";
+constexpr auto stuckDitto = R"(mkdir -p "$3"; echo part > "$3/part"; echo caught > "${0%/*}/caught"; exec sleep 600)";
 
 }  // namespace
 
@@ -263,7 +263,7 @@ TEST(BackupCommand, TellsAFailureAndWhereTheCopiesStay) {
 TEST(BackupCommand, StoppedOrKilledInTheMiddleLeavesNoBackup) {
     TARVIK_NEEDS_MADE_TOOLS();
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGKILL}) {
-        const CommandWorld world(endlessDitto);
+        const CommandWorld world(stuckDitto);
         const auto before = test::pictureOf(world.library);
         RunningProgram program(world.command, world.onMachine(backupOf({world.library})));
         const auto sign = world.command.parent_path() / "stand-ins/caught";

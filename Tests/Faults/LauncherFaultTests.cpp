@@ -89,8 +89,9 @@ struct LauncherFaultWorld {
     }
 
     bool isWhole() const {
-        return Files::names(launcher / "Contents") ==
-                   std::vector<std::string>{"Info.plist", "MacOS", "PkgInfo", "Resources"} &&
+        auto names = Files::names(launcher / "Contents");
+        std::erase(names, "_CodeSignature");  // It opens without one, too.
+        return names == std::vector<std::string>{"Info.plist", "MacOS", "PkgInfo", "Resources"} &&
                contentOf(launcher / "Contents/PkgInfo") == "APPL????" &&
                contentOf(launcher / "Contents/Resources/ExternalAppTarget.txt") == app.native() &&
                contentOf(launcher / "Contents/MacOS/ExternalAppLauncher") ==

@@ -1,3 +1,4 @@
+#include "Copying/ItemLock.h"
 #include "Health/HealthCheck.h"
 #include "Health/HealthWorld.h"
 #include "HealthRepair/HealthRepair.h"
@@ -5,6 +6,7 @@
 #include "Records/InstallsDB.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 
@@ -309,10 +311,45 @@ TEST_F(HealthRepairs, AreNoneForFindingsOfAnotherKind) {
     EXPECT_EQ(refusal(problem(), repointDangling), "repointDangling is no repair for Foo.app.");
 }
 
-TEST_F(HealthRepairs, AreSafeWhereThereIsNoChoice) {
+TEST_F(HealthRepairs, TrashNothingThatAMoveStillHolds) {
+    const auto issue = revertedApp();
+    const FileDescriptor held = ItemLock::hold(*issue.target);
+    EXPECT_EQ(refusal(issue, reclaimReverted), "Foo.app is being moved. Nothing was changed.");
+    EXPECT_TRUE(fs::exists(*issue.target));
+}
+
+TEST_F(HealthRepairs, TrashNothingThatALinkElsewhereLeadsTo) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    EXPECT_EQ(issue.kind, Kind::orphan);
+    const fs::path link = world.home / "Applications/Foo.app";
+    test::makeLink(link, issue.location);
+    world.remember(link, issue.location);
+    expectStale(issue, removeOrphan);
+    EXPECT_THAT(checked().issues, IsEmpty());
+}
+
+TEST_F(HealthRepairs, CallNothingMissingThatMayNotBeLookedAt) {
+    world.moveApp("Foo.app");
+    fs::permissions(world.appsOnDrive / "Foo.app/Contents", fs::perms::none);
+    const auto before = checked().problems();
+    const test::OrdinaryUser user(world.folder.path());
+    for (const HealthIssue& issue : checked().problems())
+        if (issue.kind == Kind::corrupted)
+            EXPECT_NE(refusal(issue, removeEmpty), "done");
+        else
+            ADD_FAILURE() << issue.detail;
+    EXPECT_THAT(before, IsEmpty());
+}
+
+TEST_F(HealthRepairs, AreSafeWhereTheyRemoveNothing) {
     const auto safe = [&](Kind kind) { return HealthRepair::safeRepair(world.host, {.kind = kind, .target = "/x"}); };
-    EXPECT_EQ(safe(Kind::dangling), removeDangling);
-    EXPECT_EQ(safe(Kind::orphan), removeOrphan);
+    EXPECT_EQ(safe(Kind::brokenLauncher), repairBrokenLauncher);
+    EXPECT_EQ(safe(Kind::missingSpotlightLaunchers), repairSpotlightLaunchers);
+    EXPECT_EQ(safe(Kind::missingTrackedFiles), forgetMissingTrackedFiles);
+    for (const Kind kind : {Kind::dangling, Kind::empty, Kind::corrupted, Kind::orphan, Kind::unsafePrefsPlist,
+                            Kind::sandboxExternalSymlink})
+        EXPECT_EQ(safe(kind), std::nullopt);
     EXPECT_EQ(safe(Kind::reverted), std::nullopt);
     EXPECT_EQ(safe(Kind::signatureBroken), std::nullopt);
     EXPECT_EQ(safe(Kind::healthy), std::nullopt);

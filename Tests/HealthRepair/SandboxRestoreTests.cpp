@@ -1,4 +1,5 @@
 #include "Health/HealthWorld.h"
+#include "Health/SandboxExternalSymlinkDetector.h"
 #include "HealthRepair/HealthRepair.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
@@ -59,24 +60,34 @@ TEST_F(SandboxRestoring, BringsASingleFileBack) {
 }
 
 TEST_F(SandboxRestoring, GivesTheLinkItsNameBackWhenTheCopyFails) {
-    world.withDitto("mkdir -p \"$2\"; echo part > \"$2/part\"; exit 1");
+    world.withDitto("mkdir -p \"$3\"; echo part > \"$3/part\"; exit 1");
     EXPECT_EQ(perform(), "ditto failed restoring org.example.Editor; reverted.");
     EXPECT_EQ(fs::read_symlink(link), target);
     EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor"));
 }
 
 TEST_F(SandboxRestoring, TakesNoCopyThatLacksSomething) {
-    world.withDitto("mkdir -p \"$2\"; exit 0");
+    world.withDitto("mkdir -p \"$3\"; exit 0");
     EXPECT_EQ(perform(), "ditto failed restoring org.example.Editor; reverted.");
     EXPECT_EQ(fs::read_symlink(link), target);
     EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor"));
 }
 
-TEST_F(SandboxRestoring, LeavesTheLinkAsideWhenTheToolCannotBeStarted) {
+TEST_F(SandboxRestoring, LeavesTheLinkInItsPlaceWhenTheToolCannotBeStarted) {
     world.host.tools.ditto = "/nowhere/ditto";
-    EXPECT_NE(test::failureOf([&] { perform(); }), "");
-    EXPECT_THAT(names(), UnorderedElementsAre(stash));
-    EXPECT_EQ(fs::read_symlink(link.parent_path() / stash), target);
+    EXPECT_NE(test::failureOf([&] { perform(); }), "done");
+    EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor"));
+    EXPECT_EQ(fs::read_symlink(link), target);
+}
+
+TEST_F(SandboxRestoring, KeepsTheLinkInItsPlaceWhileItCopies) {
+    world.withDitto("[ -L '" + link.native() + "' ] || exit 9; cp -aT \"$2\" \"$3\"");
+    EXPECT_THAT(perform(), testing::StartsWith("Restored "));
+}
+
+TEST_F(SandboxRestoring, IsNoFindingAgain) {
+    perform();
+    EXPECT_THAT(SandboxExternalSymlinkDetector::detect(world.host), testing::IsEmpty());
 }
 
 TEST_F(SandboxRestoring, DoesNothingWithoutATarget) {

@@ -34,7 +34,7 @@ protected:
         fs::copy_file(fs::path(TARVIK_SOURCE) / "Scripts/package-mac", tree / "Scripts/package-mac");
         tool(tree / "Scripts/build",
              "cd build/release/bin; mkdir -p Tarvik.app/Contents/MacOS; echo list >Tarvik.app/Contents/Info.plist\n"
-             "for name in tarvik tarvik-practice Tarvik.app/Contents/MacOS/Tarvik "
+             "for name in tarvik Tarvik.app/Contents/MacOS/Tarvik "
              "Tarvik.app/Contents/MacOS/external-app-launcher; do\n"
              "printf '#!/bin/sh\\n# machine code\\nexit ${DOES_NOT_START:-0}\\n' >$name; chmod +x $name; done");
         fs::create_directories(tree / "build/release/bin");
@@ -110,23 +110,21 @@ TEST_F(PackageScript, PutsEverythingIntoTheBundleBeforeItIsSignedAndSignsFromThe
                step.starts_with("plutil ");
     });
     const std::string sign = "codesign --force --sign - --timestamp=none ";
-    EXPECT_THAT(
-        steps,
-        ElementsAre(
-            "build release tarvik tarvik-practice tarvik-window external-app-launcher",
-            "ditto build/release/bin/Tarvik.app " + app,
-            "ditto build/release/bin/tarvik " + app + "/Contents/Helpers/tarvik",
-            "ditto build/release/bin/tarvik-practice " + app + "/Contents/Helpers/tarvik-practice",
-            "macdeployqt " + app + " -qmldir=Tarvik/Views -executable=" + app +
-                "/Contents/Helpers/tarvik -executable=" + app + "/Contents/Helpers/tarvik-practice -always-overwrite",
-            "install_name_tool -delete_rpath /opt/homebrew/lib " + app + "/Contents/MacOS/Tarvik",
-            sign + app + "/Contents/Frameworks/libplist.dylib", sign + app + "/Contents/Helpers/tarvik",
-            sign + app + "/Contents/Helpers/tarvik-practice", sign + app + "/Contents/MacOS/external-app-launcher",
-            sign + app + "/Contents/PlugIns/platforms/libcocoa.dylib",
-            sign + app + "/Contents/Frameworks/QtCore.framework",
-            sign + "--entitlements Tarvik/macOS/Tarvik.entitlements " + app, "codesign --verify --deep --strict " + app,
-            "hdiutil create -quiet -volname Tarvik -srcfolder build/package/image -format UDZO "
-            "build/package/unfinished.dmg"));
+    EXPECT_THAT(steps,
+                ElementsAre("build release tarvik tarvik-window external-app-launcher",
+                            "ditto build/release/bin/Tarvik.app " + app,
+                            "ditto build/release/bin/tarvik " + app + "/Contents/Helpers/tarvik",
+                            "macdeployqt " + app + " -qmldir=Tarvik/Views -executable=" + app +
+                                "/Contents/Helpers/tarvik -always-overwrite",
+                            "install_name_tool -delete_rpath /opt/homebrew/lib " + app + "/Contents/MacOS/Tarvik",
+                            sign + app + "/Contents/Frameworks/libplist.dylib", sign + app + "/Contents/Helpers/tarvik",
+                            sign + app + "/Contents/MacOS/external-app-launcher",
+                            sign + app + "/Contents/PlugIns/platforms/libcocoa.dylib",
+                            sign + app + "/Contents/Frameworks/QtCore.framework",
+                            sign + "--entitlements Tarvik/macOS/Tarvik.entitlements " + app,
+                            "codesign --verify --deep --strict " + app,
+                            "hdiutil create -quiet -volname Tarvik -srcfolder build/package/image -format UDZO "
+                            "build/package/unfinished.dmg"));
     EXPECT_THAT(images(), ElementsAre("Tarvik-1.2.3-arm64.dmg"));
     EXPECT_THAT(result.stdout, HasSubstr("The disk image is build/package/Tarvik-1.2.3-arm64.dmg\n"));
     EXPECT_EQ(fs::read_symlink(tree / "build/package/image/Applications"), "/Applications");

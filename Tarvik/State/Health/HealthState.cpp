@@ -122,6 +122,9 @@ void HealthState::repairHealth(const HealthIssue& issue, HealthRepairStrategy st
 
 QCoro::Task<> HealthState::repair(HealthIssue issue, HealthRepairStrategy strategy) {
     const auto again = qScopeGuard([this] { refreshHealth(); });
+    const auto held = app().actBeside({"Quit while something is being repaired?",
+                                       "It will be repaired before the window closes.",
+                                       {"Finish and Quit", "Cancel"}});
     const auto act = [host = host(), issue = std::move(issue), strategy] {
         return HealthRepair::perform(host, issue, strategy);
     };

@@ -211,6 +211,10 @@ UnderWay::Hold AppState::act(Dialog closingQuestion) {
     return m_underWay.act(std::move(closingQuestion));
 }
 
+UnderWay::HoldBeside AppState::actBeside(Dialog closingQuestion) {
+    return m_underWay.actBeside(std::move(closingQuestion));
+}
+
 bool AppState::mayClose() {
     if (!m_underWay.closingQuestion()) return true;
     if (!m_isAskingToClose && !m_isClosing) follow(askToClose());

@@ -189,6 +189,8 @@ public:
     [[nodiscard]] UnderWay::Hold prepare();
     /// Begins an act that must come to its end. @throws Failure when something else is under way.
     [[nodiscard]] UnderWay::Hold act(Dialog closingQuestion);
+    /// Begins an act that must come to its end and keeps nothing else from beginning; see `UnderWay`.
+    [[nodiscard]] UnderWay::HoldBeside actBeside(Dialog closingQuestion);
 
     /// Starts a run of planned jobs on a drive. @throws Failure when something else is under way.
     void runJobs(std::vector<MoveJob> jobs, const std::string& driveId, const fs::path& drivePath, bool quitRunning);

@@ -17,10 +17,14 @@ class UnderWay {
     struct End {
         void operator()(UnderWay* underWay) const { underWay->end(); }
     };
+    struct EndBeside {
+        void operator()(UnderWay* underWay) const { underWay->endBeside(); }
+    };
 
 public:
     /// What is held ends when this goes. Empty by default.
     using Hold = std::unique_ptr<UnderWay, End>;
+    using HoldBeside = std::unique_ptr<UnderWay, EndBeside>;
 
     /// `onChange` is called after each change.
     explicit UnderWay(std::function<void()> onChange) : m_onChange(std::move(onChange)) {}
@@ -28,7 +32,9 @@ public:
     bool isBusy() const { return m_isPreparing || m_closingQuestion; }
     bool isPreparing() const { return m_isPreparing; }
     /// What is asked before the window closes; nothing while that would cut nothing short.
-    const std::optional<Dialog>& closingQuestion() const { return m_closingQuestion; }
+    const std::optional<Dialog>& closingQuestion() const {
+        return m_closingQuestion ? m_closingQuestion : m_questionBeside;
+    }
 
     /// Begins what may be given up at any moment: measuring, asking. Nothing must be under way.
     [[nodiscard]] Hold prepare() {
@@ -42,6 +48,13 @@ public:
         return begin();
     }
 
+    /// The same for what may go on beside all else, and beside others of its kind.
+    [[nodiscard]] HoldBeside actBeside(Dialog closingQuestion) {
+        m_questionBeside = std::move(closingQuestion);
+        ++m_actsBeside;
+        return HoldBeside(this);
+    }
+
 private:
     Hold begin() {
         m_onChange();
@@ -53,9 +66,16 @@ private:
         m_onChange();
     }
 
+    void endBeside() {
+        if (--m_actsBeside == 0) m_questionBeside.reset();
+        m_onChange();
+    }
+
     std::function<void()> m_onChange;
     bool m_isPreparing = false;
     std::optional<Dialog> m_closingQuestion;
+    int m_actsBeside = 0;
+    std::optional<Dialog> m_questionBeside;
 };
 
 }  // namespace tarvik

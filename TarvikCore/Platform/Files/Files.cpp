@@ -35,16 +35,6 @@ int writeAll(int descriptor, std::string_view bytes) {
     return 0;
 }
 
-/// Renames an item to another spelling of its name. In two steps: a rename from one name of an item to another one does
-/// nothing, see rename(2). @returns 0 or an errno value, and then it stands where it stood.
-int respell(const fs::path& from, const fs::path& to) {
-    const fs::path between = from.parent_path() / ("." + newIdentifier());
-    if (const int error = SystemCalls::renameExclusively(from, between)) return error;
-    const int error = SystemCalls::renameExclusively(between, to);
-    if (error) SystemCalls::renameExclusively(between, from);
-    return error;
-}
-
 /// False when something stands there already.
 bool makeFolder(const fs::path& folder, mode_t mode) {
     if (::mkdir(folder.c_str(), mode) == 0) return true;
@@ -115,6 +105,11 @@ bool isItemAtOrBelow(const fs::path& path, const fs::path& ancestor) {
 
 bool exists(const fs::path& path) {
     return infoFollowingLinks(path).has_value();
+}
+
+bool isMissing(const fs::path& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ELOOP);
 }
 
 bool itemExists(const fs::path& path) {
@@ -207,7 +202,9 @@ void removeLink(const fs::path& link) {
 
 void rename(const fs::path& from, const fs::path& to) {
     int error = SystemCalls::renameExclusively(from, to);
-    if (error == EEXIST && from != to && StoredSpelling::areOneName(from, to)) error = respell(from, to);
+    // Nothing else stands there: it is the item itself, which gets another spelling of its name.
+    if (error == EEXIST && from != to && StoredSpelling::areOneName(from, to))
+        error = ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
     if (error) throw FileError("move", from.native() + " to " + to.native(), error);
 }
 

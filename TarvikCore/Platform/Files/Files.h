@@ -49,6 +49,8 @@ bool isItemAtOrBelow(const fs::path& path, const fs::path& ancestor);
 
 /// Whether something stands at the path, links followed: a dangling link does not exist.
 bool exists(const fs::path& path);
+/// Whether it is certain that nothing exists at the path: what may not be looked at is not missing.
+bool isMissing(const fs::path& path);
 /// Whether something stands at the path, a dangling link too.
 bool itemExists(const fs::path& path);
 /// The item itself, a link not followed.

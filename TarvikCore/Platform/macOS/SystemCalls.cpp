@@ -51,8 +51,10 @@ int exchangeNames(const fs::path& first, const fs::path& second) {
 /// fsync(2) of macOS hands the data to the drive, which may keep it in its cache; F_FULLFSYNC of fcntl(2) empties that
 /// too. Not every volume knows it: network volumes refuse.
 int flushFile(int handle) {
-    if (::fcntl(handle, F_FULLFSYNC) == 0) return 0;
-    return resultOf(::fsync(handle));
+    const int error = resultOf(::fcntl(handle, F_FULLFSYNC));
+    // A volume that knows no such thing does what it knows; an error of the disk is told only once, so it is not asked
+    // again.
+    return error == ENOTSUP || error == ENOTTY || error == EINVAL ? resultOf(::fsync(handle)) : error;
 }
 
 int flushVolume(const fs::path& path) {

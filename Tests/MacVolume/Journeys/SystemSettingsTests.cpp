@@ -18,9 +18,9 @@ protected:
         WithMacApplications::SetUp();
         if (!mac) return;
         setMacFlags(mac->at("Applications"), 0);
-        app = mac->at("Applications/Menu Meters.app");
+        app = mac->at("Applications/Full House.app");
         makeFile(app / "Contents/_CodeSignature/CodeResources", "seal");
-        moved = mac->extended / "ExternalTarvik/Apps/Menu Meters.app";
+        moved = mac->extended / "ExternalTarvik/Apps/Full House.app";
     }
 
     fs::path app, moved;
@@ -34,7 +34,7 @@ TEST_F(SystemSettings, KeepAnApplicationOfAnotherMakerAsItIs) {
     EXPECT_THAT(mac->moveApp(app, mac->extended), HasSubstr("App Management"));
     EXPECT_EQ(pictureOf(app), before);
     EXPECT_FALSE(Files::isSymbolicLink(app));
-    EXPECT_FALSE(Files::itemExists(mac->extended / "ExternalTarvik")) << "nothing was copied";
+    EXPECT_FALSE(Files::itemExists(mac->extended / "ExternalTarvik")) << "nothing was copied, of its data neither";
 
     mac->disk.set(MacVolume::Habit::guardsSignedBundles, false);
     EXPECT_EQ(mac->moveApp(app, mac->extended), "moved");
@@ -56,7 +56,7 @@ TEST_F(SystemSettings, AreNamedOnceWhereTheyKeepFolders) {
     keepPrivate(mac->atHome("Library/Mail"));
     const auto finished = mac->run({"apps", "--format", "tsv"});
     EXPECT_EQ(finished.status, 0);
-    EXPECT_THAT(finished.output, HasSubstr("Menu Meters"));
+    EXPECT_THAT(finished.output, HasSubstr("Full House"));
     EXPECT_THAT(finished.errors, HasSubstr("Full Disk Access"));
     EXPECT_EQ(finished.errors.find('\n'), finished.errors.size() - 1) << "one line";
 }

@@ -190,11 +190,20 @@ TEST_F(HealthStateTest, PassesOverAFindingThatIsNotThereAnyMore) {
     EXPECT_EQ(state->lastError(), "");
 }
 
-TEST_F(HealthStateTest, EndsACheckWhenTheWindowGoes) {
-    moveApp("Foo.app");
-    healthTab().refreshHealth();
-    state.reset();
-    SUCCEED();
+TEST_F(HealthStateTest, AsksBeforeTheWindowClosesInTheMiddleOfARepair) {
+    makeBundle(applications / "Reverted.app");
+    makeFile(appsOnDrive / "Reverted.app/old");
+    scan();
+    holdCopyOf("Reverted.app");
+    healthTab().repairHealth(problem(), reSymlinkReverted);
+    waitForHeldCopy();
+    dialogs.answers = {1};
+    EXPECT_FALSE(state->mayClose());
+    EXPECT_FALSE(state->isBusy()) << "something else may begin";
+    letGo();
+    settle();
+    EXPECT_TRUE(state->mayClose());
+    EXPECT_EQ(state->lastInfo(), "Re-symlinked Reverted.app to SSD.");
 }
 
 }  // namespace tarvik::test
