@@ -78,9 +78,13 @@ TEST(HealthRepairCommand, RepairsOnItsOwnOnlyWhatDoesNoHarm) {
 TEST(HealthRepairCommand, AsksFirstAndNamesWhatItDoesToEach) {
     const HealthCommandWorld world;
     const auto before = test::pictureOf(world.machine.root);
-    const auto refused = world.run({"health", "repair", world.unplugged});
+    test::RunningProgram program(world.command, world.onMachine({"health", "repair", world.unplugged}),
+                                 test::RunningProgram::Streams::terminal);
+    ASSERT_TRUE(program.waitForOutput("Repair? [y/N] "));
+    program.type("n\n");
+    const auto refused = program.finish();
     EXPECT_EQ(refused.status, 1);
-    EXPECT_THAT(refused.errors, HasSubstr(world.unplugged.native() + ": remove the link."));
+    EXPECT_THAT(refused.output, HasSubstr(world.unplugged.native() + ": remove the link."));
     EXPECT_EQ(test::pictureOf(world.machine.root), before);
 }
 
