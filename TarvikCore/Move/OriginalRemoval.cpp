@@ -112,7 +112,7 @@ void replaceByLink(const Host& host, const LinkInWaiting& link, const ChangeWatc
     const auto exchange = [&] { Files::exchange(link.place(), original, between); };
     // Somebody may have thrown the copy away since it was proved: the link would lead nowhere.
     const auto requireCopy = [&] {
-        if (!Files::exists(original))
+        if (Files::isMissing(original))
             throw MoverError::verifyFailed(fmt::format("{} has gone from the drive.", original.filename().native()));
     };
     removeBy(host, original, link.place(), start, exchange, exchange, requireCopy);

@@ -29,6 +29,8 @@ struct Pair {
     Pair() {
         makeFile(original / "song", "la la");
         makeFile(original / "deep/er/song", "lo lo");
+        makeFile(copy / "song", "la la");
+        makeFile(copy / "deep/er/song", "lo lo");
         picture = pictureOf(original);
         start = ChangeWatch::mark(original);
     }
@@ -102,6 +104,15 @@ TEST(OriginalRemoval, LeavesAnOriginalThatHoldsAVolume) {
     EXPECT_EQ(failureOf([&] { pair.replaceByLink(pair.copy, ChangeWatch::mark(pair.original)); }),
               "Could not remove the mounted volume " + inside.path().native() + ": " + wordsFor(EBUSY));
     EXPECT_TRUE(Files::exists(pair.original / "song"));
+    EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
+}
+
+TEST(OriginalRemoval, KeepsTheOriginalWhenItsCopyHasGone) {
+    const Pair pair;
+    fs::remove_all(pair.copy);
+    EXPECT_EQ(failureOf([&] { pair.replaceByLink(pair.copy, pair.start); }),
+              "Verification failed: Music has gone from the drive.");
+    EXPECT_EQ(pictureOf(pair.original), pair.picture);
     EXPECT_THAT(pair.world.namesAtHome(), ElementsAre("Music"));
 }
 
