@@ -1,6 +1,10 @@
 #include "Support/Bundles.h"
 #include "Window/AppsWindowTest.h"
 
+#include <QQuickItem>
+
+#include <algorithm>
+
 namespace tarvik::test {
 
 namespace {
@@ -16,7 +20,15 @@ protected:
         auto& window = openTab(size);
         window.click("scanButton");
         EXPECT_TRUE(window.waitUntilShown("healthSummary"));
+        // The rows come with the next frame.
+        EXPECT_TRUE(window.waitUntil([&] { return window.isShown("allHealthy") || hasRows(window); }));
         return window;
+    }
+    static bool hasRows(WindowUnderTest& window) {
+        const auto rows = window.item("healthList").property("contentItem").value<QQuickItem*>()->childItems();
+        return std::any_of(rows.begin(), rows.end(), [](const QQuickItem* row) {
+            return row->isVisible() && row->objectName().startsWith(QLatin1String("issue-"));
+        });
     }
     void breakLink(const std::string& name) const { makeLink(applications / name, backup / "nowhere" / name); }
     /// A finding of nearly every kind.
