@@ -98,7 +98,7 @@ TEST_F(Shell, OffersNeitherReadOnlyVolumesNorTheBootVolume) {
 
 TEST_F(Shell, OffersAWritableInternalSecondVolume) {
     addVolume("/Volumes/Second", "Second").isInternal = true;
-    EXPECT_TRUE(open().isShown("drive-Second"));
+    EXPECT_TRUE(open().waitUntilShown("drive-Second"));
 }
 
 TEST_F(Shell, SaysThatNoDriveIsConnected) {
