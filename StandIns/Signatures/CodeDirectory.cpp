@@ -22,9 +22,10 @@ constexpr unsigned sha256Type = 2;
 constexpr std::size_t longestIdentifier = 4096;
 constexpr std::size_t largestRecord = headerSize + longestIdentifier + 1 + (specialSlots + 1) * digestSize;
 
-/// Numbers are big-endian.
+/// Numbers are big-endian, with zeros in front where there is more room than they have.
 void append(std::string& bytes, std::uint64_t value, int size) {
-    for (int shift = (size - 1) * 8; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xFF);
+    for (int shift = (size - 1) * 8; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(shift < 64 ? value >> shift & 0xFF : 0);
 }
 
 std::uint64_t numberAt(std::string_view bytes, std::size_t offset, int size) {
