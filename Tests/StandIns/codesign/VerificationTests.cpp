@@ -170,17 +170,20 @@ TEST(CodesignVerification, AllowsNothingBesideTheSealedFolder) {
 }
 
 TEST(CodesignVerification, WhatCannotBeReadIsNoPass) {
+    // A leak sanitizer, which cannot trace a program of such a user, complains behind it.
     const SignedApp app;
     fs::permissions(app / "Contents/Resources/abc.txt", fs::perms::none);
     {
         const OrdinaryUser user(app.folder.path());
-        EXPECT_EQ(app.flaw(), "Permission denied\nIn subcomponent: Contents/Resources/abc.txt\n");
+        EXPECT_THAT(app.flaw(),
+                    testing::StartsWith("Permission denied\nIn subcomponent: Contents/Resources/abc.txt\n"));
     }
     fs::permissions(app / "Contents/Resources/abc.txt", fs::perms(0644));
     fs::permissions(app / "Contents/Resources/de.lproj", fs::perms::none);
     {
         const OrdinaryUser user(app.folder.path());
-        EXPECT_EQ(app.flaw(), "Permission denied\nIn subcomponent: Contents/Resources/de.lproj\n");
+        EXPECT_THAT(app.flaw(),
+                    testing::StartsWith("Permission denied\nIn subcomponent: Contents/Resources/de.lproj\n"));
     }
     fs::permissions(app / "Contents/Resources/de.lproj", fs::perms::owner_all);
 }
