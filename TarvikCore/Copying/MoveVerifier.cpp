@@ -11,11 +11,11 @@
 
 #include <algorithm>
 #include <climits>
-#include <compare>
 #include <fcntl.h>
 #include <map>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace tarvik::MoveVerifier {
@@ -122,7 +122,9 @@ private:
         ino_t copy;
         ino_t source;
 
-        auto operator<=>(const Item&) const = default;
+        bool operator<(const Item& other) const {
+            return std::pair(copy, source) < std::pair(other.copy, other.source);
+        }
     };
 
     static Reason clashIn(const fs::path& folder) {

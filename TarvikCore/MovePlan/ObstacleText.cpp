@@ -29,7 +29,7 @@ std::string howToUnlock(const TreeObstacle& obstacle) {
 
 /// Of a folder that lets nothing go, by its locks or by its permissions.
 std::string ofSealedFolder(const fs::path& item, const TreeObstacle& obstacle, std::string_view words) {
-    const std::string sentence =
+    std::string sentence =
         cannot(item, fmt::format("nothing may be taken out of {} ({}).", obstacle.path.native(), words));
     if (FileFlags::isLocked(obstacle.flags)) return sentence + howToUnlock(obstacle);
     // What an installer has put there belongs to the administrator. The folder around is nothing to take over.

@@ -25,12 +25,13 @@ fs::path MadeTrash::moveToTrash(const fs::path& item) const {
 std::unique_ptr<SleepBlocker::Hold> MadeSleepBlocker::hold(const std::string& reason) const {
     class MadeHold : public Hold {
     public:
-        explicit MadeHold(int& holds) : m_holds(holds) { ++m_holds; }
+        explicit MadeHold(std::atomic<int>& holds) : m_holds(holds) { ++m_holds; }
         ~MadeHold() override { --m_holds; }
 
     private:
-        int& m_holds;
+        std::atomic<int>& m_holds;
     };
+    const std::lock_guard lock(mutex);
     reasons.push_back(reason);
     return std::make_unique<MadeHold>(holds);
 }

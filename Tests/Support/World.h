@@ -8,8 +8,10 @@
 #include "Platform/Storage/DriveInfo.h"
 #include "Support/TemporaryFolder.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -60,8 +62,9 @@ class MadeSleepBlocker : public SleepBlocker {
 public:
     std::unique_ptr<Hold> hold(const std::string& reason) const override;
 
+    mutable std::mutex mutex;
     mutable std::vector<std::string> reasons;
-    mutable int holds = 0;
+    mutable std::atomic<int> holds = 0;
 };
 
 /// A small machine in a temporary folder: a home, one drive (a plain folder), a Trash, a clock that stands still, a

@@ -27,7 +27,7 @@ std::string chosen(std::uint32_t flags, std::uint32_t flag, std::string_view wor
     return (flags & flag) != 0 ? std::string(word) : std::string();
 }
 
-std::string joined(std::string words, const std::string& more) {
+std::string joined(const std::string& words, const std::string& more) {
     return words.empty() || more.empty() ? words + more : words + "," + more;
 }
 

@@ -20,12 +20,12 @@ struct FileSystemAbilities {
     bool exchange;
     /// "Foo" and "foo" are one name, as the format is usually made.
     bool foldsCase;
+    /// Whether a Mac writes to it.
+    bool isWritableOnMac;
     /// How far apart two times of change are at least.
     std::chrono::nanoseconds timeStep;
     /// In bytes, where a file can come to that.
     std::optional<std::int64_t> largestFile;
-    /// Whether a Mac writes to it.
-    bool isWritableOnMac;
 
     bool operator==(const FileSystemAbilities&) const = default;
 
