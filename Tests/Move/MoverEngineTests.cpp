@@ -275,6 +275,7 @@ TEST_F(MoverEngineTest, MovesWhenTheFreeSpaceIsUnknown) {
 
 TEST_F(MoverEngineTest, MovesWhenTheFreeSpaceIsExactlyTheSize) {
     makeFileOfSize(source / "big", 40'960);
+    flush(source / "song.txt");
     std::int64_t size = 0;
     for (const char* name : {"big", "song.txt"}) size += Files::info(source / name)->allocatedSize;
     world.volumes->available = size - 1;

@@ -1,10 +1,13 @@
 #include "Support/Tree.h"
 
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/SystemCalls.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
 #include <unistd.h>
@@ -54,6 +57,13 @@ void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed) {
         byte = static_cast<char>(state >> 24U);
     }
     makeFile(path, bytes);
+    flush(path);
+}
+
+void flush(const fs::path& file) {
+    const FileDescriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!opened || SystemCalls::flushFile(opened.get()) != 0)
+        throw std::runtime_error("cannot flush " + file.native());
 }
 
 void makeFolder(const fs::path& path) {

@@ -12,8 +12,11 @@ namespace tarvik::test {
 
 /// Makes a file with the folders above it.
 void makeFile(const fs::path& path, std::string_view content = "content");
-/// Makes a file of `size` bytes that differ from place to place and from `seed` to `seed`.
+/// Makes a file of `size` bytes that differ from place to place and from `seed` to `seed`, and flushes it.
 void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed = 1);
+/// Flushes a file, for tests that count what files take on the disk: while ext4 gives a new file its blocks, `stat` may
+/// tell for a moment that it has none.
+void flush(const fs::path& file);
 void makeFolder(const fs::path& path);
 void makeLink(const fs::path& link, const fs::path& target);
 void makeSocket(const fs::path& path);
