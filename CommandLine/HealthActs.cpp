@@ -8,6 +8,7 @@
 #include "Health/HealthCheck.h"
 #include "HealthRepair/HealthRepair.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Files/Files.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Files/WrittenPath.h"
 #include "Platform/Text/Text.h"
@@ -70,7 +71,7 @@ std::vector<Repair> named(const Host& host, const HealthReport& report, const Op
         bool isFound = false;
         const std::size_t before = repairs.size();
         for (const HealthIssue& issue : problems) {
-            if (issue.location != path) continue;
+            if (issue.location != path && !Files::isSameItem(Files::info(issue.location), Files::info(path))) continue;
             isFound = true;
             if (const auto repair = repairOf(host, issue, strategy, true)) repairs.push_back({issue, *repair});
         }
