@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 #include "Platform/Machine/Host.h"
 
 /// The acts of the command, each from the options to what is printed. All block.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 #include "Platform/Machine/Host.h"
 
 /// What the command does with backups on a drive. Both block.

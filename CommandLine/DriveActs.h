@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 #include "Platform/Machine/Host.h"
 #include "Platform/Storage/DriveInfo.h"
 

@@ -2,7 +2,7 @@
 
 #include "Applications/AppEntry.h"
 #include "Applications/AppRecord.h"
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 #include "Platform/Machine/Host.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include "CommandLine/Acts.h"
 #include "CommandLine/Columns.h"
 #include "CommandLine/CompletionActs.h"
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 #include "CommandLine/Signals.h"
 #include "CommandLine/Terminal.h"
 #include "Platform/Machine/Host.h"

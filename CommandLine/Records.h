@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CommandLine/Grammar/Format.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -8,13 +10,6 @@
 #include <vector>
 
 namespace tarvik::CommandLine {
-
-/// How results are written to standard output.
-enum class Format {
-    human,  ///< for eyes: aligned, rounded, sentences
-    tsv,    ///< a header line, then a line for each record
-    toml,   ///< a document
-};
 
 /// One result for a program to read: names and values in the order in which they are written.
 using Value = std::variant<std::string, std::int64_t, bool, std::vector<std::string>>;

@@ -1,6 +1,6 @@
 #include "CommandLine/CommandWorld.h"
+#include "CommandLine/Grammar/Verbs.h"
 #include "CommandLine/Lines.h"
-#include "CommandLine/Verbs.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>

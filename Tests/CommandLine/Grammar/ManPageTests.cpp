@@ -1,5 +1,5 @@
-#include "CommandLine/ManPage.h"
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/ManPage.h"
+#include "CommandLine/Grammar/Options.h"
 #include "CommandLine/RunningProgram.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"

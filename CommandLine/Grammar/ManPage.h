@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/CommandDescription.h"
+#include "CommandLine/Grammar/CommandDescription.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "CommandLine/CommandDescription.h"
-#include "CommandLine/Records.h"
-#include "CommandLine/Verbs.h"
+#include "CommandLine/Grammar/CommandDescription.h"
+#include "CommandLine/Grammar/Format.h"
+#include "CommandLine/Grammar/Verbs.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Path.h"
 

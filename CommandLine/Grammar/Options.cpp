@@ -1,7 +1,7 @@
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 
-#include "CommandLine/CompletionScripts.h"
-#include "CommandLine/ManPage.h"
+#include "CommandLine/Grammar/CompletionScripts.h"
+#include "CommandLine/Grammar/ManPage.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

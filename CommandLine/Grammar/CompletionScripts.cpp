@@ -1,4 +1,4 @@
-#include "CommandLine/CompletionScripts.h"
+#include "CommandLine/Grammar/CompletionScripts.h"
 
 namespace tarvik::CommandLine::CompletionScripts {
 

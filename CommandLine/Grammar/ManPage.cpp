@@ -1,4 +1,4 @@
-#include "CommandLine/ManPage.h"
+#include "CommandLine/Grammar/ManPage.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,6 +1,6 @@
-#include "CommandLine/CompletionPlace.h"
+#include "CommandLine/Grammar/CompletionPlace.h"
 
-#include "CommandLine/CompletionScripts.h"
+#include "CommandLine/Grammar/CompletionScripts.h"
 #include "HealthRepair/HealthRepairStrategy.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "CommandLine/Verbs.h"
+#include "CommandLine/Grammar/Verbs.h"
 
 #include <array>
 #include <string>

@@ -1,4 +1,4 @@
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/Options.h"
 
 #include <gtest/gtest.h>
 

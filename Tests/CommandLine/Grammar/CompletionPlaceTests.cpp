@@ -1,5 +1,5 @@
-#include "CommandLine/CompletionPlace.h"
-#include "CommandLine/Options.h"
+#include "CommandLine/Grammar/CompletionPlace.h"
+#include "CommandLine/Grammar/Options.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

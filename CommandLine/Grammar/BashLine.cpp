@@ -1,4 +1,4 @@
-#include "CommandLine/BashLine.h"
+#include "CommandLine/Grammar/BashLine.h"
 
 #include <cstddef>
 
