@@ -62,8 +62,7 @@ void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed) {
 
 void flush(const fs::path& file) {
     const FileDescriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!opened || SystemCalls::flushFile(opened.get()) != 0)
-        throw std::runtime_error("cannot flush " + file.native());
+    if (!opened || SystemCalls::flushFile(opened.get()) != 0) throw std::runtime_error("cannot flush " + file.native());
 }
 
 void makeFolder(const fs::path& path) {
