@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sys/resource.h>
 #include <thread>
 
@@ -16,12 +17,17 @@ int patience() {
 TEST(ThreadPriority, IsLoweredForOneThreadAlone) {
     const int before = patience();
     int lowered = before;
+    int stillLower = before;
     std::thread([&] {
         ThreadPriority::lower();
         ThreadPriority::lower();
         lowered = patience();
+        ::setpriority(PRIO_PROCESS, 0, 19);
+        ThreadPriority::lower();
+        stillLower = patience();
     }).join();
-    EXPECT_GT(lowered, before);
+    EXPECT_EQ(lowered, std::max(before, 10));
+    EXPECT_EQ(stillLower, 19) << "what stands further back is not drawn forward";
     EXPECT_EQ(patience(), before);
 }
 
