@@ -66,12 +66,16 @@ void AppsState::refreshApps() {
 }
 
 QCoro::Task<> AppsState::scanApps() {
-    const auto end = qScopeGuard([this] { setScanningApps(false); });
+    const auto end = qScopeGuard([this] {
+        setScanningApps(false);
+        if (std::exchange(m_isScanDueAgain, false)) refreshApps();
+    });
     const auto look = [host = host()] { return AppScanner::discoverMetadata(host); };
     std::vector<AppEntry> entries = co_await inBackground(Priority::userInitiated, look);
     setSizeProgress(0, static_cast<int>(entries.size()));
     takeApps(entries);
-    co_await lookForAbsent();
+    // A drive that does not answer holds up no size of what is on others.
+    follow(lookForAbsent());
     co_await computeSizes(std::move(entries));
     sortAppsBySize();
 }
@@ -87,7 +91,9 @@ QCoro::Task<> AppsState::lookForAbsent() {
             if (!Files::exists(bundle)) absent.insert(bundle);
         return absent;
     };
+    const int turn = ++m_absenceTurn;
     const std::set<fs::path> absent = co_await inBackground(Priority::userInitiated, look);
+    if (turn != m_absenceTurn) co_return;  // One that began later saw what is true now.
     bool hasComeBack = false;
     for (std::size_t index = 0; index < apps().size(); ++index) {
         AppRow row = apps()[index];
@@ -97,7 +103,10 @@ QCoro::Task<> AppsState::lookForAbsent() {
         hasComeBack = hasComeBack || !isAbsent;
         m_apps.update(index, std::move(row));
     }
-    if (hasComeBack) refreshApps();  // Only now it can be measured.
+    if (!hasComeBack) co_return;
+    // Only now it can be measured.
+    m_isScanDueAgain = m_isScanningApps;
+    refreshApps();
 }
 
 QCoro::Task<> AppsState::computeSizes(std::vector<AppEntry> entries) {

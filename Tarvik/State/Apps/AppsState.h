@@ -134,6 +134,10 @@ private:
     std::set<std::string> m_expandedAppIDs;
     CheckedPaths m_checkedDataPaths;
     bool m_isScanningApps = false;
+    /// What the scan under way may have missed has come.
+    bool m_isScanDueAgain = false;
+    /// Counts the looks for absent ones, of which the last one holds.
+    int m_absenceTurn = 0;
     int m_sizeProgress = 0;
     int m_sizeTotal = 0;
     bool m_includeAppData = true;
