@@ -61,13 +61,20 @@ void copy(const Host& host, const fs::path& from, const fs::path& to, std::int64
     try {
         runDitto(host, from, to, totalBytes, progress);
     } catch (const Failure& failure) {
-        MoverStasher::stash(host, to);
-        // A full drive takes no folder to set things aside in: what fills it must not pass for a copy.
-        ignoringFailure([&] {
-            if (isOurs && Files::itemExists(to)) Files::removeItem(to);
-        });
+        if (isOurs)
+            disposeOf(host, to);
+        else
+            MoverStasher::stash(host, to);
         throw MoverError::copyFailed(failure.description());
     }
+}
+
+void disposeOf(const Host& host, const fs::path& copy) {
+    MoverStasher::stash(host, copy);
+    // A full drive takes no folder to set things aside in: what fills it must not pass for a copy.
+    ignoringFailure([&] {
+        if (Files::itemExists(copy)) Files::removeItem(copy);
+    });
 }
 
 }  // namespace tarvik::FileCopier

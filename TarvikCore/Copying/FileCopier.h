@@ -26,4 +26,7 @@ void runDitto(const Host& host, const fs::path& from, const fs::path& to, std::i
 void copy(const Host& host, const fs::path& from, const fs::path& to, std::int64_t totalBytes,
           const ProgressCallback& progress);
 
+/// Disposes of such a copy, partial or not, as `copy` does of a partial one. Never fails.
+void disposeOf(const Host& host, const fs::path& copy);
+
 }  // namespace tarvik::FileCopier
