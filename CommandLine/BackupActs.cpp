@@ -109,6 +109,8 @@ void create(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = BackupPlan::plan(host, options.paths, drive);
     Terminal::confirm(BackupPlan::confirm(plan), options.yes);
+    if (options.yes)
+        for (const auto& sentence : plan.leftOut) Terminal::say(Columns::oneLine(sentence));
 
     const auto unfinishedBefore = BackupService::unfinished(host, drive.mountPath);
     Outcome outcome{.backup = {.rootPath = AppStorageNames::backupsRootOn(drive.mountPath)}};

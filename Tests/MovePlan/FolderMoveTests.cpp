@@ -225,4 +225,18 @@ TEST_F(FolderMoveTest, RefusesWhatIsNotOnARootedMachine) {
     EXPECT_EQ(refusal(world.home / "detour/Music"), (outside / "Music").native() + sentence);
 }
 
+TEST_F(FolderMoveTest, RefusesAFolderThatNoLinkCanTakeThePlaceOf) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const auto card = RealVolume::memory(world.folder.path(), megabyte);
+    makeFile(card / "Photos/lake.raw");
+    world.volumes->list.push_back(
+        {.mountPath = card.path(), .name = "Card", .formatDescription = "exFAT", .keepsLinks = false});
+    EXPECT_EQ(refusal(card / "Photos"),
+              "Photos can't be moved: a symlink would have to take its place, and Card holds none (exFAT).");
+    EXPECT_EQ(MoveRefusal::ofContents(world.host, card / "Photos"),
+              "Photos can't be moved: a symlink would have to take its place, and Card holds none (exFAT).");
+    world.volumes->list.back().keepsLinks = true;
+    EXPECT_EQ(refusal(card / "Photos"), "planned");
+}
+
 }  // namespace tarvik::test
