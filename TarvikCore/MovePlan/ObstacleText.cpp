@@ -32,6 +32,11 @@ std::string howToUnlock(const TreeObstacle& obstacle) {
     return fmt::format(" Unlock it with: {}", UnlockCommand::forThisSystem(obstacle.flags, obstacle.path));
 }
 
+std::string howToLift(const TreeObstacle& denied) {
+    if (denied.denial) return fmt::format(" Lift that with: {}", UnlockCommand::ofDenial(*denied.denial));
+    return fmt::format(" See which of its entries does with: {}", UnlockCommand::showingLists(denied.path));
+}
+
 /// Of a folder that lets nothing go, by its locks or by its permissions.
 std::string ofSealedFolder(const fs::path& item, const TreeObstacle& obstacle, std::string_view words) {
     std::string sentence =
@@ -76,8 +81,8 @@ std::string of(const fs::path& item, const TreeObstacle& obstacle, std::string_v
         case TreeObstacle::Kind::deniedItem:
             // Lists answer EACCES; EPERM comes from the system's own guards.
             if (obstacle.errorNumber != EACCES) return keptBySystem(item, obstacle.path);
-            return cannot(item, fmt::format("an access control list forbids to remove {} ({}). Lift that with: {}",
-                                            place, words, UnlockCommand::ofDenyDelete(obstacle.path)));
+            return cannot(item, fmt::format("an access control list forbids to remove {} ({}).", place, words)) +
+                   howToLift(obstacle);
         case TreeObstacle::Kind::socket:
             return cannotBe(done, item, fmt::format("{} is a socket, which no copy can hold.", place));
         case TreeObstacle::Kind::pipe:

@@ -353,6 +353,16 @@ TEST_F(BackupOnVolume, ThatFillsUpLeavesNoRecord) {
     EXPECT_EQ(test::statusOf(home / "Music/song").st_size, 5'000'000);
 }
 
+TEST_F(BackupOnVolume, ThatFillsUpTellsSoInOneSentence) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    world.withRealDitto();
+    for (int i = 0; i < 600; ++i) test::makeFileOfSize(home / "Music" / std::to_string(i), 9000);
+    const auto volume = test::RealVolume::memory(mounts.path(), 2'000'000);
+    EXPECT_THAT(failureOn(volume),
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: [^\n]*: No space left on device "
+                                      "\\(and [0-9]+ more\\)"));
+}
+
 TEST_F(BackupOnVolume, ThatIsReadOnlyTakesNothing) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     world.withRealDitto();

@@ -112,6 +112,8 @@ TreeObstacle obstacle(const Found& found, const fs::path& path, const Holder& ho
     if (found.kind == Kind::sealedFolder)
         return {found.kind, path.parent_path(), found.errorNumber, holder.guard.flags, holder.guard.owner};
     if (found.kind == Kind::unreadable) return {found.kind, path, found.errorNumber};
+    if (found.kind == Kind::deniedItem)
+        return {found.kind, path, found.errorNumber, guard.flags, guard.owner, AccessList::culprit(path)};
     return {found.kind, path, found.errorNumber, guard.flags, guard.owner};
 }
 

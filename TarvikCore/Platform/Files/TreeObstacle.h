@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
+#include "Platform/Files/AccessList.h"
 #include "Platform/Files/FileError.h"
 
 #include <cstdint>
@@ -32,6 +33,8 @@ struct TreeObstacle {
     /// What the file system keeps for what is at `path`, see `FileFlags`, and whose it is, as far as that is known.
     std::uint32_t flags = 0;
     std::optional<uid_t> owner = std::nullopt;
+    /// For a denied item the entry that denies it, where that can be told.
+    std::optional<AccessList::Culprit> denial = std::nullopt;
 
     /// Why the item could not be removed; nothing when no obstacle can be seen. Two calls an entry. Blocks; any thread.
     static std::optional<TreeObstacle> toRemoval(const fs::path& item);
