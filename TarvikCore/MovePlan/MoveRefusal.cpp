@@ -10,9 +10,11 @@
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Storage/SizeCalculator.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
+#include <iterator>
 #include <set>
 #include <string_view>
 
@@ -58,6 +60,31 @@ Refusal bySystem(const Host& host, const fs::path& folder) {
         return fmt::format("{} holds the home folder and can't be moved.", folder.native());
     if (SystemFolders::isImmovable(host, folder))
         return fmt::format("{} belongs to the system and can't be moved.", folder.native());
+    return std::nullopt;
+}
+
+/// The name of the drive on which `folder` is the root of all that was moved there; nothing for any other folder.
+Refusal driveOfExternalRoot(const Host& host, const fs::path& folder) {
+    if (Text::nameKey(folder.filename().native()) != Text::nameKey(AppStorageNames::externalRoot)) return std::nullopt;
+    const auto parent = Files::info(folder.parent_path());
+    for (const Volume& volume : host.volumes->mounted())
+        if (Files::isSameItem(Files::infoFollowingLinks(volume.mountPath), parent))
+            return volume.name.value_or(volume.mountPath.filename().native());
+    return std::nullopt;
+}
+
+/// What was moved once has a link that leads to it: a second one in its place would make the first useless.
+Refusal byEarlierMove(const Host& host, const fs::path& folder) {
+    for (fs::path root = folder; root != root.parent_path(); root = root.parent_path()) {
+        const auto drive = driveOfExternalRoot(host, root);
+        if (!drive) continue;
+        const auto levels = folder.lexically_relative(root);
+        const bool holdsMany = folder == root || std::distance(levels.begin(), levels.end()) == 1;
+        if (holdsMany)
+            return fmt::format("{} holds what has been moved to {} and can't be moved itself.", folder.native(),
+                               *drive);
+        return fmt::format("{} has been moved to {} already. Move it back first.", folder.filename().native(), *drive);
+    }
     return std::nullopt;
 }
 
@@ -141,6 +168,7 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (auto refusal = bySystem(host, resolved)) return refusal;
     if (auto refusal = byMachine(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
+    if (auto refusal = byEarlierMove(host, resolved)) return refusal;
     if (auto refusal = byOwnVolume(host, folder)) return refusal;
     if (auto refusal = DriveLimits::refusal(folder, drive)) return refusal;
     return byContents(host, folder, TreeObstacle::toMove(folder));

@@ -1,11 +1,12 @@
 #include "Platform/Files/AccessList.h"
 
+#include <uuid/uuid.h>
+
 #include <cstring>
 #include <membership.h>
 #include <memory>
 #include <sys/acl.h>
 #include <type_traits>
-#include <uuid/uuid.h>
 
 namespace tarvik::AccessList {
 
@@ -32,7 +33,8 @@ bool isInherited(acl_entry_t entry) {
 }  // namespace
 
 std::vector<Denial> denialsAt(const fs::path& item) {
-    const std::unique_ptr<std::remove_pointer_t<acl_t>, Release> list(::acl_get_link_np(item.c_str(), ACL_TYPE_EXTENDED));
+    const std::unique_ptr<std::remove_pointer_t<acl_t>, Release> list(
+        ::acl_get_link_np(item.c_str(), ACL_TYPE_EXTENDED));
     std::vector<Denial> denials;
     if (!list) return denials;
     acl_entry_t entry = nullptr;
