@@ -108,12 +108,16 @@ std::string tomlOf(const AppMove::Plan& plan, const std::vector<std::string>& re
     return toml(facts) + "\n" + toml("jobs", jobRecordsOf(plan.jobs));
 }
 
-void print(const Host& host, const AppMove::Plan& plan, Format format) {
-    const auto remarks = remarksOf(host, plan);
+/// `failure` is told besides, at the end.
+void print(const Host& host, const AppMove::Plan& plan, Format format, const std::string& failure) {
+    auto remarks = remarksOf(host, plan);
+    // Who reads both reads each sentence once; a record is complete.
+    if (format != Format::toml)
+        std::erase_if(remarks, [&](const std::string& remark) { return failure.ends_with(remark); });
     if (format == Format::human) return Terminal::writeResult(humanOf(plan, remarks, host.home));
     if (format == Format::toml) return Terminal::writeResult(tomlOf(plan, remarks));
     // A table of jobs has no place for them.
-    for (const auto& remark : remarks) Terminal::say(Columns::oneLine(remark));
+    for (const auto& remark : remarks) Terminal::say(remark);
     Terminal::writeResult(tsv({"label", "source", "destination", "bytes"}, jobRecordsOf(plan.jobs)));
 }
 
@@ -137,7 +141,7 @@ Agreed agreed(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     auto plan = AppMove::propose(host, chosenApps(host, options), drive, options.includesData);
     if (options.yes)
-        for (const auto& sentence : plan.staying) Terminal::say(Columns::oneLine(sentence));
+        for (const auto& sentence : plan.staying) Terminal::say(sentence);
     Terminal::confirm(AppMove::confirmMove(plan), options.yes);
     if (const auto told = AppMove::takeSnapshot(host)) Terminal::say(*told);
     const bool quitRunning = quitsRunning(host, plan, options);
@@ -169,9 +173,10 @@ void move(const Host& host, const Options& options) {
 void plan(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = AppMove::plan(host, chosenApps(host, options), drive, options.includesData);
-    print(host, plan, options.format);
-    for (const auto& reason : {AppMove::refusalOf(plan), AppMove::reasonToMoveNothing(plan)})
-        if (reason) throw Failure("CommandLine", 1, *reason);
+    const auto refusal = AppMove::refusalOf(plan);
+    const auto failure = refusal ? refusal : AppMove::reasonToMoveNothing(plan);
+    print(host, plan, options.format, failure.value_or(std::string()));
+    if (failure) throw Failure("CommandLine", 1, *failure);
 }
 
 }  // namespace tarvik::CommandLine::AppMoveActs

@@ -50,9 +50,8 @@ BackupRecord asMountedNow(BackupRecord backup, const DriveInfo& drive) {
 void sayWhatIsUnfinished(const Host& host, const DriveInfo& drive) {
     const auto names = BackupService::unfinished(host, drive.mountPath);
     if (names.empty()) return;
-    Terminal::say(Columns::oneLine(fmt::format("No complete backup, in {}: {}.",
-                                               AppStorageNames::backupsRootOn(drive.mountPath).native(),
-                                               fmt::join(names, ", "))));
+    Terminal::say(fmt::format("No complete backup, in {}: {}.",
+                              AppStorageNames::backupsRootOn(drive.mountPath).native(), fmt::join(names, ", ")));
 }
 
 /// How a backup ended.
@@ -68,7 +67,7 @@ void print(const BackupPlan::Plan& plan, const Outcome& outcome, Format format) 
     const bool isDone = outcome.failure.empty();
     if (format == Format::human) {
         // After a failure the failure itself is the message.
-        if (isDone) Terminal::writeResult(Columns::printable(sentence) + "\n");
+        if (isDone) Terminal::writeLine(sentence);
         return;
     }
     auto record = recordOf(outcome.backup);
@@ -99,8 +98,8 @@ BackupRecord make(const Host& host, const BackupPlan::Plan& plan, Format format)
 void sayWhereCopiesStay(const Host& host, const fs::path& mountPath, const std::vector<std::string>& unfinishedBefore) {
     for (const auto& name : BackupService::unfinished(host, mountPath))
         if (std::find(unfinishedBefore.begin(), unfinishedBefore.end(), name) == unfinishedBefore.end())
-            Terminal::say(Columns::oneLine(fmt::format("What was copied so far stays in {}.",
-                                                       (AppStorageNames::backupsRootOn(mountPath) / name).native())));
+            Terminal::say(fmt::format("What was copied so far stays in {}.",
+                                      (AppStorageNames::backupsRootOn(mountPath) / name).native()));
 }
 
 }  // namespace
@@ -109,6 +108,8 @@ void create(const Host& host, const Options& options) {
     const auto drive = DriveActs::chosen(host, options.drive, options.verb);
     const auto plan = BackupPlan::plan(host, options.paths, drive);
     Terminal::confirm(BackupPlan::confirm(plan), options.yes);
+    if (options.yes)
+        for (const auto& sentence : plan.leftOut) Terminal::say(sentence);
 
     const auto unfinishedBefore = BackupService::unfinished(host, drive.mountPath);
     Outcome outcome{.backup = {.rootPath = AppStorageNames::backupsRootOn(drive.mountPath)}};

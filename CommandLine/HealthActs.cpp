@@ -139,10 +139,9 @@ void print(const std::vector<RepairEnd>& ends, Format format) {
     }
     for (const RepairEnd& end : ends) {
         if (end.hasFailed)
-            Terminal::say(
-                fmt::format("{}: {}", Columns::oneLine(lastComponent(end.repair.issue.location)), end.sentence));
+            Terminal::say(fmt::format("{}: {}", lastComponent(end.repair.issue.location), end.sentence));
         else
-            Terminal::writeResult(Columns::printable(end.sentence) + "\n");
+            Terminal::writeLine(end.sentence);
     }
 }
 

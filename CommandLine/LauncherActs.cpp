@@ -105,10 +105,8 @@ void print(const std::vector<RepairOutcome>& outcomes, Format format) {
     }
     for (const auto& outcome : outcomes)
         if (!outcome.description.empty())
-            Terminal::say(Columns::oneLine(
-                fmt::format("{}: {}", outcome.entry.launcher.filename().native(), outcome.description)));
-    if (const auto count = countOf(outcomes, "repaired"))
-        Terminal::writeResult(LauncherInventory::repaired(count) + "\n");
+            Terminal::say(fmt::format("{}: {}", outcome.entry.launcher.filename().native(), outcome.description));
+    if (const auto count = countOf(outcomes, "repaired")) Terminal::writeLine(LauncherInventory::repaired(count));
 }
 
 }  // namespace

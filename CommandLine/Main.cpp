@@ -1,5 +1,4 @@
 #include "CommandLine/Acts.h"
-#include "CommandLine/Columns.h"
 #include "CommandLine/CompletionActs.h"
 #include "CommandLine/Grammar/Options.h"
 #include "CommandLine/Signals.h"
@@ -49,8 +48,8 @@ int main(int argc, char** argv) {
         run({argv + 1, argv + argc});
         return done;
     } catch (const WrongUse& use) {
-        // A name in the description may hold a line break, and what it likes after that.
-        Terminal::say(fmt::format("{}\nUsage: {}", Columns::oneLine(use.description()), use.usage()));
+        Terminal::say(use.description());
+        Terminal::say(fmt::format("Usage: {}", use.usage()));
         return wrongUse;
     } catch (const Failure& failure) {
         Terminal::say(failure.description());

@@ -1,6 +1,5 @@
 #include "CommandLine/Outcome.h"
 
-#include "CommandLine/Columns.h"
 #include "CommandLine/Terminal.h"
 #include "MovePlan/FolderMove.h"
 #include "Platform/Basics/Failure.h"
@@ -25,10 +24,6 @@ Record recordOf(const Outcome& outcome) {
     };
 }
 
-void writeSentence(const Outcome& outcome) {
-    Terminal::writeResult(Columns::printable(outcome.sentence) + "\n");
-}
-
 }  // namespace
 
 Outcome outcomeOf(const MoveJob& job) {
@@ -42,7 +37,7 @@ void finish(const Outcome& outcome, Format format) {
     if (format != Format::human) {
         Terminal::writeResult(format == Format::tsv ? tsv(recordOf(outcome)) : toml(recordOf(outcome)));
     } else if (isDone) {
-        writeSentence(outcome);
+        Terminal::writeLine(outcome.sentence);
     }
     if (!isDone) throw Failure("CommandLine", 1, outcome.failure);
 }
@@ -57,7 +52,7 @@ void finish(const std::vector<Outcome>& outcomes, Format format, const std::stri
         if (!outcome.failure.empty()) {
             Terminal::say(fmt::format("{}: {}", outcome.label, outcome.failure));
         } else if (format == Format::human) {
-            writeSentence(outcome);
+            Terminal::writeLine(outcome.sentence);
         }
     }
     const bool hasFailed =

@@ -1,6 +1,5 @@
 #include "CommandLine/RestoreActs.h"
 
-#include "CommandLine/Columns.h"
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Outcome.h"
 #include "CommandLine/ProgressDisplay.h"
@@ -156,7 +155,7 @@ void restore(const Host& host, const Options& options) {
     // Without a question nobody has been told.
     for (std::size_t index = 0; options.yes && index < results.size(); ++index) {
         const auto remark = WayBack::dataStays(plan.waysBack[index]);
-        if (!results[index] && !remark.empty()) Terminal::say(Columns::oneLine(remark));
+        if (!results[index] && !remark.empty()) Terminal::say(remark);
     }
     finishAll(plan, results, options.format);
 }

@@ -53,8 +53,12 @@ void writeMessage(std::string_view text) noexcept {
     writeAll(STDERR_FILENO, text);
 }
 
+void writeLine(std::string_view sentence) {
+    writeResult(Columns::oneLine(sentence) + "\n");
+}
+
 void say(std::string_view sentence) {
-    writeMessage(Columns::printable(sentence) + "\n");
+    writeMessage(Columns::oneLine(sentence) + "\n");
 }
 
 bool showsMessages() {
@@ -73,7 +77,7 @@ bool ask(const Dialog& dialog) {
     const auto& goAhead = dialog.buttons.front();
     say(dialog.title);
     for (const auto& detail : dialog.details) say(detail);
-    say(dialog.text);
+    writeMessage(Columns::printable(dialog.text) + "\n");  // It may have several paragraphs.
     writeMessage(fmt::format("{}? [y/N] ", goAhead));
     const auto answer = Text::caseFolded(Text::trimmed(readLine()));
     return answer == "y" || answer == "yes" || answer == Text::caseFolded(goAhead);

@@ -8,11 +8,14 @@
 /// The three streams of the command: results on standard output, everything else on standard error.
 namespace tarvik::CommandLine::Terminal {
 
-/// Writes a result. @throws FileError when it cannot be written whole.
+/// Writes a result as it stands. @throws FileError when it cannot be written whole.
 void writeResult(std::string_view text);
+/// Writes one sentence of a result with its line break, made safe: a line break in it, from the name of a file for
+/// instance, begins no line. @throws as `writeResult`.
+void writeLine(std::string_view sentence);
 /// Writes to standard error, as it stands. A failure is passed over: there is nobody left to tell.
 void writeMessage(std::string_view text) noexcept;
-/// Writes one message with its line break, made safe for a terminal.
+/// Writes one message with its line break, made safe as `writeLine` does it.
 void say(std::string_view sentence);
 
 /// Whether what is said is seen by a person.

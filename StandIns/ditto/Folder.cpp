@@ -44,10 +44,11 @@ void refuseToMergeIntoSource(const Folder& copy) {
     }
 }
 
-/// True when the copy's folder was made now, false when it stood there.
+/// True when the copy's folder was made now, false when it stood there: from before, or as the copy of another folder
+/// whose name the destination takes for the same.
 bool makeFolder(const Item& item) {
     if (::mkdirat(item.parent.destination.get(), item.destinationName, 0700) == 0) return true;
-    if (errno != EEXIST || item.parent.folder->isNew) throw ItemError(destinationPath(item), errno);
+    if (errno != EEXIST) throw ItemError(destinationPath(item), errno);
     return false;
 }
 

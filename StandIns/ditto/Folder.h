@@ -28,7 +28,7 @@ struct Folder {
     /// The copy's place on its file system.
     dev_t destinationDevice = 0;
     ino_t destinationInode = 0;
-    /// The copy was made in this run, so nothing can stand in it that this run did not put there.
+    /// The copy was made for this folder. What stands in it can only be another of its items.
     bool isNew = false;
     /// What is made in the copy gets an access list from it, unasked.
     bool handsDownAccessList = false;

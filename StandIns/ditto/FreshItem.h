@@ -10,10 +10,9 @@
 
 namespace tarvik::ditto {
 
-/// Takes away what stands where `item` is to be made. @returns 0, or the errno of why it has to stay.
+/// Takes away what stands where `item` is to be made: in a new folder another item of the source, whose name the
+/// destination takes for the same. @returns 0, or the errno of why it has to stay.
 inline int removeFormer(const Item& item) {
-    // In a new folder it can only be another item of the source, whose name the destination takes for the same.
-    if (item.parent.folder->isNew) return EEXIST;
     struct stat former {};
     const int folder = item.parent.destination.get();
     if (::fstatat(folder, item.destinationName, &former, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT ? 0 : errno;

@@ -17,6 +17,15 @@ bool knowsNoLinks(int error) {
     return error == EPERM || error == EOPNOTSUPP || error == EMLINK;
 }
 
+/// Whether the item `name` of the open folder stands where the copy of `item` is to be made.
+bool isCopy(int folder, const char* name, const Item& item) {
+    struct stat copy {};
+    struct stat present {};
+    return ::fstatat(folder, name, &copy, AT_SYMLINK_NOFOLLOW) == 0 &&
+           ::fstatat(item.parent.destination.get(), item.destinationName, &present, AT_SYMLINK_NOFOLLOW) == 0 &&
+           copy.st_dev == present.st_dev && copy.st_ino == present.st_ino;
+}
+
 }  // namespace
 
 bool HardLinks::linkOrMake(const Item& item, const struct stat& status, const std::function<void()>& make) {
@@ -32,7 +41,13 @@ bool HardLinks::linkOrMake(const Item& item, const struct stat& status, const st
     bool isLinked = true;
     try {
         makeFresh(item, [&] {
-            return ::linkat(folder, copy.name.c_str(), item.parent.destination.get(), item.destinationName, 0);
+            const int made =
+                ::linkat(folder, copy.name.c_str(), item.parent.destination.get(), item.destinationName, 0);
+            const int error = errno;
+            // Two names of the file may be one at the destination: to make way would remove the only one.
+            if (made != 0 && error == EEXIST && isCopy(folder, copy.name.c_str(), item)) return 0;
+            errno = error;
+            return made;
         });
     } catch (const ItemError& error) {
         if (!knowsNoLinks(error.code())) throw;

@@ -17,6 +17,9 @@ namespace tarvik::ditto::TreeCopier {
 /// nor an item a folder. Pipes, sockets, and what is named like the leftovers of file servers (".nfs", ".afpDeleted")
 /// are passed over in silence, and so is what has gone by the time when it is its turn.
 ///
+/// Two items whose names the destination takes for one are no exception, and not a word is said of them: what comes
+/// second replaces what came first, or is merged into it.
+///
 /// Says in `diagnostics` what could not be copied, and goes on with the rest. Blocks; starts threads where there is
 /// much to copy.
 /// @throws what keeps it from going on at all

@@ -18,7 +18,8 @@
 // - A folder that cannot be made is told of once, and what is in it not at all; the Mac's tool goes on into it.
 // - A folder is never copied into itself. What the Mac's tool does there, its page does not say.
 // - An existing file is replaced by a new one, and never written into, so that its other names keep what they have. The
-//   page says only that it is overwritten.
+//   page says only that it is overwritten. That is done to another item of the source too, where the destination takes
+//   both names for one, as nothing in the page keeps the tool from it.
 // - Holes in files stay holes, and files share their blocks with their copies where the file system can do that. The
 //   page promises neither.
 // - Where the destination knows no extended attributes, those of the user fail, item by item; a Mac keeps them in files

@@ -119,6 +119,7 @@ Plan plan(const Host& host, const std::vector<fs::path>& paths, const DriveInfo&
     for (const auto& source : plan.sources) throwIf(bySource(source, AppStorageNames::backupsRootOn(drive.mountPath)));
     throwIf(byNames(plan.sources));
     for (const auto& source : plan.sources) throwIf(DriveLimits::refusal(source, drive));
+    for (const auto& source : plan.sources) throwIf(MoveRefusal::ofBackup(host, source, plan.leftOut));
     for (const auto& source : plan.sources) plan.bytesTotal += SizeCalculator::size(host, source);
     throwIf(MoveRefusal::ofSpace(plan.bytesTotal, drive));
     return plan;
@@ -129,7 +130,8 @@ Dialog confirm(const Plan& plan) {
             fmt::format("Total {}. Copies go to {}. The originals stay as they are.",
                         SizeCalculator::format(plan.bytesTotal),
                         AppStorageNames::backupsRootOn(plan.drive.mountPath).native()),
-            {"Back Up", "Cancel"}};
+            {"Back Up", "Cancel"},
+            plan.leftOut};
 }
 
 BackupRecord run(const Host& host, const Plan& plan, const BackupService::ProgressCallback& progress,

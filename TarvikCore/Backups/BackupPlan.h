@@ -22,14 +22,16 @@ struct Plan {
     DriveInfo drive;
     /// In bytes.
     std::int64_t bytesTotal = 0;
+    /// A sentence for each source that the backup holds without something that no copy can hold.
+    std::vector<std::string> leftOut = {};
     /// What `DriveScanner::markOf` told of the drive that is meant: empty when it was not there. Nothing for a backup
     /// on whatever drive stands at its place.
     std::optional<std::string> driveMark = std::nullopt;
 };
 
 /// The backup of `paths` on `drive`. Measures them, so it blocks; it changes nothing.
-/// @throws Failure with the sentence for the user when it is refused: nothing there, a link, not enough space, a folder
-/// that holds the backups, two things that would bear one name.
+/// @throws Failure with the sentence for the user when it is refused: nothing there, a link, something in it that can't
+/// be copied, not enough space, a folder that holds the backups, two things that would bear one name.
 Plan plan(const Host& host, const std::vector<fs::path>& paths, const DriveInfo& drive);
 
 /// Asks whether the backup shall be made. The first button is "Back Up".

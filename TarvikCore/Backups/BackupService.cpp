@@ -1,8 +1,11 @@
 #include "Backups/BackupService.h"
 
 #include "Backups/BackupNames.h"
+#include "Copying/ChangeWatch.h"
 #include "Copying/FileCopier.h"
 #include "Copying/FileStash.h"
+#include "Copying/MoveVerifier.h"
+#include "Copying/MoverError.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
 #include "Platform/Files/AppleDouble.h"
@@ -64,17 +67,30 @@ std::vector<Source> existing(const Host& host, const std::vector<fs::path>& path
     return sources;
 }
 
-/// Copies an item with the copy tool; a link as it stands, which the tool would follow (ditto(1)).
-void copyTo(const Host& host, const Source& source, const fs::path& target, const ProgressCallback& progress) {
-    if (const auto text = Files::linkText(source.path)) return Files::createSymbolicLink(target, *text);
-    FileCopier::copy(host, source.path, target, source.size, progress);
+/// The tool may end well and have lost something: on a drive that takes two names for one, for instance.
+void requireWhole(const Host& host, const Source& source, const fs::path& target, const ChangeWatch::Mark& start) {
+    const auto reason = MoveVerifier::failureReasonSince(host, source.path, target, start);
+    if (!reason) return;
+    FileCopier::disposeOf(host, target);
+    throw MoverError::verifyFailed(*reason);
 }
 
-void copy(const Host& host, const Source& source, const fs::path& target, const ProgressCallback& progress) {
+/// Copies an item with the copy tool; a link as it stands, which the tool would follow (ditto(1)).
+void copyTo(const Host& host, const Source& source, const fs::path& target, const DriveGuard& volume,
+            const ProgressCallback& progress) {
+    if (const auto text = Files::linkText(source.path)) return Files::createSymbolicLink(target, *text);
+    const auto start = ChangeWatch::markUnflushed(source.path);
+    FileCopier::copy(host, source.path, target, source.size, progress);
+    volume.require(target.parent_path());
+    requireWhole(host, source, target, start);
+}
+
+void copy(const Host& host, const Source& source, const fs::path& target, const DriveGuard& volume,
+          const ProgressCallback& progress) {
     FileStash::moveAside(host, target, "backup-conflict");
     // The copy tool would merge into what could not be set aside.
     if (Files::itemExists(target)) throw FileError("replace", target, EEXIST);
-    copyTo(host, source, target, progress);
+    copyTo(host, source, target, volume, progress);
 }
 
 /// The instant that is read again from a written record: its numbers are not as fine as the clock.
@@ -116,7 +132,8 @@ BackupRecord fill(const Host& host, const fs::path& folder, const std::vector<So
         throwIfStopped(isAskedToStop, copies, std::ssize(sources));
         volume.require(folder);
         const fs::path target = folder / BackupNames::ofSource(source.path);
-        copy(host, source, target, [&](std::int64_t copied, std::int64_t) { notify(progress, done + copied, total); });
+        copy(host, source, target, volume,
+             [&](std::int64_t copied, std::int64_t) { notify(progress, done + copied, total); });
         BackupNames::sanitizeVisibleNames(host, target);
         record.sourceFileCount += countFiles(source.path);
         record.backupFileCount += countFiles(target);

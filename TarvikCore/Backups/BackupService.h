@@ -30,10 +30,12 @@ using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t to
 using StopRequest = std::function<bool()>;
 
 /// Copies the sources in their order; one at which nothing exists is passed over, and of a link the link is copied.
-/// A copy whose name is taken sets aside what bears it, with the reason "backup-conflict"; see `BackupNames` for the
-/// names. Backups that begin in the same second share one folder, and the later record stays.
-/// @throws Failure when a folder cannot be made, a copy or a rename fails, the drive goes away, the record cannot be
-/// written, or, with ECANCELED, it was stopped. What has been copied stays; half a copy is disposed of.
+/// Each copy is proved by `MoveVerifier`: what has stood in the original unchanged since before it was copied must be
+/// in it. A copy whose name is taken sets aside what bears it, with the reason "backup-conflict"; see `BackupNames` for
+/// the names. Backups that begin in the same second share one folder, and the later record stays.
+/// @throws Failure when a folder cannot be made, a copy, its proof or a rename fails, the drive goes away, the record
+/// cannot be written, or, with ECANCELED, it was stopped. What has been copied stays; half a copy, or one that lacks
+/// something, is disposed of.
 BackupRecord create(const Host& host, const std::vector<fs::path>& sources, const fs::path& drive,
                     const ProgressCallback& progress = {}, const StopRequest& isAskedToStop = {});
 

@@ -28,8 +28,8 @@ bool isAfter(const timespec& time, const timespec& mark) {
     return std::pair(time.tv_sec, time.tv_nsec) > std::pair(mark.tv_sec, mark.tv_nsec);
 }
 
-/// The flush must not begin before the clocks have moved on: a page that is written to again in between would bear no
-/// later time.
+/// It returns when the clocks have moved on. No flush may begin before: a page that is written to again in between
+/// would bear no later time.
 Mark markNow(const fs::path& root) {
     Mark result;
     result.root = std::make_shared<const FileDescriptor>(
@@ -62,6 +62,14 @@ Mark mark(const fs::path& root) {
     return Beginning(root).mark();
 }
 
+Mark markUnflushed(const fs::path& root) {
+    return markNow(root);
+}
+
+bool hasChanged(const struct stat& status, const Mark& mark) {
+    return isAfter(SystemCalls::statusChangeTime(status), mark.time);
+}
+
 std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {
     struct stat status {};
     if (::lstat(root.c_str(), &status) != 0) throw FileError("read", root, errno);
@@ -75,7 +83,7 @@ std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Ma
         const struct stat* entry = walk.status();
         if (!entry && errno != ENOENT) throw FileError("read", root / walk.relativePath(), errno);
         const bool hasGone = !entry;
-        if (hasGone || isAfter(SystemCalls::statusChangeTime(*entry), mark.time)) return fs::path(walk.relativePath());
+        if (hasGone || hasChanged(*entry, mark)) return fs::path(walk.relativePath());
     }
     return std::nullopt;
 }

@@ -8,6 +8,7 @@
 #include <ctime>
 #include <memory>
 #include <optional>
+#include <sys/stat.h>
 
 /// Finds out whether something was written in a tree while it was copied. A copy of a file that changed under the
 /// copier's hands can have the right size and the wrong bytes, so a proof by size is not enough.
@@ -39,6 +40,13 @@ private:
 
 /// The same where there is nothing to do meanwhile.
 Mark mark(const fs::path& root);
+/// The same without the flush, for who asks for no more than `hasChanged`: only a change of bytes through a memory
+/// mapping stays unseen. Never fails.
+Mark markUnflushed(const fs::path& root);
+
+/// Whether the item with this status, links not followed, was written to, made, renamed or replaced since the mark, as
+/// far as its own times tell. Pure.
+bool hasChanged(const struct stat& status, const Mark& mark);
 
 /// The path below `root` of the first item that was written to, made or replaced since the mark, empty for the root
 /// itself; nothing when all is as it was. Something else at the root counts, however old it is. It goes by the time of

@@ -20,7 +20,40 @@ namespace tarvik::FileCopier {
 
 namespace {
 
-constexpr std::size_t longestMessage = std::size_t{16} * 1024;
+/// What a tool says of its failure. It may go on about millions of files: the first line tells why, the others are
+/// only counted.
+class Complaints {
+public:
+    void add(std::string_view piece) {
+        m_start += piece.substr(0, std::min(piece.size(), longestStart - m_start.size()));
+        for (const char byte : piece) {
+            if (byte == '\n') {
+                m_lineHasText = false;
+            } else if (!m_lineHasText && !isBlank(byte)) {
+                m_lineHasText = true;
+                ++m_lines;
+            }
+        }
+    }
+
+    /// One sentence; empty when nothing was said, or nothing that is text.
+    std::string sentence() const {
+        for (const std::string_view line : Text::lines(m_start)) {
+            const std::string first = Text::isValidUtf8(line) ? Text::trimmed(line) : std::string();
+            if (!first.empty()) return m_lines < 2 ? first : fmt::format("{} (and {} more)", first, m_lines - 1);
+        }
+        return {};
+    }
+
+private:
+    static constexpr std::size_t longestStart = std::size_t{16} * 1024;
+
+    static bool isBlank(char byte) { return byte == ' ' || byte == '\t' || byte == '\r'; }
+
+    std::string m_start;
+    std::int64_t m_lines = 0;
+    bool m_lineHasText = false;
+};
 
 /// What a user's environment may hold that makes the tool leave things out: resource forks, attributes and access lists
 /// (DITTONORSRC in ditto(1), COPYFILE_DISABLE in <copyfile.h>).
@@ -30,17 +63,14 @@ const EnvironmentChange completeCopies = {{"DITTONORSRC", std::nullopt}, {"COPYF
 
 void runDitto(const Host& host, const fs::path& from, const fs::path& to) {
     ChildProcess ditto = ChildProcess::start(host.tools.ditto, {"--rsrc", from.native(), to.native()}, completeCopies);
-    std::string output;
+    Complaints complaints;
     StreamReader reader;
-    // The first words tell why; a tool that goes on about millions of files is not listened to.
-    reader.add(ditto.standardError(), [&output](std::string_view piece) {
-        output += piece.substr(0, std::min(piece.size(), longestMessage - output.size()));
-    });
+    reader.add(ditto.standardError(), [&complaints](std::string_view piece) { complaints.add(piece); });
     reader.add(ditto.standardOutput(), {});  // Read so that the tool never waits for us.
     reader.readToEnd();
     const int status = ditto.wait();
     if (status == 0) return;
-    std::string message = Text::isValidUtf8(output) ? Text::trimmed(output) : std::string();
+    std::string message = complaints.sentence();
     if (message.empty()) message = fmt::format("exit {}", status);
     throw Failure("FileCopier", status, "ditto failed: " + message);
 }
@@ -61,13 +91,20 @@ void copy(const Host& host, const fs::path& from, const fs::path& to, std::int64
     try {
         runDitto(host, from, to, totalBytes, progress);
     } catch (const Failure& failure) {
-        MoverStasher::stash(host, to);
-        // A full drive takes no folder to set things aside in: what fills it must not pass for a copy.
-        ignoringFailure([&] {
-            if (isOurs && Files::itemExists(to)) Files::removeItem(to);
-        });
+        if (isOurs)
+            disposeOf(host, to);
+        else
+            MoverStasher::stash(host, to);
         throw MoverError::copyFailed(failure.description());
     }
+}
+
+void disposeOf(const Host& host, const fs::path& copy) {
+    MoverStasher::stash(host, copy);
+    // A full drive takes no folder to set things aside in: what fills it must not pass for a copy.
+    ignoringFailure([&] {
+        if (Files::itemExists(copy)) Files::removeItem(copy);
+    });
 }
 
 }  // namespace tarvik::FileCopier

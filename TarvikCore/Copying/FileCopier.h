@@ -15,7 +15,8 @@ using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t to
 
 /// Copies `from` to `to` with all that belongs to it, without a time limit. What stands at `to` is merged into.
 /// A partial copy is the caller's to dispose of.
-/// @throws Failure of the domain "FileCopier" with the tool's exit status as its code; FileError when it cannot be run.
+/// @throws Failure of the domain "FileCopier" with the tool's exit status as its code, and the first line in which the
+/// tool told why, and how many came behind it; FileError when it cannot be run.
 void runDitto(const Host& host, const fs::path& from, const fs::path& to);
 /// The same with reports every half second of what has arrived.
 void runDitto(const Host& host, const fs::path& from, const fs::path& to, std::int64_t totalBytes,
@@ -25,5 +26,8 @@ void runDitto(const Host& host, const fs::path& from, const fs::path& to, std::i
 /// it, it is removed, unless something stood at `to` before. @throws MoverError copyFailed.
 void copy(const Host& host, const fs::path& from, const fs::path& to, std::int64_t totalBytes,
           const ProgressCallback& progress);
+
+/// Disposes of such a copy, partial or not, as `copy` does of a partial one. Never fails.
+void disposeOf(const Host& host, const fs::path& copy);
 
 }  // namespace tarvik::FileCopier

@@ -5,11 +5,13 @@
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/FolderTrail.h"
 #include "Platform/Files/TreeWalk.h"
+#include "Platform/Files/UncopiedItems.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <fcntl.h>
 #include <map>
@@ -23,6 +25,22 @@ namespace tarvik::MoveVerifier {
 namespace {
 
 using Reason = std::optional<std::string>;
+
+/// What is asked of a copy.
+struct Terms {
+    Volumes volumes;
+    bool countsEntries = false;
+    /// Of a backup: what has changed since may differ. Null for an original that is to go.
+    const ChangeWatch::Mark* mark = nullptr;
+
+    /// Whether a copy that differs there is good all the same. `source` is null when `error` kept it from being read.
+    bool excuse(const char* name, const struct stat* source, int error) const {
+        if (!mark) return false;
+        if (!source) return error == ENOENT;
+        return ChangeWatch::hasChanged(*source, *mark) || UncopiedItems::isByName(name) ||
+               UncopiedItems::isByType(Files::typeOfMode(source->st_mode));
+    }
+};
 
 /// One item by the handle of its folder and its name.
 struct Place {
@@ -142,47 +160,60 @@ private:
 };
 
 /// Walks the source; a trail of open folders keeps step in the destination.
-Reason verifyContents(const fs::path& source, const fs::path& destination, const Volumes& volumes) {
+Reason verifyContents(const fs::path& source, const fs::path& destination, const Terms& terms) {
     TreeWalk walk(source, {.givesLeave = true});
+    if (terms.mark && walk.rootError() == ENOENT) return std::nullopt;
     if (walk.rootError()) return fmt::format("Could not inspect {}.", source.filename().native());
     FolderTrail copy(destination);
     Mergers mergers;
+    bool hasJustEntered = false;
     while (walk.next()) {
-        if (walk.event() == TreeWalk::Event::unreadable)
+        const bool isOfFolderEntered = std::exchange(hasJustEntered, false);
+        if (walk.event() == TreeWalk::Event::unreadable) {
+            const bool hasGone = isOfFolderEntered && walk.errorNumber() == ENOENT;
+            if (terms.mark && hasGone && copy.leave() == 0) continue;
             return fmt::format("Could not inspect {}: {}", walk.name(), systemErrorText(walk.errorNumber()));
+        }
         if (walk.event() == TreeWalk::Event::leave) {
             if (auto reason = mergers.inFolder(walk.depth() + 1, source / walk.relativePath())) return reason;
             if (const int error = copy.leave())
                 return fmt::format("Could not inspect {}: {}", walk.name(), systemErrorText(error));
             continue;
         }
-        if (volumes.sourceKeepsAppleDouble && AppleDouble::belongsToItem(walk.folderHandle(), walk.name())) continue;
+        if (terms.volumes.sourceKeepsAppleDouble && AppleDouble::belongsToItem(walk.folderHandle(), walk.name()))
+            continue;
         struct stat status {};
-        if (auto reason = verifyItem(walk.status(), {walk.folderHandle(), walk.name()}, {copy.handle(), walk.name()},
-                                     walk.relativePath(), status))
-            return reason;
-        mergers.note(walk.depth(), *walk.status(), status);
+        const struct stat* original = walk.status();
+        const int statusError = original ? 0 : errno;
+        if (auto reason = verifyItem(original, {walk.folderHandle(), walk.name()}, {copy.handle(), walk.name()},
+                                     walk.relativePath(), status)) {
+            if (!terms.excuse(walk.name(), original, statusError)) return reason;
+            walk.skipContents();
+            continue;
+        }
+        mergers.note(walk.depth(), *original, status);
         if (walk.type() != Files::ItemType::folder) continue;
+        hasJustEntered = true;
         if (const int error = copy.enter(walk.name()))
             return fmt::format("Could not inspect {}: {}", walk.name(), systemErrorText(error));
     }
     return mergers.inFolder(0, source);
 }
 
-Reason check(const Host& host, const fs::path& source, const fs::path& destination, bool countsEntries,
-             const Volumes& volumes) {
+Reason check(const Host& host, const fs::path& source, const fs::path& destination, const Terms& terms) {
     if (!Files::exists(destination))
         return fmt::format("{} is missing at the destination.", destination.filename().native());
     struct stat status {};
     struct stat copy {};
-    const bool isKnown = ::lstat(source.c_str(), &status) == 0;
-    if (auto reason = verifyItem(isKnown ? &status : nullptr, {AT_FDCWD, source.c_str()},
-                                 {AT_FDCWD, destination.c_str()}, source.filename(), copy))
-        return reason;
+    const struct stat* original = ::lstat(source.c_str(), &status) == 0 ? &status : nullptr;
+    const int statusError = original ? 0 : errno;
+    if (auto reason =
+            verifyItem(original, {AT_FDCWD, source.c_str()}, {AT_FDCWD, destination.c_str()}, source.filename(), copy))
+        return terms.excuse(source.c_str(), original, statusError) ? std::nullopt : reason;
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
-    if (countsEntries)
-        if (auto reason = fileCountParity(host, source, destination, volumes)) return reason;
-    return verifyContents(source, destination, volumes);
+    if (terms.countsEntries)
+        if (auto reason = fileCountParity(host, source, destination, terms.volumes)) return reason;
+    return verifyContents(source, destination, terms);
 }
 
 }  // namespace
@@ -197,7 +228,7 @@ std::optional<std::string> failureReason(const Host& host, const fs::path& sourc
 
 std::optional<std::string> failureReason(const Host& host, const fs::path& source, const fs::path& destination,
                                          const Volumes& volumes) {
-    return check(host, source, destination, true, volumes);
+    return check(host, source, destination, {.volumes = volumes, .countsEntries = true});
 }
 
 std::optional<std::string> failureReasonByItem(const Host& host, const fs::path& source, const fs::path& destination) {
@@ -206,7 +237,12 @@ std::optional<std::string> failureReasonByItem(const Host& host, const fs::path&
 
 std::optional<std::string> failureReasonByItem(const Host& host, const fs::path& source, const fs::path& destination,
                                                const Volumes& volumes) {
-    return check(host, source, destination, false, volumes);
+    return check(host, source, destination, {.volumes = volumes});
+}
+
+std::optional<std::string> failureReasonSince(const Host& host, const fs::path& source, const fs::path& destination,
+                                              const ChangeWatch::Mark& mark) {
+    return check(host, source, destination, {.volumes = Volumes::of(source, destination), .mark = &mark});
 }
 
 }  // namespace tarvik::MoveVerifier

@@ -1,10 +1,14 @@
 #include "MovePlan/DriveLimits.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Files/SystemCalls.h"
 #include "Platform/Files/TreeWalk.h"
 #include "Platform/Storage/SizeCalculator.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
+
+#include <unordered_map>
 
 namespace tarvik::DriveLimits {
 
@@ -21,6 +25,26 @@ bool hasLimitOfSize(const DriveInfo& drive) {
     return drive.largestFile && *drive.largestFile > 0 && *drive.largestFile < farAway;
 }
 
+bool hasLimitOfNames(const DriveInfo& drive) {
+    return drive.foldsNames == true;
+}
+
+/// The names in the folders that a walk is in, by what a volume that folds them makes of them.
+class FoldedNames {
+public:
+    /// The other entry of the folder that has the same name then. Depths and order are those of the walk.
+    std::optional<std::string> twinOf(TreeWalk& walk) {
+        const auto level = static_cast<std::size_t>(walk.depth());
+        // A folder that is entered next begins anew.
+        m_levels.resize(level + 1);
+        const auto [first, isNew] = m_levels[level].emplace(Text::nameKey(walk.name()), walk.name());
+        return isNew ? std::nullopt : std::optional(first->second);
+    }
+
+private:
+    std::vector<std::unordered_map<std::string, std::string>> m_levels;
+};
+
 /// "exFAT", or what stands for it in a sentence.
 std::string formatOf(const DriveInfo& drive) {
     return drive.filesystem.value_or("its file system");
@@ -35,9 +59,14 @@ Needs Needs::of(const fs::path& item) {
     if (info->type == Files::ItemType::symbolicLink) needs.link = item;
     if (info->type == Files::ItemType::regular) needs = {std::nullopt, item, info->size};
     if (info->type != Files::ItemType::folder) return needs;
+    FoldedNames names;
     TreeWalk walk(item, {});
     while (walk.next()) {
         if (walk.event() != TreeWalk::Event::item) continue;
+        if (const auto twin = needs.oneName ? std::nullopt : names.twinOf(walk)) {
+            const fs::path second = item / walk.relativePath();
+            needs.oneName.emplace(second.parent_path() / *twin, second);
+        }
         if (walk.type() == Files::ItemType::symbolicLink && !needs.link) needs.link = item / walk.relativePath();
         if (walk.type() != Files::ItemType::regular) continue;
         const struct stat* status = walk.status();
@@ -49,7 +78,9 @@ Needs Needs::of(const fs::path& item) {
 }
 
 std::optional<std::string> refusal(const fs::path& item, const DriveInfo& drive) {
-    if (!hasLimitOfLinks(drive) && !hasLimitOfSize(drive)) return std::nullopt;
+    // No two such names can stand in one folder of a volume that folds them itself.
+    const bool mayClash = hasLimitOfNames(drive) && !SystemCalls::foldsNames(item);
+    if (!hasLimitOfLinks(drive) && !hasLimitOfSize(drive) && !mayClash) return std::nullopt;
     return refusal(item, Needs::of(item), drive);
 }
 
@@ -64,6 +95,9 @@ std::optional<std::string> refusal(const fs::path& item, const Needs& needs, con
             "drive.",
             name, drive.name, needs.largestFile->native(), SizeCalculator::format(needs.largestSize), formatOf(drive),
             SizeCalculator::format(*drive.largestFile));
+    if (hasLimitOfNames(drive) && needs.oneName)
+        return fmt::format("{} does not fit on {}: {} and {} would be one item there. Choose another drive.", name,
+                           drive.name, needs.oneName->first.native(), needs.oneName->second.filename().native());
     return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What a drive's file system cannot hold, told before anything is copied: the copy would fail after a long time, or
@@ -19,6 +20,8 @@ struct Needs {
     std::optional<fs::path> largestFile;
     /// In bytes.
     std::int64_t largestSize = 0;
+    /// The first two entries of one folder whose names a volume that folds case and normal forms takes for one.
+    std::optional<std::pair<fs::path, fs::path>> oneName = std::nullopt;
 
     /// Blocks for a walk; any thread. What cannot be read counts as nothing.
     static Needs of(const fs::path& item);

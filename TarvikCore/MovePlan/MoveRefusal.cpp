@@ -8,11 +8,15 @@
 #include "Platform/Machine/FullDiskAccess.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/DriveScanner.h"
 #include "Platform/Storage/SizeCalculator.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
+#include <iterator>
 #include <set>
+#include <string_view>
 
 namespace tarvik::MoveRefusal {
 
@@ -59,6 +63,31 @@ Refusal bySystem(const Host& host, const fs::path& folder) {
     return std::nullopt;
 }
 
+/// The name of the drive on which `folder` is the root of all that was moved there; nothing for any other folder.
+Refusal driveOfExternalRoot(const Host& host, const fs::path& folder) {
+    if (Text::nameKey(folder.filename().native()) != Text::nameKey(AppStorageNames::externalRoot)) return std::nullopt;
+    const auto parent = Files::info(folder.parent_path());
+    for (const Volume& volume : host.volumes->mounted())
+        if (Files::isSameItem(Files::infoFollowingLinks(volume.mountPath), parent))
+            return volume.name.value_or(volume.mountPath.filename().native());
+    return std::nullopt;
+}
+
+/// What was moved once has a link that leads to it: a second one in its place would make the first useless.
+Refusal byEarlierMove(const Host& host, const fs::path& folder) {
+    for (fs::path root = folder; root != root.parent_path(); root = root.parent_path()) {
+        const auto drive = driveOfExternalRoot(host, root);
+        if (!drive) continue;
+        const auto levels = folder.lexically_relative(root);
+        const bool holdsMany = folder == root || std::distance(levels.begin(), levels.end()) == 1;
+        if (holdsMany)
+            return fmt::format("{} holds what has been moved to {} and can't be moved itself.", folder.native(),
+                               *drive);
+        return fmt::format("{} has been moved to {} already. Move it back first.", folder.filename().native(), *drive);
+    }
+    return std::nullopt;
+}
+
 /// Neither what a rooted machine is nor what it has mounted.
 Refusal byMachine(const Host& host, const fs::path& item) {
     const auto holdsIt = [&](const fs::path& folder) {
@@ -70,11 +99,26 @@ Refusal byMachine(const Host& host, const fs::path& item) {
     return fmt::format("{} is not on the machine in {}.", item.native(), host.root.native());
 }
 
-Refusal byContents(const Host& host, const fs::path& item, const std::optional<TreeObstacle>& obstacle) {
+Refusal byContents(const Host& host, const fs::path& item, const std::optional<TreeObstacle>& obstacle,
+                   std::string_view done = "moved") {
     if (!obstacle) return std::nullopt;
     if (obstacle->kind == TreeObstacle::Kind::unreadable)
-        if (auto refusal = FullDiskAccess::refusalOf(host, item, obstacle->path, obstacle->errorNumber)) return refusal;
-    return ObstacleText::of(item, *obstacle);
+        if (auto refusal = FullDiskAccess::refusalOf(host, item, obstacle->path, obstacle->errorNumber, done))
+            return refusal;
+    return ObstacleText::of(item, *obstacle, done);
+}
+
+/// Where no link can be made, none can take the place of what has gone.
+Refusal byOwnVolume(const Host& host, const fs::path& item) {
+    // The list of volumes may take its time. Every home stands on one that holds links.
+    const auto home = Files::infoFollowingLinks(host.home);
+    const auto folder = Files::infoFollowingLinks(item.parent_path());
+    if (home && folder && home->device == folder->device) return std::nullopt;
+    const auto volume = DriveScanner::holding(host, item);
+    if (!volume || volume->keepsLinks != false) return std::nullopt;
+    return fmt::format("{} can't be moved: a symlink would have to take its place, and {} holds none{}.",
+                       item.filename().native(), volume->name,
+                       volume->filesystem ? fmt::format(" ({})", *volume->filesystem) : std::string());
 }
 
 }  // namespace
@@ -124,12 +168,27 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     if (auto refusal = bySystem(host, resolved)) return refusal;
     if (auto refusal = byMachine(host, resolved)) return refusal;
     if (auto refusal = byDrive(resolved, mountPath, drive)) return refusal;
+    if (auto refusal = byEarlierMove(host, resolved)) return refusal;
+    if (auto refusal = byOwnVolume(host, folder)) return refusal;
     if (auto refusal = DriveLimits::refusal(folder, drive)) return refusal;
     return byContents(host, folder, TreeObstacle::toMove(folder));
 }
 
 std::optional<std::string> ofContents(const Host& host, const fs::path& item) {
-    return Files::exists(item) ? byContents(host, item, TreeObstacle::toMove(item)) : std::nullopt;
+    if (!Files::exists(item)) return std::nullopt;
+    if (auto refusal = byOwnVolume(host, item)) return refusal;
+    return byContents(host, item, TreeObstacle::toMove(item));
+}
+
+std::optional<std::string> ofBackup(const Host& host, const fs::path& item, std::vector<std::string>& leftOut) {
+    std::optional<TreeObstacle> first;
+    std::int64_t count = 0;
+    const auto obstacle = TreeObstacle::toBackup(item, [&](const TreeObstacle& found) {
+        if (!first || found.path < first->path) first = found;
+        ++count;
+    });
+    if (first) leftOut.push_back(ObstacleText::ofLeftOut(item, *first, count));
+    return byContents(host, item, obstacle, "backed up");
 }
 
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target) {

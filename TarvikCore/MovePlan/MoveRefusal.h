@@ -17,9 +17,13 @@ namespace tarvik::MoveRefusal {
 /// when it may. Looks at every item for what could not be copied or removed, so it blocks; any thread.
 std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, const DriveInfo& drive);
 
-/// Why the item, with all that is in it, could not be moved to another volume; nothing when that can't be seen, or when
-/// it is not there. A status call for each entry; blocks; any thread.
+/// Why the item, with all that is in it, could not be moved to another volume and leave a link; nothing when that can't
+/// be seen, or when it is not there. A status call for each entry; blocks; any thread.
 std::optional<std::string> ofContents(const Host& host, const fs::path& item);
+
+/// Why no copy of the item, which stays, would be whole: as `ofContents` without what concerns its removal. `leftOut`
+/// gets a sentence for what the copy is made without all the same.
+std::optional<std::string> ofBackup(const Host& host, const fs::path& item, std::vector<std::string>& leftOut);
 
 /// Why what the link at `link` leads to, an existing `target`, may not come back in the link's place: a volume as a
 /// whole, a folder of the system, a folder that holds the link, a place outside of the machine. Nothing when it may.

@@ -3,6 +3,7 @@
 #include "Platform/Files/FileFlags.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/UnlockCommand.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
@@ -15,8 +16,12 @@ namespace {
 
 constexpr uid_t administrator = 0;
 
+std::string cannotBe(std::string_view done, const fs::path& item, std::string_view reason) {
+    return fmt::format("{} can't be {}: {}", item.filename().native(), done, reason);
+}
+
 std::string cannot(const fs::path& item, std::string_view reason) {
-    return fmt::format("{} can't be moved: {}", item.filename().native(), reason);
+    return cannotBe("moved", item, reason);
 }
 
 std::string keptBySystem(const fs::path& item, const fs::path& place) {
@@ -25,6 +30,11 @@ std::string keptBySystem(const fs::path& item, const fs::path& place) {
 
 std::string howToUnlock(const TreeObstacle& obstacle) {
     return fmt::format(" Unlock it with: {}", UnlockCommand::forThisSystem(obstacle.flags, obstacle.path));
+}
+
+std::string howToLift(const TreeObstacle& denied) {
+    if (denied.denial) return fmt::format(" Lift that with: {}", UnlockCommand::ofDenial(*denied.denial));
+    return fmt::format(" See which of its entries does with: {}", UnlockCommand::showingLists(denied.path));
 }
 
 /// Of a folder that lets nothing go, by its locks or by its permissions.
@@ -40,9 +50,20 @@ std::string ofSealedFolder(const fs::path& item, const TreeObstacle& obstacle, s
     return sentence;
 }
 
+std::string_view wordOf(TreeObstacle::Kind leftOut) {
+    switch (leftOut) {
+        case TreeObstacle::Kind::pipe:
+            return "a pipe";
+        case TreeObstacle::Kind::socket:
+            return "a socket";
+        default:
+            return "what a file server keeps of a removed file";
+    }
+}
+
 }  // namespace
 
-std::string of(const fs::path& item, const TreeObstacle& obstacle) {
+std::string of(const fs::path& item, const TreeObstacle& obstacle, std::string_view done) {
     const std::string place = obstacle.path.native();
     const std::string words = systemErrorText(obstacle.errorNumber);
     switch (obstacle.kind) {
@@ -60,24 +81,33 @@ std::string of(const fs::path& item, const TreeObstacle& obstacle) {
         case TreeObstacle::Kind::deniedItem:
             // Lists answer EACCES; EPERM comes from the system's own guards.
             if (obstacle.errorNumber != EACCES) return keptBySystem(item, obstacle.path);
-            return cannot(item, fmt::format("an access control list forbids to remove {} ({}). Lift that with: {}",
-                                            place, words, UnlockCommand::ofDenyDelete(obstacle.path)));
+            return cannot(item, fmt::format("an access control list forbids to remove {} ({}).", place, words)) +
+                   howToLift(obstacle);
         case TreeObstacle::Kind::socket:
-            return cannot(item, fmt::format("{} is a socket, which no copy can hold.", place));
+            return cannotBe(done, item, fmt::format("{} is a socket, which no copy can hold.", place));
         case TreeObstacle::Kind::pipe:
-            return cannot(item, fmt::format("{} is a pipe, which no copy can hold.", place));
+            return cannotBe(done, item, fmt::format("{} is a pipe, which no copy can hold.", place));
         case TreeObstacle::Kind::device:
-            return cannot(item, fmt::format("{} is a device file, which only the administrator can copy.", place));
+            return cannotBe(done, item,
+                            fmt::format("{} is a device file, which only the administrator can copy.", place));
         case TreeObstacle::Kind::serverFile:
-            return cannot(item, fmt::format("{} is what a file server keeps of a removed file, and no copy would hold "
-                                            "it. Quit the program that still uses it.",
-                                            place));
+            return cannotBe(done, item,
+                            fmt::format("{} is what a file server keeps of a removed file, and no copy would hold "
+                                        "it. Quit the program that still uses it.",
+                                        place));
         case TreeObstacle::Kind::cloudFile:
-            return cannot(item, fmt::format("{} is only in the cloud. Download it first.", place));
+            return cannotBe(done, item, fmt::format("{} is only in the cloud. Download it first.", place));
         case TreeObstacle::Kind::unreadable:
             break;
     }
-    return fmt::format("{} can't be moved as a whole: {} can't be read ({}).", item.filename().native(), place, words);
+    return fmt::format("{} can't be {} as a whole: {} can't be read ({}).", item.filename().native(), done, place,
+                       words);
+}
+
+std::string ofLeftOut(const fs::path& item, const TreeObstacle& first, std::int64_t count) {
+    const auto others = count == 1 ? std::string() : fmt::format(" and {} like it", Text::counted(count - 1, "other"));
+    return fmt::format("{} is backed up without {}{}, as no copy can hold {}.", item.filename().native(),
+                       first.path.native(), others, wordOf(first.kind));
 }
 
 }  // namespace tarvik::ObstacleText

@@ -159,9 +159,11 @@ std::vector<std::string> doubtsAbout(const Plan& plan) {
 std::string dataStays(const Plan& plan) {
     if (plan.data.empty()) return {};
     const auto count = std::ssize(plan.data);
-    return fmt::format("{} of the data of {} {} on a drive: {}{}.", Text::counted(count, "item"),
-                       plan.link.filename().native(), count == 1 ? "stays" : "stay", plan.data.front().native(),
-                       count == 1 ? "" : " and others");
+    std::string places = plan.data.front().native();
+    if (count == 2) places += " and " + plan.data.back().native();
+    if (count > 2) places += " and " + Text::counted(count - 1, "other");
+    return fmt::format("{} of the data of {} {} on a drive: {}.", Text::counted(count, "item"),
+                       plan.link.filename().native(), count == 1 ? "stays" : "stay", places);
 }
 
 std::string movedBack(const Plan& plan) {

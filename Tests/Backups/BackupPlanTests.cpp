@@ -2,6 +2,8 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Support/EnvironmentVariable.h"
+#include "Support/FailureOf.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -10,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -96,6 +99,43 @@ TEST_F(BackupPlanned, RefusesWhatTheDriveCannotHold) {
     EXPECT_EQ(refusal({home / "Music"}, stick), "Music does not fit on Backup: " + (home / "Music/latest").native() +
                                                     " is a symlink, and exFAT holds none. Choose another drive.");
     EXPECT_EQ(refusal({home / "Music"}), "planned");
+}
+
+TEST_F(BackupPlanned, RefusesTwoNamesThatAreOneOnTheDrive) {
+    makeFile(home / "Code/makefile");
+    makeFile(home / "Code/Makefile");
+    auto stick = world.driveInfo();
+    stick.foldsNames = true;
+    EXPECT_EQ(refusal({home / "Code"}, stick), "Code does not fit on Backup: " + (home / "Code/Makefile").native() +
+                                                   " and makefile would be one item there. Choose another drive.");
+}
+
+TEST_F(BackupPlanned, RefusesWhatCannotBeRead) {
+    makeFile(home / "Music/sub/secret");
+    fs::permissions(home / "Music/sub/secret", fs::perms::none);
+    const test::OrdinaryUser user(world.folder.path());
+    EXPECT_EQ(test::failureOf([&] { planOf({home / "Music"}); }),
+              "Music can't be backed up as a whole: " + (home / "Music/sub/secret").native() + " can't be read (" +
+                  test::wordsFor(EACCES) + ").");
+}
+
+TEST_F(BackupPlanned, TellsWhatIsLeftOut) {
+    makeFile(home / "Music/song");
+    test::makePipe(home / "Music/sub pipe");
+    makeFile(home / "Mail/inbox");
+    test::makeSocket(home / "Mail/a socket");
+    makeFile(home / "Mail/b/.nfs1");
+    makeFile(home / "Mail/c/.nfs2");
+    world.withRealDitto();
+    const auto plan = planOf({home / "Music", home / "Mail"});
+    EXPECT_THAT(BackupPlan::confirm(plan).details,
+                testing::ElementsAre("Music is backed up without " + (home / "Music/sub pipe").native() +
+                                         ", as no copy can hold a pipe.",
+                                     "Mail is backed up without " + (home / "Mail/a socket").native() +
+                                         " and 2 others like it, as no copy can hold a socket."));
+    EXPECT_EQ(failureOf(plan), "done");
+    EXPECT_EQ(refusal({home / "Music/sub pipe"}), "sub pipe can't be backed up: " + (home / "Music/sub pipe").native() +
+                                                      " is a pipe, which no copy can hold.");
 }
 
 TEST_F(BackupPlanned, RefusesTwoThingsOfOneName) {
@@ -311,6 +351,16 @@ TEST_F(BackupOnVolume, ThatFillsUpLeavesNoRecord) {
     EXPECT_TRUE(BackupService::list(world.host, volume.path()).empty());
     EXPECT_EQ(BackupService::unfinished(world.host, volume.path()).size(), 1U);
     EXPECT_EQ(test::statusOf(home / "Music/song").st_size, 5'000'000);
+}
+
+TEST_F(BackupOnVolume, ThatFillsUpTellsSoInOneSentence) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    world.withRealDitto();
+    for (int i = 0; i < 600; ++i) test::makeFileOfSize(home / "Music" / std::to_string(i), 9000);
+    const auto volume = test::RealVolume::memory(mounts.path(), 2'000'000);
+    EXPECT_THAT(failureOn(volume),
+                testing::MatchesRegex("Copy failed: ditto failed: ditto: [^\n]*: No space left on device "
+                                      "\\(and [0-9]+ more\\)"));
 }
 
 TEST_F(BackupOnVolume, ThatIsReadOnlyTakesNothing) {

@@ -217,6 +217,25 @@ TEST_F(Backups, LeaveNoRecordAndNoHalfCopyWhenACopyFails) {
     EXPECT_EQ(BackupService::unfinished(world.host, world.drive), Names{"20261115_174543"});
 }
 
+TEST_F(Backups, FailWhenTheToolHasLostSomethingAndSaysNothing) {
+    makeFile(world.home / "one/1");
+    makeFile(world.home / "two/deep/2");
+    world.withDitto(R"(cp -aT "$2" "$3"; rm -f "$3/deep/2")");
+    EXPECT_EQ(failureOf({world.home / "one", world.home / "two"}),
+              "Verification failed: deep/2 is missing at the destination.");
+    EXPECT_EQ(Files::names(folder), Names{"one"}) << "what has been copied stays";
+    EXPECT_TRUE(Files::exists(world.trash->folder / "two/deep"));
+    EXPECT_TRUE(listed().empty());
+}
+
+TEST_F(Backups, HoldWhatIsInUseAsFarAsItStandsStill) {
+    makeFile(world.home / "Mail/inbox", "one");
+    makeFile(world.home / "Mail/old", "old");
+    world.withDitto(R"(cp -aT "$2" "$3"; echo two >> "$2/inbox"; echo new > "$2/new"; rm "$2/old")");
+    EXPECT_EQ(failureOf({world.home / "Mail"}), "backed up");
+    EXPECT_EQ(contentOf(folder / "Mail/inbox"), "one");
+}
+
 TEST_F(Backups, BeginNoFurtherSourceWhenAskedToStop) {
     for (const char* file : {"one/1", "two/2", "three/3"}) makeFile(world.home / file);
     const auto stoppedWhen = [&](const BackupService::StopRequest& isAskedToStop) -> std::string {

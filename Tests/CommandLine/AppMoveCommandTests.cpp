@@ -47,6 +47,20 @@ TEST(AppMoveCommand, ShowsWhatWouldMoveAndChangesNothing) {
     EXPECT_EQ(lines.back(), "Nothing was changed.");
 }
 
+TEST(AppMoveCommand, TellsARefusalOnceInAPlan) {
+    const CommandWorld world;
+    test::makePipe(world.machine.root / "Applications/Tunnel.app/Contents/pipe");
+    for (const char* format : {"human", "tsv"}) {
+        const auto finished = planOf(world, {"Tunnel", "--no-data", "--format", format});
+        EXPECT_EQ(finished.status, 1);
+        EXPECT_THAT(finished.errors, HasSubstr("Tunnel.app can't be moved: "));
+        EXPECT_THAT(finished.errors, Not(ContainsRegex("pipe(.|\n)*Tunnel.app can't be moved: ")));
+        EXPECT_THAT(finished.output, Not(HasSubstr("can't be moved")));
+    }
+    const auto record = planOf(world, {"Tunnel", "--no-data", "--format", "toml"});
+    EXPECT_THAT(record.output, HasSubstr("Tunnel.app can't be moved: ")) << "a record is complete";
+}
+
 TEST(AppMoveCommand, LeavesTheDataWhenToldSo) {
     const CommandWorld world;
     const auto tsv = planOf(world, {"Full House", "--no-data", "--format", "tsv"});
@@ -98,10 +112,12 @@ TEST(AppMoveCommand, SaysWhatIsInTheWay) {
     const CommandWorld world;
     test::makeFile(world.drive / "ExternalTarvik/Apps/Tunnel.app");
     const auto alone = planOf(world, {"Tunnel"});
-    EXPECT_THAT(alone.output, HasSubstr("\nTunnel would not move: "));
+    EXPECT_THAT(alone.output, Not(HasSubstr("Tunnel would not move: "))) << "it is told once";
     EXPECT_THAT(alone.errors, ContainsRegex("^Tunnel would not move: .*/Apps/Tunnel.app is taken already.\n$"));
     EXPECT_EQ(alone.status, 1);
-    EXPECT_EQ(planOf(world, {"Tunnel", "Menu Meters"}).status, 0);
+    const auto two = planOf(world, {"Tunnel", "Menu Meters"});
+    EXPECT_EQ(two.status, 0);
+    EXPECT_THAT(two.output, HasSubstr("\nTunnel would not move: "));
 }
 
 TEST(AppMoveCommand, SaysWhenThePlanDoesNotFit) {

@@ -223,6 +223,22 @@ TEST(BackupCommand, TakesOddNames) {
     EXPECT_EQ(asked.finish().output.find("\x1B[2J"), std::string::npos) << "no name steers the terminal";
 }
 
+TEST(BackupCommand, KeepsALineForEachSentenceWhateverANameHolds) {
+    const CommandWorld world;
+    const auto odd = world.machine.home / "one\nBacked up 9 items";
+    test::makeFile(odd / "file");
+    test::makePipe(odd / "pipe");
+    fs::rename(world.drive, world.drive.parent_path() / "two\nlines");
+    const auto made = world.run(backupOf({odd}, {"--yes"}, world.drive.parent_path() / "two\nlines"));
+    EXPECT_EQ(made.status, 0) << made.errors;
+    EXPECT_EQ(linesOf(made.output).size(), 1U) << made.output;
+    const auto said = linesOf(made.errors);
+    EXPECT_EQ(said.size(), 3U) << "what is left out, the step, and that the copy lacks a file: " << made.errors;
+    EXPECT_THAT(said.front(), HasSubstr(" is backed up without "));
+    const auto refused = world.run(backupOf({world.machine.home / "no\nsuch"}, {"--yes"}, "nowhere\nat all"));
+    EXPECT_EQ(linesOf(refused.errors).size(), 2U) << refused.errors;
+}
+
 TEST(BackupCommand, SaysThatCopiesLackFiles) {
     const CommandWorld world;
     test::makeFile(world.machine.home / "Docs/Tarvik notes");

@@ -222,4 +222,90 @@ TEST_F(MoveVerifierTest, WalksATreeThatIsDeeperThanAPathCanSay) {
     EXPECT_NE(reason().find("bottom copied with a different file size."), std::string::npos);
 }
 
+namespace {
+
+/// The copy of a source that was in use meanwhile.
+class BackupProof : public MoveVerifierTest {
+protected:
+    std::string reason() {
+        return tarvik::MoveVerifier::failureReasonSince(world.host, source, copy, start).value_or("good");
+    }
+
+    const ChangeWatch::Mark start = ChangeWatch::markUnflushed(source);
+};
+
+}  // namespace
+
+TEST_F(BackupProof, MissesWhatWasThereAllTheTime) {
+    EXPECT_EQ(reason(), "good");
+    makeFile(source / "new");
+    fs::remove(copy / "sub/.b");
+    EXPECT_EQ(reason(), "sub/.b is missing at the destination.") << "whatever has changed beside it";
+}
+
+TEST_F(BackupProof, ComparesWhatWasThereAllTheTime) {
+    makeFile(copy / "a", "1");
+    EXPECT_EQ(reason(), "a copied with a different file size.");
+    makeFile(copy / "a", "12345");
+    fs::remove(copy / "link");
+    makeFile(copy / "link");
+    EXPECT_EQ(reason(), "link symlink target does not match.");
+    fs::remove_all(copy / "sub");
+    makeFile(copy / "sub");
+    EXPECT_EQ(reason(), "link symlink target does not match.");
+    fs::remove(copy / "link");
+    makeLink(copy / "link", "a");
+    EXPECT_EQ(reason(), "sub is not a folder at the destination.");
+}
+
+TEST_F(BackupProof, PassesWhatHasChangedSince) {
+    makeFile(source / "a", "123456789");
+    makeFile(source / "new/deep/file");
+    fs::remove(source / "link");
+    makeLink(source / "link", "elsewhere");
+    fs::remove(source / "pipe");
+    fs::rename(source / "sub", source / "renamed");
+    makeFile(source / "sub", "a file by now");
+    EXPECT_EQ(reason(), "good");
+    fs::remove_all(source);
+    EXPECT_EQ(reason(), "good");
+}
+
+TEST_F(BackupProof, PassesAFolderThatHasCome) {
+    const fs::path elsewhere = world.folder / "Old";
+    makeFile(elsewhere / "old/file");
+    const auto mark = ChangeWatch::markUnflushed(source);
+    fs::rename(elsewhere, source / "sub/Old");
+    EXPECT_EQ(tarvik::MoveVerifier::failureReasonSince(world.host, source, copy, mark), std::nullopt)
+        << "what is in it is as old as ever";
+}
+
+TEST_F(BackupProof, PassesWhatTheToolLeavesOut) {
+    makeSocket(source / "sub/socket");
+    makeFile(source / ".nfs folder/file");
+    makeFile(source / "sub/.afpDeleted1");
+    fs::remove(copy / "pipe");
+    const auto mark = ChangeWatch::markUnflushed(source);
+    EXPECT_EQ(tarvik::MoveVerifier::failureReasonSince(world.host, source, copy, mark), std::nullopt);
+}
+
+TEST_F(BackupProof, FindsTwoItemsThatHaveBecomeOne) {
+    makeFile(source / "Makefile", "12345");
+    makeFile(source / "makefile", "54321");
+    makeFile(copy / "Makefile", "54321");
+    ASSERT_EQ(::link((copy / "Makefile").c_str(), (copy / "makefile").c_str()), 0);
+    const auto mark = ChangeWatch::markUnflushed(source);
+    EXPECT_EQ(tarvik::MoveVerifier::failureReasonSince(world.host, source, copy, mark),
+              "Makefile and Tree/makefile have one name at the destination.");
+}
+
+TEST_F(BackupProof, ComparesASingleFile) {
+    EXPECT_EQ(tarvik::MoveVerifier::failureReasonSince(world.host, source / "a", copy / "a", start), std::nullopt);
+    makeFile(copy / "a", "1");
+    EXPECT_EQ(tarvik::MoveVerifier::failureReasonSince(world.host, source / "a", copy / "a", start),
+              "a copied with a different file size.");
+    makeFile(source / "a", "123");
+    EXPECT_EQ(tarvik::MoveVerifier::failureReasonSince(world.host, source / "a", copy / "a", start), std::nullopt);
+}
+
 }  // namespace tarvik::test

@@ -76,4 +76,22 @@ TEST_F(DriveLimitsTest, WarnOfPermissionsThatAreLost) {
                                      "there, and stays so after Move Back."));
 }
 
+TEST_F(DriveLimitsTest, KeepOutTwoNamesThatAreOneThere) {
+    const DriveInfo disk{.name = "Disk", .foldsNames = true};
+    makeFile(app / "Contents/resources", "in another folder");
+    makeFile(app / "Contents/MacOS/Resources");
+    makeFile(app / "Contents/MacOS/other/EDITOR");
+    makeFile(app / "Contents/Caf\u00E9");
+    EXPECT_EQ(DriveLimits::refusal(folder / "Editor.app/Contents/MacOS", disk), std::nullopt);
+    EXPECT_EQ(DriveLimits::refusal(app, disk),
+              "Editor.app does not fit on Disk: " + (app / "Contents/Resources").native() +
+                  " and resources would be one item there. Choose another drive.");
+    EXPECT_EQ(DriveLimits::refusal(app, DriveInfo{.name = "Disk", .foldsNames = false}), std::nullopt);
+    fs::remove(app / "Contents/resources");
+    EXPECT_EQ(DriveLimits::refusal(app, disk), std::nullopt);
+    makeFile(app / "Contents/CAFE\u0301");
+    const auto twins = DriveLimits::Needs::of(app).oneName;
+    EXPECT_EQ(twins, std::pair(app / "Contents/CAFE\u0301", app / "Contents/Caf\u00E9"));
+}
+
 }  // namespace tarvik::test

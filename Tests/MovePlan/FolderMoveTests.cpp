@@ -225,4 +225,38 @@ TEST_F(FolderMoveTest, RefusesWhatIsNotOnARootedMachine) {
     EXPECT_EQ(refusal(world.home / "detour/Music"), (outside / "Music").native() + sentence);
 }
 
+TEST_F(FolderMoveTest, RefusesAFolderThatNoLinkCanTakeThePlaceOf) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const auto card = RealVolume::memory(world.folder.path(), megabyte);
+    makeFile(card / "Photos/lake.raw");
+    world.volumes->list.push_back(
+        {.mountPath = card.path(), .name = "Card", .formatDescription = "exFAT", .keepsLinks = false});
+    EXPECT_EQ(refusal(card / "Photos"),
+              "Photos can't be moved: a symlink would have to take its place, and Card holds none (exFAT).");
+    EXPECT_EQ(MoveRefusal::ofContents(world.host, card / "Photos"),
+              "Photos can't be moved: a symlink would have to take its place, and Card holds none (exFAT).");
+    world.volumes->list.back().keepsLinks = true;
+    EXPECT_EQ(refusal(card / "Photos"), "planned");
+}
+
+TEST_F(FolderMoveTest, RefusesWhatHasBeenMovedToAnotherDrive) {
+    const fs::path other = world.folder / "Volumes/Other";
+    makeFile(other / "ExternalTarvik/Folders/Music/song");
+    makeFile(other / "Old/ExternalTarvik/Folders/Music/song");
+    world.volumes->list.push_back({.mountPath = other, .name = "Other"});
+    for (const char* folder : {"ExternalTarvik", "ExternalTarvik/Folders"})
+        EXPECT_EQ(refusal(other / folder),
+                  (other / folder).native() + " holds what has been moved to Other and can't be moved itself.");
+    EXPECT_EQ(refusal(other / "ExternalTarvik/Folders/Music"),
+              "Music has been moved to Other already. Move it back first.");
+    EXPECT_EQ(refusal(other / "Old/ExternalTarvik"), "planned") << "that is no drive's";
+}
+
+TEST_F(FolderMoveTest, RefusesFoldersOfTheHomeThatProgramsLookFor) {
+    makeFile(world.home / "Library/Application Support/Acme/file");
+    EXPECT_EQ(refusal(world.home / "Library/Application Support"),
+              (world.home / "Library/Application Support").native() + " belongs to the system and can't be moved.");
+    EXPECT_EQ(refusal(world.home / "Library/Application Support/Acme"), "planned");
+}
+
 }  // namespace tarvik::test

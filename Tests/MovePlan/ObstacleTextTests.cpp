@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 
 namespace tarvik {
@@ -45,10 +46,24 @@ TEST(ObstacleText, TellsWhatTheSystemKeeps) {
 }
 
 TEST(ObstacleText, NamesTheCommandThatLiftsADenial) {
+    const fs::path movies = "/Users/robin/Movies";
     EXPECT_EQ(
-        ObstacleText::of("/Users/robin/Movies", {Kind::deniedItem, "/Users/robin/Movies", EACCES}),
+        ObstacleText::of(movies,
+                         {Kind::deniedItem, movies, EACCES, 0, std::nullopt, AccessList::Culprit{movies, "delete"}}),
         "Movies can't be moved: an access control list forbids to remove /Users/robin/Movies (Permission denied). "
         "Lift that with: chmod -a \"everyone deny delete\" /Users/robin/Movies");
+    EXPECT_EQ(
+        ObstacleText::of(movies, {Kind::deniedItem, movies / "a", EACCES, 0, std::nullopt,
+                                  AccessList::Culprit{movies, "delete_child"}}),
+        "Movies can't be moved: an access control list forbids to remove /Users/robin/Movies/a (Permission denied). "
+        "Lift that with: chmod -a \"everyone deny delete_child\" /Users/robin/Movies");
+}
+
+TEST(ObstacleText, NamesNoCommandThatMightNotLiftADenial) {
+    EXPECT_EQ(
+        ObstacleText::of("/Users/robin/Movies", {Kind::deniedItem, "/Users/robin/Movies/a", EACCES}),
+        "Movies can't be moved: an access control list forbids to remove /Users/robin/Movies/a (Permission denied). "
+        "See which of its entries does with: ls -led /Users/robin/Movies/a /Users/robin/Movies");
 }
 
 TEST(ObstacleText, TellsHowToGoOnWithWhatAnInstallerHasPutThere) {

@@ -34,6 +34,11 @@ int readGuard(int folderHandle, const char* name, ItemGuard& guard);
 /// 0, or the errno value of removing or renaming the item, a link not followed, where the permissions of its folder
 /// allow that: an access control list may deny it all the same. 0 too when the system has no way to ask.
 int deletionDenied(int folderHandle, const char* name);
+/// 0, or the errno value of reading the content of a regular file whose guard was read: its permissions or an access
+/// control list deny it. 0 too when it has gone.
+int readingDenied(int folderHandle, const char* name, const ItemGuard& guard);
+/// Whether it is certain that the volume of `path` takes names that differ in case alone for one.
+bool foldsNames(const fs::path& path);
 /// Whether the calling thread may remove what belongs to others even from a folder with the sticky bit.
 bool mayRemoveOthersItems();
 /// Whether the item carries the system's hidden flag, whatever its name.

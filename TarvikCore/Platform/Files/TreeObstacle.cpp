@@ -3,10 +3,10 @@
 #include "Platform/Files/FileFlags.h"
 #include "Platform/Files/SystemCalls.h"
 #include "Platform/Files/TreeWalk.h"
+#include "Platform/Files/UncopiedItems.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -39,13 +39,12 @@ bool isForeign(const SystemCalls::ItemGuard& item, const SystemCalls::ItemGuard&
     return (folder.mode & S_ISVTX) != 0 && item.owner != user && folder.owner != user;
 }
 
-/// What network servers make for files that are removed while they are open. `path` is a name, or ends with one.
-bool isServerFile(std::string_view path) {
-    const std::string_view name = path.substr(path.rfind('/') + 1);
-    return name.starts_with(".nfs") || name.starts_with(".afpDeleted");
-}
+enum class Act { removal, move, wayBack, backup };
 
-enum class Act { removal, move, wayBack };
+/// Of the obstacles to a backup those that the copy tool passes over.
+bool isLeftOut(Kind kind) {
+    return kind == Kind::pipe || kind == Kind::socket || kind == Kind::serverFile;
+}
 
 /// Looks at items one by one, each after the folder that holds it.
 class Search {
@@ -56,32 +55,45 @@ public:
     std::optional<Found> obstacleAt(int folderHandle, const char* name, const Holder& holder,
                                     SystemCalls::ItemGuard& guard) const {
         guard = {};
-        if (holder.sealedBy) return Found{Kind::sealedFolder, holder.sealedBy};
+        if (takesAway() && holder.sealedBy) return Found{Kind::sealedFolder, holder.sealedBy};
         if (const int error = SystemCalls::readGuard(folderHandle, name, guard)) {
             if (error == ENOENT) return std::nullopt;  // It has gone by itself.
             return Found{Kind::unreadable, error};
         }
+        if (takesAway())
+            if (const auto found = unremovable(folderHandle, name, holder, guard)) return found;
+        return m_act == Act::removal ? std::nullopt : uncopied(folderHandle, name, guard);
+    }
+
+private:
+    bool takesAway() const { return m_act != Act::backup; }
+
+    std::optional<Found> unremovable(int folderHandle, const char* name, const Holder& holder,
+                                     const SystemCalls::ItemGuard& guard) const {
         if (guard.isMountPoint) return Found{Kind::mountedVolume, EBUSY};
         if (FileFlags::guardItem(guard.flags)) return Found{Kind::lockedItem, EPERM};
         if (!m_hasAllRights && isForeign(guard, holder.guard, m_user)) return Found{Kind::foreignItem, EPERM};
         if (const int error = SystemCalls::deletionDenied(folderHandle, name)) return Found{Kind::deniedItem, error};
-        return m_act == Act::removal ? std::nullopt : uncopied(name, guard);
+        return std::nullopt;
     }
 
-private:
-    /// What the copy tool would leave out, or only bring after a long time.
-    std::optional<Found> uncopied(const char* name, const SystemCalls::ItemGuard& guard) const {
-        if (isServerFile(name)) return Found{Kind::serverFile, ENOTSUP};
+    /// What the copy tool would leave out, fail at, or only bring after a long time.
+    std::optional<Found> uncopied(int folderHandle, const char* name, const SystemCalls::ItemGuard& guard) const {
+        if (UncopiedItems::isByName(name)) return Found{Kind::serverFile, ENOTSUP};
         if ((guard.flags & FileFlags::dataless) != 0) return Found{Kind::cloudFile, ENOTSUP};
         switch (Files::typeOfMode(guard.mode)) {
+            case Files::ItemType::regular:
+                if (const int error = SystemCalls::readingDenied(folderHandle, name, guard))
+                    return Found{Kind::unreadable, error};
+                break;
             case Files::ItemType::pipe:
                 return Found{Kind::pipe, ENOTSUP};
             case Files::ItemType::socket:
-                if (m_act == Act::move) return Found{Kind::socket, ENOTSUP};
+                if (m_act != Act::wayBack) return Found{Kind::socket, ENOTSUP};
                 break;
             case Files::ItemType::blockDevice:
             case Files::ItemType::characterDevice:
-                if (m_act == Act::move && m_user != 0) return Found{Kind::device, ENOTSUP};
+                if (m_act != Act::wayBack && m_user != 0) return Found{Kind::device, ENOTSUP};
                 break;
             default:
                 break;
@@ -100,10 +112,13 @@ TreeObstacle obstacle(const Found& found, const fs::path& path, const Holder& ho
     if (found.kind == Kind::sealedFolder)
         return {found.kind, path.parent_path(), found.errorNumber, holder.guard.flags, holder.guard.owner};
     if (found.kind == Kind::unreadable) return {found.kind, path, found.errorNumber};
+    if (found.kind == Kind::deniedItem)
+        return {found.kind, path, found.errorNumber, guard.flags, guard.owner, AccessList::culprit(path)};
     return {found.kind, path, found.errorNumber, guard.flags, guard.owner};
 }
 
-std::optional<TreeObstacle> find(const fs::path& item, Act act) {
+/// `leaveOut` is called for what is left out of a backup.
+std::optional<TreeObstacle> find(const fs::path& item, Act act, const TreeObstacle::LeaveOut& leaveOut = {}) {
     const Search search(act);
     std::vector<Holder> holders;
     // The folder itself where the path of the parent ends with a link.
@@ -122,8 +137,13 @@ std::optional<TreeObstacle> find(const fs::path& item, Act act) {
         if (walk.event() == TreeWalk::Event::unreadable)
             return TreeObstacle{Kind::unreadable, item / walk.relativePath(), walk.errorNumber()};
         holders.resize(static_cast<std::size_t>(walk.depth()) + 2);
-        if (const auto found = search.obstacleAt(walk.folderHandle(), walk.name(), holders.back(), guard))
-            return obstacle(*found, item / walk.relativePath(), holders.back(), guard);
+        if (const auto found = search.obstacleAt(walk.folderHandle(), walk.name(), holders.back(), guard)) {
+            const auto here = obstacle(*found, item / walk.relativePath(), holders.back(), guard);
+            if (!leaveOut || !isLeftOut(found->kind)) return here;
+            leaveOut(here);
+            walk.skipContents();
+            continue;
+        }
         if (walk.type() == Files::ItemType::folder)
             holders.push_back(holderOf(walk.folderHandle(), walk.name(), guard));
     }
@@ -142,6 +162,10 @@ std::optional<TreeObstacle> TreeObstacle::toMove(const fs::path& item) {
 
 std::optional<TreeObstacle> TreeObstacle::toReturn(const fs::path& item) {
     return find(item, Act::wayBack);
+}
+
+std::optional<TreeObstacle> TreeObstacle::toBackup(const fs::path& item, const LeaveOut& leaveOut) {
+    return find(item, Act::backup, leaveOut);
 }
 
 FileError TreeObstacle::error() const {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
+#include "Platform/Files/AccessList.h"
 #include "Platform/Files/FileError.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <sys/types.h>
 
@@ -15,7 +17,7 @@ struct TreeObstacle {
     enum class Kind {
         mountedVolume,  ///< another volume, or another place of this one, is mounted at `path`
         sealedFolder,   ///< nothing may be taken out of the folder at `path`
-        unreadable,     ///< the item at `path` cannot be looked at, or the folder there not be listed
+        unreadable,     ///< what is at `path` cannot be looked at, listed or read
         lockedItem,     ///< a flag of the file system forbids to remove what is at `path`
         foreignItem,    ///< only the other user who owns what is at `path` may take it out of its folder
         deniedItem,     ///< an access control list forbids to remove what is at `path`
@@ -31,15 +33,22 @@ struct TreeObstacle {
     /// What the file system keeps for what is at `path`, see `FileFlags`, and whose it is, as far as that is known.
     std::uint32_t flags = 0;
     std::optional<uid_t> owner = std::nullopt;
+    /// For a denied item the entry that denies it, where that can be told.
+    std::optional<AccessList::Culprit> denial = std::nullopt;
 
     /// Why the item could not be removed; nothing when no obstacle can be seen. Two calls an entry. Blocks; any thread.
     static std::optional<TreeObstacle> toRemoval(const fs::path& item);
-    /// Why it could not be moved to another volume: the same, and what no copy would hold. The copy tool says of itself
-    /// in ditto(1) that it ignores pipes, sockets and files whose names begin with .nfs or .afpDeleted.
+    /// Why it could not be moved to another volume: the same, what no copy would hold (`UncopiedItems`), and what
+    /// cannot be read.
     static std::optional<TreeObstacle> toMove(const fs::path& item);
     /// Why it could not be brought back from another volume: as `toMove`, but for sockets and device files, without
     /// which it comes back.
     static std::optional<TreeObstacle> toReturn(const fs::path& item);
+
+    using LeaveOut = std::function<void(const TreeObstacle& item)>;
+    /// Why no copy of an item that stays would be whole. Called for each pipe, socket and server file in it, `leaveOut`
+    /// makes none of them an obstacle: the copy is made without them. The item itself is not left out.
+    static std::optional<TreeObstacle> toBackup(const fs::path& item, const LeaveOut& leaveOut);
 
     /// The failure of a removal that meets it.
     FileError error() const;

@@ -48,8 +48,12 @@ std::string byChattr(std::uint32_t flags, const fs::path& item) {
     return "sudo chattr -" + letters + " " + quoted(item);
 }
 
-std::string ofDenyDelete(const fs::path& item) {
-    return "chmod -a \"everyone deny delete\" " + quoted(item);
+std::string ofDenial(const AccessList::Culprit& entry) {
+    return "chmod -a \"everyone deny " + std::string(entry.right) + "\" " + quoted(entry.place);
+}
+
+std::string showingLists(const fs::path& item) {
+    return "ls -led " + quoted(item) + " " + quoted(item.parent_path());
 }
 
 std::string ofOwner(const fs::path& item) {

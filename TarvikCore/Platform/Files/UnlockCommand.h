@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
+#include "Platform/Files/AccessList.h"
 
 #include <cstdint>
 #include <string>
@@ -16,8 +17,10 @@ std::string byChflags(std::uint32_t flags, const fs::path& item);
 /// Linux's: chattr(1).
 std::string byChattr(std::uint32_t flags, const fs::path& item);
 
-/// Lifts the entry of the access control list that a Mac gives the folders of a home, such as Movies: chmod(1).
-std::string ofDenyDelete(const fs::path& item);
+/// Lifts an entry of an access control list, such as the one that a Mac gives the folders of a home: chmod(1).
+std::string ofDenial(const AccessList::Culprit& entry);
+/// Lifts nothing, but shows the lists of an item and of the folder that holds it: ls(1) of macOS.
+std::string showingLists(const fs::path& item);
 /// Makes what belongs to the administrator the user's own: chown(8).
 std::string ofOwner(const fs::path& item);
 

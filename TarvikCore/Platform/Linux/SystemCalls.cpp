@@ -79,6 +79,17 @@ int deletionDenied(int, const char*) {
     return 0;  // Access control lists deny no removal here: the folder's permissions alone decide, see acl(5).
 }
 
+int readingDenied(int folderHandle, const char* name, const ItemGuard& guard) {
+    // The owner's right stands in the mode, whatever list there is: acl(5). So most files need no call.
+    if (guard.owner == ::geteuid() && (guard.mode & S_IRUSR) != 0) return 0;
+    if (::faccessat(folderHandle, name, R_OK, AT_EACCESS) == 0) return 0;
+    return errno == EACCES || errno == EPERM ? errno : 0;
+}
+
+bool foldsNames(const fs::path&) {
+    return false;  // It may differ from folder to folder, and no call tells of all file systems.
+}
+
 bool mayRemoveOthersItems() {
     __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
     __user_cap_data_struct rights[_LINUX_CAPABILITY_U32S_3]{};

@@ -71,13 +71,14 @@ std::string remedy() {
            "Access.";
 }
 
-std::optional<std::string> refusalOf(const Host& host, const fs::path& item, const fs::path& place, int error) {
+std::optional<std::string> refusalOf(const Host& host, const fs::path& item, const fs::path& place, int error,
+                                     std::string_view done) {
     if (error != EPERM || !isKept(host, place)) return std::nullopt;
     return fmt::format(
-        "{} can't be moved: macOS keeps {} from Tarvik until it is allowed under System Settings > Privacy & Security "
+        "{} can't be {}: macOS keeps {} from Tarvik until it is allowed under System Settings > Privacy & Security "
         "> "
         "Full Disk Access.",
-        item.filename().native(), place.native());
+        item.filename().native(), done, place.native());
 }
 
 }  // namespace tarvik::FullDiskAccess

@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What a Mac keeps from a program, whatever the permissions say, until the user lets the program in.
@@ -47,9 +48,10 @@ bool isMissing(const Host& host);
 std::string loss();
 std::string remedy();
 
-/// Why `item` can't be moved when an attempt to read `place` in it gave `error`, if it is these rules that forbid it.
+/// Why `item` can't be `done` when an attempt to read `place` in it gave `error`, if it is these rules that forbid it.
 /// Pure.
-std::optional<std::string> refusalOf(const Host& host, const fs::path& item, const fs::path& place, int error);
+std::optional<std::string> refusalOf(const Host& host, const fs::path& item, const fs::path& place, int error,
+                                     std::string_view done = "moved");
 
 /// The page of the system's settings where it is changed.
 inline constexpr const char* settingsPage = "x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles";

@@ -4,6 +4,7 @@
 #include "Platform/Files/Firmlinks.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <string_view>
 
@@ -107,18 +108,47 @@ constexpr Rule rules[] = {
     {"/var/snap", andEverything},
 };
 
+// The same below a home, by the names there. All else in it is its user's own.
+constexpr Rule homeRules[] = {
+    // macOS. What is in a sandbox is not followed out of it by a link, preferences are replaced by new files, and what
+    // a cloud keeps in a folder is not all there.
+    {".Trash", itself},
+    {"Applications", itself},
+    {"Library", itself},
+    {"Library/Application Scripts", andEverything},
+    {"Library/Application Support", itself},
+    {"Library/Application Support/Tarvik", andEverything},
+    {"Library/CloudStorage", andEverything},
+    {"Library/Containers", andEverything},
+    {"Library/Group Containers", andEverything},
+    {"Library/Keychains", andEverything},
+    {"Library/LaunchAgents", itself},
+    {"Library/Mobile Documents", andEverything},
+    {"Library/Preferences", itself},
+    {"Library/Preferences/ByHost", itself},
+
+    // Linux: the base directories of the XDG specification, and what opens the user's session.
+    {".config", itself},
+    {".local", itself},
+    {".local/share", itself},
+    {".local/state", itself},
+    {".ssh", itself},
+};
+
 /// How far `path` lies below `ancestor`; 0 for itself.
 int levelsBelow(const fs::path& path, const fs::path& ancestor) {
     return static_cast<int>(std::distance(path.begin(), path.end()) - std::distance(ancestor.begin(), ancestor.end()));
 }
 
-bool staysByTable(const fs::path& path) {
+/// `path` is absolute, or relative to what the table's folders are relative to.
+template <std::size_t count>
+bool staysByTable(const fs::path& path, const Rule (&table)[count]) {
     const Rule* decisive = nullptr;
-    for (const Rule& rule : rules) {
+    for (const Rule& rule : table) {
         if (decisive && rule.folder.size() <= decisive->folder.size()) continue;
         if (Files::isAtOrBelow(path, rule.folder)) decisive = &rule;
     }
-    return levelsBelow(path, decisive->folder) <= decisive->levels;
+    return decisive && levelsBelow(path, decisive->folder) <= decisive->levels;
 }
 
 bool isStrictlyBelow(const fs::path& path, const fs::path& ancestor) {
@@ -151,10 +181,10 @@ fs::path volumes(const Host& host) {
 bool isImmovable(const Host& host, const fs::path& resolvedFolder) {
     if (Files::isAtOrBelow(host.home, resolvedFolder) || Files::isAtOrBelow(host.root, resolvedFolder)) return true;
     if (host.home != host.root && isStrictlyBelow(resolvedFolder, host.home))
-        return resolvedFolder == host.home / "Library" || resolvedFolder == host.home / "Applications";
+        return staysByTable(resolvedFolder.lexically_relative(host.home), homeRules);
     if (Files::isAtOrBelow(resolvedFolder, host.root))
-        return staysByTable(Firmlinks::shortForm("/" / resolvedFolder.lexically_relative(host.root)));
-    return staysByTable(Firmlinks::shortForm(resolvedFolder));
+        return staysByTable(Firmlinks::shortForm("/" / resolvedFolder.lexically_relative(host.root)), rules);
+    return staysByTable(Firmlinks::shortForm(resolvedFolder), rules);
 }
 
 }  // namespace tarvik::SystemFolders

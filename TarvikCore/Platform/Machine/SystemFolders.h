@@ -19,7 +19,8 @@ fs::path volumes(const Host& host);
 /// /Applications is. Pure: judged by the text of the path alone, by one table for all systems.
 ///
 /// `resolvedFolder` is standardized and has no links in it. What lies below the home is the user's own, wherever the
-/// home is. A folder outside a host's own root is judged as a folder of the machine that the program runs on.
+/// home is, but for those folders of it that the system or every program looks for there. A folder outside a host's own
+/// root is judged as a folder of the machine that the program runs on.
 bool isImmovable(const Host& host, const fs::path& resolvedFolder);
 
 }  // namespace tarvik::SystemFolders

@@ -28,6 +28,8 @@ struct Volume {
     std::optional<bool> keepsLinks;
     /// Whether it keeps permissions and owners of its items.
     std::optional<bool> keepsPermissions;
+    /// Whether names that differ in case, or in normal form, are one name on it.
+    std::optional<bool> foldsNames;
     /// The largest file that it can hold, in bytes, where that is a figure a file can come to.
     std::optional<std::int64_t> largestFile;
 

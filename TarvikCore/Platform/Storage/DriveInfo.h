@@ -29,6 +29,8 @@ struct DriveInfo {
     /// What its file system can hold, as far as the system tells: symbolic links, permissions, files of how many bytes.
     std::optional<bool> keepsLinks;
     std::optional<bool> keepsPermissions;
+    /// Whether "Foo" and "foo" are one name there, as far as the system tells.
+    std::optional<bool> foldsNames;
     std::optional<std::int64_t> largestFile;
 
     std::int64_t usedBytes() const { return totalBytes - freeBytes; }
@@ -44,6 +46,6 @@ struct std::hash<tarvik::DriveInfo> {
     std::size_t operator()(const tarvik::DriveInfo& drive) const noexcept {
         return tarvik::FieldHash::of(drive.id, drive.name, drive.mountPath, drive.totalBytes, drive.freeBytes,
                                      drive.isInternal, drive.isWritable, drive.filesystem, drive.keepsLinks,
-                                     drive.keepsPermissions, drive.largestFile);
+                                     drive.keepsPermissions, drive.foldsNames, drive.largestFile);
     }
 };

@@ -20,6 +20,7 @@ void addUsualAbilities(DriveInfo& drive) {
     if (!usual) return;
     if (!drive.keepsLinks) drive.keepsLinks = usual->links;
     if (!drive.keepsPermissions) drive.keepsPermissions = usual->permissions;
+    if (!drive.foldsNames) drive.foldsNames = usual->foldsCase;
     if (!drive.largestFile) drive.largestFile = usual->largestFile;
 }
 
@@ -35,6 +36,7 @@ DriveInfo driveOf(const Volume& volume) {
         .filesystem = volume.formatDescription,
         .keepsLinks = volume.keepsLinks,
         .keepsPermissions = volume.keepsPermissions,
+        .foldsNames = volume.foldsNames,
         .largestFile = volume.largestFile};
     addUsualAbilities(drive);
     return drive;
@@ -52,6 +54,21 @@ std::vector<DriveInfo> scan(const Host& host) {
         return left.name < right.name;
     });
     return drives;
+}
+
+std::optional<DriveInfo> holding(const Host& host, const fs::path& item) {
+    const auto folder = Files::resolved(item.parent_path());
+    const auto place = Files::info(folder.value_or(item.parent_path()));
+    if (!folder || !place) return std::nullopt;
+    std::optional<DriveInfo> deepest;
+    for (const Volume& volume : host.volumes->mounted()) {
+        const auto mountPath = Files::resolved(volume.mountPath);
+        if (!mountPath || !Files::isAtOrBelow(*folder, *mountPath)) continue;
+        const auto top = Files::info(*mountPath);
+        if (!top || top->device != place->device) continue;
+        if (!deepest || deepest->id.size() < volume.mountPath.native().size()) deepest = driveOf(volume);
+    }
+    return deepest;
 }
 
 bool isThere(const Host& host, const fs::path& mountPath) {

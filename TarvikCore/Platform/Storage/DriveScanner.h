@@ -14,6 +14,10 @@ namespace tarvik::DriveScanner {
 /// Never fails: a volume that cannot be read is left out.
 std::vector<DriveInfo> scan(const Host& host);
 
+/// The volume that the entry of `item` stands on, a link not followed, browsable or not; nothing when the system does
+/// not list it. Blocks and never fails, as `scan`.
+std::optional<DriveInfo> holding(const Host& host, const fs::path& item);
+
 /// Whether a volume is mounted at exactly this path: a mount path can outlive its drive as an empty folder of the
 /// internal disk. Blocks and never fails, as `scan`.
 bool isThere(const Host& host, const fs::path& mountPath);

@@ -310,6 +310,7 @@ std::string Text::composed(std::string_view text) {
 }
 
 std::string Text::nameKey(std::string_view name) {
+    if (isAscii(name)) return lowerCasedAscii(name);
     return isValidUtf8(name) ? composed(caseFolded(composed(name))) : std::string(name);
 }
 

@@ -82,6 +82,15 @@ int deletionDenied(int folderHandle, const char* name) {
     return errno == EACCES || errno == EPERM ? errno : 0;
 }
 
+int readingDenied(int folderHandle, const char* name, const ItemGuard&) {
+    if (::faccessat(folderHandle, name, R_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0) return 0;
+    return errno == EACCES || errno == EPERM ? errno : 0;
+}
+
+bool foldsNames(const fs::path& path) {
+    return ::pathconf(path.c_str(), _PC_CASE_SENSITIVE) == 0;
+}
+
 bool mayRemoveOthersItems() {
     return ::geteuid() == 0;
 }

@@ -28,12 +28,16 @@ std::optional<bool> flag(NSDictionary<NSURLResourceKey, id>* values, NSURLResour
     return value ? std::optional<bool>(value.boolValue) : std::nullopt;
 }
 
+std::optional<bool> opposite(std::optional<bool> flag) {
+    return flag ? std::optional(!*flag) : std::nullopt;
+}
+
 NSArray<NSURLResourceKey>* volumeKeys() {
     return @[
         NSURLVolumeNameKey, NSURLVolumeTotalCapacityKey, NSURLVolumeAvailableCapacityForImportantUsageKey,
         NSURLVolumeAvailableCapacityKey, NSURLVolumeIsInternalKey, NSURLVolumeIsBrowsableKey, NSURLVolumeIsReadOnlyKey,
         NSURLVolumeLocalizedFormatDescriptionKey, NSURLVolumeUUIDStringKey, NSURLVolumeSupportsSymbolicLinksKey,
-        NSURLVolumeSupportsAccessPermissionsKey, NSURLVolumeMaximumFileSizeKey
+        NSURLVolumeSupportsAccessPermissionsKey, NSURLVolumeSupportsCaseSensitiveNamesKey, NSURLVolumeMaximumFileSizeKey
     ];
 }
 
@@ -66,6 +70,7 @@ public:
                                    .identifier = text(values, NSURLVolumeUUIDStringKey),
                                    .keepsLinks = flag(values, NSURLVolumeSupportsSymbolicLinksKey),
                                    .keepsPermissions = flag(values, NSURLVolumeSupportsAccessPermissionsKey),
+                                   .foldsNames = opposite(flag(values, NSURLVolumeSupportsCaseSensitiveNamesKey)),
                                    .largestFile = bytes(values, NSURLVolumeMaximumFileSizeKey)});
             }
         }

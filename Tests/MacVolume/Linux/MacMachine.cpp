@@ -89,6 +89,11 @@ DriveInfo MacMachine::driveInfo(const MacVolume& drive) const {
     throw std::runtime_error("the drive is not listed");
 }
 
+void MacMachine::letDiskTellNamesApart() {
+    disk.set(Habit::foldsNames, false);
+    disk.set(Habit::decomposesNames, false);
+}
+
 std::string MacMachine::moveFolder(const fs::path& source, const MacVolume& drive) const {
     try {
         const DriveInfo target = driveInfo(drive);

@@ -24,6 +24,8 @@ struct MacMachine {
     fs::path at(const fs::path& path) const { return machine.root / path; }
     fs::path atHome(const fs::path& path) const { return machine.home / path; }
     DriveInfo driveInfo(const MacVolume& drive) const;
+    /// Makes the disk a case-sensitive one, such as a Mac can be set up with, for the test's life.
+    void letDiskTellNamesApart();
 
     /// Moves a folder as both fronts do. @returns why it did not go; "moved" when it did.
     std::string moveFolder(const fs::path& source, const MacVolume& drive) const;

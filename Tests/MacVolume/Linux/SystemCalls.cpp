@@ -2,6 +2,7 @@
 // into take these functions before those of the core's own file for Linux; all else there is the same.
 #include "Platform/Files/SystemCalls.h"
 
+#include "Platform/Files/AccessList.h"
 #include "Platform/Files/FileDescriptor.h"
 #include "Support/MacAttributes.h"
 
@@ -15,6 +16,7 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <vector>
 
 namespace tarvik::SystemCalls {
 
@@ -73,3 +75,14 @@ bool hasHiddenFlag(int folderHandle, const char* name) {
 }
 
 }  // namespace tarvik::SystemCalls
+
+namespace tarvik::AccessList {
+
+std::vector<Denial> denialsAt(const fs::path& item) {
+    const bool coversItem = SystemCalls::attribute(item, test::MacAttribute::denyDelete) == "1";
+    const bool coversContents = SystemCalls::attribute(item, test::MacAttribute::denyDeleteInside) == "1";
+    if (!coversItem && !coversContents) return {};
+    return {{.isForEveryone = true, .coversItem = coversItem, .coversContents = coversContents}};
+}
+
+}  // namespace tarvik::AccessList

@@ -7,11 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tarvik::test {
 
@@ -133,6 +135,53 @@ TEST_F(TreeObstacles, AreTheItemItselfInASharedFolder) {
     for (const char* name : {"sub", "link"})
         EXPECT_EQ(words(TreeObstacle::toRemoval(tree / name)),
                   "Could not remove " + (tree / name).native() + ": Operation not permitted");
+}
+
+TEST_F(TreeObstacles, AreFilesThatCannotBeReadWhereverACopyIsMade) {
+    makeFile(tree / "sub/secret");
+    fs::permissions(tree / "sub/secret", fs::perms::none);
+    fs::permissions(tree / "sub", fs::perms::all);
+    const OrdinaryUser user(folder.path());
+    for (const auto& obstacle : {TreeObstacle::toMove(tree), TreeObstacle::toReturn(tree),
+                                 TreeObstacle::toBackup(tree, {}), TreeObstacle::toMove(tree / "sub/secret")}) {
+        ASSERT_TRUE(obstacle);
+        EXPECT_EQ(obstacle->kind, TreeObstacle::Kind::unreadable);
+        EXPECT_EQ(obstacle->path, tree / "sub/secret");
+        EXPECT_EQ(obstacle->errorNumber, EACCES);
+    }
+    EXPECT_EQ(words(TreeObstacle::toRemoval(tree)), "none");
+}
+
+TEST_F(TreeObstacles, AreNoFilesOfOthersThatEverybodyMayRead) {
+    fs::permissions(tree / "sub", fs::perms::all);
+    {
+        const OrdinaryUser user(folder.path());
+        EXPECT_EQ(words(TreeObstacle::toMove(tree)), "none");
+    }
+    if (::geteuid() != 0) return;
+    // Who owns a file is asked before all others: its owner may be the one who may not read it.
+    ASSERT_EQ(::chown((tree / "sub/file").c_str(), 65534, 65534), 0);
+    fs::permissions(tree / "sub/file", fs::perms::others_read | fs::perms::group_read);
+    const OrdinaryUser user(folder.path());
+    EXPECT_TRUE(TreeObstacle::toMove(tree));
+}
+
+TEST_F(TreeObstacles, ToABackupAreNoneThatOnlyKeepTheOriginal) {
+    fs::permissions(tree / "sub", fs::perms(0555));
+    makePipe(tree / "pipe");
+    makeFile(tree / ".nfs folder/x");
+    makeSocket(tree / "socket");
+    std::vector<fs::path> leftOut;
+    const auto leaveOut = [&](const TreeObstacle& item) { leftOut.push_back(item.path); };
+    {
+        const OrdinaryUser user(folder.path());
+        EXPECT_EQ(words(TreeObstacle::toBackup(tree, leaveOut)), "none");
+    }
+    std::sort(leftOut.begin(), leftOut.end());
+    EXPECT_EQ(leftOut, (std::vector<fs::path>{tree / ".nfs folder", tree / "pipe", tree / "socket"}));
+    const auto itself = TreeObstacle::toBackup(tree / "pipe", leaveOut);
+    ASSERT_TRUE(itself);
+    EXPECT_EQ(itself->kind, TreeObstacle::Kind::pipe);
 }
 
 }  // namespace tarvik::test

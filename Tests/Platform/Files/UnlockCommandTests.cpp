@@ -20,9 +20,11 @@ TEST(UnlockCommand, LiftsEachLockOfLinux) {
 }
 
 TEST(UnlockCommand, NamesOnePathWhateverIsInIt) {
-    EXPECT_EQ(UnlockCommand::ofDenyDelete("/Users/robin/Movies"),
+    EXPECT_EQ(UnlockCommand::ofDenial({"/Users/robin/Movies", "delete"}),
               "chmod -a \"everyone deny delete\" /Users/robin/Movies");
-    EXPECT_EQ(UnlockCommand::ofDenyDelete("/a b;$(c)"), "chmod -a \"everyone deny delete\" '/a b;$(c)'");
+    EXPECT_EQ(UnlockCommand::ofDenial({"/a b;$(c)", "delete_child"}),
+              "chmod -a \"everyone deny delete_child\" '/a b;$(c)'");
+    EXPECT_EQ(UnlockCommand::showingLists("/a b/c"), "ls -led '/a b/c' '/a b'");
     EXPECT_EQ(UnlockCommand::ofOwner("/Robin's.app"), "sudo chown -R \"$(id -un)\" '/Robin'\\''s.app'");
 }
 

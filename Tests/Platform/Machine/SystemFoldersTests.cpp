@@ -101,6 +101,24 @@ TEST(SystemFolders, StayWithAllThatIsInThemWhereTheSystemNeedsIt) {
     }
 }
 
+TEST(SystemFolders, OfAHomeStayWhereProgramsLookForThem) {
+    for (const char* folder :
+         {"Library/Application Support", "Library/Application Support/Tarvik/InstallerSessions", "Library/Preferences",
+          "Library/Preferences/ByHost", "Library/Containers", "Library/Containers/com.acme.editor/Data",
+          "Library/Group Containers/acme", "Library/Application Scripts/acme", "Library/Keychains",
+          "Library/Mobile Documents/com~apple~CloudDocs", "Library/CloudStorage/Acme", "Library/LaunchAgents", ".Trash",
+          ".config", ".local", ".local/share", ".ssh"}) {
+        EXPECT_TRUE(SystemFolders::isImmovable(thisMachine, thisMachine.home / folder)) << folder;
+        EXPECT_TRUE(SystemFolders::isImmovable(practice, practice.home / folder)) << folder;
+        EXPECT_FALSE(SystemFolders::isImmovable(thisMachine, thisMachine.home / "Old" / folder)) << folder;
+    }
+    for (const char* folder :
+         {"Library/Application Support/Claude", "Library/Application Support/Tarviks", "Library/Preferences/Acme",
+          "Library/Containers2", "Library/Caches/Acme", "Library/Developer", ".config/acme", ".local/share/acme",
+          ".local/bin", ".Trash/Old", ".cache", ".acme", "Movies"})
+        EXPECT_FALSE(SystemFolders::isImmovable(thisMachine, thisMachine.home / folder)) << folder;
+}
+
 TEST(SystemFolders, StayWhereADriveIsMounted) {
     for (const char* folder : {"/Volumes/Backup", "/media/anna", "/media/anna/Backup", "/run/media/anna/Backup"})
         EXPECT_TRUE(SystemFolders::isImmovable(thisMachine, folder)) << folder;

@@ -67,9 +67,11 @@ TEST(DriveScanner, TellsWhatAFormatUsuallyHolds) {
     const auto drives = scanned({card, unknown});
     EXPECT_EQ(drives[0].keepsLinks, false);
     EXPECT_EQ(drives[0].keepsPermissions, false);
+    EXPECT_EQ(drives[0].foldsNames, true);
     EXPECT_EQ(drives[0].largestFile, 0xFFFFFFFF);
     EXPECT_EQ(drives[1].keepsLinks, std::nullopt);
     EXPECT_EQ(drives[1].keepsPermissions, std::nullopt);
+    EXPECT_EQ(drives[1].foldsNames, std::nullopt);
     EXPECT_EQ(drives[1].largestFile, std::nullopt);
 }
 
@@ -78,10 +80,12 @@ TEST(DriveScanner, BelievesTheSystemMoreThanTheFormat) {
     card.formatDescription = "FAT32";
     card.keepsLinks = true;
     card.keepsPermissions = true;
+    card.foldsNames = false;
     card.largestFile = 12;
     const auto drives = scanned({card});
     EXPECT_EQ(drives[0].keepsLinks, true);
     EXPECT_EQ(drives[0].keepsPermissions, true);
+    EXPECT_EQ(drives[0].foldsNames, false);
     EXPECT_EQ(drives[0].largestFile, 12);
 }
 

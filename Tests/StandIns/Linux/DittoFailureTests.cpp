@@ -13,8 +13,6 @@
 #include <algorithm>
 #include <atomic>
 #include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -200,22 +198,6 @@ TEST(DittoFailure, RefusesToMergeIntoTheSourceFromAbove) {
     const auto run = ditto(folder / "a", folder.path());
     expectFailure(run, (folder / "a").native() + ": It would be copied into itself as " + (folder / "a").native());
     EXPECT_EQ(contentOf(folder / "a/file"), "outer");
-}
-
-TEST(DittoFailure, NeverTakesTwoNamesForOne) {
-    TARVIK_NEEDS_MEMORY_VOLUMES();
-    const TemporaryFolder folder;
-    const auto drive = RealVolume::ofKind(folder.path(), "tmpfs", "casefold");
-    if (!drive) GTEST_SKIP() << "needs a file system that ignores case";
-    makeFolder(*drive / "copy");
-    const FileDescriptor copy(::open((*drive / "copy").c_str(), O_RDONLY | O_CLOEXEC));
-    int flags = FS_CASEFOLD_FL;
-    ASSERT_EQ(::ioctl(copy.get(), FS_IOC_SETFLAGS, &flags), 0);
-    makeFile(folder / "tree/inner/name", "one");
-    makeFile(folder / "tree/inner/NAME", "other");
-    const auto run = ditto(folder / "tree", *drive / "copy");
-    EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.message.find(": File exists"), std::string::npos) << run.message;
 }
 
 TEST(DittoFailure, PrintsWhatEveryReaderUnderstands) {

@@ -3,6 +3,8 @@
 #include "Backups/BackupService.h"
 #include "MacMachine.h"
 #include "Platform/Files/Files.h"
+#include "Support/FailureOf.h"
+#include "Support/MacAttributes.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
@@ -51,6 +53,29 @@ TEST_F(MacBackup, OnExFatHoldsTheContents) {
     const auto backups = BackupService::list(mac->host, mac->exFat.path());
     ASSERT_EQ(backups.size(), 1U);
     EXPECT_TRUE(BackupService::unfinished(mac->host, mac->exFat.path()).empty());
+}
+
+TEST_F(MacBackup, IsNoneWhereTwoFilesHaveBecomeOne) {
+    mac->letDiskTellNamesApart();
+    makeFile(letters / "\u00C9T\u00C9.txt", "sol");
+    EXPECT_THAT(failureOf([&] { backUp({letters}, mac->extended); }), HasSubstr("would be one item there"));
+    EXPECT_FALSE(Files::itemExists(mac->extended / "TarvikBackups"));
+    // Where nobody has told that the drive folds names, the copy shows it.
+    EXPECT_THAT(failureOf([&] { BackupService::create(mac->host, {letters}, mac->extended.path()); }),
+                HasSubstr("Verification failed: "));
+    EXPECT_TRUE(BackupService::list(mac->host, mac->extended.path()).empty());
+}
+
+TEST_F(MacBackup, HoldsNoEmptyFilesForThoseInTheCloud) {
+    setMacFlags(letters / "more/rain.txt", MacFlag::dataless);
+    EXPECT_THAT(failureOf([&] { backUp({letters}, mac->extended); }), HasSubstr("more/rain.txt is only in the cloud."));
+    EXPECT_FALSE(Files::itemExists(mac->extended / "TarvikBackups"));
+}
+
+TEST_F(MacBackup, HoldsWhatIsLocked) {
+    setMacFlags(letters / "more/rain.txt", MacFlag::userImmutable);
+    denyDelete(letters);
+    EXPECT_TRUE(Files::exists(backUp({letters}, mac->extended) / letters.filename() / "more/rain.txt"));
 }
 
 TEST_F(MacBackup, IsMadeAndListedByTheCommand) {

@@ -1,6 +1,7 @@
 // Folders on their way from a disk that folds names to drives of a Mac, and back.
 #include "MacMachine.h"
 #include "Move/MoverEngine.h"
+#include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Support/Tree.h"
@@ -81,6 +82,25 @@ TEST_F(FolderJourney, ReplacesNothingOfTheSameNameOnTheDrive) {
     EXPECT_EQ(pictureOf(music), before);
 }
 
+TEST_F(FolderJourney, EndsBeforeItBeginsAtTwoNamesThatAreOneOnTheDrive) {
+    mac->letDiskTellNamesApart();
+    makeFile(music / "ballade N\u00BA 1.WAV", "another one");
+    const std::string before = pictureOf(music);
+    EXPECT_THAT(mac->moveFolder(music, mac->extended), HasSubstr("would be one item there"));
+    EXPECT_EQ(pictureOf(music), before);
+    EXPECT_FALSE(Files::itemExists(moved.parent_path())) << "nothing was copied";
+}
+
+TEST_F(FolderJourney, LosesNothingWhereTheDriveFoldsNamesAndNobodyTellsThat) {
+    mac->letDiskTellNamesApart();
+    makeFile(music / "PRE\u0301LUDE/\u00C9TUDE.txt", "la");
+    makeOld(music);
+    const std::string before = pictureOf(music);
+    EXPECT_THROW(MoverEngine::moveAndLink(mac->host, music, moved.parent_path(), false, {}, {}), Failure);
+    EXPECT_EQ(pictureOf(music), before);
+    EXPECT_FALSE(Files::itemExists(moved));
+}
+
 TEST_F(FolderJourney, EndsBeforeItBeginsAtALockedFile) {
     for (const auto flag : {MacFlag::userImmutable, MacFlag::systemAppend, MacFlag::restricted}) {
         setMacFlags(music / "Pr\u00E9lude/\u00C9tude.txt", flag);
@@ -122,7 +142,8 @@ TEST_F(FolderJourney, FromAVolumeThatExchangesNoNamesTakesMoreSteps) {
 TEST_F(FolderJourney, FromExFatEndsWithTheFolderAsItWas) {
     const fs::path photos = mac->exFat / "Photos";
     makeFile(photos / "lake.raw", "water");
-    EXPECT_NE(mac->moveFolder(photos, mac->extended), "moved") << "there can be no link in its place";
+    EXPECT_EQ(mac->moveFolder(photos, mac->extended),
+              "Photos can't be moved: a symlink would have to take its place, and Card holds none (exFAT).");
     EXPECT_EQ(contentOf(photos / "lake.raw"), "water");
     EXPECT_EQ(Files::names(mac->exFat.path()), std::vector<std::string>{"Photos"});
     EXPECT_FALSE(Files::itemExists(mac->extended / "ExternalTarvik/Folders/Photos"));
