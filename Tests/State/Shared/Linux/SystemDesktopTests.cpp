@@ -7,6 +7,8 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QLocalServer>
+#include <QLocalSocket>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -51,6 +53,27 @@ TEST_F(SystemDesktop, OpensTheFolderOfAnItemWhereNoFileManagerAnswers) {
     spinUntil([&] { return fs::exists(folder / "opened"); });
     EXPECT_EQ(opened(), "file://" + folder.path().native() + "/Some%20%26%20%22place%22");
     EXPECT_EQ(told, "");
+}
+
+TEST_F(SystemDesktop, OpensTheFolderWhenTheBusDoesNotAnswer) {
+    makeOpener();
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(QString::fromStdString(busSocket())));
+    desktop->reveal(FilePath(folder / "place/item"));
+    spinUntil([&] { return silent.hasPendingConnections(); });
+    EXPECT_FALSE(fs::exists(folder / "opened")) << "the window has waited";
+    spinUntil([&] { return fs::exists(folder / "opened"); });
+    EXPECT_EQ(opened(), "file://" + folder.path().native() + "/place");
+}
+
+TEST_F(SystemDesktop, LeavesNoCallBehindWhenTheWindowGoes) {
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(QString::fromStdString(busSocket())));
+    desktop->reveal(FilePath(folder / "place/item"));
+    spinUntil([&] { return silent.hasPendingConnections(); });
+    desktop.reset();
+    auto* const caller = silent.nextPendingConnection();
+    spinUntil([&] { return caller->state() == QLocalSocket::UnconnectedState; });
 }
 
 TEST_F(SystemDesktop, SaysWhereTheItemIsWhenNothingOpensFolders) {
@@ -105,11 +128,11 @@ protected:
 };
 
 TEST_F(SystemDesktopWithFileManager, ShowsTheItemThere) {
-    desktop->reveal(FilePath(folder / "Some place/caf\xE9"));
+    desktop->reveal(FilePath(folder / "Some, place/caf\xE9"));
     spinUntil([&] { return !manager.shown.isEmpty(); });
     EXPECT_EQ(manager.asked, "org.freedesktop.FileManager1.ShowItems");
     EXPECT_EQ(manager.shown,
-              QStringList{"file://" + QString::fromStdString(folder.path().native()) + "/Some%20place/caf%E9"});
+              QStringList{"file://" + QString::fromStdString(folder.path().native()) + "/Some%2C%20place/caf%E9"});
     spinOnce();
     EXPECT_FALSE(fs::exists(folder / "opened"));
 }
