@@ -64,6 +64,8 @@ TEST_F(MacAppsWindow, LeadsToTheSettingsThatLetAnApplicationOfAnotherMakerGo) {
     mac->disk.set(MacVolume::Habit::guardsSignedBundles, false);
     comeBack();
     EXPECT_TRUE(window.waitUntilHidden("appManagementNotice"));
+    window.click("closeRunButton");
+    ASSERT_TRUE(window.waitUntilHidden("jobsPanel"));
     window.click("app-Full House/appBox");
     window.click("moveAppsButton");
     agree();
