@@ -33,7 +33,8 @@ int validate(const std::string& path) {
 }  // namespace
 
 /// Validates the notary's ticket of a bundle as far as the bundle alone tells: `xcrun stapler validate PATH`, the only
-/// one of the developer's tools that it knows. Exit statuses as in stapler(1), which takes them from sysexits(3).
+/// one of the developer's tools that it knows. Exit statuses as in stapler(1), which takes them from sysexits(3); the
+/// words, which that leaves open, from published sessions.
 int main(int argc, char** argv) {
     const std::vector<std::string_view> words(argv + 1, argv + argc);
     if (words.empty() || words[0] != "stapler") {

@@ -71,16 +71,38 @@ FocusScope {
             width: parent.width
             title: root.tabs[root.selectedTab].label
         }
-        FullDiskAccessNotice {
-            id: notice
+        Column {
+            id: notices
             anchors.top: toolbar.bottom
             width: parent.width
-            height: implicitHeight
+
+            PermissionNotice {
+                property bool isSentAway: false
+
+                objectName: "fullDiskAccessNotice"
+                width: parent.width
+                text: AppState.missesFullDiskAccess && !isSentAway ? AppState.fullDiskAccessText : ""
+                permission: "Full Disk Access"
+                settingsPage: AppState.fullDiskAccessPage
+                sendAwayHelp: "Hide until the next start"
+                onSentAway: isSentAway = true
+                onCameBack: AppState.lookAtFullDiskAccess()
+            }
+            PermissionNotice {
+                objectName: "appManagementNotice"
+                width: parent.width
+                text: AppState.keptApplications.text
+                permission: "App Management"
+                settingsPage: AppState.keptApplications.settingsPage
+                sendAwayHelp: "Hide"
+                onSentAway: AppState.keptApplications.forget()
+                onCameBack: AppState.keptApplications.lookAgain()
+            }
         }
         Item {
             id: content
             objectName: "tabContent"
-            anchors.top: notice.bottom
+            anchors.top: notices.bottom
             anchors.bottom: jobsPanel.top
             width: parent.width
         }

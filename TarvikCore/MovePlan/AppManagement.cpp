@@ -32,12 +32,18 @@ std::vector<fs::path> bundlesAt(const fs::path& item) {
     return bundles;
 }
 
-int errorOfChange(const fs::path& bundle) {
-    const fs::path list = bundle / "Contents/Info.plist";
-    const FileDescriptor handle(::open(list.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+int errorOfAttribute(const fs::path& item, int openFlags) {
+    const FileDescriptor handle(::open(item.c_str(), openFlags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (!handle) return errno;
     if (const int error = AttributeCalls::put(handle.get())) return error;
     return AttributeCalls::take(handle.get());
+}
+
+/// open(2) and setxattr(2) answer with EACCES where permissions forbid it, and many lists may not be written: so the
+/// folder with the list is tried too. A move has to empty that folder, and is refused before where permissions keep it.
+int errorOfChange(const fs::path& bundle) {
+    const int error = errorOfAttribute(bundle / "Contents/Info.plist", O_WRONLY);
+    return error == 0 || error == EPERM ? error : errorOfAttribute(bundle / "Contents", O_RDONLY | O_DIRECTORY);
 }
 
 }  // namespace

@@ -21,13 +21,18 @@ struct Trial {
 };
 
 /// Opens the list of each bundle that carries a signature for writing, without writing, and puts an attribute on it,
-/// which it takes away again: neither content nor time of modification changes. `item` is a bundle, or a folder with
-/// some in it. Blocks for a look into the folder; any thread; never fails.
+/// which it takes away again: neither content nor time of modification changes. Where permissions or anything else
+/// forbid that, the folder with the list gets the attribute. `item` is a bundle, or a folder with some in it. Blocks
+/// for a look into the folder; any thread; never fails.
 std::vector<Trial> tryToChange(const fs::path& item);
 
 /// The sentence for the user when a trial shows that the system forbids it. Permissions (EACCES) and whatever else may
 /// be in the way are no answer. Pure.
 std::optional<std::string> refusalAfter(const std::vector<Trial>& trials);
+
+/// The page of the system's settings where it is changed.
+inline constexpr const char* settingsPage =
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_AppBundles";
 
 /// Both in one. What else stands in the way of a removal, a lock for instance, is to be ruled out before: it gives
 /// EPERM too.

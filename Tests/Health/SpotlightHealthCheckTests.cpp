@@ -55,6 +55,14 @@ TEST_F(SpotlightCheck, WarnsOfAnIndexThatCannotBeWritten) {
                             ". Launchpad search may not show new apps. Run: sudo mdutil -i on " + data));
 }
 
+// mdutil(1) says of -s that it tells the state, and not how. These are answers of macOS 12 as administrators have
+// published them: the volume with a colon, and below it the state, after a tab.
+TEST_F(SpotlightCheck, ReadsTheAnswersOfAMac) {
+    EXPECT_THAT(warnings("printf '%s:\\n\\tIndexing enabled. \\n' \"$2\"", "exit 1"), IsEmpty());
+    EXPECT_THAT(warnings("printf '%s:\\n\\tIndexing and searching disabled.\\n' \"$2\"", fine),
+                ElementsAre(testing::StartsWith("Spotlight indexing is disabled for " + data)));
+}
+
 TEST_F(SpotlightCheck, WarnsOnceWhenNobodyAnswers) {
     const char* unknown = "Could not check Spotlight indexing; Launchpad visibility may lag.";
     EXPECT_THAT(warnings("exit 1", "exit 1"), ElementsAre(unknown));

@@ -36,7 +36,9 @@ protected:
              "cd build/release/bin; mkdir -p Tarvik.app/Contents/MacOS; echo list >Tarvik.app/Contents/Info.plist\n"
              "for name in tarvik Tarvik.app/Contents/MacOS/Tarvik "
              "Tarvik.app/Contents/MacOS/external-app-launcher; do\n"
-             "printf '#!/bin/sh\\n# machine code\\nexit ${DOES_NOT_START:-0}\\n' >$name; chmod +x $name; done");
+             "printf '#!/bin/sh\\n# machine code\\n[ $1 != --version ] || exit ${DOES_NOT_START:-0}\\necho tells "
+             "$*\\n' >$name\n"
+             "chmod +x $name; done");
         fs::create_directories(tree / "build/release/bin");
         tool(tree / "Scripts/install-dependencies", "");
         makeDouble("ditto", "cp -R \"$1\" \"$2\"");
@@ -187,11 +189,21 @@ TEST_F(PackageScript, PromisesNoOlderSystemThanItsLibrariesRunOn) {
     EXPECT_THAT(callsOf("plutil"), testing::Not(Contains(StartsWith("plutil -replace"))));
     EXPECT_EQ(run({{"MINOS", "11.0"}}).status, 0);
     EXPECT_THAT(callsOf("plutil"), testing::Not(Contains(StartsWith("plutil -replace"))));
+    EXPECT_THAT(run({{"MINOS", "13.0.10\n    minos 13.0.9"}}).stdout, HasSubstr("It needs macOS 13.0.10: "));
     const auto result = run({{"MINOS", "14.10"}});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.stdout, HasSubstr("It needs macOS 14.10: libraries in it were built for that.\n"));
     EXPECT_THAT(callsOf("plutil"),
                 Contains("plutil -replace LSMinimumSystemVersion -string 14.10 " + app + "/Contents/Info.plist"));
+}
+
+TEST_F(PackageScript, BringsTheManualPageAndTheCompletionsOfShells) {
+    EXPECT_EQ(run().status, 0);
+    const fs::path shared = tree / app / "Contents/SharedSupport";
+    EXPECT_EQ(test::contentOf(shared / "man/man1/tarvik.1"), "tells --man\n");
+    EXPECT_EQ(test::contentOf(shared / "completions/tarvik"), "tells completion bash\n");
+    EXPECT_EQ(test::contentOf(shared / "completions/_tarvik"), "tells completion zsh\n");
+    EXPECT_EQ(test::contentOf(shared / "completions/tarvik.fish"), "tells completion fish\n");
 }
 
 TEST_F(PackageScript, TriesWhetherThePackagedProgramsStart) {

@@ -30,6 +30,22 @@ inline constexpr const char* denyDelete = "system.mac.deny-delete";
 inline constexpr const char* denyDeleteInside = "system.mac.deny-delete-child";
 /// "1" or "0": a folder that privacy keeps from programs.
 inline constexpr const char* isPrivate = "system.mac.private";
+/// "1" or "0": a folder whose listing ends in an error after half of its names.
+inline constexpr const char* breaksListing = "system.mac.breaks-listing";
+
+// What any item of it tells of the whole volume.
+
+/// "APFS", "HFS+" or "exFAT".
+inline constexpr const char* format = "system.mac.format";
+/// "1" where extended attributes are kept in files "._NAME".
+inline constexpr const char* keepsAppleDouble = "system.mac.keeps-apple-double";
+/// In bytes: the first of the two capacities, the one for important usage.
+inline constexpr const char* importantCapacity = "system.mac.important-capacity";
+
+/// Set to "1" on an item for fcntl(2)'s F_FULLFSYNC, which fsync(2) of Linux is not, and on any item for a flush of the
+/// whole volume.
+inline constexpr const char* flushFile = "system.mac.flush-file";
+inline constexpr const char* flushVolume = "system.mac.flush-volume";
 
 }  // namespace MacAttribute
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tarvik::test {
 
@@ -25,6 +26,7 @@ public:
         isExFat,              ///< no links, no permissions, no exchange of names, times of two seconds, "._" files
         guardsSignedBundles,  ///< EPERM for changes in the signed bundles that stood there when it was switched on
         hasNoRoom,            ///< tells that no byte is available
+        tellsOneCapacity,     ///< tells 0 for the capacity for important usage, as exFAT and network volumes do
         hangs,                ///< no call returns until this is switched off
     };
 
@@ -40,6 +42,10 @@ public:
     const fs::path& path() const { return m_path; }
     fs::path operator/(const fs::path& name) const { return m_path / name; }
     void set(Habit habit, bool isOn);
+    /// What has been written, renamed, removed and flushed since it was mounted, in order, a line each: "write PATH",
+    /// "rename PATH", "remove PATH", "sync PATH" for what only the drive's cache has for sure, "flush PATH" and
+    /// "flush everything" for what the drive has. Paths are those on the volume, a renamed item's its new one.
+    std::vector<std::string> journal() const;
 
     /// Why there can be none here; nothing when there can.
     static std::optional<std::string> unavailableReason();
@@ -62,6 +68,8 @@ void denyDelete(const fs::path& item, bool isDenied = true);
 void denyDeleteInside(const fs::path& folder, bool isDenied = true);
 /// EPERM for whoever looks into the folder, or changes it or what is in it. Status calls are answered.
 void keepPrivate(const fs::path& folder, bool isPrivate = true);
+/// EIO for whoever lists the folder, after half of its names.
+void breakListing(const fs::path& folder, bool isBroken = true);
 
 }  // namespace tarvik::test
 

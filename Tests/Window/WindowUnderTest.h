@@ -48,7 +48,7 @@ namespace tarvik::test {
 /// - dialog: alertDialog, alertTitle, alertDetails, alertText, alertButton-INDEX
 /// - about: aboutDialog, aboutName, aboutVersion, aboutText, closeAboutButton
 /// - the menu of a row: itemMenu, revealItem, copyPathItem
-/// - above the tab: fullDiskAccessNotice, openFullDiskAccessButton, sendFullDiskAccessNoticeAwayButton
+/// - above the tab: fullDiskAccessNotice, appManagementNotice (each: openSettingsButton, sendNoticeAwayButton)
 class WindowUnderTest {
 public:
     /// `hasMenus` says whether its desktop shows menus above windows.

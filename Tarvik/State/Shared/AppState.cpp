@@ -52,6 +52,7 @@ AppState::AppState(Host host, Dialogs& dialogs, QObject* parent)
           emit isBusyChanged();
           closeWhenReady();
       }),
+      m_keptApplications([this](QCoro::Task<> flow) { follow(std::move(flow)); }),
       m_tabs(Tabs::all(*this)),
       m_flows([this](const std::exception& failure) { setError(screenText(failure.what())); }) {}
 

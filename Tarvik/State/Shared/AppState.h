@@ -11,6 +11,7 @@
 #include "State/Lists/FilePath.h"
 #include "State/Lists/RecordListModel.h"
 #include "State/Shared/DriveRow.h"
+#include "State/Shared/KeptApplications.h"
 #include "State/Shared/TabState.h"
 #include "State/Shared/UnderWay.h"
 #include "State/Threads/TaskGroup.h"
@@ -92,6 +93,9 @@ class AppState : public QObject {
     Q_PROPERTY(QString fullDiskAccessText READ fullDiskAccessText CONSTANT)
     Q_PROPERTY(QString fullDiskAccessPage READ fullDiskAccessPage CONSTANT)
 
+    /// What a Mac's App Management has kept from being moved.
+    Q_PROPERTY(tarvik::KeptApplications* keptApplications READ keptApplications CONSTANT)
+
     /// The message lines; empty when there is nothing to tell. A text stands until another one is set or it is cleared.
     Q_PROPERTY(QString lastError READ lastError NOTIFY lastErrorChanged)
     Q_PROPERTY(QString lastInfo READ lastInfo NOTIFY lastInfoChanged)
@@ -145,6 +149,7 @@ public:
     bool missesFullDiskAccess() const { return m_missesFullDiskAccess; }
     QString fullDiskAccessText() const;
     QString fullDiskAccessPage() const;
+    KeptApplications* keptApplications() { return &m_keptApplications; }
     QString lastError() const { return m_lastError; }
     QString lastInfo() const { return m_lastInfo; }
 
@@ -241,6 +246,7 @@ private:
     void updateJob(std::size_t index, JobRow row);
     /// Those of `jobs` that are done or have failed.
     std::vector<MoveJob> endedJobs() const;
+    std::vector<KeptApplications::Failed> failedJobs() const;
 
     void beginRestore(RestoreRun restore);
     void beginRestoreOf(std::size_t item);
@@ -280,6 +286,7 @@ private:
     TimeLeft m_timeLeftEstimate;
     QString m_timeLeft;
     bool m_missesFullDiskAccess = false;
+    KeptApplications m_keptApplications;
     QString m_lastError;
     QString m_lastInfo;
 

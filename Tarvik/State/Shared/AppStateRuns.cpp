@@ -80,6 +80,7 @@ void AppState::finishRun() {
     forgetTimeLeft();
     setRunning(false);
     for (const auto& each : m_tabs) each->runEnded();
+    m_keptApplications.add(failedJobs());
     lookAgain();
 }
 
@@ -95,6 +96,14 @@ std::vector<MoveJob> AppState::endedJobs() const {
     for (const JobRow& row : jobs())
         if (row.job.status.isFinal()) ended.push_back(row.job);
     return ended;
+}
+
+std::vector<KeptApplications::Failed> AppState::failedJobs() const {
+    std::vector<KeptApplications::Failed> found;
+    for (const JobRow& row : jobs())
+        if (const auto* failed = row.job.status.get<JobStatus::Failed>())
+            found.push_back({row.job.source, failed->description});
+    return found;
 }
 
 QString AppState::jobsSummary() const {
@@ -170,17 +179,18 @@ QCoro::Task<> AppState::restoreLink(fs::path link) {
     const auto restore = [host = m_host, wayBack, progress] {
         WayBack::run(host, wayBack, [&](std::int64_t copied, std::int64_t total) { progress.send({copied, total}); });
     };
-    QString failure;
+    std::string failure;
     try {
         co_await inBackground(Priority::userInitiated, restore);
     } catch (const std::exception& thrown) {
-        failure = screenText(thrown.what());
+        failure = thrown.what();
     }
-    if (failure.isEmpty()) {
+    if (failure.empty()) {
         endRestore(screenText(WayBack::restored(wayBack.link)), false);
         lookAgain();
     } else {
-        endRestore(failure, true);
+        endRestore(screenText(failure), true);
+        m_keptApplications.add({{wayBack.target, failure}});
         // It may have failed at any step: what is at the old path now is seen only there.
         if (!m_isClosing) follow(checkLinks());
     }
@@ -205,13 +215,17 @@ QCoro::Task<> AppState::restoreAll(AppRestore::Plan plan) {
             [&](std::size_t index, const ByteProgress& newest) { progress[index].send(newest); }, stop);
     };
     MoveRun::Summary summary;
+    std::vector<KeptApplications::Failed> failed;
     try {
         const std::vector<AppRestore::Result> results = co_await inBackground(Priority::userInitiated, restore);
         summary = AppRestore::summary(plan, results);
+        for (std::size_t index = 0; index < results.size(); ++index)
+            if (results[index]) failed.push_back({plan.waysBack[index].target, *results[index]});
     } catch (const std::exception& thrown) {
         summary = {true, thrown.what()};
     }
     endRestore(screenText(summary.text), summary.hasFailures);
+    m_keptApplications.add(std::move(failed));
     lookAgain();
 }
 

@@ -7,24 +7,15 @@ namespace tarvik {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 // A file's size has 32 bits there.
 constexpr std::int64_t largestOnFat = 0xFFFFFFFF;
 
-// Columns as declared: links, permissions, exchange, folding, written to by a Mac, times, largest file. Sources: the
-// formats' own descriptions and the manual pages rename(2) and mount(8) of Linux.
+// Columns as declared: links, permissions, largest file. Sources: the formats' own descriptions and mount(8) of Linux.
 constexpr FileSystemAbilities abilities[] = {
-    {"APFS", true, true, true, true, true, 1ns, std::nullopt},
-    {"HFS+", true, true, false, true, true, 1s, std::nullopt},
-    {"exFAT", false, false, false, true, true, 10ms, std::nullopt},
-    {"FAT32", false, false, false, true, true, 2s, largestOnFat},
-    {"FAT", false, false, false, true, true, 2s, largestOnFat},
-    {"NTFS", true, true, false, false, false, 100ns, std::nullopt},
-    {"ext4", true, true, true, false, false, 1ns, std::nullopt},
-    {"Btrfs", true, true, true, false, false, 1ns, std::nullopt},
-    {"XFS", true, true, true, false, false, 1ns, std::nullopt},
-    {"F2FS", true, true, true, false, false, 1ns, std::nullopt},
+    {"APFS", true, true, std::nullopt},    {"HFS+", true, true, std::nullopt},  {"exFAT", false, false, std::nullopt},
+    {"FAT32", false, false, largestOnFat}, {"FAT", false, false, largestOnFat}, {"NTFS", true, true, std::nullopt},
+    {"ext4", true, true, std::nullopt},    {"Btrfs", true, true, std::nullopt}, {"XFS", true, true, std::nullopt},
+    {"F2FS", true, true, std::nullopt},
 };
 
 }  // namespace

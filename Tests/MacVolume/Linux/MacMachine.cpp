@@ -11,17 +11,16 @@
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Support/Tree.h"
-#include "Support/World.h"
 
 #include <fmt/format.h>
 
 #include <cerrno>
 #include <fcntl.h>
 #include <functional>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <system_error>
 
 namespace tarvik::test {
@@ -36,17 +35,18 @@ fs::path newFolder(const fs::path& folder) {
     return folder;
 }
 
-/// The machine's volumes with the formats of its two drives, which a machine in a folder does not tell.
+/// The machine's volumes with their formats, which a machine in a folder does not tell.
 class FormattedVolumes final : public VolumeList {
 public:
-    FormattedVolumes(std::shared_ptr<const VolumeList> volumes, std::map<fs::path, std::string> formats)
-        : m_volumes(std::move(volumes)), m_formats(std::move(formats)) {}
+    explicit FormattedVolumes(std::shared_ptr<const VolumeList> volumes) : m_volumes(std::move(volumes)) {}
 
     std::vector<Volume> mounted() const override {
         auto volumes = m_volumes->mounted();
-        for (Volume& volume : volumes)
-            if (const auto format = m_formats.find(volume.mountPath); format != m_formats.end())
-                volume.formatDescription = format->second;
+        for (Volume& volume : volumes) {
+            char format[16];
+            const ssize_t length = ::getxattr(volume.mountPath.c_str(), MacAttribute::format, format, sizeof format);
+            if (length > 0) volume.formatDescription = std::string(format, static_cast<std::size_t>(length));
+        }
         return volumes;
     }
     std::optional<std::int64_t> availableBytes(const fs::path& path) const override {
@@ -55,17 +55,18 @@ public:
 
 private:
     std::shared_ptr<const VolumeList> m_volumes;
-    std::map<fs::path, std::string> m_formats;
 };
 
 /// Runs the jobs. @returns the failures, a line each; "moved" without any.
-std::string outcomeOf(const Host& host, const std::vector<MoveJob>& jobs, const DriveInfo& drive) {
+std::string outcomeOf(const MacMachine& machine, const std::vector<MoveJob>& jobs, const DriveInfo& drive) {
     std::string failures;
     const auto status = [&](std::size_t, const JobStatus& reached) {
+        EXPECT_EQ(machine.sleepBlocker->holds, 1) << "the machine may fall asleep";
         const auto* failed = reached.get<JobStatus::Failed>();
         if (failed) failures += (failures.empty() ? "" : "\n") + failed->description;
     };
-    MoveRun::run(host, jobs, drive.mountPath, false, status, {});
+    MoveRun::run(machine.host, jobs, drive.mountPath, false, status, {});
+    EXPECT_EQ(machine.sleepBlocker->holds, 0) << "the machine is kept awake for ever";
     return failures.empty() ? "moved" : failures;
 }
 
@@ -76,10 +77,12 @@ MacMachine::MacMachine(const Practice::Options& options)
       disk(machine.root, {Habit::foldsNames, Habit::decomposesNames}),
       extended(newFolder(folder / "extended"), at("Volumes/Extended"),
                {Habit::foldsNames, Habit::decomposesNames, Habit::exchangesNoNames}),
-      exFat(newFolder(folder / "exfat"), at("Volumes/Card"), {Habit::foldsNames, Habit::isExFat}),
+      exFat(newFolder(folder / "exfat"), at("Volumes/Card"),
+            {Habit::foldsNames, Habit::isExFat, Habit::tellsOneCapacity}),
+      sleepBlocker(std::make_shared<MadeSleepBlocker>()),
       host(Host::rootedAt(machine.root, machine.home)) {
-    host.volumes = std::make_shared<FormattedVolumes>(
-        host.volumes, std::map<fs::path, std::string>{{extended.path(), "HFS+"}, {exFat.path(), "exFAT"}});
+    host.volumes = std::make_shared<FormattedVolumes>(host.volumes);
+    host.sleepBlocker = sleepBlocker;
     setMacFlags(at("Applications"), MacFlag::noUnlink);
 }
 
@@ -97,7 +100,7 @@ void MacMachine::letDiskTellNamesApart() {
 std::string MacMachine::moveFolder(const fs::path& source, const MacVolume& drive) const {
     try {
         const DriveInfo target = driveInfo(drive);
-        return outcomeOf(host, {FolderMove::plan(host, source, target)}, target);
+        return outcomeOf(*this, {FolderMove::plan(host, source, target)}, target);
     } catch (const Failure& failure) {
         return failure.description();
     }
@@ -107,7 +110,7 @@ std::string MacMachine::moveApp(const fs::path& bundle, const MacVolume& drive) 
     try {
         const DriveInfo target = driveInfo(drive);
         const auto entry = AppScanner::computeSizes(host, AppScanner::metadataEntry(host, bundle).value());
-        return outcomeOf(host, AppMove::propose(host, {entry}, target, true).jobs, target);
+        return outcomeOf(*this, AppMove::propose(host, {entry}, target, true).jobs, target);
     } catch (const Failure& failure) {
         return failure.description();
     }
@@ -115,7 +118,10 @@ std::string MacMachine::moveApp(const fs::path& bundle, const MacVolume& drive) 
 
 std::string MacMachine::moveBack(const fs::path& link) const {
     try {
-        WayBack::run(host, WayBack::plan(host, link), {});
+        bool isAwake = false;  // The end of a copy is told in any case.
+        WayBack::run(host, WayBack::plan(host, link),
+                     [&](std::int64_t, std::int64_t) { isAwake = sleepBlocker->holds == 1; });
+        EXPECT_TRUE(isAwake && sleepBlocker->holds == 0);
         return "back";
     } catch (const Failure& failure) {
         return failure.description();

@@ -6,9 +6,11 @@
 #include "Practice/PracticeMachine.h"
 #include "Support/MacVolume.h"
 #include "Support/TemporaryFolder.h"
+#include "Support/World.h"
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,8 +18,8 @@
 namespace tarvik::test {
 
 /// A practice machine as a Mac would show it: its disk folds names and lists them decomposed, its Applications folder
-/// bears the flag that a Mac's does. It has two more drives, one like its disk and one with exFAT's habits,
-/// whose formats the host tells.
+/// bears the flag that a Mac's does. It has two more drives, one like its disk and one with exFAT's habits. The host
+/// tells their formats, and notes how long it is kept awake: every move and way back below expects that of it.
 struct MacMachine {
     explicit MacMachine(const Practice::Options& options);
 
@@ -41,6 +43,7 @@ struct MacMachine {
     MacVolume disk;
     MacVolume extended;
     MacVolume exFat;
+    std::shared_ptr<MadeSleepBlocker> sleepBlocker;
     Host host;
 };
 

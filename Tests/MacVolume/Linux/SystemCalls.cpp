@@ -3,6 +3,7 @@
 #include "Platform/Files/SystemCalls.h"
 
 #include "Platform/Files/AccessList.h"
+#include "Platform/Files/AppleDouble.h"
 #include "Platform/Files/FileDescriptor.h"
 #include "Support/MacAttributes.h"
 
@@ -17,6 +18,7 @@
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <vector>
+#include <unistd.h>
 
 namespace tarvik::SystemCalls {
 
@@ -53,6 +55,20 @@ bool isOnAnotherVolume(int folderHandle, const char* name) {
 
 }  // namespace
 
+/// As F_FULLFSYNC of fcntl(2) on a Mac; what is no `MacVolume` is flushed as Linux does it.
+int flushFile(int handle) {
+    if (::fsync(handle) != 0) return errno;
+    ::fsetxattr(handle, test::MacAttribute::flushFile, "1", 1, 0);
+    return 0;
+}
+
+int flushVolume(const fs::path& path) {
+    const FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!item || ::syncfs(item.get()) != 0) return errno;
+    ::fsetxattr(item.get(), test::MacAttribute::flushVolume, "1", 1, 0);
+    return 0;
+}
+
 int readGuard(int folderHandle, const char* name, ItemGuard& guard) {
     struct stat status {};
     if (::fstatat(folderHandle, name, &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
@@ -86,3 +102,8 @@ std::vector<Denial> denialsAt(const fs::path& item) {
 }
 
 }  // namespace tarvik::AccessList
+
+bool tarvik::AppleDouble::areKeptAt(const fs::path& path) {
+    char answer = '0';
+    return ::getxattr(path.c_str(), test::MacAttribute::keepsAppleDouble, &answer, 1) == 1 && answer == '1';
+}

@@ -34,6 +34,8 @@ Result verified(const Answers& answers, std::chrono::duration<double> limit = st
     return CodesignVerifier::verify(world.host, "/Editor.app", limit);
 }
 
+// The words of `stapler validate` are those of sessions that developers have published. stapler(1) says of them only
+// that its exit status is 0 or one of sysexits(3): 65 is EX_DATAERR.
 TEST(CodesignVerifier, ASignedAndNotarizedBundlePasses) {
     const Result result = verified({.verify = "echo ' valid on disk'; echo 'satisfies its requirement ' >&2",
                                     .ticket = "echo 'Processing: /Editor.app'; echo 'The validate action worked!'"});

@@ -11,6 +11,9 @@ namespace {
 using APFSSnapshotService::timestamp;
 using Instant = std::chrono::system_clock::time_point;
 
+// tmutil(8) names the verbs and no form of their answers. These are the ones of sessions on macOS 11 that
+// administrators have published: "Created local snapshot with date: " with the local time, and names with that time in
+// them.
 constexpr Instant autumn{std::chrono::seconds(test::madeNow)};
 
 class APFSSnapshots : public testing::Test {

@@ -12,24 +12,14 @@ namespace tarvik::test {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 const char* yesOrNo(bool answer) {
     return answer ? "yes" : "no";
 }
 
-std::string step(std::chrono::nanoseconds time) {
-    if (time >= 1s) return fmt::format("{} s", time / 1s);
-    if (time >= 1ms) return fmt::format("{} ms", time / 1ms);
-    return fmt::format("{} ns", time / 1ns);
-}
-
 /// The format's line in the table that users read.
 std::string lineOf(const FileSystemAbilities& each) {
-    return fmt::format("| {} | {} | {} | {} | {} | {} | {} | {} |\n", each.format, yesOrNo(each.links),
-                       yesOrNo(each.permissions), yesOrNo(each.exchange), each.foldsCase ? "one name" : "two names",
-                       step(each.timeStep), each.largestFile ? SizeCalculator::format(*each.largestFile) : "any",
-                       yesOrNo(each.isWritableOnMac));
+    return fmt::format("| {} | {} | {} | {} |\n", each.format, yesOrNo(each.links), yesOrNo(each.permissions),
+                       each.largestFile ? SizeCalculator::format(*each.largestFile) : "any");
 }
 
 }  // namespace

@@ -29,8 +29,9 @@ namespace {
 using Habit = MacVolume::Habit;
 
 /// As the program calls them, in the order of the habits.
-constexpr std::array<std::string_view, 7> habitNames = {
-    "folds-names", "decomposes-names", "exchanges-no-names", "exfat", "guards-signed-bundles", "has-no-room", "hangs"};
+constexpr std::array<std::string_view, 8> habitNames = {
+    "folds-names",           "decomposes-names", "exchanges-no-names", "exfat",
+    "guards-signed-bundles", "has-no-room",      "tells-one-capacity", "hangs"};
 
 std::string nameOf(Habit habit) {
     return std::string(habitNames[static_cast<std::size_t>(habit)]);
@@ -120,6 +121,18 @@ void MacVolume::set(Habit habit, bool isOn) {
         throw std::runtime_error("the volume does not obey");
 }
 
+std::vector<std::string> MacVolume::journal() const {
+    constexpr std::string_view order = "journal\n";
+    if (::write(m_program->orders.get(), order.data(), order.size()) != static_cast<ssize_t>(order.size()))
+        throw std::runtime_error("the volume does not obey");
+    std::vector<std::string> lines;
+    for (std::string line = lineFrom(m_program->answers); line != "ok"; line = lineFrom(m_program->answers)) {
+        if (line.empty()) throw std::runtime_error("the volume has ended");
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
 std::optional<std::string> MacVolume::unavailableReason() {
     if (auto reason = RealVolume::unavailableReason(RealVolume::Kind::memory)) return reason;
     if (::access("/dev/fuse", R_OK | W_OK) != 0)
@@ -142,6 +155,10 @@ void denyDeleteInside(const fs::path& folder, bool isDenied) {
 
 void keepPrivate(const fs::path& folder, bool isPrivate) {
     setSwitch(folder, MacAttribute::isPrivate, isPrivate);
+}
+
+void breakListing(const fs::path& folder, bool isBroken) {
+    setSwitch(folder, MacAttribute::breaksListing, isBroken);
 }
 
 }  // namespace tarvik::test

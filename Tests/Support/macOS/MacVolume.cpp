@@ -28,6 +28,11 @@ void MacVolume::set(Habit, bool) {
     failWithoutNeed();
 }
 
+std::vector<std::string> MacVolume::journal() const {
+    failWithoutNeed();
+    return {};
+}
+
 std::optional<std::string> MacVolume::unavailableReason() {
     return "A Mac's own volumes have these habits.";
 }
@@ -45,6 +50,10 @@ void denyDeleteInside(const fs::path&, bool) {
 }
 
 void keepPrivate(const fs::path&, bool) {
+    failWithoutNeed();
+}
+
+void breakListing(const fs::path&, bool) {
     failWithoutNeed();
 }
 

@@ -46,7 +46,7 @@ TEST_P(FullDiskAccessNotice, StandsAboveTheListOfEveryTab) {
 
 TEST_P(FullDiskAccessNotice, LeadsToTheSettings) {
     auto& window = open(GetParam());
-    window.click("openFullDiskAccessButton");
+    window.click("fullDiskAccessNotice/openSettingsButton");
     EXPECT_EQ(window.desktop().openedPages,
               std::vector<QString>{"x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles"});
 }
@@ -64,7 +64,7 @@ TEST_P(FullDiskAccessNotice, GoesWhenItHasBeenGiven) {
 
 TEST_P(FullDiskAccessNotice, StaysAwayOnceItIsSentAway) {
     auto& window = open(GetParam());
-    window.click("sendFullDiskAccessNoticeAwayButton");
+    window.click("fullDiskAccessNotice/sendNoticeAwayButton");
     EXPECT_TRUE(window.waitUntilHidden("fullDiskAccessNotice"));
     comeBack();
     window.click("refreshAllButton");

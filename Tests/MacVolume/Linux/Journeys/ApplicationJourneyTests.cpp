@@ -2,10 +2,13 @@
 #include "Discovery/SymlinkScanner.h"
 #include "MacMachine.h"
 #include "Platform/Files/Files.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace tarvik::test {
 
@@ -57,6 +60,21 @@ TEST_F(MacApplication, ThatTheSystemKeepsStaysUntouched) {
     const std::string before = pictureOf(app);
     EXPECT_THAT(mac->moveApp(app, mac->extended), HasSubstr("Full House.app can't be moved: "));
     EXPECT_EQ(pictureOf(app), before);
+    EXPECT_FALSE(Files::itemExists(moved));
+}
+
+TEST_F(MacApplication, ThatAnInstallerHasPutThereIsToldHowToBeMadeOnesOwn) {
+    if (::geteuid() != 0) GTEST_SKIP() << "Only the administrator can make what belongs to the administrator.";
+    std::string sentence;
+    fs::permissions(mac->at("Applications"), fs::perms::all);  // As the users of a Mac may change that folder.
+    {
+        const OrdinaryUser user(mac->folder.path());
+        sentence = mac->moveApp(app, mac->extended);
+    }
+    EXPECT_THAT(sentence, HasSubstr("Full House.app can't be moved: "));
+    EXPECT_THAT(sentence, HasSubstr("belongs to the administrator"));
+    EXPECT_THAT(sentence, HasSubstr("Make it yours with: sudo chown"));
+    EXPECT_FALSE(Files::isSymbolicLink(app));
     EXPECT_FALSE(Files::itemExists(moved));
 }
 

@@ -1,8 +1,10 @@
 // Attributes on exFAT, which keeps them in files that stand beside their items.
+#include "Backups/BackupPlan.h"
 #include "MacMachine.h"
 #include "Platform/Files/Files.h"
 #include "Support/Tree.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -13,17 +15,39 @@ namespace tarvik::test {
 
 namespace {
 
-class CompanionFiles : public OnMacVolumes {
+/// What becomes of such a file where the copy goes to a volume with a place for attributes: ditto(1) says that it
+/// stores attributes in such files where there is none, and nothing of what it does with files that it finds.
+enum class Tool { leavesThemOut, copiesThemToo };
+
+class CompanionFiles : public OnMacVolumes, public testing::WithParamInterface<Tool> {
 protected:
     void SetUp() override {
         OnMacVolumes::SetUp();
         if (!mac) return;
+        if (GetParam() == Tool::leavesThemOut) leaveThemOut();
         photos = mac->atHome("Photos");
         makeFile(photos / "2025/lake.raw", "water");
         makeFile(photos / "plain.txt", "text");
         tag(photos / "2025/lake.raw", "blue");
         makeOld(photos);
         onCard = mac->exFat / "ExternalTarvik/Folders/Photos";
+    }
+
+    /// The tool of this build copies attributes, and such files as any others.
+    void leaveThemOut() {
+        const fs::path tool = mac->folder / "ditto";
+        makeFile(tool, fmt::format(R"(#!/bin/sh
+'{}' "$@" || exit
+for copy; do :; done
+case $copy in '{}'/*) exit ;; esac
+find "$copy" -name '._*' | while read -r file; do
+    item=${{file%/*}}/${{file##*/._}}
+    [ ! -e "$item" ] || rm "$file"
+done
+)",
+                                   mac->host.tools.ditto.native(), mac->exFat.path().native()));
+        fs::permissions(tool, fs::perms::all);
+        mac->host.tools.ditto = tool;
     }
 
     static void tag(const fs::path& item, const std::string& color) {
@@ -39,9 +63,14 @@ protected:
     fs::path photos, onCard;
 };
 
+INSTANTIATE_TEST_SUITE_P(Tools, CompanionFiles, testing::Values(Tool::leavesThemOut, Tool::copiesThemToo),
+                         [](const auto& parameter) {
+                             return parameter.param == Tool::leavesThemOut ? "LeavesThemOut" : "CopiesThemToo";
+                         });
+
 }  // namespace
 
-TEST_F(CompanionFiles, CountForNothingOnTheWayThereAndBack) {
+TEST_P(CompanionFiles, CountForNothingOnTheWayThereAndBack) {
     ASSERT_EQ(mac->moveFolder(photos, mac->exFat), "moved");
     EXPECT_TRUE(Files::itemExists(onCard / "2025/._lake.raw"));
     makeOld(onCard);
@@ -52,7 +81,7 @@ TEST_F(CompanionFiles, CountForNothingOnTheWayThereAndBack) {
     EXPECT_FALSE(Files::itemExists(onCard));
 }
 
-TEST_F(CompanionFiles, ThatComeWhileTheFolderIsOnTheDriveComeBackAsAttributes) {
+TEST_P(CompanionFiles, ThatComeWhileTheFolderIsOnTheDriveComeBackAsAttributes) {
     ASSERT_EQ(mac->moveFolder(photos, mac->exFat), "moved");
     tag(photos / "plain.txt", "red");
     tag(photos / "2025/.", "green");
@@ -63,7 +92,7 @@ TEST_F(CompanionFiles, ThatComeWhileTheFolderIsOnTheDriveComeBackAsAttributes) {
     EXPECT_EQ(tagOf(photos / "2025"), "green");
 }
 
-TEST_F(CompanionFiles, ThatBelongToNoItemAreItems) {
+TEST_P(CompanionFiles, ThatBelongToNoItemAreItems) {
     ASSERT_EQ(mac->moveFolder(photos, mac->exFat), "moved");
     makeFile(onCard / "._lonely", "precious");
     makeOld(onCard);
@@ -71,7 +100,15 @@ TEST_F(CompanionFiles, ThatBelongToNoItemAreItems) {
     EXPECT_EQ(contentOf(photos / "._lonely"), "precious");
 }
 
-TEST_F(CompanionFiles, AreNoObstacleToARemoval) {
+TEST_P(CompanionFiles, AreCountedInNoBackup) {
+    const auto plan = BackupPlan::plan(mac->host, {photos}, mac->driveInfo(mac->exFat));
+    const auto onExFat = BackupPlan::run(mac->host, plan, {});
+    EXPECT_TRUE(Files::itemExists(onExFat.rootPath / "Photos/2025/._lake.raw"));
+    EXPECT_EQ(onExFat.sourceFileCount, 2);
+    EXPECT_EQ(onExFat.backupFileCount, 2);
+}
+
+TEST_P(CompanionFiles, AreNoObstacleToARemoval) {
     const fs::path folder = mac->exFat / "Old";
     makeFile(folder / "a", "1");
     makeFile(folder / "b", "2");

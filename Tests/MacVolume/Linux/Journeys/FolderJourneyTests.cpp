@@ -128,6 +128,23 @@ TEST_F(FolderJourney, IsNotHeldUpByADriveThatTellsOfNoRoom) {
     EXPECT_TRUE(leadsTo(music, moved));
 }
 
+TEST_F(FolderJourney, IsNotHeldUpByADriveThatTellsOneOfTwoCapacities) {
+    mac->extended.set(MacVolume::Habit::tellsOneCapacity, true);
+    EXPECT_EQ(mac->moveFolder(music, mac->extended), "moved");
+    EXPECT_EQ(mac->moveBack(music), "back");
+    const auto away = mac->run({"move", "folder", music, "--drive", "Extended", "--yes"});
+    EXPECT_EQ(away.status, 0) << away.errors;
+    EXPECT_TRUE(leadsTo(music, moved));
+}
+
+TEST_F(FolderJourney, EndsBeforeItBeginsWhereBothCapacitiesAreUsedUp) {
+    mac->extended.set(MacVolume::Habit::hasNoRoom, true);
+    const auto away = mac->run({"move", "folder", music, "--drive", "Extended", "--yes"});
+    EXPECT_EQ(away.status, 1);
+    EXPECT_THAT(away.errors, HasSubstr("Extended has Zero KB"));
+    EXPECT_FALSE(Files::isSymbolicLink(music));
+}
+
 TEST_F(FolderJourney, FromAVolumeThatExchangesNoNamesTakesMoreSteps) {
     const fs::path photos = mac->extended / "Photos";
     makeFile(photos / "lake.raw", "water");

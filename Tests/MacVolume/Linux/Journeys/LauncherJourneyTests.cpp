@@ -66,6 +66,26 @@ TEST_F(MacLaunchers, AreMadeForNamesInAnyNormalForm) {
     EXPECT_FALSE(Files::itemExists(mac->at("Applications/Op\u00E9ra.app")));
 }
 
+TEST_F(MacLaunchers, TakeTheDocumentsOfTheirApplications) {
+    using Dictionary = PropertyList::Dictionary;
+    using List = PropertyList::List;
+    const fs::path writer = suite / "\u00C9crivain.app";
+    makeBundle(writer, {{"CFBundleIdentifier", "org.example.writer"},
+                        {"CFBundleExecutable", "write"},
+                        {"CFBundleDocumentTypes", List{Dictionary{{"CFBundleTypeExtensions", List{"letter"}}}}}});
+    makeFile(writer / "Contents/MacOS/write", "#!/bin/sh\nprintf '%s|' \"$@\"\n");
+    fs::permissions(writer / "Contents/MacOS/write", fs::perms::all);
+    ASSERT_EQ(mac->moveFolder(suite, mac->extended), "moved");
+
+    const fs::path launcher = mac->at("Applications/\u00C9crivain.app/Contents");
+    const auto list = PropertyList::dictionaryAt(launcher / "Info.plist");
+    EXPECT_NE(list.find("CFBundleDocumentTypes"), nullptr);
+    const auto programs = Files::names(launcher / "MacOS");
+    ASSERT_EQ(programs.size(), 1U);
+    const std::string letter = mac->atHome("Lettre d'\u00E9t\u00E9.letter");
+    EXPECT_EQ(runProgram(launcher / "MacOS" / programs.front(), {letter}).output, letter + "|");
+}
+
 TEST_F(MacLaunchers, AreRepairedByTheCommand) {
     ASSERT_EQ(conditionOf(mac->at("Applications/Inside.app")), LauncherEntry::Condition::missing);
     EXPECT_THAT(mac->run({"launchers", "--repair", "--yes"}).output, HasSubstr("repaired 1 Spotlight launcher"));

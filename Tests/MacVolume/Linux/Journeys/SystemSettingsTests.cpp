@@ -1,10 +1,14 @@
 // What a Mac keeps from programs until the user allows it in the settings is told in their words.
 #include "MacMachine.h"
+#include "MovePlan/AppManagement.h"
 #include "Platform/Files/Files.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace tarvik::test {
 
@@ -39,6 +43,19 @@ TEST_F(SystemSettings, KeepAnApplicationOfAnotherMakerAsItIs) {
     mac->disk.set(MacVolume::Habit::guardsSignedBundles, false);
     EXPECT_EQ(mac->moveApp(app, mac->extended), "moved");
     EXPECT_EQ(pictureOf(moved), before);
+}
+
+TEST_F(SystemSettings, KeepAnApplicationWhoseListNobodyMayWrite) {
+    if (::geteuid() != 0) GTEST_SKIP() << "Only the administrator can give items to another user.";
+    constexpr uid_t nobody = 65534;
+    for (const auto* name : {"", "Contents", "Contents/Info.plist"})
+        ASSERT_EQ(::chown((app / name).c_str(), nobody, nobody), 0);
+    fs::permissions(app / "Contents/Info.plist", fs::perms::owner_read);
+    mac->disk.set(MacVolume::Habit::guardsSignedBundles, true);
+    const OrdinaryUser user(mac->folder.path());
+    EXPECT_THAT(AppManagement::refusalOf(app), testing::Optional(HasSubstr("App Management")));
+    mac->disk.set(MacVolume::Habit::guardsSignedBundles, false);
+    EXPECT_EQ(AppManagement::refusalOf(app), std::nullopt);
 }
 
 TEST_F(SystemSettings, KeepAnApplicationOfAnotherMakerOnItsDrive) {

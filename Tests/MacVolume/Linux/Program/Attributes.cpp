@@ -20,13 +20,22 @@ struct MarkSwitch {
 };
 constexpr MarkSwitch markSwitches[] = {{test::MacAttribute::denyDelete, &Marks::deniesDelete},
                                        {test::MacAttribute::denyDeleteInside, &Marks::deniesDeleteInside},
-                                       {test::MacAttribute::isPrivate, &Marks::isPrivate}};
+                                       {test::MacAttribute::isPrivate, &Marks::isPrivate},
+                                       {test::MacAttribute::breaksListing, &Marks::breaksListing}};
 
 /// The attribute's text when it is one of a mark.
 std::optional<std::string> markText(const Marks& marks, std::string_view name) {
     if (name == test::MacAttribute::flags) return fmt::format("{:x}", marks.flags);
     for (const MarkSwitch& each : markSwitches)
         if (name == each.attribute) return marks.*each.isOn ? "1" : "0";
+    return std::nullopt;
+}
+
+/// The attribute's text when it tells of the whole volume.
+std::optional<std::string> volumeText(const Volume& volume, std::string_view name) {
+    if (name == test::MacAttribute::format) return std::string(volume.format());
+    if (name == test::MacAttribute::keepsAppleDouble) return volume.has(Habit::isExFat) ? "1" : "0";
+    if (name == test::MacAttribute::importantCapacity) return std::to_string(volume.importantCapacity());
     return std::nullopt;
 }
 
@@ -74,6 +83,7 @@ void requireNew(bool isThere, int flags) {
 
 std::string read(const Volume& volume, const std::string& place, const std::string& name) {
     if (auto text = markText(volume.marksAt(place), name)) return std::move(*text);
+    if (auto text = volumeText(volume, name)) return std::move(*text);
     if (isOfLinux(name)) refuse(name.starts_with("security.") ? ENODATA : ENOTSUP);
     if (volume.has(Habit::isExFat)) {
         auto attributes = AppleDouble::read(volume.backing(), place);
@@ -87,6 +97,8 @@ std::string read(const Volume& volume, const std::string& place, const std::stri
 
 void write(Volume& volume, const std::string& place, const std::string& name, std::string_view value, int flags) {
     if (Marks marks = volume.marksAt(place); setsMark(marks, name, value)) return volume.mark(place, marks);
+    if (name == test::MacAttribute::flushFile) return volume.journal().note("flush " + place);
+    if (name == test::MacAttribute::flushVolume) return volume.journal().note("flush everything");
     if (isOfLinux(name)) refuse(ENOTSUP);
     volume.requireChange(place);
     if (volume.has(Habit::isExFat)) {

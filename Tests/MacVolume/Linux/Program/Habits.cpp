@@ -8,8 +8,9 @@ namespace tarvik::macvolume {
 namespace {
 
 /// In the order of the habits.
-constexpr std::array<std::string_view, 7> habitNames = {
-    "folds-names", "decomposes-names", "exchanges-no-names", "exfat", "guards-signed-bundles", "has-no-room", "hangs"};
+constexpr std::array<std::string_view, 8> habitNames = {
+    "folds-names",           "decomposes-names", "exchanges-no-names", "exfat",
+    "guards-signed-bundles", "has-no-room",      "tells-one-capacity", "hangs"};
 
 std::size_t indexOf(Habit habit) {
     return static_cast<std::size_t>(habit);

@@ -17,6 +17,7 @@ enum class Habit {
     isExFat,              ///< no links, no permissions, no flags of a rename, times of two seconds, "._" files
     guardsSignedBundles,  ///< nobody changes what is in the signed bundles that stood there when this was switched on
     hasNoRoom,            ///< tells that no byte is available
+    tellsOneCapacity,     ///< tells 0 for the one for important usage, as exFAT and network volumes do
     hangs,                ///< no call is answered until this is switched off
 };
 
@@ -32,7 +33,7 @@ public:
     static std::optional<Habit> named(std::string_view name);
 
 private:
-    static constexpr std::size_t count = 7;
+    static constexpr std::size_t count = 8;
 
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;

@@ -3,8 +3,9 @@
 //     mac-volume FOLDER MOUNT-POINT [HABIT...]
 //
 // Both may be one folder, which then lies behind what it shows. It writes "ready" when the volume is mounted. After
-// that it takes lines "HABIT on" and "HABIT off" and answers each with "ok", or with "?". It ends when its input does,
-// or when the volume is unmounted.
+// that it takes lines "HABIT on" and "HABIT off" and answers each with "ok", or with "?"; to "journal" it answers with
+// what was done on the volume, a line each, before the "ok". It ends when its input does, or when the volume is
+// unmounted.
 //
 // What differs from a Mac: names that differ in case are two files for the kernel. So a folder that is open by one of
 // them has locks of its own, and is lost when it is renamed by the other one; and what is mounted in the volume is
@@ -44,6 +45,11 @@ bool set(Volume& volume, const std::string& name, bool isOn) {
 /// Takes orders until there will be none any more: whoever wanted the volume has ended.
 void obey(Volume& volume) {
     for (std::string line; std::getline(std::cin, line);) {
+        if (line == "journal") {
+            for (const std::string& done : volume.journal().lines()) std::cout << done << '\n';
+            std::cout << "ok" << std::endl;
+            continue;
+        }
         const auto space = line.find(' ');
         const std::string order = space == std::string::npos ? "" : line.substr(space + 1);
         const bool isOrder = order == "on" || order == "off";

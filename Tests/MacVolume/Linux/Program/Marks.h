@@ -17,6 +17,8 @@ struct Marks {
     bool deniesDeleteInside = false;
     /// A folder that privacy keeps from programs.
     bool isPrivate = false;
+    /// A folder whose listing ends in an error of the disk, after half of its names.
+    bool breaksListing = false;
     /// A bundle that someone else has signed, which only its maker and the Finder may change.
     bool isGuardedBundle = false;
 

@@ -121,6 +121,7 @@ int unlink(const char* path) {
         volume().requireRemoval(place);
         const Leaving item(place);
         requireCall(::unlinkat(folder(), place.c_str(), 0));
+        volume().journal().note("remove " + place);
         item.hasGone();
         if (volume().has(Habit::isExFat)) AppleDouble::removeFor(volume().backing(), place);
     });
@@ -159,12 +160,18 @@ int link(const char* existing, const char* path) {
     });
 }
 
+/// `path` is null for what has been removed.
+void noteOf(const std::string& act, const char* path) {
+    if (path) volume().journal().note(act + volume().found(path));
+}
+
 void exchangeNames(const std::string& one, const std::string& other) {
     for (const std::string& place : {one, other}) {
         volume().requireRemoval(place);
         volume().requireAddition(place);
     }
     requireCall(::renameat2(folder(), one.c_str(), folder(), other.c_str(), RENAME_EXCHANGE));
+    for (const std::string& place : {one, other}) volume().journal().note("rename " + place);
 }
 
 int rename(const char* path, const char* goal, unsigned flags) {
@@ -184,6 +191,7 @@ int rename(const char* path, const char* goal, unsigned flags) {
             replaced.emplace(to);
         }
         requireCall(::renameat2(folder(), from.c_str(), folder(), to.c_str(), flags));
+        volume().journal().note("rename " + to);
         if (replaced) replaced->hasGone();
         if (volume().has(Habit::isExFat)) AppleDouble::renameFor(volume().backing(), from, to);
     });
@@ -255,8 +263,11 @@ int read(const char*, char* buffer, std::size_t size, off_t offset, fuse_file_in
     return answered([&] { return requireCall(::pread(handleOf(file), buffer, size, offset)); });
 }
 
-int write(const char*, const char* bytes, std::size_t size, off_t offset, fuse_file_info* file) {
-    return answered([&] { return requireCall(::pwrite(handleOf(file), bytes, size, offset)); });
+int write(const char* path, const char* bytes, std::size_t size, off_t offset, fuse_file_info* file) {
+    return answered([&] {
+        noteOf("write ", path);
+        return requireCall(::pwrite(handleOf(file), bytes, size, offset));
+    });
 }
 
 /// Closing tells what went wrong with the bytes, so each one is passed on.
@@ -269,8 +280,11 @@ int release(const char*, fuse_file_info* file) {
     return 0;
 }
 
-int fsync(const char*, int onlyData, fuse_file_info* file) {
-    return answered([&] { requireCall(onlyData ? ::fdatasync(handleOf(file)) : ::fsync(handleOf(file))); });
+int fsync(const char* path, int onlyData, fuse_file_info* file) {
+    return answered([&] {
+        noteOf("sync ", path);
+        requireCall(onlyData ? ::fdatasync(handleOf(file)) : ::fsync(handleOf(file)));
+    });
 }
 
 /// Two names of one file are two files for the kernel, which would keep their locks apart.
@@ -279,29 +293,31 @@ int flock(const char*, fuse_file_info* file, int operation) {
 }
 
 int statfs(const char*, struct statvfs* status) {
-    return answered([&] {
-        requireCall(::fstatvfs(folder(), status));
-        if (volume().has(Habit::hasNoRoom)) status->f_bavail = 0;
-    });
+    return answered([&] { *status = volume().capacity(); });
 }
 
 int opendir(const char* path, fuse_file_info*) {
     return answered([&] { volume().requireReadable(volume().found(path)); });
 }
 
-/// Everything at once: libfuse keeps it for as long as the folder is open.
-int readdir(const char* path, void* listing, fuse_fill_dir_t fill, off_t, fuse_file_info*, fuse_readdir_flags) {
+/// Everything at once: libfuse keeps it for as long as the folder is open. A listing that breaks off is given in two
+/// parts, and the kernel asks for the second by a place in the list, which is none of the others.
+int readdir(const char* path, void* listing, fuse_fill_dir_t fill, off_t offset, fuse_file_info*, fuse_readdir_flags) {
     return answered([&] {
         if (!path) return;  // It has been removed.
         const std::string place = volume().found(path);
         volume().requireReadable(place);
-        for (const char* name : {".", ".."}) fill(listing, name, nullptr, 0, {});
-        for (const auto& entry : volume().backing().entries(place)) {
+        if (offset != 0) refuse(EIO);
+        auto entries = volume().backing().entries(place);
+        const off_t next = volume().marksAt(place).breaksListing ? 1 : 0;
+        if (next != 0) entries.resize(entries.size() / 2);
+        for (const char* name : {".", ".."}) fill(listing, name, nullptr, next, {});
+        for (const auto& entry : entries) {
             struct stat status {};
             status.st_ino = entry.inode;
             status.st_mode = static_cast<mode_t>(DTTOIF(entry.type));
             const std::string name = volume().has(Habit::decomposesNames) ? Names::decomposed(entry.name) : entry.name;
-            fill(listing, name.c_str(), &status, 0, {});
+            fill(listing, name.c_str(), &status, next, {});
         }
     });
 }
@@ -309,6 +325,7 @@ int readdir(const char* path, void* listing, fuse_fill_dir_t fill, off_t, fuse_f
 int fsyncdir(const char* path, int, fuse_file_info*) {
     return answered([&] {
         if (!path) return;
+        noteOf("sync ", path);
         const FileDescriptor opened(
             ::openat(folder(), volume().found(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         requireCall(opened.get());

@@ -139,4 +139,22 @@ struct stat Volume::shown(struct stat status) const {
     return status;
 }
 
+std::string_view Volume::format() const {
+    if (has(Habit::isExFat)) return "exFAT";
+    return has(Habit::exchangesNoNames) ? "HFS+" : "APFS";
+}
+
+struct statvfs Volume::capacity() const {
+    struct statvfs status {};
+    requireCall(::fstatvfs(m_backing.handle(), &status));
+    if (has(Habit::hasNoRoom)) status.f_bavail = 0;
+    return status;
+}
+
+std::uint64_t Volume::importantCapacity() const {
+    if (has(Habit::tellsOneCapacity)) return 0;
+    const auto status = capacity();
+    return static_cast<std::uint64_t>(status.f_bavail) * status.f_frsize;
+}
+
 }  // namespace tarvik::macvolume

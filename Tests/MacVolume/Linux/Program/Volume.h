@@ -2,11 +2,14 @@
 
 #include "Program/Backing.h"
 #include "Program/Habits.h"
+#include "Program/Journal.h"
 #include "Program/Marks.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 namespace tarvik::macvolume {
 
@@ -28,6 +31,9 @@ public:
     /// Where it would come to stand under the name as it is written, whatever item has that name by now.
     std::string placeAsWritten(std::string_view path) const;
 
+    /// What is done on it is noted there by whoever does it.
+    Journal& journal() { return m_journal; }
+
     Marks marksAt(const std::string& place) const;
     void mark(const std::string& place, const Marks& marks);
     /// What stood there has been removed; its number may be given to another item.
@@ -43,6 +49,12 @@ public:
     /// What a status call tells.
     struct stat shown(struct stat status) const;
 
+    std::string_view format() const;
+    /// As statvfs(3) tells it: the plain capacity is in it.
+    struct statvfs capacity() const;
+    /// In bytes: what a Mac would make room for. Here, where nothing can be cleared away, the plain one or nothing.
+    std::uint64_t importantCapacity() const;
+
 private:
     void requireChangeInside(const std::string& folder) const;
     template <typename Rule>
@@ -52,6 +64,7 @@ private:
     Backing m_backing;
     Habits m_habits;
     MarkTable m_marks;
+    Journal m_journal;
 };
 
 }  // namespace tarvik::macvolume

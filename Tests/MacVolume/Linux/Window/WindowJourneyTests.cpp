@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <sys/xattr.h>
 
 namespace tarvik::test {
 
@@ -31,6 +32,25 @@ TEST_F(MacWindow, MovesAFolderToEachDriveAndBringsItBack) {
         window.click("closeRunButton");
         ASSERT_TRUE(window.waitUntilHidden("jobsPanel"));
     }
+}
+
+TEST_F(MacWindow, BringsAttributesBackFromExFat) {
+    const fs::path photo = mac->atHome("Photos/lake.raw");
+    makeFile(photo, "water");
+    ASSERT_EQ(::setxattr(photo.c_str(), "user.color", "blue", 4, 0), 0);
+    makeOld(photo.parent_path());
+    auto& window = open();
+    move(photo.parent_path(), "Card");
+    ASSERT_TRUE(window.waitForText("job-Photos/transferStatus", "Done"));
+    EXPECT_TRUE(Files::itemExists(mac->exFat / "ExternalTarvik/Folders/Photos/._lake.raw"));
+    makeOld(mac->exFat / "ExternalTarvik/Folders/Photos");
+    window.click("job-Photos/moveBackButton");
+    window.click("alertButton-0");
+    ASSERT_TRUE(window.waitForText("restoreRow/transferStatus", "Done"));
+    char color[5] = {};
+    EXPECT_EQ(::getxattr(photo.c_str(), "user.color", color, 4), 4);
+    EXPECT_STREQ(color, "blue");
+    EXPECT_EQ(contentOf(photo), "water");
 }
 
 TEST_F(MacWindow, SaysWhatPrivacyKeepsFromBeingMoved) {

@@ -7,6 +7,8 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QLocalServer>
+#include <QLocalSocket>
 #include <QProcess>
 #include <gtest/gtest.h>
 
@@ -51,6 +53,33 @@ TEST_F(SystemDesktop, OpensTheFolderOfAnItemWhereNoFileManagerAnswers) {
     spinUntil([&] { return fs::exists(folder / "opened"); });
     EXPECT_EQ(opened(), "file://" + folder.path().native() + "/Some%20%26%20%22place%22");
     EXPECT_EQ(told, "");
+}
+
+TEST_F(SystemDesktop, WaitsForNoBusThatDoesNotAnswer) {
+    makeFolder(folder / "bin");
+    makeLink(folder / "bin/dbus-send", "/usr/bin/dbus-send");
+    const EnvironmentVariable noOpener{"PATH", (folder / "bin").native()};
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(QString::fromStdString(busSocket())));
+    desktop->reveal(FilePath(folder / "place/item"));
+    EXPECT_EQ(told, "") << "the window has waited for the end";
+    spinUntil([&] { return silent.hasPendingConnections(); });
+    spinUntil([&] { return !told.isEmpty(); });
+}
+
+TEST_F(SystemDesktop, LeavesNoCallBehindWhenTheWindowGoes) {
+    static QString warning;
+    const auto before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) { warning = text; });
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(QString::fromStdString(busSocket())));
+    desktop->reveal(FilePath(folder / "place/item"));
+    spinUntil([&] { return silent.hasPendingConnections(); });
+    desktop.reset();
+    qInstallMessageHandler(before);
+    EXPECT_EQ(warning, "");
+    auto* const caller = silent.nextPendingConnection();
+    spinUntil([&] { return caller->state() == QLocalSocket::UnconnectedState; });
 }
 
 TEST_F(SystemDesktop, SaysWhereTheItemIsWhenNothingOpensFolders) {
@@ -105,11 +134,11 @@ protected:
 };
 
 TEST_F(SystemDesktopWithFileManager, ShowsTheItemThere) {
-    desktop->reveal(FilePath(folder / "Some place/caf\xE9"));
+    desktop->reveal(FilePath(folder / "Some, place/caf\xE9"));
     spinUntil([&] { return !manager.shown.isEmpty(); });
     EXPECT_EQ(manager.asked, "org.freedesktop.FileManager1.ShowItems");
     EXPECT_EQ(manager.shown,
-              QStringList{"file://" + QString::fromStdString(folder.path().native()) + "/Some%20place/caf%E9"});
+              QStringList{"file://" + QString::fromStdString(folder.path().native()) + "/Some%2C%20place/caf%E9"});
     spinOnce();
     EXPECT_FALSE(fs::exists(folder / "opened"));
 }
