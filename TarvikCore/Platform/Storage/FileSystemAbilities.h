@@ -16,6 +16,8 @@ struct FileSystemAbilities {
     bool links;
     /// Permissions and owners.
     bool permissions;
+    /// "Foo" and "foo" are one name, as the format is usually made.
+    bool foldsCase;
     /// In bytes, where a file can come to that.
     std::optional<std::int64_t> largestFile;
 

@@ -17,8 +17,8 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/xattr.h>
-#include <vector>
 #include <unistd.h>
+#include <vector>
 
 namespace tarvik::SystemCalls {
 

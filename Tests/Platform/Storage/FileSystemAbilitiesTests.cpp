@@ -18,7 +18,8 @@ const char* yesOrNo(bool answer) {
 
 /// The format's line in the table that users read.
 std::string lineOf(const FileSystemAbilities& each) {
-    return fmt::format("| {} | {} | {} | {} |\n", each.format, yesOrNo(each.links), yesOrNo(each.permissions),
+    return fmt::format("| {} | {} | {} | {} | {} |\n", each.format, yesOrNo(each.links), yesOrNo(each.permissions),
+                       each.foldsCase ? "one name" : "two names",
                        each.largestFile ? SizeCalculator::format(*each.largestFile) : "any");
 }
 
