@@ -10,19 +10,14 @@ namespace {
 // A file's size has 32 bits there.
 constexpr std::int64_t largestOnFat = 0xFFFFFFFF;
 
-// Columns as declared: links, permissions, folding, largest file. Sources: the formats' own descriptions and mount(8) of
-// Linux.
+// Columns as declared: links, permissions, folding, largest file. Sources: the formats' own descriptions and mount(8)
+// of Linux.
 constexpr FileSystemAbilities abilities[] = {
-    {"APFS", true, true, true, std::nullopt},
-    {"HFS+", true, true, true, std::nullopt},
-    {"exFAT", false, false, true, std::nullopt},
-    {"FAT32", false, false, true, largestOnFat},
-    {"FAT", false, false, true, largestOnFat},
-    {"NTFS", true, true, false, std::nullopt},
-    {"ext4", true, true, false, std::nullopt},
-    {"Btrfs", true, true, false, std::nullopt},
-    {"XFS", true, true, false, std::nullopt},
-    {"F2FS", true, true, false, std::nullopt},
+    {"APFS", true, true, true, std::nullopt},    {"HFS+", true, true, true, std::nullopt},
+    {"exFAT", false, false, true, std::nullopt}, {"FAT32", false, false, true, largestOnFat},
+    {"FAT", false, false, true, largestOnFat},   {"NTFS", true, true, false, std::nullopt},
+    {"ext4", true, true, false, std::nullopt},   {"Btrfs", true, true, false, std::nullopt},
+    {"XFS", true, true, false, std::nullopt},    {"F2FS", true, true, false, std::nullopt},
 };
 
 }  // namespace
