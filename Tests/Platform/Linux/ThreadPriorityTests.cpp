@@ -14,7 +14,9 @@ int patience() {
 }
 
 TEST(ThreadPriority, IsLoweredForOneThreadAlone) {
+    constexpr int most = 19;
     const int before = patience();
+    if (before == most) GTEST_SKIP() << "These tests run as patiently as anything can.";
     int lowered = before;
     std::thread([&] {
         ThreadPriority::lower();
