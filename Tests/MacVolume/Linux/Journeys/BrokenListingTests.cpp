@@ -64,8 +64,10 @@ TEST_F(ABrokenListing, LeavesOnTheDriveWhatIsThere) {
 }
 
 TEST_F(ABrokenListing, MakesNoBackupOfAHalf) {
-    breakListing(films / "Holiday");
     const auto plan = BackupPlan::plan(mac->host, {films}, mac->driveInfo(mac->extended));
+    breakListing(films / "Holiday");
+    EXPECT_THAT(failureOf([&] { BackupPlan::plan(mac->host, {films}, mac->driveInfo(mac->extended)); }),
+                HasSubstr("Holiday can't be read (Input/output error)"));
     EXPECT_NE(failureOf([&] { BackupPlan::run(mac->host, plan, {}); }), "done");
     EXPECT_TRUE(BackupService::list(mac->host, mac->extended.path()).empty());
 }
