@@ -10,8 +10,10 @@
 
 namespace tarvik::test {
 
-CommandWorld::CommandWorld()
-    : machine(Practice::build(folder / "machine", {.apps = 1, .files = 60})),
+CommandWorld::CommandWorld() : CommandWorld(Practice::Options{.apps = 1, .files = 60}) {}
+
+CommandWorld::CommandWorld(const Practice::Options& options)
+    : machine(Practice::build(folder / "machine", options)),
       command(programOfThisBuild("tarvik")),
       library(machine.home / "Music/Logic Pro Library.bundle"),
       drive(machine.root / "Volumes/Studio Drive"),

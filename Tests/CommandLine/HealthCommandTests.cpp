@@ -28,7 +28,28 @@ struct HealthCommandWorld : CommandWorld {
     fs::path twiceOnDrive = machine.drives.front() / "ExternalTarvik/Apps/Twice.app";
 };
 
+/// The same with one finding of each kind.
+struct BrokenCommandWorld : CommandWorld {
+    BrokenCommandWorld() : CommandWorld(Practice::Options{.apps = 1, .broken = true, .files = 60}) {}
+};
+
 }  // namespace
+
+TEST(HealthCommand, ShowsASectionForEachKind) {
+    const BrokenCommandWorld world;
+    const auto finished = world.run({"health"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "11 problems were found.\n");
+    std::vector<std::string> headings;
+    for (const auto& line : linesOf(finished.output))
+        if (line.find(" (1)") != std::string::npos) headings.push_back(line.substr(0, line.find(" (1)")));
+    EXPECT_THAT(headings,
+                testing::ElementsAre("Dangling symlinks", "Empty bundles", "Corrupted bundles", "Broken launchers",
+                                     "Broken code signatures", "Sandbox path symlinked externally",
+                                     "Symlinked preference plists", "Reverted by auto-updater", "Orphaned SSD bundles",
+                                     "Missing tracked files", "Missing Spotlight launchers"));
+    EXPECT_EQ(linesOf(finished.output).front(), "Healthy 5  Problems 11  Scanned 8  Drives 2");
+}
 
 TEST(HealthCommand, ShowsFiguresSectionsAndTheLargest) {
     const HealthCommandWorld world;
