@@ -94,7 +94,7 @@ void addDriftedItems(TreeWriter& writer, const Machine& machine, Records& record
     // The launcher of that name opens nothing; it could open this one.
     Bundle ghost;
     ghost.path = machine.home / "Applications/Ghost.app";
-    ghost.identifier = "org.example.ghost";
+    ghost.identifier = "org.example.Ghost";
     write(writer, ghost);
     mover.preferences("Preferences/org.example.orchestra.plist");
     mover.data("Containers/org.example.orchestra");

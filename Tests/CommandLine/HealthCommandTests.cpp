@@ -87,13 +87,38 @@ TEST(HealthCommand, TellsProgramsAllThatWasFound) {
 TEST(HealthRepairCommand, RepairsOnItsOwnOnlyWhatDoesNoHarm) {
     const HealthCommandWorld world;
     const auto finished = world.run({"health", "repair", "--yes"});
-    EXPECT_EQ(finished.status, 0) << finished.errors;
     EXPECT_THAT(finished.output, HasSubstr("Installed/repaired 1 Spotlight launcher.\n"));
     EXPECT_TRUE(fs::is_symlink(world.unplugged)) << "its drive may only be away";
     EXPECT_TRUE(Files::exists(world.twiceOnDrive)) << "that needs a choice";
     const auto kinds = columnOf(world.run({"health", "--format", "tsv"}).output, "kind");
     EXPECT_THAT(kinds, Not(Contains("missingSpotlightLaunchers")));
     for (const char* stays : {"dangling", "reverted"}) EXPECT_THAT(kinds, Contains(stays));
+}
+
+TEST(HealthRepairCommand, EndsWithStatusOneWhenARepairOnlyTellsThatItCouldNot) {
+    const HealthCommandWorld world;
+    const fs::path ghost = world.applications / "Ghost.app";
+    const auto finished = world.run({"health", "repair", ghost, "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.output, "");
+    EXPECT_EQ(finished.errors,
+              "Ghost.app: Could not retarget Ghost.app. Reinstall the app or remove the broken launcher.\n"
+              "1 finding could not be repaired.\n");
+    EXPECT_THAT(columnOf(world.run({"health", "repair", ghost, "--yes", "--format", "tsv"}).output, "state"),
+                testing::ElementsAre("failed"));
+}
+
+TEST(HealthRepairCommand, EndsWithStatusZeroWhenAllThatDoesNoHarmIsMended) {
+    const BrokenCommandWorld world;
+    const auto finished = world.run({"health", "repair", "--yes"});
+    EXPECT_EQ(finished.status, 0) << finished.errors;
+    EXPECT_THAT(linesOf(finished.output),
+                testing::ElementsAre("Forgot 2 stale tracked file entries for Scorebook.app.",
+                                     "Installed/repaired 1 Spotlight launcher.",
+                                     "Retargeted Ghost.app to " +
+                                         (world.machine.home / "Applications/Ghost.app").native() + "."));
+    EXPECT_EQ(world.run({"health", "repair", "--yes"}).status, 0) << "nothing is left that does no harm";
+    EXPECT_EQ(columnOf(world.run({"health", "--format", "tsv"}).output, "kind").size(), 5U + 8U);
 }
 
 TEST(HealthRepairCommand, AsksFirstAndNamesWhatItDoesToEach) {
@@ -122,6 +147,63 @@ TEST(HealthRepairCommand, NeedsTheStrategyOfWhatHasTwo) {
     EXPECT_EQ(columnOf(named.output, "state").at(0), "done");
     EXPECT_THAT(columnOf(named.output, "description").at(0), HasSubstr("Reclaimed stale SSD copy of Twice.app."));
     EXPECT_TRUE(fs::is_directory(world.twice));
+}
+
+TEST(HealthRepairCommand, KnowsAPathThatIsWrittenInAnotherWay) {
+    const HealthCommandWorld world;
+    const fs::path alias = world.folder / "alias";
+    test::makeLink(alias, world.machine.root);
+    const auto finished = world.run({"health", "repair", alias / "Applications/Unplugged.app", "--yes"});
+    EXPECT_EQ(finished.output, "Removed dead symlink Unplugged.app.\n") << finished.errors;
+    EXPECT_FALSE(fs::is_symlink(world.unplugged));
+}
+
+TEST(HealthRepairCommand, RepairsOnceWhatIsNamedTwice) {
+    const HealthCommandWorld world;
+    const auto finished = world.run({"health", "repair", world.unplugged, world.unplugged, "--yes"});
+    EXPECT_EQ(finished.status, 0) << finished.errors;
+    EXPECT_EQ(finished.output, "Removed dead symlink Unplugged.app.\n");
+}
+
+TEST(HealthRepairCommand, RepairsNothingWhenOneOfItsPathsIsWrong) {
+    const HealthCommandWorld world;
+    const fs::path nowhere = world.folder / "nowhere";
+    const auto finished = world.run({"health", "repair", world.unplugged, nowhere, "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "Nothing stands at " + nowhere.native() + ".\n");
+    EXPECT_TRUE(fs::is_symlink(world.unplugged));
+}
+
+TEST(HealthRepairCommand, AsksNobodyWhereNobodyIs) {
+    const HealthCommandWorld world;
+    for (const auto streams : {test::RunningProgram::Streams::pipes, test::RunningProgram::Streams::none}) {
+        const auto finished = world.run({"health", "repair", world.unplugged}, streams);
+        EXPECT_EQ(finished.status, 1);
+        if (streams == test::RunningProgram::Streams::pipes)
+            EXPECT_EQ(finished.errors,
+                      "There is no terminal to ask on: pass --yes to go ahead without a question.\n");
+        EXPECT_TRUE(fs::is_symlink(world.unplugged));
+    }
+}
+
+/// Two commands that do the same at the same moment.
+TEST(HealthRepairCommand, LetsOneOfTwoRepairAndTheOtherSayWhyNot) {
+    for (const char* strategy : {"removeOrphan", "removeEmpty", "reclaimReverted", "reSymlinkReverted",
+                                 "restoreUnsafePrefs", "restoreSandboxExternal"}) {
+        SCOPED_TRACE(strategy);
+        const BrokenCommandWorld world;
+        const auto arguments = world.onMachine({"health", "repair", "--strategy", strategy, "--yes"});
+        std::vector<std::unique_ptr<test::RunningProgram>> programs;
+        for (int number = 0; number < 2; ++number)
+            programs.push_back(std::make_unique<test::RunningProgram>(world.command, arguments));
+        for (const auto& program : programs) {
+            const auto finished = program->finish();
+            RecordProperty(strategy, finished.output + finished.errors);
+            std::cerr << strategy << " " << finished.status << " " << finished.output << finished.errors << std::endl;
+        }
+        for (const auto& entry : fs::recursive_directory_iterator(world.machine.root))
+            EXPECT_THAT(entry.path().filename().native(), Not(testing::StartsWith(".tarvik-"))) << entry.path();
+    }
 }
 
 TEST(HealthRepairCommand, SaysWhatIsWrongWithItsArguments) {

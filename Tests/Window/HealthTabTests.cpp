@@ -1,9 +1,6 @@
 #include "Support/Bundles.h"
 #include "Window/AppsWindowTest.h"
-
-#include <QQuickItem>
-
-#include <algorithm>
+#include "Window/HealthRows.h"
 
 namespace tarvik::test {
 
@@ -17,37 +14,10 @@ protected:
         return *opened;
     }
     WindowUnderTest& scanned(QSize size = large) {
-        auto& window = openTab(size);
-        window.click("scanButton");
-        EXPECT_TRUE(window.waitUntilShown("healthSummary"));
-        // The rows come with the next frame.
-        EXPECT_TRUE(window.waitUntil([&] { return window.isShown("allHealthy") || hasRows(window); }));
-        return window;
-    }
-    static bool hasRows(WindowUnderTest& window) {
-        const auto rows = window.item("healthList").property("contentItem").value<QQuickItem*>()->childItems();
-        return std::any_of(rows.begin(), rows.end(), [](const QQuickItem* row) {
-            return row->isVisible() && row->objectName().startsWith(QLatin1String("issue-"));
-        });
+        HealthRows::scan(openTab(size));
+        return *opened;
     }
     void breakLink(const std::string& name) const { makeLink(applications / name, backup / "nowhere" / name); }
-    /// A finding of nearly every kind.
-    void breakAll() {
-        appOnDrive("Healthy");
-        breakLink("Dangling.app");
-        makeFolder(appsOnBackup / "Empty.app");
-        makeLink(applications / "Empty.app", appsOnBackup / "Empty.app");
-        makeFile(appsOnBackup / "Corrupted.app/Contents/Info.plist");
-        makeLink(applications / "Corrupted.app", appsOnBackup / "Corrupted.app");
-        makeLauncher(applications / "Launcher.app", "/nowhere/Launcher.app");
-        makeLink(world.home / "Library/Containers/org.example.editor", backup / "Containers/org.example.editor");
-        makeLink(world.home / "Library/Preferences/org.example.editor.plist", "/nowhere");
-        makeBundle(appsOnBackup / "Reverted.app");
-        makeBundle(applications / "Reverted.app");
-        makeFileOfSize(appsOnBackup / "Orphan.app/Contents/large", 2'000'000);
-        makeBundle(backup / "Suite/Mixer.app");
-        makeLink(applications / "Suite", backup / "Suite");
-    }
 
     const fs::path appsOnBackup = backup / "ExternalTarvik/Apps";
 };
@@ -131,18 +101,6 @@ TEST_F(HealthTab, KeepsTheReportInSightDuringARescan) {
     EXPECT_FALSE(window.isShown("scanningHealth"));
 }
 
-TEST_F(HealthTab, ShowsAllKindsAtTheLargeSize) {
-    breakAll();
-    auto& window = scanned();
-    EXPECT_EQ(window.text("problemsTile/tileValue"), "9");
-}
-
-TEST_F(HealthTab, ShowsAllKindsAtTheSmallSize) {
-    breakAll();
-    auto& window = scanned(small);
-    EXPECT_EQ(window.text("problemsTile/tileValue"), "9");
-}
-
 TEST_F(HealthTab, KeepsLongNamesInTheirCards) {
     const std::string name(120, 'W');
     breakLink(name + ".app");
@@ -150,13 +108,6 @@ TEST_F(HealthTab, KeepsLongNamesInTheirCards) {
     const QString row = QString::fromStdString("issue-dangling-" + name + ".app/");
     EXPECT_TRUE(window.item(row + "issueName").property("truncated").toBool());
     EXPECT_TRUE(window.item(row + "issueTarget").property("truncated").toBool());
-}
-
-TEST_F(HealthTab, CountsHundredsOfFindings) {
-    for (int number = 0; number < 300; ++number) breakLink("App " + std::to_string(number) + ".app");
-    auto& window = scanned();
-    EXPECT_EQ(window.text("problemsTile/tileValue"), "300");
-    EXPECT_EQ(window.text("healthSection-dangling/sectionTitle"), "Dangling symlinks (300)");
 }
 
 }  // namespace

@@ -1,18 +1,20 @@
 import QtQuick
 import Tarvik
 
-/// One finding with what can be done about it.
+/// One finding with what can be done about it. Tab goes from the row to its buttons.
 ListRow {
     id: row
 
     required property string id
     required property string kind
+    required property var location
     required property string name
     required property string locationText
     required property string targetText
     required property string detail
     required property string sizeText
     required property var repairs
+    readonly property bool isCurrent: ListView.isCurrentItem
 
     objectName: "issue-" + kind + "-" + name
     implicitHeight: column.implicitHeight + 2 * Theme.medium + Theme.small
@@ -21,6 +23,7 @@ ListRow {
     rightPadding: Theme.large
     Accessible.name: name + (sizeText !== "" ? ", " + sizeText : "")
     Accessible.description: detail
+    item: location
 
     contentItem: Item {
         Column {
@@ -53,6 +56,8 @@ ListRow {
             HealthIssueRowActions {
                 visible: row.repairs.length > 0
                 issueName: row.name
+                isOnKeyboard: row.isCurrent
+                isRepairing: HealthState.repairing.includes(row.id)
                 repairs: row.repairs
                 onRepair: strategy => HealthState.repairHealth(row.id, strategy)
             }

@@ -72,7 +72,12 @@ Item {
                 }
             }
             delegate: HealthIssueRow { width: list.contentWidth }
-            footer: HealthTopLargestSection { width: list.contentWidth }
+            footer: HealthTopLargestSection {
+                width: list.contentWidth
+                onReached: list.positionViewAtEnd()
+            }
+            // Above the first one are the figures.
+            onCurrentIndexChanged: if (showsFocus && currentIndex === 0) positionViewAtBeginning()
         }
     }
 }

@@ -6,7 +6,10 @@ Column {
     id: section
     objectName: "topLargest"
 
-    visible: rows.count > 0
+    /// The keyboard has come to the list.
+    signal reached
+
+    visible: list.count > 0
     height: visible ? implicitHeight : 0
     topPadding: Theme.huge
     spacing: Theme.small
@@ -20,28 +23,43 @@ Column {
     }
     Card {
         width: parent.width
-        spacing: Theme.small
-        Repeater {
-            id: rows
+        padding: Theme.tiny
+
+        RowList {
+            id: list
+            objectName: "largestList"
+            width: parent.width
+            height: contentHeight
+            Accessible.name: "Largest healthy apps"
             model: HealthState.largest
-            Item {
-                id: line
+            currentIndex: -1
+            onActiveFocusChanged: if (activeFocus) section.reached()
+            delegate: ListRow {
+                id: row
+                required property var location
                 required property string name
                 required property string sizeText
                 objectName: "largest-" + name
-                width: parent.width
-                implicitHeight: lineName.implicitHeight
-                ElidedLabel {
-                    id: lineName
-                    objectName: "largestName"
-                    width: parent.width - lineSize.width - Theme.large
-                    fullText: line.name
-                }
-                Figures {
-                    id: lineSize
-                    objectName: "largestSize"
-                    anchors.right: parent.right
-                    text: line.sizeText
+                leftPadding: Theme.medium
+                rightPadding: Theme.medium
+                item: location
+                Accessible.name: name + ", " + sizeText
+
+                contentItem: Item {
+                    ElidedLabel {
+                        objectName: "largestName"
+                        anchors.verticalCenter: parent.verticalCenter
+                        width: parent.width - size.width - Theme.large
+                        fullText: row.name
+                        Accessible.ignored: true
+                    }
+                    Figures {
+                        id: size
+                        objectName: "largestSize"
+                        anchors.right: parent.right
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: row.sizeText
+                    }
                 }
             }
         }
