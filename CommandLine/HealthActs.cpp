@@ -185,7 +185,10 @@ void repair(const Host& host, const Options& options) {
     const HealthReport report = checked(host);
     const auto repairs = options.paths.empty() ? all(host, report, options) : named(host, report, options);
     if (repairs.empty()) {
-        if (options.format == Format::human) Terminal::say("There is nothing that can be repaired without naming it.");
+        if (options.format == Format::human)
+            Terminal::say(options.strategy.empty()
+                              ? "There is nothing that can be repaired without naming it."
+                              : fmt::format("There is nothing that {} can repair.", options.strategy));
         return print({}, options.format);
     }
     Terminal::confirm(question(repairs), options.yes);

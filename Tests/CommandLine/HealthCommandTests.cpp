@@ -112,11 +112,11 @@ TEST(HealthRepairCommand, EndsWithStatusZeroWhenAllThatDoesNoHarmIsMended) {
     const BrokenCommandWorld world;
     const auto finished = world.run({"health", "repair", "--yes"});
     EXPECT_EQ(finished.status, 0) << finished.errors;
-    EXPECT_THAT(linesOf(finished.output),
-                testing::ElementsAre("Forgot 2 stale tracked file entries for Scorebook.app.",
-                                     "Installed/repaired 1 Spotlight launcher.",
-                                     "Retargeted Ghost.app to " +
-                                         (world.machine.home / "Applications/Ghost.app").native() + "."));
+    EXPECT_THAT(
+        linesOf(finished.output),
+        testing::ElementsAre(
+            "Forgot 2 stale tracked file entries for Scorebook.app.", "Installed/repaired 1 Spotlight launcher.",
+            "Retargeted Ghost.app to " + (world.machine.home / "Applications/Ghost.app").native() + "."));
     EXPECT_EQ(world.run({"health", "repair", "--yes"}).status, 0) << "nothing is left that does no harm";
     EXPECT_EQ(columnOf(world.run({"health", "--format", "tsv"}).output, "kind").size(), 5U + 8U);
 }
@@ -176,34 +176,42 @@ TEST(HealthRepairCommand, RepairsNothingWhenOneOfItsPathsIsWrong) {
 
 TEST(HealthRepairCommand, AsksNobodyWhereNobodyIs) {
     const HealthCommandWorld world;
-    for (const auto streams : {test::RunningProgram::Streams::pipes, test::RunningProgram::Streams::none}) {
-        const auto finished = world.run({"health", "repair", world.unplugged}, streams);
-        EXPECT_EQ(finished.status, 1);
-        if (streams == test::RunningProgram::Streams::pipes)
-            EXPECT_EQ(finished.errors,
-                      "There is no terminal to ask on: pass --yes to go ahead without a question.\n");
-        EXPECT_TRUE(fs::is_symlink(world.unplugged));
-    }
+    const auto finished = world.run({"health", "repair", world.unplugged});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "There is no terminal to ask on: pass --yes to go ahead without a question.\n");
+    EXPECT_EQ(world.run({"health", "repair", world.unplugged}, test::RunningProgram::Streams::none).status, 1);
+    EXPECT_TRUE(fs::is_symlink(world.unplugged));
 }
 
-/// Two commands that do the same at the same moment.
-TEST(HealthRepairCommand, LetsOneOfTwoRepairAndTheOtherSayWhyNot) {
-    for (const char* strategy : {"removeOrphan", "removeEmpty", "reclaimReverted", "reSymlinkReverted",
-                                 "restoreUnsafePrefs", "restoreSandboxExternal"}) {
+TEST(HealthRepairCommand, LeavesOneOutcomeOfTwoThatRepairTheSameAtOnce) {
+    for (const char* strategy : {"removeOrphan", "reSymlinkReverted", "restoreSandboxExternal"}) {
         SCOPED_TRACE(strategy);
         const BrokenCommandWorld world;
-        const auto arguments = world.onMachine({"health", "repair", "--strategy", strategy, "--yes"});
-        std::vector<std::unique_ptr<test::RunningProgram>> programs;
-        for (int number = 0; number < 2; ++number)
-            programs.push_back(std::make_unique<test::RunningProgram>(world.command, arguments));
-        for (const auto& program : programs) {
+        const std::vector<std::string> arguments = {"health", "repair",   "--strategy", strategy,
+                                                    "--yes",  "--format", "tsv"};
+        test::RunningProgram one(world.command, world.onMachine(arguments));
+        test::RunningProgram other(world.command, world.onMachine(arguments));
+        std::vector<std::string> states;
+        for (test::RunningProgram* program : {&one, &other}) {
             const auto finished = program->finish();
-            RecordProperty(strategy, finished.output + finished.errors);
-            std::cerr << strategy << " " << finished.status << " " << finished.output << finished.errors << std::endl;
+            const auto some = columnOf(finished.output, "state");
+            states.insert(states.end(), some.begin(), some.end());
+            EXPECT_EQ(finished.status, some == std::vector<std::string>{"failed"} ? 1 : 0) << finished.errors;
+            for (const auto& sentence : columnOf(finished.output, "description")) EXPECT_THAT(sentence, Not(""));
         }
+        EXPECT_THAT(states, Contains("done").Times(1));
+        // What one of them has done holds: no finding of that kind is left, and nothing half-way.
+        EXPECT_EQ(world.run({"health"}).errors, "10 problems were found.\n");
         for (const auto& entry : fs::recursive_directory_iterator(world.machine.root))
             EXPECT_THAT(entry.path().filename().native(), Not(testing::StartsWith(".tarvik-"))) << entry.path();
     }
+}
+
+TEST(HealthRepairCommand, SaysWhenAStrategyHasNothingToDo) {
+    const HealthCommandWorld world;
+    const auto finished = world.run({"health", "repair", "--strategy", "restoreUnsafePrefs", "--yes"});
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.errors, "There is nothing that restoreUnsafePrefs can repair.\n");
 }
 
 TEST(HealthRepairCommand, SaysWhatIsWrongWithItsArguments) {

@@ -55,9 +55,8 @@ TEST(DriftedItems, AreOneOfEachKindBesideHealthyOnes) {
 
 TEST(DriftedItems, AreTheKnownFewWhereNothingShallBeBroken) {
     const CheckedMachine checked({});
-    EXPECT_THAT(checked.problemsByKind(),
-                ElementsAre(Pair("brokenLauncher", 1), Pair("dangling", 1), Pair("missingSpotlightLaunchers", 1),
-                            Pair("reverted", 1)));
+    EXPECT_THAT(checked.problemsByKind(), ElementsAre(Pair("brokenLauncher", 1), Pair("dangling", 1),
+                                                      Pair("missingSpotlightLaunchers", 1), Pair("reverted", 1)));
     EXPECT_EQ(checked.report.healthyCount, 1U);
 }
 
@@ -74,7 +73,8 @@ TEST(DriftedItems, HaveWhatTheirRepairsBringBack) {
     const CheckedMachine checked({.broken = true});
     for (const Kind kind : {Kind::unsafePrefsPlist, Kind::sandboxExternalSymlink})
         EXPECT_TRUE(Files::exists(*checked.only(kind).target)) << HealthIssueKind::rawValue(kind);
-    EXPECT_TRUE(BrokenLauncherRepairService::replacementTarget(checked.host, checked.only(Kind::brokenLauncher).location));
+    EXPECT_TRUE(
+        BrokenLauncherRepairService::replacementTarget(checked.host, checked.only(Kind::brokenLauncher).location));
 }
 
 TEST(DriftedItems, AreThereWithoutTheOtherSpecialApplicationsBeingAskedFor) {

@@ -59,9 +59,9 @@ protected:
     /// An application, signed as its maker does it.
     void makeApp(const fs::path& bundle, const std::string& version) const {
         const std::string name = bundle.stem();
-        makeBundle(bundle, {{"CFBundleIdentifier", "org.example." + name},
-                            {"CFBundleName", name},
-                            {"CFBundleExecutable", "program"}});
+        makeBundle(
+            bundle,
+            {{"CFBundleIdentifier", "org.example." + name}, {"CFBundleName", name}, {"CFBundleExecutable", "program"}});
         makeFile(bundle / "Contents/Resources/Version", version);
         makeFileOfSize(bundle / "Contents/Resources/Assets.car", 50'000, 3);
         const auto signing =
@@ -118,7 +118,8 @@ protected:
             return problems.index(row, 0).data(problems.roleNames().key(role)).toString().toStdString();
         };
         std::vector<std::string> found;
-        for (int row = 0; row < problems.rowCount(); ++row) found.push_back(text(row, "kind") + " " + text(row, "name"));
+        for (int row = 0; row < problems.rowCount(); ++row)
+            found.push_back(text(row, "kind") + " " + text(row, "name"));
         return found;
     }
     void repair(Kind kind, const std::string& name, const QString& message, int button = 0) const {
@@ -188,7 +189,8 @@ TEST_P(HealthJourney, MendsWhatRealLifeHasBroken) {
     shell("rm \"$1\" && cp -a \"$2\" \"$1\"", {applications / "Reverted.app", folder / "update/Reverted.app"});
     shell("rm \"$1\"/Contents/MacOS/*", {onDrive("Engineless.app")});
     shell("rm \"$1\"/Contents/Info.plist", {onDrive("Listless.app")});
-    shell("printf X | dd of=\"$1\" bs=1 seek=777 conv=notrunc 2>&1", {onDrive("Altered.app/Contents/Resources/Assets.car")});
+    shell("printf X | dd of=\"$1\" bs=1 seek=777 conv=notrunc 2>&1",
+          {onDrive("Altered.app/Contents/Resources/Assets.car")});
     shell("rm \"$1\"", {applications / "Unlinked.app"});
     const fs::path suite = drive->path() / "ExternalTarvik/Folders/Suite";
     shell("rm -r \"$1\" && rm -r \"$2\"", {suite / "Mixer.app", applications / "Tuner.app"});
@@ -199,12 +201,12 @@ TEST_P(HealthJourney, MendsWhatRealLifeHasBroken) {
         shell("mkdir -p \"$2\" && mv \"$1\" \"$2\"/ && ln -s \"$2\"/\"${1##*/}\" \"$1\"",
               {library / item, drive->path() / "by hand"});
 
-    EXPECT_THAT(scan(), ElementsAre("dangling Gone.app", "empty Listless.app", "corrupted Engineless.app",
-                                    "brokenLauncher Mixer.app", "signatureBroken Altered.app",
-                                    "sandboxExternalSymlink org.example.Tracked",
-                                    "unsafePrefsPlist org.example.Tracked.plist", "reverted Reverted.app",
-                                    "orphan Unlinked.app", "missingTrackedFiles Tracked.app",
-                                    "missingSpotlightLaunchers Suite"));
+    EXPECT_THAT(
+        scan(),
+        ElementsAre("dangling Gone.app", "empty Listless.app", "corrupted Engineless.app", "brokenLauncher Mixer.app",
+                    "signatureBroken Altered.app", "sandboxExternalSymlink org.example.Tracked",
+                    "unsafePrefsPlist org.example.Tracked.plist", "reverted Reverted.app", "orphan Unlinked.app",
+                    "missingTrackedFiles Tracked.app", "missingSpotlightLaunchers Suite"));
 
     repair(Kind::dangling, "Gone.app", "Removed dead symlink Gone.app.");
     repair(Kind::empty, "Listless.app", "Cleaned up Listless.app. Reinstall the app.");
@@ -214,8 +216,7 @@ TEST_P(HealthJourney, MendsWhatRealLifeHasBroken) {
     HealthRows::repair(*window, Kind::sandboxExternalSymlink, "org.example.Tracked");
     settle();
     EXPECT_TRUE(window->state().lastInfo().startsWith("Restored org.example.Tracked to internal disk. (External copy"));
-    repair(Kind::unsafePrefsPlist, "org.example.Tracked.plist",
-           "Restored org.example.Tracked.plist to internal disk.");
+    repair(Kind::unsafePrefsPlist, "org.example.Tracked.plist", "Restored org.example.Tracked.plist to internal disk.");
     repair(Kind::reverted, "Reverted.app", "Re-symlinked Reverted.app to SSD.", 1);
     repair(Kind::orphan, "Unlinked.app", "Trashed orphan Unlinked.app.");
     repair(Kind::missingTrackedFiles, "Tracked.app", "Forgot 1 stale tracked file entry for Tracked.app.");

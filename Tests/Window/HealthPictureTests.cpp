@@ -85,14 +85,16 @@ TEST_P(HealthPicture, NothingMoved) {
 }
 
 TEST_P(HealthPicture, LongNames) {
-    const std::string name = "An application whose name\nhas a line break and is far longer than any card is wide, "
-                             "whatever the window's size may be.app";
+    const std::string name =
+        "An application whose name\nhas a line break and is far longer than any card is wide, "
+        "whatever the window's size may be.app";
     breakLink(name);
     makeBundle(applications / ("Reverted " + name));
     makeFileOfSize(backup / "ExternalTarvik/Apps" / ("Reverted " + name) / "large", 1'234'567);
-    appOnDrive("Healthy application whose name is far longer than any card is wide, whatever the size of the window "
-               "may be that shows it to somebody",
-               2'345'678);
+    appOnDrive(
+        "Healthy application whose name is far longer than any card is wide, whatever the size of the window "
+        "may be that shows it to somebody",
+        2'345'678);
     EXPECT_EQ(scanned().text("problemsTile/tileValue"), "2");
 }
 

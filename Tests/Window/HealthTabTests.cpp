@@ -93,6 +93,40 @@ TEST_F(HealthTab, OffersTwoRepairsForWhatWasReverted) {
     EXPECT_TRUE(fs::is_symlink(applications / "Reverted.app"));
 }
 
+TEST_F(HealthTab, LetsTheButtonsOfAFindingRestWhileItIsBeingRepaired) {
+    makeBundle(appsOnBackup / "Reverted.app");
+    makeBundle(applications / "Reverted.app");
+    breakLink("Lost.app");
+    const fs::path go = world.folder / "copies-may-end";
+    world.withDitto(waitFor(go) + "\ncp -aT \"$2\" \"$3\"");
+    auto& window = scanned();
+    const QString row = "issue-reverted-Reverted.app/";
+    EXPECT_FALSE(window.isShown(row + "repairSpinner"));
+    window.click(row + "repairButton-1");
+    EXPECT_TRUE(window.waitUntilShown(row + "repairSpinner"));
+    for (const char* button : {"repairButton-0", "repairButton-1"}) EXPECT_FALSE(window.isEnabled(row + button));
+    EXPECT_TRUE(window.isEnabled("issue-dangling-Lost.app/repairButton-0")) << "another one can be repaired meanwhile";
+    makeFile(go);
+    EXPECT_TRUE(window.waitForText("infoToast/toastText", "Re-symlinked Reverted.app to SSD."));
+    EXPECT_TRUE(window.waitUntilHidden("issue-reverted-Reverted.app"));
+}
+
+TEST_F(HealthTab, LeavesTheOtherTabsWhereTheyWereScrolledTo) {
+    for (int number = 10; number < 50; ++number) appOnDrive("App " + std::to_string(number));
+    breakLink("Lost.app");
+    auto& window = open();
+    window.openTab("symlinks");
+    window.item("symlinkList").setProperty("contentY", 500);
+    const auto links = [&] { return window.item("symlinkList").property("count").toInt(); };
+    EXPECT_EQ(links(), 41);
+    HealthRows::scan(window);
+    window.click("issue-dangling-Lost.app/repairButton-0");
+    EXPECT_TRUE(window.waitUntilShown("allHealthy"));
+    window.openTab("symlinks");
+    EXPECT_TRUE(window.waitUntil([&] { return links() == 40; }));
+    EXPECT_EQ(window.item("symlinkList").property("contentY").toDouble(), 500);
+}
+
 TEST_F(HealthTab, KeepsTheReportInSightDuringARescan) {
     breakLink("Lost.app");
     auto& window = scanned();

@@ -15,6 +15,8 @@ ListRow {
     required property string sizeText
     required property var repairs
     readonly property bool isCurrent: ListView.isCurrentItem
+    /// What the keyboard comes to behind all findings.
+    property Item following: null
 
     objectName: "issue-" + kind + "-" + name
     implicitHeight: column.implicitHeight + 2 * Theme.medium + Theme.small
@@ -56,7 +58,8 @@ ListRow {
             HealthIssueRowActions {
                 visible: row.repairs.length > 0
                 issueName: row.name
-                isOnKeyboard: row.isCurrent
+                isOnKeyboard: row.isCurrent && !row.following?.activeFocus
+                following: row.following
                 isRepairing: HealthState.repairing.includes(row.id)
                 repairs: row.repairs
                 onRepair: strategy => HealthState.repairHealth(row.id, strategy)
@@ -71,7 +74,7 @@ ListRow {
         border.color: Theme.border
         FocusRing {
             radius: Theme.radiusLarge
-            visible: row.ListView.isCurrentItem && row.list !== null && row.list.activeFocus && row.list.showsFocus
+            visible: row.activeFocus && row.list !== null && row.list.showsFocus
         }
     }
 }

@@ -9,6 +9,8 @@ Row {
     required property var repairs
     /// Whether the keyboard reaches the buttons: of a long list, those of one row.
     property bool isOnKeyboard: false
+    /// Where Tab goes from the last one, if not to what comes next anyhow.
+    property Item following: null
     property bool isRepairing: false
     signal repair(int strategy)
 
@@ -22,8 +24,14 @@ Row {
             objectName: "repairButton-" + index
             text: modelData.label
             enabled: !actions.isRepairing
-            focusPolicy: actions.isOnKeyboard ? Qt.TabFocus : Qt.NoFocus
+            // What has the keyboard keeps it until it goes elsewhere.
+            focusPolicy: actions.isOnKeyboard || activeFocus ? Qt.TabFocus : Qt.NoFocus
             Accessible.name: modelData.label + ": " + actions.issueName
+            Keys.onTabPressed: event => {
+                event.accepted = actions.following !== null && index === actions.repairs.length - 1;
+                if (event.accepted)
+                    actions.following.forceActiveFocus(Qt.TabFocusReason);
+            }
             onClicked: actions.repair(modelData.strategy)
         }
     }

@@ -6,8 +6,12 @@ Column {
     id: section
     objectName: "topLargest"
 
-    /// The keyboard has come to the list.
+    /// The finding that the keyboard comes from, and goes back to.
+    property HealthIssueRow previous: null
+    /// What the keyboard comes to; nothing where there is no list.
+    readonly property Item stop: visible ? list : null
     signal reached
+    signal abandoned
 
     visible: list.count > 0
     height: visible ? implicitHeight : 0
@@ -33,7 +37,13 @@ Column {
             Accessible.name: "Largest healthy apps"
             model: HealthState.largest
             currentIndex: -1
-            onActiveFocusChanged: if (activeFocus) section.reached()
+            // Behind a finding with buttons, these lead here: among the children of a list a footer is not the last.
+            activeFocusOnTab: count > 0 && (activeFocus || !(section.previous?.repairs.length > 0))
+            Keys.onBacktabPressed: event => {
+                event.accepted = section.previous !== null;
+                section.previous?.forceActiveFocus(Qt.BacktabFocusReason);
+            }
+            onActiveFocusChanged: activeFocus ? section.reached() : section.abandoned()
             delegate: ListRow {
                 id: row
                 required property var location
