@@ -66,6 +66,22 @@ TEST_P(HealthPicture, Rescan) {
     window.savePicture(nameOfPicture(GetParam(), "-now"));
 }
 
+TEST_P(HealthPicture, Repairing) {
+    makeBundle(applications / "Reverted.app");
+    makeBundle(backup / "ExternalTarvik/Apps/Reverted.app");
+    breakLink("Lost.app");
+    const fs::path go = world.folder / "copies-may-end";
+    world.withDitto(waitFor(go) + "\ncp -aT \"$2\" \"$3\"");
+    auto& window = scanned();
+    HealthRows::repair(window, HealthIssue::Kind::reverted, "Reverted.app", 1);
+    EXPECT_TRUE(window.waitUntilShown("repairSpinner"));
+    window.item("healthList").forceActiveFocus(Qt::TabFocusReason);
+    window.press(Qt::Key_Tab);
+    window.savePicture(nameOfPicture(GetParam(), "-now"));
+    makeFile(go);
+    EXPECT_TRUE(window.waitUntilHidden("issue-reverted-Reverted.app"));
+}
+
 TEST_P(HealthPicture, AllHealthy) {
     std::size_t size = 3'900'000;
     for (const char* name : {"Atlas", "Blender", "Cadence", "Darkroom", "Editor", "Figures", "Garden", "Harbour", "Ink",
@@ -128,7 +144,7 @@ TEST_P(BrokenMachinePicture, AllKinds) {
         HealthRows::scrollTo(window, kind);
         EXPECT_TRUE(window.waitUntilShown(section)) << section.toStdString();
         EXPECT_TRUE(window.text(section + "/sectionTitle").endsWith(" (1)"));
-        if (kind == HealthIssue::Kind::sandboxExternalSymlink || kind == HealthIssue::Kind::missingSpotlightLaunchers)
+        if (kind == HealthIssue::Kind::signatureBroken || kind == HealthIssue::Kind::missingSpotlightLaunchers)
             window.savePicture(nameOfPicture(GetParam(), ("-" + std::to_string(++picture)).c_str()));
     }
     HealthRows::scrollToEnd(window);

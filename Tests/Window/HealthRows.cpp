@@ -64,7 +64,11 @@ void scrollTo(WindowUnderTest& window, HealthIssue::Kind kind) {
 }
 
 void scrollToEnd(WindowUnderTest& window) {
-    QMetaObject::invokeMethod(&window.item("healthList"), "positionViewAtEnd");
+    QQuickItem& list = window.item("healthList");
+    QMetaObject::invokeMethod(&list, "positionViewAtEnd");
+    // A user comes to what lies below the last row, too.
+    const auto end = list.property("originY").toDouble() + list.property("contentHeight").toDouble();
+    list.setProperty("contentY", end + list.property("bottomMargin").toDouble() - list.height());
 }
 
 void repair(WindowUnderTest& window, HealthIssue::Kind kind, const std::string& name, int button) {
