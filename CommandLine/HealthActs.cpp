@@ -40,12 +40,9 @@ struct RepairEnd {
     bool hasFailed = false;
 };
 
-/// Ends soon when somebody asks the command to.
+/// A signal ends it at once, whatever a tool is still at: nothing has been changed.
 HealthReport checked(const Host& host) {
-    const SignalGuard guard;
-    auto report = HealthCheck::run(host, HealthCheck::applicationRoots(host), {.cancellation = SignalGuard::request()});
-    if (SignalGuard::isAskedToEnd()) throw Failure("CommandLine", 1, "The check was stopped.");
-    return report;
+    return HealthCheck::run(host, HealthCheck::applicationRoots(host));
 }
 
 std::optional<HealthRepairStrategy> strategyOf(const Options& options) {

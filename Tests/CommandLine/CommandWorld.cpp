@@ -20,13 +20,18 @@ CommandWorld::CommandWorld(const Practice::Options& options)
       moved(drive / "ExternalTarvik/Folders/Logic Pro Library.bundle") {}
 
 CommandWorld::CommandWorld(const std::string& ditto) : CommandWorld() {
+    replaceTool("ditto", ditto);
+}
+
+void CommandWorld::replaceTool(const std::string& name, const std::string& script) {
     // Tools are looked for beside the program that runs.
     const auto programs = folder / "programs";
-    makeFolder(programs / "stand-ins");
-    fs::copy_file(command, programs / "tarvik");
+    const auto tool = programs / "stand-ins" / name;
+    makeFolder(tool.parent_path());
+    if (command != programs / "tarvik") fs::copy_file(command, programs / "tarvik");
     command = programs / "tarvik";
-    makeFile(programs / "stand-ins/ditto", scriptOf(ditto));
-    fs::permissions(programs / "stand-ins/ditto", fs::perms::owner_all);
+    makeFile(tool, scriptOf(script));
+    fs::permissions(tool, fs::perms::owner_all);
 }
 
 bool CommandWorld::takesMadeTools() {

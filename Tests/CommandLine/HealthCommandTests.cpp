@@ -3,10 +3,15 @@
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
+#include "Support/World.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <toml++/toml.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
 
 namespace tarvik {
 
@@ -32,6 +37,13 @@ struct HealthCommandWorld : CommandWorld {
 struct BrokenCommandWorld : CommandWorld {
     BrokenCommandWorld() : CommandWorld(Practice::Options{.apps = 1, .broken = true, .files = 60}) {}
 };
+
+/// Waits until a tool has made a file. False when it does not for a minute.
+bool comesToStand(const fs::path& file) {
+    for (int turn = 0; turn < 6000 && !fs::exists(file); ++turn)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return fs::exists(file);
+}
 
 }  // namespace
 
@@ -119,6 +131,41 @@ TEST(HealthRepairCommand, EndsWithStatusZeroWhenAllThatDoesNoHarmIsMended) {
             "Retargeted Ghost.app to " + (world.machine.home / "Applications/Ghost.app").native() + "."));
     EXPECT_EQ(world.run({"health", "repair", "--yes"}).status, 0) << "nothing is left that does no harm";
     EXPECT_EQ(columnOf(world.run({"health", "--format", "tsv"}).output, "kind").size(), 5U + 8U);
+}
+
+TEST(HealthCommand, EndsAtOnceWhenItIsAskedToWhileAToolHangs) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    HealthCommandWorld world;
+    const fs::path begun = world.folder / "begun";
+    const fs::path go = world.folder / "go";
+    world.replaceTool("codesign", "touch '" + begun.native() + "'\n" + test::waitFor(go));
+    test::RunningProgram program(world.command, world.onMachine({"health"}));
+    ASSERT_TRUE(comesToStand(begun));
+    program.signalGroup(SIGINT);
+    const auto finished = program.finish();
+    EXPECT_FALSE(fs::exists(go)) << "nobody has waited for the tool";
+    EXPECT_EQ(finished.status, 128 + SIGINT);
+    EXPECT_EQ(finished.output + finished.errors, "");
+    test::makeFile(go);
+}
+
+TEST(HealthRepairCommand, BeginsNoFurtherRepairOnceItIsAskedToEnd) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    BrokenCommandWorld world;
+    const fs::path begun = world.folder / "begun";
+    const fs::path go = world.folder / "go";
+    world.replaceTool("ditto", "touch '" + begun.native() + "'\n" + test::waitFor(go));
+    const fs::path container = world.machine.home / "Library/Containers/org.example.orchestra";
+    const fs::path unplugged = world.machine.root / "Applications/Unplugged.app";
+    test::RunningProgram program(world.command, world.onMachine({"health", "repair", container, unplugged, "--yes"}));
+    ASSERT_TRUE(comesToStand(begun));
+    program.signalGroup(SIGINT);
+    const auto finished = program.finish();
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_THAT(finished.errors, HasSubstr("Unplugged.app: Not started: the command was asked to end.\n"));
+    EXPECT_TRUE(fs::is_symlink(container));
+    EXPECT_TRUE(fs::is_symlink(unplugged));
+    test::makeFile(go);
 }
 
 TEST(HealthRepairCommand, AsksFirstAndNamesWhatItDoesToEach) {

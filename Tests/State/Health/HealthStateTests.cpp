@@ -232,11 +232,45 @@ TEST_F(HealthStateTest, StartsARepairAtOnceDuringACheck) {
 }
 
 TEST_F(HealthStateTest, PassesOverAFindingThatIsNotThereAnyMore) {
+    makeLink(applications / "Gone.app", "/nowhere/Gone.app");
     scan();
-    healthTab().repairHealth("nobody", 0);
+    healthTab().repairHealth("nobody", static_cast<int>(removeDangling));
     settle();
+    EXPECT_TRUE(fs::is_symlink(applications / "Gone.app"));
     EXPECT_EQ(state->lastInfo(), "");
     EXPECT_EQ(state->lastError(), "");
+}
+
+TEST_F(HealthStateTest, KeepsNoReportOfACheckThatWasStopped) {
+    scan();
+    makeLink(applications / "Gone.app", "/nowhere/Gone.app");
+    healthTab().refreshHealth();
+    healthTab().stop();
+    settle();
+    EXPECT_EQ(healthTab().problemCount(), 0) << "what a stopped check has not seen could be wrong too";
+    EXPECT_FALSE(healthTab().isScanningHealth());
+}
+
+TEST_F(HealthStateTest, BeginsNothingMoreWhenTheWindowIsGoing) {
+    makeBundle(applications / "Reverted.app");
+    makeFile(appsOnDrive / "Reverted.app/old");
+    makeLink(applications / "Gone.app", "/nowhere/Gone.app");
+    scan();
+    ASSERT_EQ(shown(0, "name"), "Gone.app");
+    holdCopyOf("Reverted.app");
+    healthTab().repairHealth(problem(1), reSymlinkReverted);
+    waitForHeldCopy();
+    dialogs.answers = {0};
+    EXPECT_FALSE(state->mayClose());
+    spinUntil([this] { return dialogs.asked.size() == 1; });
+    spinOnce();
+    healthTab().refreshHealth();
+    EXPECT_FALSE(healthTab().isScanningHealth());
+    healthTab().repairHealth(problem(), removeDangling);
+    letGo();
+    settle();
+    EXPECT_TRUE(fs::is_symlink(applications / "Gone.app"));
+    EXPECT_TRUE(fs::is_symlink(applications / "Reverted.app")) << "what was begun is finished";
 }
 
 TEST_F(HealthStateTest, AsksBeforeTheWindowClosesInTheMiddleOfARepair) {
