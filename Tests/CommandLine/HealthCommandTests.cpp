@@ -79,6 +79,20 @@ TEST(HealthCommand, ShowsFiguresSectionsAndTheLargest) {
     EXPECT_EQ(test::pictureOf(world.machine.root), before) << "it only looks";
 }
 
+TEST(HealthCommand, EndsWithStatusZeroOnlyWhenNothingIsWrong) {
+    const CommandWorld world(Practice::Options{.apps = 1, .specialApps = false, .files = 0});
+    const auto healthy = world.run({"health"});
+    EXPECT_EQ(healthy.status, 0);
+    EXPECT_EQ(healthy.output,
+              "Healthy 0  Problems 0  Scanned 0  Drives 0\n\nAll moved apps are healthy. Nothing to repair.\n");
+    EXPECT_EQ(healthy.errors, "");
+    EXPECT_EQ(world.run({"health", "repair"}).errors, "There is nothing that can be repaired without naming it.\n");
+    test::makeLink(world.machine.root / "Applications/Gone.app", "/nowhere/Gone.app");
+    const auto broken = world.run({"health"});
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_EQ(broken.errors, "1 problem was found.\n");
+}
+
 TEST(HealthCommand, TellsProgramsAllThatWasFound) {
     const HealthCommandWorld world;
     const auto tsv = world.run({"health", "--format", "tsv"});

@@ -120,7 +120,9 @@ void HealthState::repairHealth(const QString& id, int strategy) {
     const auto& all = m_problems.records();
     const auto issue = std::find_if(
         all.begin(), all.end(), [&](const HealthIssue& each) { return uniqueText(HealthIssueRow::key(each)) == id; });
-    if (issue != all.end()) repairHealth(*issue, static_cast<HealthRepairStrategy>(strategy));
+    if (issue == all.end()) return;
+    for (const auto& offer : HealthRepairStrategies::offers(issue->kind))
+        if (static_cast<int>(offer.strategy) == strategy) return repairHealth(*issue, offer.strategy);
 }
 
 void HealthState::repairHealth(const HealthIssue& issue, HealthRepairStrategy strategy) {

@@ -65,7 +65,7 @@ public:
     /// Checks everything anew, unless that is under way; the last report stays until the new one is there.
     Q_INVOKABLE void refreshHealth();
     /// Repairs the finding with that id in the way that one of its buttons names, tells how that went, and checks anew.
-    /// A finding that is not there any more is passed over, and so is one that is being repaired.
+    /// A finding that is not there any more is passed over, one that is being repaired, and what is no repair of it.
     Q_INVOKABLE void repairHealth(const QString& id, int strategy);
     void repairHealth(const HealthIssue& issue, HealthRepairStrategy strategy);
 

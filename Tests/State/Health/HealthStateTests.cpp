@@ -235,6 +235,8 @@ TEST_F(HealthStateTest, PassesOverAFindingThatIsNotThereAnyMore) {
     makeLink(applications / "Gone.app", "/nowhere/Gone.app");
     scan();
     healthTab().repairHealth("nobody", static_cast<int>(removeDangling));
+    for (const int strategy : {static_cast<int>(removeOrphan), -1, 99})
+        healthTab().repairHealth(shown(0, "id"), strategy);
     settle();
     EXPECT_TRUE(fs::is_symlink(applications / "Gone.app"));
     EXPECT_EQ(state->lastInfo(), "");
