@@ -7,6 +7,7 @@
 #include "CommandLine/Terminal.h"
 #include "Health/HealthCheck.h"
 #include "HealthRepair/HealthRepair.h"
+#include "HealthRepair/HealthRepairProof.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/LastComponent.h"
@@ -29,6 +30,8 @@ namespace {
 struct Repair {
     HealthIssue issue;
     HealthRepairStrategy strategy;
+
+    bool operator==(const Repair&) const = default;
 };
 /// What became of it: a sentence that the core says, or why it was not done.
 struct RepairEnd {
@@ -37,12 +40,9 @@ struct RepairEnd {
     bool hasFailed = false;
 };
 
-/// Ends soon when somebody asks the command to.
+/// A signal ends it at once, whatever a tool is still at: nothing has been changed.
 HealthReport checked(const Host& host) {
-    const SignalGuard guard;
-    auto report = HealthCheck::run(host, HealthCheck::applicationRoots(host), {.cancellation = SignalGuard::request()});
-    if (SignalGuard::isAskedToEnd()) throw Failure("CommandLine", 1, "The check was stopped.");
-    return report;
+    return HealthCheck::run(host, HealthCheck::applicationRoots(host));
 }
 
 std::optional<HealthRepairStrategy> strategyOf(const Options& options) {
@@ -61,27 +61,43 @@ std::optional<HealthRepairStrategy> repairOf(const Host& host, const HealthIssue
     return HealthRepairStrategies::isFor(issue.kind, *strategy) ? strategy : std::nullopt;
 }
 
-/// The findings at the paths that were named. Each must have one that can be repaired.
+bool isAt(const HealthIssue& issue, const fs::path& path) {
+    return issue.location == path || Files::isSameItem(Files::info(issue.location), Files::info(path));
+}
+
+[[noreturn]] void refuse(std::string sentence) {
+    throw Failure("CommandLine", 1, std::move(sentence));
+}
+
+/// What can be done about the findings at a path. There must be one that can be repaired.
+std::vector<Repair> repairsAt(const Host& host, const std::vector<HealthIssue>& problems, const fs::path& path,
+                              std::optional<HealthRepairStrategy> strategy) {
+    if (!Files::itemExists(path)) refuse(fmt::format("Nothing stands at {}.", path.native()));
+    bool isFound = false;
+    std::vector<Repair> repairs;
+    for (const HealthIssue& issue : problems) {
+        if (!isAt(issue, path)) continue;
+        isFound = true;
+        if (const auto repair = repairOf(host, issue, strategy, true)) repairs.push_back({issue, *repair});
+    }
+    if (!isFound) refuse(fmt::format("Nothing was found wrong with {}.", path.native()));
+    if (repairs.empty() && strategy)
+        refuse(fmt::format("What was found at {} has no repair {}.", path.native(),
+                           HealthRepairStrategies::name(*strategy)));
+    if (repairs.empty())
+        refuse(fmt::format("What was found at {} has no repair, or several: name one with --strategy.", path.native()));
+    return repairs;
+}
+
+/// What can be done at the paths that were named, each finding once.
 std::vector<Repair> named(const Host& host, const HealthReport& report, const Options& options) {
     const auto problems = report.problems();
     const auto strategy = strategyOf(options);
     std::vector<Repair> repairs;
-    for (const fs::path& written : options.paths) {
-        const fs::path path = WrittenPath::meant(written);
-        bool isFound = false;
-        const std::size_t before = repairs.size();
-        for (const HealthIssue& issue : problems) {
-            if (issue.location != path && !Files::isSameItem(Files::info(issue.location), Files::info(path))) continue;
-            isFound = true;
-            if (const auto repair = repairOf(host, issue, strategy, true)) repairs.push_back({issue, *repair});
-        }
-        if (!isFound) throw Failure("CommandLine", 1, fmt::format("Nothing was found wrong with {}.", path.native()));
-        if (repairs.size() == before)
-            throw Failure("CommandLine", 1,
-                          fmt::format("What was found at {} has {}.", path.native(),
-                                      strategy ? fmt::format("no repair {}", options.strategy)
-                                               : "no repair, or several: name one with --strategy"));
-    }
+    for (const fs::path& written : options.paths)
+        for (Repair& repair : repairsAt(host, problems, WrittenPath::meant(written), strategy))
+            if (std::find(repairs.begin(), repairs.end(), repair) == repairs.end())
+                repairs.push_back(std::move(repair));
     return repairs;
 }
 
@@ -113,7 +129,8 @@ std::vector<RepairEnd> perform(const Host& host, const std::vector<Repair>& repa
             continue;
         }
         try {
-            ends.push_back({repair, HealthRepair::perform(host, repair.issue, repair.strategy)});
+            const std::string sentence = HealthRepair::perform(host, repair.issue, repair.strategy);
+            ends.push_back({repair, sentence, !HealthRepairProof::isMended(host, repair.issue, repair.strategy)});
         } catch (const Failure& failure) {
             ends.push_back({repair, failure.description(), true});
         }
@@ -164,7 +181,10 @@ void repair(const Host& host, const Options& options) {
     const HealthReport report = checked(host);
     const auto repairs = options.paths.empty() ? all(host, report, options) : named(host, report, options);
     if (repairs.empty()) {
-        if (options.format == Format::human) Terminal::say("There is nothing that can be repaired without naming it.");
+        if (options.format == Format::human)
+            Terminal::say(options.strategy.empty()
+                              ? "There is nothing that can be repaired without naming it."
+                              : fmt::format("There is nothing that {} can repair.", options.strategy));
         return print({}, options.format);
     }
     Terminal::confirm(question(repairs), options.yes);

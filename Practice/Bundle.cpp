@@ -42,6 +42,7 @@ void write(TreeWriter& writer, const Bundle& bundle) {
     writer.folder(contents / "MacOS");
     writeDescription(writer, contents / "Info.plist", description(bundle, name, executable), bundle.form);
     writer.file(contents / "PkgInfo", "APPL????");
+    if (!bundle.hasProgram) return;
     writer.file(contents / "MacOS" / executable, fmt::format("#!/bin/sh\necho 'This is {}.'\n", name), 0755);
 }
 

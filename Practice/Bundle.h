@@ -21,6 +21,8 @@ struct Bundle {
     std::string executable = {};
     std::string copyright = {};
     Form form = Form::xml;
+    /// Without one its folder for programs is empty.
+    bool hasProgram = true;
 };
 
 /// Writes a bundle that prints its name when it is run.

@@ -52,6 +52,7 @@ int run(int argc, char** argv) {
         ->type_name("N")
         ->check(digits)
         ->capture_default_str();
+    app.add_flag("--broken", options.broken, "With one thing gone wrong of each kind that tarvik health finds");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -4,6 +4,8 @@
 #include "Platform/Files/Files.h"
 #include "Practice/Bundle.h"
 #include "Practice/Dice.h"
+#include "Practice/DriftedItems.h"
+#include "Practice/Records.h"
 #include "Practice/SpecialApps.h"
 #include "Practice/TreeWriter.h"
 
@@ -29,11 +31,13 @@ struct Place {
     bool holdsSounds = false;
     bool isNested = true;
     bool holdsSmallFiles = false;
+    /// Its links lead somewhere: the health check tells of those that do not.
+    bool isAppData = false;
 };
 
 constexpr std::array<Place, 10> places = {{
     {"Music/Logic Pro Library.bundle", 16, true},
-    {"Library/Application Support/Claude", 14},
+    {.path = "Library/Application Support/Claude", .share = 14, .isAppData = true},
     {"Downloads", 10, false, false},
     {"Library/Developer/Xcode/DerivedData", 24},
     {"Documents", 14},
@@ -46,7 +50,8 @@ constexpr std::array<Place, 10> places = {{
 
 /// Where an application's own files are: below its bundle, or below the home by its name or its identifier.
 constexpr Place inBundle = {"Contents/Resources", 12, false, true, true};
-constexpr Place inSupport = {"Library/Application Support", 6, false, true, true};
+constexpr Place inSupport = {
+    .path = "Library/Application Support", .share = 6, .holdsSmallFiles = true, .isAppData = true};
 constexpr Place inCaches = {"Library/Caches", 2, false, true, true};
 
 constexpr std::array<std::string_view, 24> words = {
@@ -103,7 +108,8 @@ void fill(TreeWriter& writer, Dice& dice, const fs::path& base, const Place& pla
         writer.noise(folder / name, size, {}, fileMode(dice));
         // Relative, so that a machine is the same wherever it stands; now and then one that leads nowhere.
         if (dice.onceIn(15))
-            writer.link(folder / fmt::format("Link {}", number), dice.onceIn(4) ? "gone/" + name : name);
+            writer.link(folder / fmt::format("Link {}", number),
+                        dice.onceIn(4) && !place.isAppData ? "gone/" + name : name);
     }
 }
 
@@ -185,7 +191,12 @@ Machine build(const fs::path& folder, const Options& options) {
     for (const auto* name : {"Desktop", "Library/Caches", "Library/Preferences"}) writer.folder(machine.home / name);
     for (std::size_t number = 0; number < options.apps; ++number)
         addApp(writer, dice, machine.root / "Applications", PlainApp(number));
-    if (options.specialApps) addSpecialApps(writer, machine);
+    if (options.specialApps || options.broken) {
+        Records records;
+        addSpecialApps(writer, machine, records);
+        if (options.broken) addDriftedItems(writer, machine, records);
+        records.write(writer, machine);
+    }
 
     std::vector<Part> parts;
     parts.reserve(places.size());

@@ -15,6 +15,9 @@ struct Options {
     std::size_t apps = 6;
     /// Some forty more, of every kind and at every place that the system tells apart, with their data.
     bool specialApps = true;
+    /// One finding of each kind that the health check tells apart, and some healthy ones. Some of them are among the
+    /// special applications, which the machine then has in any case.
+    bool broken = false;
     /// Files in the user's home and on the drives together, without what belongs to applications.
     std::size_t files = 300;
     /// Files of the plain applications together, in their bundles and among the user's data, beyond the few that every
@@ -38,7 +41,8 @@ struct Machine {
 };
 
 /// Builds the machine in `folder`, which is made if it is missing. Blocks; one caller at a time for one folder.
-/// @throws Failure when something stands in the folder already; FileError when it cannot be written.
+/// @throws Failure when something stands in the folder already, and when there is no tool to sign with for what shall
+/// be broken; FileError when it cannot be written.
 Machine build(const fs::path& folder, const Options& options = {});
 
 }  // namespace tarvik::Practice

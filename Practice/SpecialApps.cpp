@@ -1,26 +1,19 @@
 #include "Practice/SpecialApps.h"
 
-#include "Platform/Text/Json.h"
 #include "Platform/Text/PropertyList.h"
 #include "Practice/Bundle.h"
-#include "Practice/TrackingDatabase.h"
-#include "Records/HealthManifestEntry.h"
 
 #include <fmt/format.h>
 
 #include <array>
-#include <chrono>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tarvik::Practice {
 
 namespace {
 
 using Form = Bundle::Form;
-
-constexpr auto movedAt = std::chrono::sys_days{std::chrono::year{2026} / 11 / 15} + std::chrono::hours{17};
 
 /// The folders of one machine, by short names.
 struct Places {
@@ -99,7 +92,7 @@ void addLauncher(TreeWriter& writer, const fs::path& launcher, const fs::path& t
 }
 
 /// What stands on drives already, by links and launchers that work and that do not.
-void addMoved(TreeWriter& writer, const Places& at) {
+void addMoved(TreeWriter& writer, const Places& at, Records& records) {
     const fs::path linked = at.firstDrive / "Apps/Faraway.app";
     write(writer, {linked, identifierOf("faraway"), "5.5"});
     writer.link(at.applications / "Faraway.app", linked);
@@ -116,10 +109,7 @@ void addMoved(TreeWriter& writer, const Places& at) {
     const fs::path data = at.firstDrive / "Data/Library/Application Support/Faraway";
     writer.noise(data / "library.db", 40'000);
     writer.link(at.home / "Library/Application Support/Faraway", data);
-
-    const HealthManifestEntry entry{at.applications / "Faraway.app", linked, identifierOf("faraway"), 40'000, movedAt};
-    writer.file(at.home / "Library/Application Support/Tarvik/health-manifest.json",
-                Json::pretty(Json::encoded(std::vector{entry})));
+    records.addMove(at.applications / "Faraway.app", linked, identifierOf("faraway"), 40'000);
 }
 
 /// One application with data at every place where data is looked for, by identifier, name and program.
@@ -182,43 +172,30 @@ void addCopies(TreeWriter& writer, const Places& at) {
     write(writer, {at.firstDrive / "Apps/Twice.app", identifierOf("twice"), "1.9"});
 }
 
-void addTracking(TreeWriter& writer, const Places& at) {
+void addTracking(TreeWriter& writer, const Places& at, Records& records) {
     const fs::path tracked = at.home / "Documents/Full House Projects";
     writer.noise(tracked / "project.house", 8'000);
     // Without an identifier it is known by its name alone.
     const fs::path drawings = at.home / "Documents/Nameless Drawings";
     write(writer, {at.applications / "Nameless.app", {}, "0.9"});
     writer.noise(drawings / "first.drawing", 8'000);
-    writer.file(at.home / ".claude/tools/setupbook/db/installs.db",
-                TrackingDatabase::bytes({
-                    {"setupbook-1",
-                     "Full House",
-                     identifierOf("fullhouse"),
-                     "pkg",
-                     "2026-03-01T09:00:00Z",
-                     {tracked, at.applications / "Full House.app/Contents/Info.plist", at.home / "Documents/gone"}},
-                    {"setupbook-2", "Nameless", {}, "dmg", "2026-03-02T09:00:00Z", {drawings}},
-                    {"tarvik-00000000-0000-0000-0000-000000000001",
-                     "Faraway.app",
-                     identifierOf("faraway"),
-                     "app_move",
-                     "2026-11-15T17:00:00Z",
-                     {}},
-                }));
+    records.addInstall("Full House", identifierOf("fullhouse"), "pkg",
+                       {tracked, at.applications / "Full House.app/Contents/Info.plist", at.home / "Documents/gone"});
+    records.addInstall("Nameless", {}, "dmg", {drawings});
 }
 
 }  // namespace
 
-void addSpecialApps(TreeWriter& writer, const Machine& machine) {
+void addSpecialApps(TreeWriter& writer, const Machine& machine, Records& records) {
     const Places at(machine);
     addRisks(writer, at);
     addForms(writer, at);
     addPlaces(writer, at);
-    addMoved(writer, at);
+    addMoved(writer, at, records);
     addData(writer, at);
     addWellKnown(writer, at);
     addCopies(writer, at);
-    addTracking(writer, at);
+    addTracking(writer, at, records);
 }
 
 }  // namespace tarvik::Practice

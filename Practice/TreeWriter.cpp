@@ -2,6 +2,7 @@
 
 #include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/FileError.h"
+#include "Platform/Files/SystemCalls.h"
 
 #include <algorithm>
 #include <array>
@@ -89,6 +90,20 @@ void TreeWriter::link(const fs::path& path, const fs::path& target) {
     if (::utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW) != 0)
         throw FileError("set the time of", path, errno);
     ++m_machine.links;
+}
+
+void TreeWriter::damage(const fs::path& path) {
+    FileDescriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+    if (!file) throw FileError("open", path, errno);
+    struct stat status {};
+    char byte = 0;
+    if (::fstat(file.get(), &status) != 0 || ::pread(file.get(), &byte, 1, 0) != 1)
+        throw FileError("read", path, errno);
+    byte = static_cast<char>(byte ^ 1);
+    if (::pwrite(file.get(), &byte, 1, 0) != 1) throw FileError("write", path, errno);
+    const timespec moment = SystemCalls::contentChangeTime(status);
+    const struct timespec times[] = {moment, moment};
+    if (::futimens(file.get(), times) != 0) throw FileError("set the time of", path, errno);
 }
 
 void TreeWriter::finish() {

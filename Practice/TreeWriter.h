@@ -26,6 +26,8 @@ public:
     /// A sound file in the WAVE format that plays as noise, about `size` bytes long.
     void sound(const fs::path& path, std::int64_t size);
     void link(const fs::path& path, const fs::path& target);
+    /// Changes one byte of a file that holds some, as a worn drive does: its size and time stay.
+    void damage(const fs::path& path);
     /// Gives every folder its time, which the making of its entries has changed. Called once, at the end.
     void finish();
 

@@ -10,21 +10,28 @@
 
 namespace tarvik::test {
 
-CommandWorld::CommandWorld()
-    : machine(Practice::build(folder / "machine", {.apps = 1, .files = 60})),
+CommandWorld::CommandWorld() : CommandWorld(Practice::Options{.apps = 1, .files = 60}) {}
+
+CommandWorld::CommandWorld(const Practice::Options& options)
+    : machine(Practice::build(folder / "machine", options)),
       command(programOfThisBuild("tarvik")),
       library(machine.home / "Music/Logic Pro Library.bundle"),
       drive(machine.root / "Volumes/Studio Drive"),
       moved(drive / "ExternalTarvik/Folders/Logic Pro Library.bundle") {}
 
 CommandWorld::CommandWorld(const std::string& ditto) : CommandWorld() {
+    replaceTool("ditto", ditto);
+}
+
+void CommandWorld::replaceTool(const std::string& name, const std::string& script) {
     // Tools are looked for beside the program that runs.
     const auto programs = folder / "programs";
-    makeFolder(programs / "stand-ins");
-    fs::copy_file(command, programs / "tarvik");
+    const auto tool = programs / "stand-ins" / name;
+    makeFolder(tool.parent_path());
+    if (command != programs / "tarvik") fs::copy_file(command, programs / "tarvik");
     command = programs / "tarvik";
-    makeFile(programs / "stand-ins/ditto", scriptOf(ditto));
-    fs::permissions(programs / "stand-ins/ditto", fs::perms::owner_all);
+    makeFile(tool, scriptOf(script));
+    fs::permissions(tool, fs::perms::owner_all);
 }
 
 bool CommandWorld::takesMadeTools() {

@@ -11,8 +11,11 @@ namespace tarvik::test {
 /// A practice machine and the command that works on it.
 struct CommandWorld {
     CommandWorld();
+    explicit CommandWorld(const Practice::Options& options);
     /// The same with a copy tool that is a shell script; its arguments are --rsrc, the source and the destination.
     explicit CommandWorld(const std::string& ditto);
+    /// Lets the command run this shell script in the place of a tool, and no other tools but such ones.
+    void replaceTool(const std::string& name, const std::string& script);
     /// Whether the command runs tools that lie beside it, rather than those that the system has.
     static bool takesMadeTools();
 

@@ -3,10 +3,15 @@
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
+#include "Support/World.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <toml++/toml.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
 
 namespace tarvik {
 
@@ -28,7 +33,35 @@ struct HealthCommandWorld : CommandWorld {
     fs::path twiceOnDrive = machine.drives.front() / "ExternalTarvik/Apps/Twice.app";
 };
 
+/// The same with one finding of each kind.
+struct BrokenCommandWorld : CommandWorld {
+    BrokenCommandWorld() : CommandWorld(Practice::Options{.apps = 1, .broken = true, .files = 60}) {}
+};
+
+/// Waits until a tool has made a file. False when it does not for a minute.
+bool comesToStand(const fs::path& file) {
+    for (int turn = 0; turn < 6000 && !fs::exists(file); ++turn)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return fs::exists(file);
+}
+
 }  // namespace
+
+TEST(HealthCommand, ShowsASectionForEachKind) {
+    const BrokenCommandWorld world;
+    const auto finished = world.run({"health"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "11 problems were found.\n");
+    std::vector<std::string> headings;
+    for (const auto& line : linesOf(finished.output))
+        if (line.find(" (1)") != std::string::npos) headings.push_back(line.substr(0, line.find(" (1)")));
+    EXPECT_THAT(headings,
+                testing::ElementsAre("Dangling symlinks", "Empty bundles", "Corrupted bundles", "Broken launchers",
+                                     "Broken code signatures", "Sandbox path symlinked externally",
+                                     "Symlinked preference plists", "Reverted by auto-updater", "Orphaned SSD bundles",
+                                     "Missing tracked files", "Missing Spotlight launchers"));
+    EXPECT_EQ(linesOf(finished.output).front(), "Healthy 5  Problems 11  Scanned 8  Drives 2");
+}
 
 TEST(HealthCommand, ShowsFiguresSectionsAndTheLargest) {
     const HealthCommandWorld world;
@@ -44,6 +77,20 @@ TEST(HealthCommand, ShowsFiguresSectionsAndTheLargest) {
     EXPECT_THAT(finished.output, HasSubstr("\nReverted by auto-updater (1)  Total reclaimable: "));
     EXPECT_THAT(finished.output, HasSubstr("\nTop 10 largest healthy symlinked apps\n"));
     EXPECT_EQ(test::pictureOf(world.machine.root), before) << "it only looks";
+}
+
+TEST(HealthCommand, EndsWithStatusZeroOnlyWhenNothingIsWrong) {
+    const CommandWorld world(Practice::Options{.apps = 1, .specialApps = false, .files = 0});
+    const auto healthy = world.run({"health"});
+    EXPECT_EQ(healthy.status, 0);
+    EXPECT_EQ(healthy.output,
+              "Healthy 0  Problems 0  Scanned 0  Drives 0\n\nAll moved apps are healthy. Nothing to repair.\n");
+    EXPECT_EQ(healthy.errors, "");
+    EXPECT_EQ(world.run({"health", "repair"}).errors, "There is nothing that can be repaired without naming it.\n");
+    test::makeLink(world.machine.root / "Applications/Gone.app", "/nowhere/Gone.app");
+    const auto broken = world.run({"health"});
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_EQ(broken.errors, "1 problem was found.\n");
 }
 
 TEST(HealthCommand, TellsProgramsAllThatWasFound) {
@@ -66,13 +113,73 @@ TEST(HealthCommand, TellsProgramsAllThatWasFound) {
 TEST(HealthRepairCommand, RepairsOnItsOwnOnlyWhatDoesNoHarm) {
     const HealthCommandWorld world;
     const auto finished = world.run({"health", "repair", "--yes"});
-    EXPECT_EQ(finished.status, 0) << finished.errors;
     EXPECT_THAT(finished.output, HasSubstr("Installed/repaired 1 Spotlight launcher.\n"));
     EXPECT_TRUE(fs::is_symlink(world.unplugged)) << "its drive may only be away";
     EXPECT_TRUE(Files::exists(world.twiceOnDrive)) << "that needs a choice";
     const auto kinds = columnOf(world.run({"health", "--format", "tsv"}).output, "kind");
     EXPECT_THAT(kinds, Not(Contains("missingSpotlightLaunchers")));
     for (const char* stays : {"dangling", "reverted"}) EXPECT_THAT(kinds, Contains(stays));
+}
+
+TEST(HealthRepairCommand, EndsWithStatusOneWhenARepairOnlyTellsThatItCouldNot) {
+    const HealthCommandWorld world;
+    const fs::path ghost = world.applications / "Ghost.app";
+    const auto finished = world.run({"health", "repair", ghost, "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.output, "");
+    EXPECT_EQ(finished.errors,
+              "Ghost.app: Could not retarget Ghost.app. Reinstall the app or remove the broken launcher.\n"
+              "1 finding could not be repaired.\n");
+    EXPECT_THAT(columnOf(world.run({"health", "repair", ghost, "--yes", "--format", "tsv"}).output, "state"),
+                testing::ElementsAre("failed"));
+}
+
+TEST(HealthRepairCommand, EndsWithStatusZeroWhenAllThatDoesNoHarmIsMended) {
+    const BrokenCommandWorld world;
+    const auto finished = world.run({"health", "repair", "--yes"});
+    EXPECT_EQ(finished.status, 0) << finished.errors;
+    EXPECT_THAT(
+        linesOf(finished.output),
+        testing::ElementsAre(
+            "Forgot 2 stale tracked file entries for Scorebook.app.", "Installed/repaired 1 Spotlight launcher.",
+            "Retargeted Ghost.app to " + (world.machine.home / "Applications/Ghost.app").native() + "."));
+    EXPECT_EQ(world.run({"health", "repair", "--yes"}).status, 0) << "nothing is left that does no harm";
+    EXPECT_EQ(columnOf(world.run({"health", "--format", "tsv"}).output, "kind").size(), 5U + 8U);
+}
+
+TEST(HealthCommand, EndsAtOnceWhenItIsAskedToWhileAToolHangs) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    HealthCommandWorld world;
+    const fs::path begun = world.folder / "begun";
+    const fs::path go = world.folder / "go";
+    world.replaceTool("codesign", "touch '" + begun.native() + "'\n" + test::waitFor(go));
+    test::RunningProgram program(world.command, world.onMachine({"health"}));
+    ASSERT_TRUE(comesToStand(begun));
+    program.signalGroup(SIGINT);
+    const auto finished = program.finish();
+    EXPECT_FALSE(fs::exists(go)) << "nobody has waited for the tool";
+    EXPECT_EQ(finished.status, 128 + SIGINT);
+    EXPECT_EQ(finished.output + finished.errors, "");
+    test::makeFile(go);
+}
+
+TEST(HealthRepairCommand, BeginsNoFurtherRepairOnceItIsAskedToEnd) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    BrokenCommandWorld world;
+    const fs::path begun = world.folder / "begun";
+    const fs::path go = world.folder / "go";
+    world.replaceTool("ditto", "touch '" + begun.native() + "'\n" + test::waitFor(go));
+    const fs::path container = world.machine.home / "Library/Containers/org.example.orchestra";
+    const fs::path unplugged = world.machine.root / "Applications/Unplugged.app";
+    test::RunningProgram program(world.command, world.onMachine({"health", "repair", container, unplugged, "--yes"}));
+    ASSERT_TRUE(comesToStand(begun));
+    program.signalGroup(SIGINT);
+    const auto finished = program.finish();
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_THAT(finished.errors, HasSubstr("Unplugged.app: Not started: the command was asked to end.\n"));
+    EXPECT_TRUE(fs::is_symlink(container));
+    EXPECT_TRUE(fs::is_symlink(unplugged));
+    test::makeFile(go);
 }
 
 TEST(HealthRepairCommand, AsksFirstAndNamesWhatItDoesToEach) {
@@ -101,6 +208,71 @@ TEST(HealthRepairCommand, NeedsTheStrategyOfWhatHasTwo) {
     EXPECT_EQ(columnOf(named.output, "state").at(0), "done");
     EXPECT_THAT(columnOf(named.output, "description").at(0), HasSubstr("Reclaimed stale SSD copy of Twice.app."));
     EXPECT_TRUE(fs::is_directory(world.twice));
+}
+
+TEST(HealthRepairCommand, KnowsAPathThatIsWrittenInAnotherWay) {
+    const HealthCommandWorld world;
+    const fs::path alias = world.folder / "alias";
+    test::makeLink(alias, world.machine.root);
+    const auto finished = world.run({"health", "repair", alias / "Applications/Unplugged.app", "--yes"});
+    EXPECT_EQ(finished.output, "Removed dead symlink Unplugged.app.\n") << finished.errors;
+    EXPECT_FALSE(fs::is_symlink(world.unplugged));
+}
+
+TEST(HealthRepairCommand, RepairsOnceWhatIsNamedTwice) {
+    const HealthCommandWorld world;
+    const auto finished = world.run({"health", "repair", world.unplugged, world.unplugged, "--yes"});
+    EXPECT_EQ(finished.status, 0) << finished.errors;
+    EXPECT_EQ(finished.output, "Removed dead symlink Unplugged.app.\n");
+}
+
+TEST(HealthRepairCommand, RepairsNothingWhenOneOfItsPathsIsWrong) {
+    const HealthCommandWorld world;
+    const fs::path nowhere = world.folder / "nowhere";
+    const auto finished = world.run({"health", "repair", world.unplugged, nowhere, "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "Nothing stands at " + nowhere.native() + ".\n");
+    EXPECT_TRUE(fs::is_symlink(world.unplugged));
+}
+
+TEST(HealthRepairCommand, AsksNobodyWhereNobodyIs) {
+    const HealthCommandWorld world;
+    const auto finished = world.run({"health", "repair", world.unplugged});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.errors, "There is no terminal to ask on: pass --yes to go ahead without a question.\n");
+    EXPECT_EQ(world.run({"health", "repair", world.unplugged}, test::RunningProgram::Streams::none).status, 1);
+    EXPECT_TRUE(fs::is_symlink(world.unplugged));
+}
+
+TEST(HealthRepairCommand, LeavesOneOutcomeOfTwoThatRepairTheSameAtOnce) {
+    for (const char* strategy : {"removeOrphan", "reSymlinkReverted", "restoreSandboxExternal"}) {
+        SCOPED_TRACE(strategy);
+        const BrokenCommandWorld world;
+        const std::vector<std::string> arguments = {"health", "repair",   "--strategy", strategy,
+                                                    "--yes",  "--format", "tsv"};
+        test::RunningProgram one(world.command, world.onMachine(arguments));
+        test::RunningProgram other(world.command, world.onMachine(arguments));
+        std::vector<std::string> states;
+        for (test::RunningProgram* program : {&one, &other}) {
+            const auto finished = program->finish();
+            const auto some = columnOf(finished.output, "state");
+            states.insert(states.end(), some.begin(), some.end());
+            EXPECT_EQ(finished.status, some == std::vector<std::string>{"failed"} ? 1 : 0) << finished.errors;
+            for (const auto& sentence : columnOf(finished.output, "description")) EXPECT_THAT(sentence, Not(""));
+        }
+        EXPECT_THAT(states, Contains("done").Times(1));
+        // What one of them has done holds: no finding of that kind is left, and nothing half-way.
+        EXPECT_EQ(world.run({"health"}).errors, "10 problems were found.\n");
+        for (const auto& entry : fs::recursive_directory_iterator(world.machine.root))
+            EXPECT_THAT(entry.path().filename().native(), Not(testing::StartsWith(".tarvik-"))) << entry.path();
+    }
+}
+
+TEST(HealthRepairCommand, SaysWhenAStrategyHasNothingToDo) {
+    const HealthCommandWorld world;
+    const auto finished = world.run({"health", "repair", "--strategy", "restoreUnsafePrefs", "--yes"});
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.errors, "There is nothing that restoreUnsafePrefs can repair.\n");
 }
 
 TEST(HealthRepairCommand, SaysWhatIsWrongWithItsArguments) {

@@ -26,6 +26,13 @@ TEST(PracticeProgram, MakesAMachineAndSaysSo) {
     EXPECT_TRUE(fs::is_directory(folder / "machine/Applications"));
 }
 
+TEST(PracticeProgram, BreaksThingsWhenAsked) {
+    const test::TemporaryFolder folder;
+    const auto machine = (folder / "machine").native();
+    EXPECT_EQ(practice({machine, "--broken", "--apps", "0", "--files", "10"}).status, 0);
+    EXPECT_FALSE(fs::exists(folder / "machine/Applications/Half Removed.app/Contents/Info.plist"));
+}
+
 TEST(PracticeProgram, SaysWhyItRefuses) {
     const test::TemporaryFolder folder;
     test::makeFile(folder / "file");

@@ -1,4 +1,5 @@
 #include "Window/AppsWindowTest.h"
+#include "Window/HealthRows.h"
 
 namespace tarvik::test {
 
@@ -59,6 +60,21 @@ TEST_F(ItemMenu, ShowsACommonFolder) {
     window.click("revealItem");
     EXPECT_EQ(window.desktop().revealed, Paths{world.home / "Downloads"});
     EXPECT_EQ(window.text("sourceName"), "No folder selected");
+}
+
+TEST_F(ItemMenu, ShowsAFindingInTheFileManager) {
+    appOnDrive("Far");
+    makeLink(applications / "Lost.app", backup / "nowhere/Lost.app");
+    auto& window = open();
+    HealthRows::scan(window);
+    openMenuOf("issue-dangling-Lost.app/issueName");
+    window.click("revealItem");
+    EXPECT_EQ(window.desktop().revealed, Paths{applications / "Lost.app"});
+    EXPECT_TRUE(window.waitUntilHidden("revealItem"));
+    openMenuOf("largest-Far.app/largestName");
+    window.click("copyPathItem");
+    EXPECT_EQ(window.desktop().copied, Paths{applications / "Far.app"});
+    EXPECT_TRUE(fs::is_symlink(applications / "Lost.app")) << "a right click repairs nothing";
 }
 
 TEST_F(ItemMenu, BelongsToTheInnerOfTwoRows) {

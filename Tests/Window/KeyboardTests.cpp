@@ -1,4 +1,5 @@
 #include "Support/Bundles.h"
+#include "Window/HealthRows.h"
 #include "Window/WindowTest.h"
 
 #include <QAccessible>
@@ -106,6 +107,10 @@ TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
         window.openTab(tab);
         expectNames(window.window(), least, tab);
     }
+    HealthRows::scan(window);
+    expectNames(window.window(), 17, "health");
+    EXPECT_TRUE(window.isShown("issue-dangling-Far.app/repairButton-0"));
+    window.openTab("apps");
     window.click("viewPicker-all");
     window.click("app-Editor/appChevron");
     ASSERT_TRUE(window.waitUntilShown("category-Caches"));
@@ -122,6 +127,42 @@ TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
     window.click("moveAppsButton");
     ASSERT_TRUE(window.waitUntilShown("alertButton-1"));
     expectNames(window.window(), 27, "a question");
+}
+
+TEST_F(Keyboard, MendsFindingsWithoutThePointer) {
+    const fs::path applications = world.folder / "Applications";
+    makeLink(applications / "Lost.app", backup / "nowhere/Lost.app");
+    makeBundle(applications / "Reverted.app");
+    makeBundle(backup / "ExternalTarvik/Apps/Reverted.app");
+    makeBundle(backup / "ExternalTarvik/Apps/Far.app");
+    makeLink(applications / "Far.app", backup / "ExternalTarvik/Apps/Far.app");
+    auto& window = open(small);
+    window.press(Qt::Key_4, Qt::ControlModifier);
+    tabTo("scanButton");
+    window.press(Qt::Key_Space);
+    ASSERT_TRUE(window.waitUntilShown("issue-reverted-Reverted.app"));
+    tabTo("healthList");
+    window.press(Qt::Key_Tab);
+    EXPECT_TRUE(window.hasFocus("issue-dangling-Lost.app/repairButton-0"));
+    window.press(Qt::Key_Down);
+    EXPECT_TRUE(window.hasFocus("issue-reverted-Reverted.app"));
+    window.press(Qt::Key_Tab);
+    window.press(Qt::Key_Tab);
+    EXPECT_TRUE(window.hasFocus("issue-reverted-Reverted.app/repairButton-1")) << "of each row, all buttons";
+    window.press(Qt::Key_Tab);
+    EXPECT_TRUE(window.hasFocus("largestList")) << "and of one row alone";
+    window.press(Qt::Key_Backtab);
+    EXPECT_TRUE(window.hasFocus("issue-reverted-Reverted.app"));
+    window.press(Qt::Key_Tab);
+    window.press(Qt::Key_Tab);
+    window.press(Qt::Key_Return);
+    EXPECT_TRUE(window.waitForText("infoToast/toastText", "Re-symlinked Reverted.app to SSD."));
+    ASSERT_TRUE(window.waitUntilHidden("issue-reverted-Reverted.app"));
+    EXPECT_TRUE(window.hasFocus("healthList")) << "the keyboard stays with the findings";
+    window.press(Qt::Key_Up);
+    window.press(Qt::Key_Tab);
+    window.press(Qt::Key_Return);
+    EXPECT_TRUE(window.waitUntilShown("allHealthy"));
 }
 
 TEST_F(Keyboard, PressesOnceWhileAKeyIsHeldDown) {

@@ -3,6 +3,7 @@
 #include "HealthRepair/HealthRepairStrategy.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Storage/SizeCalculator.h"
+#include "State/Lists/FilePath.h"
 #include "State/Lists/ScreenText.h"
 
 #include <QVariantList>
@@ -27,6 +28,7 @@ std::vector<Role<HealthIssue>> roles() {
         {"id", [](const HealthIssue& issue) -> QVariant { return uniqueText(key(issue)); }},
         {"kind",
          [](const HealthIssue& issue) -> QVariant { return screenText(HealthIssueKind::rawValue(issue.kind)); }},
+        {"location", [](const HealthIssue& issue) { return QVariant::fromValue(FilePath(issue.location)); }},
         {"name", [](const HealthIssue& issue) -> QVariant { return screenText(lastComponent(issue.location)); }},
         {"locationText", [](const HealthIssue& issue) -> QVariant { return screenPath(issue.location); }},
         {"targetText",

@@ -94,6 +94,7 @@ QCoro::Task<> HealthState::check() {
     const auto end = qScopeGuard([this] {
         m_isScanning = false;
         emit isScanningHealthChanged();
+        forgetEndedRepairs();
     });
     const auto look = [host = host(), cancellation = m_stopChecking] {
         return HealthCheck::run(host, HealthCheck::applicationRoots(host), {.cancellation = cancellation});
@@ -109,11 +110,19 @@ void HealthState::take(HealthReport report) {
     emit healthReportChanged();
 }
 
+void HealthState::forgetEndedRepairs() {
+    for (const QString& id : std::exchange(m_endedRepairs, {})) m_repairing.removeOne(id);
+    emit repairingChanged();
+}
+
 void HealthState::repairHealth(const QString& id, int strategy) {
+    if (m_repairing.contains(id)) return;
     const auto& all = m_problems.records();
     const auto issue = std::find_if(
         all.begin(), all.end(), [&](const HealthIssue& each) { return uniqueText(HealthIssueRow::key(each)) == id; });
-    if (issue != all.end()) repairHealth(*issue, static_cast<HealthRepairStrategy>(strategy));
+    if (issue == all.end()) return;
+    for (const auto& offer : HealthRepairStrategies::offers(issue->kind))
+        if (static_cast<int>(offer.strategy) == strategy) return repairHealth(*issue, offer.strategy);
 }
 
 void HealthState::repairHealth(const HealthIssue& issue, HealthRepairStrategy strategy) {
@@ -121,7 +130,14 @@ void HealthState::repairHealth(const HealthIssue& issue, HealthRepairStrategy st
 }
 
 QCoro::Task<> HealthState::repair(HealthIssue issue, HealthRepairStrategy strategy) {
-    const auto again = qScopeGuard([this] { refreshHealth(); });
+    const QString id = uniqueText(HealthIssueRow::key(issue));
+    m_repairing.push_back(id);
+    emit repairingChanged();
+    const auto again = qScopeGuard([this, id] {
+        m_endedRepairs.push_back(id);
+        refreshHealth();
+        app().lookAgain();
+    });
     const auto held = app().actBeside({"Quit while something is being repaired?",
                                        "It will be repaired before the window closes.",
                                        {"Finish and Quit", "Cancel"}});

@@ -9,6 +9,7 @@
 
 #include <QAbstractItemModel>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
@@ -38,6 +39,8 @@ class HealthState : public TabState {
     Q_PROPERTY(QAbstractItemModel* problems READ problemsModel CONSTANT)
     /// The largest healthy ones.
     Q_PROPERTY(QAbstractItemModel* largest READ largestModel CONSTANT)
+    /// The ids of the findings that are being repaired, or were and wait for the report that tells how it is now.
+    Q_PROPERTY(QStringList repairing READ repairing NOTIFY repairingChanged)
 
 public:
     explicit HealthState(AppState& app);
@@ -53,6 +56,7 @@ public:
     QString lastScan() const;
     QAbstractItemModel* problemsModel() { return &m_problems; }
     QAbstractItemModel* largestModel() { return &m_largest; }
+    const QStringList& repairing() const { return m_repairing; }
 
     /// What heads the section of the findings of a kind, which is told by its name: `title` with their number, `icon`,
     /// `tone`, and `total`, which is empty where no sum is shown.
@@ -61,7 +65,7 @@ public:
     /// Checks everything anew, unless that is under way; the last report stays until the new one is there.
     Q_INVOKABLE void refreshHealth();
     /// Repairs the finding with that id in the way that one of its buttons names, tells how that went, and checks anew.
-    /// A finding that is not there any more is passed over.
+    /// A finding that is not there any more is passed over, one that is being repaired, and what is no repair of it.
     Q_INVOKABLE void repairHealth(const QString& id, int strategy);
     void repairHealth(const HealthIssue& issue, HealthRepairStrategy strategy);
 
@@ -72,16 +76,22 @@ public:
 signals:
     void isScanningHealthChanged();
     void healthReportChanged();
+    void repairingChanged();
 
 private:
     QCoro::Task<> check();
     QCoro::Task<> repair(HealthIssue issue, HealthRepairStrategy strategy);
     void take(HealthReport report);
+    /// Takes those off the list of what is being repaired that were, now that the check after it has ended.
+    void forgetEndedRepairs();
 
     std::optional<HealthReport> m_report;
     RecordListModel<HealthIssue> m_problems{HealthIssueRow::roles(), HealthIssueRow::key};
     RecordListModel<HealthIssue> m_largest{HealthIssueRow::roles(), HealthIssueRow::key};
     bool m_isScanning = false;
+    QStringList m_repairing;
+    /// Those of them whose repair has ended.
+    QStringList m_endedRepairs;
     /// Cancelled when the window goes: nobody waits for the check any more.
     Cancellation m_stopChecking;
 };

@@ -190,6 +190,9 @@ public:
     void setError(const QString& text);
     void setInfo(const QString& text);
 
+    /// Looks at what an act has changed on the disk: at everything, or, where that is dropped, at the links.
+    void lookAgain();
+
     /// Begins to make an act ready; see `UnderWay`. @throws Failure when something else is under way.
     [[nodiscard]] UnderWay::Hold prepare();
     /// Begins an act that must come to its end. @throws Failure when something else is under way.
@@ -235,8 +238,6 @@ private:
 
     /// Whether a refresh of all is dropped.
     bool isRefreshing() const;
-    /// Looks at what a run or a way back has changed: at everything, or, where that is dropped, at the links.
-    void lookAgain();
     void takeDrives(std::vector<DriveInfo> drives);
     void setSelectedDrive(std::optional<DriveInfo> drive);
     void refuseWhenBusy() const;

@@ -1,18 +1,22 @@
 import QtQuick
 import Tarvik
 
-/// One finding with what can be done about it.
+/// One finding with what can be done about it. Tab goes from the row to its buttons.
 ListRow {
     id: row
 
     required property string id
     required property string kind
+    required property var location
     required property string name
     required property string locationText
     required property string targetText
     required property string detail
     required property string sizeText
     required property var repairs
+    readonly property bool isCurrent: ListView.isCurrentItem
+    /// What the keyboard comes to behind all findings.
+    property Item following: null
 
     objectName: "issue-" + kind + "-" + name
     implicitHeight: column.implicitHeight + 2 * Theme.medium + Theme.small
@@ -21,6 +25,7 @@ ListRow {
     rightPadding: Theme.large
     Accessible.name: name + (sizeText !== "" ? ", " + sizeText : "")
     Accessible.description: detail
+    item: location
 
     contentItem: Item {
         Column {
@@ -53,6 +58,9 @@ ListRow {
             HealthIssueRowActions {
                 visible: row.repairs.length > 0
                 issueName: row.name
+                isOnKeyboard: row.isCurrent && !row.following?.activeFocus
+                following: row.following
+                isRepairing: HealthState.repairing.includes(row.id)
                 repairs: row.repairs
                 onRepair: strategy => HealthState.repairHealth(row.id, strategy)
             }
@@ -66,7 +74,7 @@ ListRow {
         border.color: Theme.border
         FocusRing {
             radius: Theme.radiusLarge
-            visible: row.ListView.isCurrentItem && row.list !== null && row.list.activeFocus && row.list.showsFocus
+            visible: row.activeFocus && row.list !== null && row.list.showsFocus
         }
     }
 }

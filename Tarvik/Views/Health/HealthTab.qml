@@ -71,8 +71,18 @@ Item {
                     visible: HealthState.problemCount === 0
                 }
             }
-            delegate: HealthIssueRow { width: list.contentWidth }
-            footer: HealthTopLargestSection { width: list.contentWidth }
+            delegate: HealthIssueRow {
+                width: list.contentWidth
+                following: (list.footerItem as HealthTopLargestSection)?.stop ?? null
+            }
+            footer: HealthTopLargestSection {
+                width: list.contentWidth
+                previous: list.currentItem as HealthIssueRow
+                onReached: list.positionViewAtEnd()
+                onAbandoned: if (list.currentItem) list.currentItem.focus = true
+            }
+            // Above the first one are the figures.
+            onCurrentIndexChanged: if (showsFocus && currentIndex === 0) positionViewAtBeginning()
         }
     }
 }

@@ -156,6 +156,55 @@ TEST_F(HealthStateTest, TellsWhyARepairFailedAndChecksAgainAllTheSame) {
     EXPECT_EQ(healthTab().healthyCount(), 1);
 }
 
+TEST_F(HealthStateTest, LetsTheOtherTabsShowWhatARepairHasChanged) {
+    makeBundle(applications / "Reverted.app");
+    makeBundle(appsOnDrive / "Reverted.app");
+    begin();
+    ASSERT_EQ(appsTab().apps().size(), 1U);
+    EXPECT_FALSE(appsTab().apps().front().entry.isAlreadySymlinked);
+    EXPECT_THAT(symlinksTab().symlinks(), IsEmpty());
+    scan();
+    healthTab().repairHealth(problem(), reSymlinkReverted);
+    settle();
+    EXPECT_EQ(state->lastInfo(), "Re-symlinked Reverted.app to SSD.");
+    EXPECT_TRUE(appsTab().apps().front().entry.isAlreadySymlinked);
+    ASSERT_EQ(symlinksTab().symlinks().size(), 1U);
+    EXPECT_EQ(symlinksTab().symlinks().front().id, applications / "Reverted.app");
+}
+
+TEST_F(HealthStateTest, LetsTheOtherTabsShowWhatAFailedRepairHasLeft) {
+    begin();
+    const HealthIssue issue{.kind = Kind::dangling, .location = applications / "Gone.app"};
+    makeLink(applications / "Gone.app", appsOnDrive / "Gone.app");
+    makeBundle(appsOnDrive / "Gone.app");
+    healthTab().repairHealth(issue, removeDangling);
+    settle();
+    EXPECT_NE(state->lastError(), "");
+    EXPECT_EQ(symlinksTab().symlinks().size(), 1U);
+}
+
+TEST_F(HealthStateTest, NamesWhatIsBeingRepairedUntilTheReportThatTellsOfIt) {
+    makeBundle(applications / "Reverted.app");
+    makeFile(appsOnDrive / "Reverted.app/old");
+    scan();
+    const QString id = shown(0, "id");
+    holdCopyOf("Reverted.app");
+    healthTab().repairHealth(id, static_cast<int>(reSymlinkReverted));
+    waitForHeldCopy();
+    EXPECT_EQ(healthTab().repairing(), QStringList{id});
+    healthTab().repairHealth(id, static_cast<int>(reclaimReverted));
+    EXPECT_EQ(healthTab().repairing(), QStringList{id}) << "the second press is passed over";
+    bool wasNamedDuringTheCheck = false;
+    QObject::connect(&healthTab(), &HealthState::healthReportChanged,
+                     [&] { wasNamedDuringTheCheck = healthTab().repairing().contains(id); });
+    letGo();
+    settle();
+    EXPECT_TRUE(wasNamedDuringTheCheck);
+    EXPECT_EQ(healthTab().repairing(), QStringList());
+    EXPECT_EQ(state->lastInfo(), "Re-symlinked Reverted.app to SSD.");
+    EXPECT_EQ(state->lastError(), "");
+}
+
 TEST_F(HealthStateTest, GivesEachOfTwoRepairsOneOutcome) {
     makeBundle(appsOnDrive / "Orphan.app");
     scan();
@@ -183,11 +232,47 @@ TEST_F(HealthStateTest, StartsARepairAtOnceDuringACheck) {
 }
 
 TEST_F(HealthStateTest, PassesOverAFindingThatIsNotThereAnyMore) {
+    makeLink(applications / "Gone.app", "/nowhere/Gone.app");
     scan();
-    healthTab().repairHealth("nobody", 0);
+    healthTab().repairHealth("nobody", static_cast<int>(removeDangling));
+    for (const int strategy : {static_cast<int>(removeOrphan), -1, 99})
+        healthTab().repairHealth(shown(0, "id"), strategy);
     settle();
+    EXPECT_TRUE(fs::is_symlink(applications / "Gone.app"));
     EXPECT_EQ(state->lastInfo(), "");
     EXPECT_EQ(state->lastError(), "");
+}
+
+TEST_F(HealthStateTest, KeepsNoReportOfACheckThatWasStopped) {
+    scan();
+    makeLink(applications / "Gone.app", "/nowhere/Gone.app");
+    healthTab().refreshHealth();
+    healthTab().stop();
+    settle();
+    EXPECT_EQ(healthTab().problemCount(), 0) << "what a stopped check has not seen could be wrong too";
+    EXPECT_FALSE(healthTab().isScanningHealth());
+}
+
+TEST_F(HealthStateTest, BeginsNothingMoreWhenTheWindowIsGoing) {
+    makeBundle(applications / "Reverted.app");
+    makeFile(appsOnDrive / "Reverted.app/old");
+    makeLink(applications / "Gone.app", "/nowhere/Gone.app");
+    scan();
+    ASSERT_EQ(shown(0, "name"), "Gone.app");
+    holdCopyOf("Reverted.app");
+    healthTab().repairHealth(problem(1), reSymlinkReverted);
+    waitForHeldCopy();
+    dialogs.answers = {0};
+    EXPECT_FALSE(state->mayClose());
+    spinUntil([this] { return dialogs.asked.size() == 1; });
+    spinOnce();
+    healthTab().refreshHealth();
+    EXPECT_FALSE(healthTab().isScanningHealth());
+    healthTab().repairHealth(problem(), removeDangling);
+    letGo();
+    settle();
+    EXPECT_TRUE(fs::is_symlink(applications / "Gone.app"));
+    EXPECT_TRUE(fs::is_symlink(applications / "Reverted.app")) << "what was begun is finished";
 }
 
 TEST_F(HealthStateTest, AsksBeforeTheWindowClosesInTheMiddleOfARepair) {

@@ -1,0 +1,66 @@
+#include "HealthRepair/HealthRepairProof.h"
+
+#include "Applications/AppClassifier.h"
+#include "Health/TrackedFilesChecker.h"
+#include "Launchers/NestedAppLauncherService.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/SystemFolders.h"
+
+#include <algorithm>
+
+namespace tarvik::HealthRepairProof {
+
+namespace {
+
+bool hasTargetGone(const HealthIssue& issue) {
+    return issue.target && !Files::itemExists(*issue.target);
+}
+
+bool isBack(const HealthIssue& issue) {
+    return Files::itemExists(issue.location) && !Files::isSymbolicLink(issue.location);
+}
+
+bool leadsSomewhere(const HealthIssue& issue) {
+    return Files::isSymbolicLink(issue.location) && Files::exists(issue.location);
+}
+
+bool opensSomething(const fs::path& launcher) {
+    const auto target = AppClassifier::readLauncherTarget(launcher);
+    return target && Files::exists(*target);
+}
+
+bool hasAllLaunchers(const Host& host, const fs::path& folderLink) {
+    const auto missing = NestedAppLauncherService::missingCandidates(host, SystemFolders::applications(host));
+    return std::none_of(missing.begin(), missing.end(),
+                        [&](const NestedAppLauncherCandidate& each) { return each.folderLink == folderLink; });
+}
+
+}  // namespace
+
+bool isMended(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+    using enum HealthRepairStrategy;
+    switch (strategy) {
+        case removeDangling:
+        case removeOrphan:
+            return !Files::itemExists(issue.location);
+        case removeEmpty:
+            return !Files::itemExists(issue.location) && hasTargetGone(issue);
+        case reclaimReverted:
+            return hasTargetGone(issue);
+        case reSymlinkReverted:
+        case repointDangling:
+            return leadsSomewhere(issue);
+        case forgetMissingTrackedFiles:
+            return issue.target && !TrackedFilesChecker::check(host, issue.location, *issue.target);
+        case repairSpotlightLaunchers:
+            return hasAllLaunchers(host, issue.location);
+        case repairBrokenLauncher:
+            return opensSomething(issue.location);
+        case restoreUnsafePrefs:
+        case restoreSandboxExternal:
+            return isBack(issue);
+    }
+    return false;
+}
+
+}  // namespace tarvik::HealthRepairProof
