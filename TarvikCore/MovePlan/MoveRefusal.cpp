@@ -64,7 +64,7 @@ Refusal bySystem(const Host& host, const fs::path& folder) {
 }
 
 /// The name of the drive on which `folder` is the root of all that was moved there; nothing for any other folder.
-Refusal driveOfExternalRoot(const Host& host, const fs::path& folder) {
+std::optional<std::string> driveOfExternalRoot(const Host& host, const fs::path& folder) {
     if (Text::nameKey(folder.filename().native()) != Text::nameKey(AppStorageNames::externalRoot)) return std::nullopt;
     const auto parent = Files::info(folder.parent_path());
     for (const Volume& volume : host.volumes->mounted())

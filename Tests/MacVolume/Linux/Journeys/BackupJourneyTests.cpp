@@ -72,6 +72,16 @@ TEST_F(MacBackup, HoldsNoEmptyFilesForThoseInTheCloud) {
     EXPECT_FALSE(Files::itemExists(mac->extended / "TarvikBackups"));
 }
 
+TEST_F(MacBackup, IsNoneOfWhatPrivacyKeeps) {
+    keepPrivate(letters / "more");
+    EXPECT_THAT(failureOf([&] { backUp({letters}, mac->extended); }), HasSubstr("can't be backed up as a whole: "));
+    keepPrivate(letters / "more", false);
+    const fs::path mail = mac->atHome("Library/Mail");
+    makeFile(mail / "V10/inbox");
+    keepPrivate(mail / "V10");
+    EXPECT_THAT(failureOf([&] { backUp({mail}, mac->extended); }), HasSubstr("Mail can't be backed up: macOS keeps "));
+}
+
 TEST_F(MacBackup, HoldsWhatIsLocked) {
     setMacFlags(letters / "more/rain.txt", MacFlag::userImmutable);
     denyDelete(letters);
