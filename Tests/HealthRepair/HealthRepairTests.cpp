@@ -3,6 +3,7 @@
 #include "Health/HealthWorld.h"
 #include "HealthRepair/HealthRepair.h"
 #include "Platform/Basics/Failure.h"
+#include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
@@ -155,6 +156,45 @@ TEST_F(HealthRepairs, ReclaimingTellsWhenTheDriveIsAway) {
     EXPECT_TRUE(fs::exists(issue.location));
     EXPECT_EQ(perform({.kind = Kind::reverted, .location = issue.location}, reclaimReverted),
               "Reclaimed stale SSD copy of Foo.app.");
+}
+
+TEST_F(HealthRepairs, ForgetTheMovesToACopyThatTheyTrash) {
+    const auto isRemembered = [&] { return !HealthManifest::load(world.host).empty(); };
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    perform(revertedApp(), reclaimReverted);
+    EXPECT_FALSE(isRemembered());
+    EXPECT_THAT(checked().problems(), IsEmpty());
+    fs::remove_all(world.applications / "Foo.app");
+    fs::remove_all(world.trash->folder);
+
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    perform(problem(), removeOrphan);
+    EXPECT_FALSE(isRemembered());
+    fs::remove_all(world.trash->folder);
+
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    world.trash->refuses = true;
+    perform(problem(), removeEmpty);
+    EXPECT_TRUE(isRemembered()) << "the copy is still there";
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    world.trash->refuses = false;
+    perform(problem(), removeEmpty);
+    EXPECT_FALSE(isRemembered());
+}
+
+TEST_F(HealthRepairs, GoOnWhereAKilledOneHasTrashedTheCopy) {
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted}) {
+        test::makeBundle(world.applications / "Foo.app");
+        world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+        const auto issue = problem();
+        EXPECT_THAT(issue.detail, testing::StartsWith("Manifest says"));
+        perform(issue, strategy);
+        EXPECT_THAT(checked().problems(), IsEmpty());
+        EXPECT_EQ(fs::is_symlink(world.applications / "Foo.app"), strategy == reSymlinkReverted);
+    }
 }
 
 TEST_F(HealthRepairs, ReclaimNoCopyThatALinkLeadsToAgain) {
