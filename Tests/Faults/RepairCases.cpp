@@ -96,17 +96,17 @@ RepairCase revertedCase(const World& world, HealthRepairStrategy strategy) {
 
 RepairCase orphanCase(const World& world) {
     const fs::path bundle = world.appsOnDrive / "Foo.app";
-    return {.strategy = removeOrphan,
-            .drift =
-                [=](const World& here) {
-                    makeApp(bundle, "1");
-                    makeLauncher(here.home / "Applications/Open Foo.app", bundle);
-                },
-            .location = bundle,
-            .trees = {bundle},
-            .isDone =
-                [=](const World& here) { return here.isInTrash(here.reference(0)) && !Files::itemExists(bundle); },
-            .isKnown = [=](const World& here) { return isSame(bundle, here.reference(0)); }};
+    return {
+        .strategy = removeOrphan,
+        .drift =
+            [=](const World& here) {
+                makeApp(bundle, "1");
+                makeLauncher(here.home / "Applications/Open Foo.app", bundle);
+            },
+        .location = bundle,
+        .trees = {bundle},
+        .isDone = [=](const World& here) { return here.isInTrash(here.reference(0)) && !Files::itemExists(bundle); },
+        .isKnown = [=](const World& here) { return isSame(bundle, here.reference(0)); }};
 }
 
 std::string trackedFiles(const World& world) {

@@ -28,7 +28,8 @@ void clearFolder(const fs::path& folder) {
     for (const auto& name : Files::names(folder)) fs::remove_all(folder / name);
 }
 
-/// The repair that was tried before, or else the one that there is. What came back without being forgotten is reclaimed.
+/// The repair that was tried before, or else the one that there is. What came back without being forgotten is
+/// reclaimed.
 std::optional<HealthRepairStrategy> strategyFor(const Host& host, const HealthIssue& issue,
                                                 HealthRepairStrategy tried) {
     if (HealthRepairStrategies::isFor(issue.kind, tried)) return tried;
@@ -44,10 +45,10 @@ RepairFaultWorld::RepairFaultWorld(HealthRepairStrategy strategy) : m_repair(rep
         fs::copy_file(programOfThisBuild(name), folder / "bin" / name);
     fs::create_symlink(programOfThisBuild("stand-ins/ditto"), folder / "bin/stand-ins/ditto");
     // A path on the tracer's own command line would pass for that of an application that runs.
-    makeFile(folder / "bin/repair",
-             "exec '" + (folder / "bin/tarvik").native() + "' --root '" + root.native() + "' --home '" + home.native() +
-                 "' --yes health repair '" + m_repair.location.native() + "' --strategy " +
-                 std::string(HealthRepairStrategies::name(strategy)) + "\n");
+    makeFile(folder / "bin/repair", "exec '" + (folder / "bin/tarvik").native() + "' --root '" + root.native() +
+                                        "' --home '" + home.native() + "' --yes health repair '" +
+                                        m_repair.location.native() + "' --strategy " +
+                                        std::string(HealthRepairStrategies::name(strategy)) + "\n");
     prepare();
     makeReferences();
 }

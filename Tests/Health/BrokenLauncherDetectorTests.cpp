@@ -15,7 +15,7 @@ using testing::IsEmpty;
 
 class BrokenLauncherDetection : public testing::Test {
 protected:
-    std::vector<HealthIssue> found() const { return BrokenLauncherDetector::detect(world.applications); }
+    std::vector<HealthIssue> found() const { return BrokenLauncherDetector::detect(world.host, world.applications); }
     void writeTarget(std::string_view text) const {
         test::makeFile(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt", text);
     }
@@ -54,7 +54,7 @@ TEST_F(BrokenLauncherDetection, TakesNothingElseForALauncher) {
     fs::remove(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt");
     test::makePipe(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt");
     EXPECT_THAT(found(), IsEmpty()) << "a pipe, which would never end";
-    EXPECT_THAT(BrokenLauncherDetector::detect("/nowhere"), IsEmpty());
+    EXPECT_THAT(BrokenLauncherDetector::detect(world.host, "/nowhere"), IsEmpty());
 }
 
 }  // namespace tarvik

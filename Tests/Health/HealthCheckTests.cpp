@@ -9,6 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 namespace tarvik {
 
 namespace {
@@ -141,6 +144,23 @@ TEST(HealthCheck, LeavesSizesOutOnDemand) {
     const HealthWorld world;
     world.moveApp("A.app");
     EXPECT_EQ(checked(world, {.sizes = HealthSizes::Wish::leftOut}).issues.at(0).sizeBytes, 0);
+}
+
+TEST(HealthCheck, EndsAtOnceWhenItIsCancelled) {
+    HealthWorld world;
+    world.moveApp("A.app");
+    const fs::path asked = world.folder / "asked";
+    world.host.tools.codesign = world.tool("codesign", "touch '" + asked.native() + "'; exec sleep 100");
+    const Cancellation cancellation;
+    std::thread user([&] {
+        while (!fs::exists(asked)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancellation.cancel();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    const auto report = checked(world, {.cancellation = cancellation});
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << "the tool's own limit";
+    user.join();
+    EXPECT_THAT(test::kindsAndNames(report.issues), ElementsAre("healthy A.app"));
 }
 
 TEST(HealthCheck, FindsEveryLinkOfADriveThatIsAwayDangling) {

@@ -55,6 +55,11 @@ TEST_F(SpotlightCheck, WarnsOfAnIndexThatCannotBeWritten) {
                             ". Launchpad search may not show new apps. Run: sudo mdutil -i on " + data));
 }
 
+TEST_F(SpotlightCheck, DrownsInNoFlood) {
+    EXPECT_THAT(warnings("yes | head -c 100000000", fine), IsEmpty());
+    EXPECT_THAT(warnings("printf '\\377'", fine), IsEmpty());
+}
+
 TEST_F(SpotlightCheck, WarnsOnceWhenNobodyAnswers) {
     const char* unknown = "Could not check Spotlight indexing; Launchpad visibility may lag.";
     EXPECT_THAT(warnings("exit 1", "exit 1"), ElementsAre(unknown));

@@ -13,7 +13,7 @@ using enum HealthIssue::Kind;
 
 class SymlinkInspection : public testing::Test {
 protected:
-    HealthIssue inspected() const { return SymlinkInspector::inspect("/Applications/Foo.app", target); }
+    HealthIssue inspected() const { return SymlinkInspector::inspect(world.host, "/Applications/Foo.app", target); }
 
     const test::HealthWorld world;
     const fs::path target = world.appsOnDrive / "Foo.app";
