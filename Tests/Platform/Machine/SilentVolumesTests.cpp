@@ -35,7 +35,8 @@ TEST_F(SilentVolumesNoted, HoldWhatLinksLeadTo) {
     test::makeLink(world.home / "relative", "absolute/deep");
     test::makeLink(world.home / "up", "../../Volumes/Silent");
     test::makeLink(world.home / "elsewhere", world.drive);
-    for (const char* name : {"absolute", "absolute/x", "relative/x", "up/x"}) EXPECT_TRUE(hold(world.home / name)) << name;
+    for (const char* name : {"absolute", "absolute/x", "relative/x", "up/x"})
+        EXPECT_TRUE(hold(world.home / name)) << name;
     EXPECT_FALSE(hold(world.home / "elsewhere/x"));
 }
 

@@ -54,8 +54,8 @@ protected:
         makeLink(host.home / "Library/WebKit", drive);
         makeLink(host.home / "Library/Group Containers", drive);
         makeLink(host.home / "Library/Preferences/x.plist", drive / "x.plist");
-        HealthManifest::record(host, {applications / "Away.app", drive / "ExternalTarvik/Apps/Away.app", std::nullopt,
-                                      1, host.now()});
+        HealthManifest::record(
+            host, {applications / "Away.app", drive / "ExternalTarvik/Apps/Away.app", std::nullopt, 1, host.now()});
         makeTrackingDatabase(InstallsDB::defaultPath(host));
         askDatabase(InstallsDB::defaultPath(host),
                     "INSERT INTO installs (install_id, app_name) VALUES ('one', 'Here.app');"
