@@ -40,8 +40,8 @@ void measure(int rounds) {
 
     const auto du = apps.du();
     Table::compare(
-        "check, tools that answer at once", [&] { check(host); }, "du -s of the bundles",
-        [&] { Measure::program(du); }, rounds, "<= 1.10");
+        "check, tools that answer at once", [&] { check(host); }, "du -s of the bundles", [&] { Measure::program(du); },
+        rounds, "<= 1.10");
     Table::milliseconds(
         "the same without sizes", [&] { check(host, HealthSizes::Wish::leftOut); }, rounds, "150 ms");
     Table::milliseconds(
@@ -49,8 +49,7 @@ void measure(int rounds) {
     Host toolsThatRun = host;
     toolsThatRun.tools.codesign = toolsThatRun.tools.xcrun = "/bin/true";
     Table::milliseconds(
-        "without sizes, 1,500 runs of /bin/true", [&] { check(toolsThatRun, HealthSizes::Wish::leftOut); }, rounds,
-        "");
+        "without sizes, 1,500 runs of /bin/true", [&] { check(toolsThatRun, HealthSizes::Wish::leftOut); }, rounds, "");
     Table::line("peak memory of the command", fmt::format("{:.1f} MB", peakMemory(host) / 1e6), "", "", "", "60 MB");
 }
 
