@@ -9,8 +9,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace tarvik::HealthSpeed {
 
@@ -29,6 +34,36 @@ print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024))";
     return std::stod(Measure::program({"python3", "-c", script, (ProgramLocation::folder() / "tarvik").native(),
                                        "--root", host.root.native(), "health"})
                          .output);
+}
+
+/// What the window tells of one check, a value for each name.
+std::map<std::string, double> checkInWindow(const Host& host) {
+    const auto run = Measure::program(
+        {(ProgramLocation::folder() / "tarvik-window").native(), "--root", host.root.native(), "--measure-health"});
+    std::istringstream lines(run.output);
+    std::map<std::string, double> values;
+    std::string name;
+    for (double value = 0; lines >> name >> value;) values[name] = value;
+    return values;
+}
+
+/// The window with the programs of this build for its tools.
+void measureWindow(const Host& host, int rounds) {
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::setenv("QT_QUICK_BACKEND", "software", 1);
+    std::map<std::string, std::vector<double>> values;
+    for (int round = 0; round <= rounds; ++round)
+        for (const auto& [name, value] : checkInWindow(host))
+            if (round > 0) values[name].push_back(value);
+    const auto text = [&](const std::string& name) {
+        return fmt::format("{:.0f} ms", Measure::median(values.at(name)));
+    };
+    const auto most = [&](const std::string& name) {
+        return fmt::format("{:.0f} ms", *std::max_element(values.at(name).begin(), values.at(name).end()));
+    };
+    Table::line("check in the window, real stand-ins", text("check"), "", "", "", "");
+    Table::line("event loop stood still meanwhile", text("gap"), "the worst of all", most("gap"), "", "50 ms");
+    Table::line("  its thread worked in one turn", text("work"), "the worst of all", most("work"), "", "");
 }
 
 }  // namespace
@@ -50,6 +85,7 @@ void measure(int rounds) {
     toolsThatRun.tools.codesign = toolsThatRun.tools.xcrun = "/bin/true";
     Table::milliseconds(
         "without sizes, 1,500 runs of /bin/true", [&] { check(toolsThatRun, HealthSizes::Wish::leftOut); }, rounds, "");
+    measureWindow(host, rounds);
     Table::line("peak memory of the command", fmt::format("{:.1f} MB", peakMemory(host) / 1e6), "", "", "", "60 MB");
 }
 

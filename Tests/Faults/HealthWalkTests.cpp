@@ -1,5 +1,5 @@
-// What the health check asks of the system while it walks through data, and what it makes of a link that cannot be read:
-// told by a tracer of its system calls.
+// What the health check asks of the system while it walks through data, and what it makes of a link that cannot be
+// read: told by a tracer of its system calls.
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/CommandRunner.h"
 #include "Platform/Text/Text.h"
