@@ -52,6 +52,14 @@ TEST_F(BrokenSignatureDetection, TellsOfATicketThatFails) {
     EXPECT_EQ(found(linkTo("Bar.app")).at(0).detail, "codesign verify failed. seal broken stapler: Ticket bad.");
 }
 
+TEST_F(BrokenSignatureDetection, SaysNothingOfACheckThatPassed) {
+    world.host.tools.codesign = world.tool("codesign", "echo 'valid on disk'");
+    answerTicket("echo 'Ticket bad.'; exit 65");
+    EXPECT_EQ(found(linkTo("Foo.app")).at(0).detail, "codesign verify failed. stapler: Ticket bad.");
+    answerTicket("exit 65");
+    EXPECT_EQ(found(linkTo("Bar.app")).at(0).detail, "codesign verify failed.");
+}
+
 TEST_F(BrokenSignatureDetection, SaysNoMoreThanTheToolDoes) {
     world.signAll();
     world.host.tools.codesign = world.tool("codesign", "case $1 in --verify) exit 1;; esac");
@@ -106,6 +114,21 @@ TEST_F(BrokenSignatureDetection, GivesUpToolsThatHang) {
     for (std::chrono::milliseconds limit(50); !fs::exists(asked); limit *= 2)
         EXPECT_THAT(SignatureBrokenDetector::detect(world.host, links, {}, limit), IsEmpty());
     EXPECT_LT(test::contentOf(asked).size() / 2, links.size() / 2);
+}
+
+TEST_F(BrokenSignatureDetection, GivesNoToolUpThatIsSlowForSomeBundles) {
+    world.signAll();
+    world.host.tools.codesign = world.tool(
+        "codesign", "case $1$4 in --verify*slow*) exec sleep 100;; --verify*) echo broken >&2; exit 1;; esac");
+    Links links;
+    for (int number = 0; number < 6; ++number)
+        for (const char* name : {"slow.app", "quick.app"})
+            links.push_back(linkTo(std::to_string(number) + " " + name).front());
+    std::size_t count = 0;
+    // A machine that is slow itself gets more time.
+    for (std::chrono::milliseconds limit(400); count < 6 && limit < std::chrono::seconds(30); limit *= 2)
+        count = SignatureBrokenDetector::detect(world.host, links, {}, limit).size();
+    EXPECT_EQ(count, 6U);
 }
 
 TEST_F(BrokenSignatureDetection, FindsNothingWithoutItsTools) {

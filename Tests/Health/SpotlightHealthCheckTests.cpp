@@ -55,6 +55,11 @@ TEST_F(SpotlightCheck, WarnsOfAnIndexThatCannotBeWritten) {
                             ". Launchpad search may not show new apps. Run: sudo mdutil -i on " + data));
 }
 
+TEST_F(SpotlightCheck, TakesNoAnswerThatComesTooLate) {
+    const char* late = "trap 'exit 0' TERM; while :; do sleep 0.01; done";
+    EXPECT_THAT(warnings(late, "echo 'Indexing disabled.'", std::chrono::milliseconds(500)), testing::SizeIs(1));
+}
+
 TEST_F(SpotlightCheck, DrownsInNoFlood) {
     EXPECT_THAT(warnings("yes | head -c 100000000", fine), IsEmpty());
     EXPECT_THAT(warnings("printf '\\377'", fine), IsEmpty());

@@ -72,6 +72,15 @@ TEST_F(HealthRepairs, RemoveALinkThatLeadsNowhere) {
     EXPECT_THAT(checked().issues, IsEmpty());
 }
 
+TEST_F(HealthRepairs, KnowLinksAgainThatAreRelative) {
+    test::makeLink(world.applications / "Gone.app", "../Volumes/Backup/Gone.app");
+    EXPECT_EQ(perform(problem(), removeDangling), "Removed dead symlink Gone.app.");
+    test::makeLink(world.library / "Logs/Editor/data", "../gone");
+    EXPECT_EQ(perform(problem(), removeDangling), "Removed dead symlink data.");
+    test::makeLink(world.library / "Preferences/x.plist", "../elsewhere.plist");
+    EXPECT_EQ(refusal(problem(), restoreUnsafePrefs), "Source path no longer exists.");
+}
+
 TEST_F(HealthRepairs, RemoveNoLinkThatLeadsSomewhereByNow) {
     test::makeLink(world.applications / "Gone.app", world.appsOnDrive / "Gone.app");
     const auto issue = problem();
@@ -87,7 +96,7 @@ TEST_F(HealthRepairs, RemoveNoLinkThatLeadsSomewhereByNow) {
 }
 
 TEST_F(HealthRepairs, CleanUpABundleThatIsNone) {
-    for (const char* rest : {"Contents", "Contents/Info.plist"}) {
+    for (const char* rest : {"Contents", "Contents/Info.plist", "Contents/MacOS/program"}) {
         if (std::string_view(rest) == "Contents")
             test::makeFolder(world.appsOnDrive / "Foo.app" / rest);
         else
