@@ -135,6 +135,27 @@ TEST_F(HealthRepairs, CleanUpNoBundleThatWasInstalledAnew) {
     const auto issue = problem();
     test::makeBundle(world.appsOnDrive / "Foo.app");
     expectStale(issue, removeEmpty);
+    fs::remove_all(world.appsOnDrive / "Foo.app");
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    fs::remove(issue.location);
+    test::makeLink(issue.location, world.appsOnDrive / "Bar.app");
+    expectStale(issue, removeEmpty);
+}
+
+TEST_F(HealthRepairs, RetargetNoLauncherThatHasChanged) {
+    const fs::path launcher = world.applications / "Foo.app";
+    const fs::path target = world.folder / "gone/Foo.app";
+    test::makeLauncher(launcher, target);
+    const auto issue = problem();
+    test::makeBundle(target);
+    expectStale(issue, repairBrokenLauncher);
+    fs::remove_all(target);
+    test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", "/nowhere/Other.app");
+    expectStale(issue, repairBrokenLauncher);
+    test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", target.native());
+    fs::rename(launcher, world.folder / "elsewhere.app");
+    test::makeLink(launcher, world.folder / "elsewhere.app");
+    expectStale(issue, repairBrokenLauncher);
 }
 
 TEST_F(HealthRepairs, ReclaimTheCopyOfARevertedApplication) {
