@@ -1,9 +1,11 @@
 // Holds Tarvik against what a user would pick instead, side by side in one run, and prints tables of ratios.
 //   tarvik-benchmark [FILES] [ROUNDS]          all parts
 //   tarvik-benchmark discovery [ROUNDS]        how quickly applications and links are found
+//   tarvik-benchmark health [ROUNDS]           how long the check of everything that was moved takes
 //   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
 //   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
 #include "Discovery.h"
+#include "Health.h"
 #include "Measure.h"
 #include "Moves.h"
 #include "Platform/Processes/ProgramLocation.h"
@@ -50,6 +52,7 @@ void runPart(const std::string& part, const std::vector<std::string>& words) {
     Sizes sizes;
     if (words.size() > 1) setRounds(sizes, words[1]);
     if (part == "discovery") return Discovery::measure(sizes.rounds);
+    if (part == "health") return HealthSpeed::measure(sizes.rounds);
     WindowSpeed::measure(sizes.rounds);
 }
 
@@ -58,6 +61,7 @@ void runAll(const Sizes& sizes) {
     const std::string rounds = std::to_string(sizes.rounds);
     const std::string program = ProgramLocation::executable();
     Measure::part({program, "discovery", rounds});
+    Measure::part({program, "health", rounds});
     Measure::part({program, "window", rounds});
     Measure::part({program, "moves", std::to_string(sizes.files), rounds});
 }
@@ -68,7 +72,7 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::string part = words.empty() ? "" : words.front();
-        if (part == "discovery" || part == "window" || part == "moves") {
+        if (part == "discovery" || part == "health" || part == "window" || part == "moves") {
             runPart(part, words);
         } else {
             runAll(sizesFrom(words, 0));

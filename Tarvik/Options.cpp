@@ -53,6 +53,8 @@ Options Options::parse(const std::vector<std::string>& arguments) {
             options.measuresRefresh = true;
         } else if (argument == "--measure-scrolling") {
             options.measuresRefresh = options.measuresScrolling = true;
+        } else if (argument == "--measure-health") {
+            options.measuresHealth = true;
         } else if (argument == "--version") {
             options.wantsVersion = true;
         } else if (argument == "--help" || argument == "-h") {
@@ -74,6 +76,7 @@ std::string Options::help() {
            "  --time-to-first-frame  print the milliseconds from the start to the first frame and quit\n"
            "  --measure-refresh      print what the first refresh takes and quit\n"
            "  --measure-scrolling    the same while the list is scrolled\n"
+           "  --measure-health       print what the check of everything that was moved takes and quit\n"
            "  --version, --help\n";
 }
 

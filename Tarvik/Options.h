@@ -21,6 +21,8 @@ struct Options {
     /// See `RefreshMeasurement`.
     bool measuresRefresh = false;
     bool measuresScrolling = false;
+    /// See `HealthMeasurement`.
+    bool measuresHealth = false;
     bool wantsVersion = false;
     bool wantsHelp = false;
 

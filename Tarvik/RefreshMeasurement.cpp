@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <time.h>
 
 namespace tarvik {
 
@@ -20,13 +19,6 @@ constexpr int frameMilliseconds = 16;
 constexpr double scrollStep = 400;
 /// What comes after the sizes, such as the last rows taking their places, is watched too.
 constexpr int restMilliseconds = 500;
-
-/// What a thread or the whole program has worked so far, in milliseconds.
-double processorTime(clockid_t clock) {
-    timespec time{};
-    ::clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 }  // namespace
 
@@ -39,9 +31,7 @@ RefreshMeasurement::RefreshMeasurement(AppsState& state, bool scrolls)
             endOfScan();
         }
     });
-    m_ticks.setTimerType(Qt::PreciseTimer);
     m_scrolling.setTimerType(Qt::PreciseTimer);
-    connect(&m_ticks, &QTimer::timeout, this, &RefreshMeasurement::takeTick);
     connect(&m_scrolling, &QTimer::timeout, this, &RefreshMeasurement::scroll);
 }
 
@@ -50,18 +40,7 @@ void RefreshMeasurement::watch(QQuickWindow& window) {
     window.findChild<ShownApps*>()->setScope(ShownApps::Scope::all);
     connect(&window, &QQuickWindow::afterAnimating, this, [this] { m_hasPolishedRows = hasRows(); });
     connect(&window, &QQuickWindow::frameSwapped, this, &RefreshMeasurement::takeFrame);
-    m_lastTick = now();
-    m_workAtLastTick = processorTime(CLOCK_THREAD_CPUTIME_ID);
-    m_ticks.start(1);
-}
-
-void RefreshMeasurement::takeTick() {
-    const double time = now();
-    const double work = processorTime(CLOCK_THREAD_CPUTIME_ID);
-    m_longestGap = std::max(m_longestGap, time - m_lastTick);
-    m_mostWork = std::max(m_mostWork, work - m_workAtLastTick);
-    m_lastTick = time;
-    m_workAtLastTick = work;
+    m_loop.start();
 }
 
 void RefreshMeasurement::takeFrame() {
@@ -82,7 +61,7 @@ void RefreshMeasurement::scroll() {
 
 void RefreshMeasurement::endOfScan() {
     m_allSized = now();
-    m_workUntilSized = processorTime(CLOCK_PROCESS_CPUTIME_ID);
+    m_workUntilSized = programProcessorTime();
     auto* end = new QTimer(this);
     connect(end, &QTimer::timeout, this, [this] {
         if (m_scrolling.isActive() || !m_listShown) return;
@@ -94,7 +73,7 @@ void RefreshMeasurement::endOfScan() {
 
 void RefreshMeasurement::print() const {
     std::printf("list %.1f\nsizes %.1f\nprocessor %.1f\ngap %.1f\nwork %.1f\n", *m_listShown, *m_allSized,
-                m_workUntilSized, m_longestGap, m_mostWork);
+                m_workUntilSized, m_loop.longestGap(), m_loop.mostWork());
 }
 
 bool RefreshMeasurement::hasRows() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LoopWatch.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
@@ -17,8 +19,8 @@ class AppsState;
 /// quits. UI thread only; to be made before the views are, as these begin the refresh.
 ///
 /// The lines that it prints, a word and a number of milliseconds each: `list` until the first frame with rows, `sizes`
-/// until all are measured and in order, `processor` what this program has worked until then, `gap` the longest time in
-/// which the event loop did not turn, and `work` the most that its thread has worked in one such time.
+/// until all are measured and in order, `processor` what this program has worked until then, and `gap` and `work` as
+/// `LoopWatch` tells them.
 class RefreshMeasurement : public QObject {
 public:
     /// With `scrolls` the list goes from top to bottom, to and fro as long as sizes come in.
@@ -27,7 +29,6 @@ public:
     void watch(QQuickWindow& window);
 
 private:
-    void takeTick();
     void takeFrame();
     void scroll();
     void endOfScan();
@@ -38,16 +39,12 @@ private:
     AppsState& m_state;
     const bool m_scrolls;
     QQuickItem* m_list = nullptr;
-    QTimer m_ticks;
+    LoopWatch m_loop;
     QTimer m_scrolling;
     QElapsedTimer m_sinceRefresh;
     std::optional<double> m_listShown;
     std::optional<double> m_allSized;
     double m_workUntilSized = 0;
-    double m_lastTick = 0;
-    double m_workAtLastTick = 0;
-    double m_longestGap = 0;
-    double m_mostWork = 0;
     double m_step;
     bool m_hasPolishedRows = false;
     bool m_hasSeenBottom = false;

@@ -1,5 +1,6 @@
 #include "Appearance.h"
 #include "CloseGuard.h"
+#include "HealthMeasurement.h"
 #include "Options.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Processes/StandardStreams.h"
@@ -76,6 +77,8 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     engine.setInitialProperties(initial);
     std::optional<RefreshMeasurement> measurement;
     if (options.measuresRefresh) measurement.emplace(state.tab<AppsState>(), options.measuresScrolling);
+    std::optional<HealthMeasurement> healthMeasurement;
+    if (options.measuresHealth) healthMeasurement.emplace(state);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tarvik/Views/MainWindow.qml")));
     if (engine.rootObjects().isEmpty()) return EXIT_FAILURE;
 
@@ -85,6 +88,7 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     if (options.picture) savePictureWhenReady(window, state, *options.picture);
     if (options.wantsTimeToFirstFrame) printTimeOfFirstFrame(window);
     if (measurement) measurement->watch(window);
+    if (healthMeasurement) healthMeasurement->watch(window);
     return application.exec();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Health/HealthIssue.h"
+#include "Platform/Machine/Host.h"
 
 #include <vector>
 
@@ -8,6 +9,6 @@
 namespace tarvik::BrokenLauncherDetector {
 
 /// Looks at the bundles directly in `applicationRoot`. Blocks; any thread; never fails.
-std::vector<HealthIssue> detect(const fs::path& applicationRoot);
+std::vector<HealthIssue> detect(const Host& host, const fs::path& applicationRoot);
 
 }  // namespace tarvik::BrokenLauncherDetector

@@ -3,6 +3,7 @@
 #include "Launchers/StaleRootRetarget.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
+#include "Platform/Machine/SilentVolumes.h"
 
 #include <fmt/format.h>
 
@@ -35,7 +36,7 @@ void judge(const Host& host, const fs::path& link, std::vector<HealthIssue>& iss
     const auto text = Files::linkText(link);
     if (!text) return;
     const fs::path target = link.parent_path() / *text;
-    if (!Files::isMissing(target)) return;
+    if (!SilentVolumes::hold(host, target) && !Files::isMissing(target)) return;
     issues.push_back({.kind = HealthIssue::Kind::dangling,
                       .location = link,
                       .target = target,
@@ -48,6 +49,7 @@ std::vector<HealthIssue> detect(const Host& host, const Cancellation& cancellati
     std::vector<HealthIssue> issues;
     for (const char* name : roots) {
         const fs::path root = host.home / name;
+        if (SilentVolumes::hold(host, root)) continue;
         // A data folder that was moved as a whole is looked at where it is.
         TreeWalk walk(Files::resolved(root).value_or(root), {.skipsHidden = true});
         while (!cancellation.isCancelled() && walk.next()) {

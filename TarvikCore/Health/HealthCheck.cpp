@@ -15,17 +15,27 @@
 #include "Launchers/NestedAppLauncherService.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <future>
 #include <iterator>
 #include <map>
+#include <memory>
 #include <set>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace tarvik::HealthCheck {
 
 namespace {
+
+/// How soon a check that is cancelled is told so.
+constexpr std::chrono::milliseconds glance{50};
 
 using Links = std::vector<ApplicationsRootScan::Link>;
 using Issues = std::vector<HealthIssue>;
@@ -37,7 +47,7 @@ void append(Issues& issues, Issues more) {
 /// A finding for each link, and behind a healthy one what its application lacks.
 void inspect(const Host& host, const Links& links, const HealthSizes& sizes, HealthReport& report) {
     Issues inspected;
-    for (const auto& link : links) inspected.push_back(SymlinkInspector::inspect(link.location, link.target));
+    for (const auto& link : links) inspected.push_back(SymlinkInspector::inspect(host, link.location, link.target));
     sizes.fill(inspected, [](const HealthIssue& issue) -> const fs::path& { return *issue.target; });
     for (HealthIssue& issue : inspected) {
         const bool isHealthy = issue.kind == HealthIssue::Kind::healthy;
@@ -87,13 +97,7 @@ std::set<fs::path> standardizedSet(const Links& links, fs::path ApplicationsRoot
     return paths;
 }
 
-}  // namespace
-
-std::vector<fs::path> applicationRoots(const Host& host) {
-    return {SystemFolders::applications(host)};
-}
-
-HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
+HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
     const HealthSizes sizes(host, options.sizes, options.cancellation);
     HealthReport report;
     const auto [links, realAppNames] = ApplicationsRootScan::scan(applicationRoots);
@@ -105,7 +109,7 @@ HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots
     auto reverted = SSDRevertDetector::detect(host, report.scannedDrives, realAppNames, sizes);
     append(issues, std::move(reverted.issues));
     append(issues, missingLaunchers(host));
-    append(issues, BrokenLauncherDetector::detect(SystemFolders::applications(host)));
+    append(issues, BrokenLauncherDetector::detect(host, SystemFolders::applications(host)));
     // Those tools are slow, and stay away from drives that are not there.
     append(issues, SignatureBrokenDetector::detect(host, cleanLinks(links, issues), options.cancellation));
     append(issues, UnsafePrefsPlistDetector::detect(host, {}));
@@ -120,6 +124,69 @@ HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots
     }
     report.scannedAt = host.now();
     return report;
+}
+
+/// A check on a thread of its own, of which nobody has to see the end.
+class Attempt {
+public:
+    Attempt(const Host& host, std::vector<fs::path> applicationRoots, Options options) {
+        if (options.cancellation.isCancelled()) cancel();
+        options.cancellation = m_cancellation;
+        const auto work = std::make_shared<std::packaged_task<HealthReport()>>(
+            [host, roots = std::move(applicationRoots), options] { return lookAtEverything(host, roots, options); });
+        m_report = work->get_future();
+        try {
+            m_thread = std::thread([work] { (*work)(); });
+        } catch (const std::system_error&) {
+            (*work)();  // The system gives no thread.
+        }
+    }
+    ~Attempt() {
+        cancel();
+        if (m_thread.joinable()) hasEnded() ? m_thread.join() : m_thread.detach();
+    }
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+
+    bool hasEnded(std::chrono::milliseconds limit = {}) const {
+        return m_report.wait_for(limit) == std::future_status::ready;
+    }
+    void cancel() const { m_cancellation.cancel(); }
+    HealthReport report() const { return m_report.get(); }
+
+private:
+    const Cancellation m_cancellation;
+    std::shared_future<HealthReport> m_report;
+    std::thread m_thread;
+};
+
+/// Waits for the attempt, as long as all volumes answer. @returns whether it has ended; if not, `host` knows of more
+/// volumes that are silent.
+bool waitFor(const Attempt& attempt, Host& host, const Cancellation& cancellation) {
+    for (auto asked = std::chrono::steady_clock::now(); !attempt.hasEnded(glance);) {
+        if (cancellation.isCancelled()) attempt.cancel();
+        if (std::chrono::steady_clock::now() - asked < SilentVolumes::patience) continue;
+        const std::size_t known = host.silentVolumes.size();
+        host = SilentVolumes::noted(host);
+        if (host.silentVolumes.size() > known) return attempt.hasEnded();
+        asked = std::chrono::steady_clock::now();
+    }
+    return true;
+}
+
+}  // namespace
+
+std::vector<fs::path> applicationRoots(const Host& host) {
+    return {SystemFolders::applications(host)};
+}
+
+HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
+    // A thread that a dead volume holds cannot be ended: it is left to itself, and the check begins anew without that
+    // volume.
+    for (Host known = SilentVolumes::noted(host);;) {
+        Attempt attempt(known, applicationRoots, options);
+        if (waitFor(attempt, known, options.cancellation)) return attempt.report();
+    }
 }
 
 }  // namespace tarvik::HealthCheck

@@ -23,7 +23,8 @@ std::vector<fs::path> applicationRoots(const Host& host);
 
 /// Blocks for long: it reads folders, measures bundles and runs the signature tools for each, over all processors; the
 /// findings come in one order all the same. Any thread but the window's; never fails: what cannot be read gives fewer
-/// findings.
+/// findings. What is on a volume that does not answer counts as away, also when it falls silent meanwhile: the check
+/// then begins anew without it, and leaves behind the thread that is stuck there until the volume answers or goes.
 HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options = {});
 
 }  // namespace tarvik::HealthCheck

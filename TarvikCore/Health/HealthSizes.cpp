@@ -1,6 +1,7 @@
 #include "Health/HealthSizes.h"
 
 #include "Platform/Basics/Parallel.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Storage/SizeCalculator.h"
 
 #include <utility>
@@ -14,7 +15,9 @@ void HealthSizes::fill(std::vector<HealthIssue>& issues,
                        const std::function<const fs::path&(const HealthIssue&)>& measured) const {
     if (m_wish == Wish::leftOut) return;
     inParallel(issues.size(), processorCount(), [&](std::size_t index) {
-        issues[index].sizeBytes = SizeCalculator::size(m_host, measured(issues[index]), m_cancellation);
+        const fs::path& item = measured(issues[index]);
+        if (!SilentVolumes::hold(m_host, item))
+            issues[index].sizeBytes = SizeCalculator::size(m_host, item, m_cancellation);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "Health/ManifestRevertDetector.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Text/Text.h"
 #include "Records/HealthManifest.h"
 
@@ -15,7 +16,7 @@ std::vector<HealthIssue> detect(const Host& host, const std::set<fs::path>& syml
         const fs::path& source = entry.sourcePath;
         if (alreadyReverted.contains(source) || symlinkLocations.contains(source)) continue;
         // What the user has removed is no finding.
-        if (!Files::exists(source) || Files::isSymbolicLink(source)) continue;
+        if (SilentVolumes::hold(host, source) || !Files::exists(source) || Files::isSymbolicLink(source)) continue;
         issues.push_back({.kind = HealthIssue::Kind::reverted,
                           .location = source,
                           .target = entry.destinationPath,

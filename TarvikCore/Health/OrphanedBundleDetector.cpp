@@ -2,6 +2,7 @@
 
 #include "Discovery/AppBundleEnumerator.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Records/HealthManifest.h"
 
@@ -26,6 +27,7 @@ std::vector<HealthIssue> detect(const std::vector<fs::path>& appsRoots, const st
 std::set<fs::path> rememberedTargets(const Host& host) {
     std::set<fs::path> targets;
     for (const HealthManifestEntry& entry : HealthManifest::load(host)) {
+        if (SilentVolumes::hold(host, entry.sourcePath.parent_path())) continue;
         const auto text = Files::linkText(entry.sourcePath);
         if (text && Files::standardized(entry.sourcePath.parent_path() / *text) == entry.destinationPath)
             targets.insert(entry.destinationPath);

@@ -3,6 +3,7 @@
 #include "Health/StashedLink.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 
 #include <array>
@@ -21,6 +22,7 @@ std::vector<HealthIssue> detect(const Host& host) {
     std::vector<HealthIssue> issues;
     for (const char* name : roots) {
         const fs::path root = host.home / name;
+        if (SilentVolumes::hold(host, root)) continue;
         const auto folder = ListedFolder::at(root);
         for (std::size_t index = 0; folder && index < folder->size(); ++index) {
             if (folder->type(index) != Files::ItemType::symbolicLink) continue;

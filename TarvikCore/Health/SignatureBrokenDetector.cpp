@@ -2,10 +2,10 @@
 
 #include "Discovery/AppBundleEnumerator.h"
 #include "Platform/Basics/Parallel.h"
-#include "Platform/Bundles/CodesignVerifier.h"
 #include "Platform/Files/Files.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -13,6 +13,8 @@
 namespace tarvik::SignatureBrokenDetector {
 
 namespace {
+
+constexpr int mostUnknown = 4;
 
 /// The first line that holds anything.
 std::string_view firstLine(std::string_view text) {
@@ -29,25 +31,41 @@ std::string detailOf(const CodesignVerifier::Result& result) {
     return detail;
 }
 
-std::optional<HealthIssue> issueOf(const Host& host, const ApplicationsRootScan::Link& link) {
-    if (!AppBundleEnumerator::isBundleName(link.target.filename().native()) || !Files::exists(link.target))
-        return std::nullopt;
-    const auto result = CodesignVerifier::verify(host, link.target);
-    if (!result.isSigned || result.passed()) return std::nullopt;
-    return HealthIssue{.kind = HealthIssue::Kind::signatureBroken,
-                       .location = link.location,
-                       .target = link.target,
-                       .detail = detailOf(result)};
-}
+/// Looks at one bundle after the other, on several threads. A tool that hangs would take its time for each of them:
+/// when it has not answered for several in a row, it is not asked any more.
+class Verification {
+public:
+    Verification(const Host& host, std::chrono::duration<double> limit, const Cancellation& cancellation)
+        : m_host(host), m_limit(limit), m_cancellation(cancellation) {}
+
+    std::optional<HealthIssue> issueOf(const ApplicationsRootScan::Link& link) {
+        if (m_cancellation.isCancelled() || m_unknownInARow >= mostUnknown) return std::nullopt;
+        if (!AppBundleEnumerator::isBundleName(link.target.filename().native()) || !Files::exists(link.target))
+            return std::nullopt;
+        const auto result = CodesignVerifier::verify(m_host, link.target, m_limit, m_cancellation);
+        m_unknownInARow = result.isUnknown ? m_unknownInARow + 1 : 0;
+        if (!result.isSigned || result.passed()) return std::nullopt;
+        return HealthIssue{.kind = HealthIssue::Kind::signatureBroken,
+                           .location = link.location,
+                           .target = link.target,
+                           .detail = detailOf(result)};
+    }
+
+private:
+    const Host& m_host;
+    const std::chrono::duration<double> m_limit;
+    const Cancellation& m_cancellation;
+    std::atomic<int> m_unknownInARow = 0;
+};
 
 }  // namespace
 
 std::vector<HealthIssue> detect(const Host& host, const std::vector<ApplicationsRootScan::Link>& symlinks,
-                                const Cancellation& cancellation) {
+                                const Cancellation& cancellation, std::chrono::duration<double> limit) {
+    Verification verification(host, limit, cancellation);
     std::vector<std::optional<HealthIssue>> found(symlinks.size());
-    inParallel(symlinks.size(), processorCount(), [&](std::size_t index) {
-        if (!cancellation.isCancelled()) found[index] = issueOf(host, symlinks[index]);
-    });
+    inParallel(symlinks.size(), processorCount(),
+               [&](std::size_t index) { found[index] = verification.issueOf(symlinks[index]); });
     std::vector<HealthIssue> issues;
     for (auto& issue : found)
         if (issue) issues.push_back(std::move(*issue));

@@ -11,7 +11,7 @@ namespace tarvik::SpotlightHealthCheck {
 std::vector<std::string> warnings(const Host& host, std::chrono::duration<double> limit) {
     for (const char* name : {"/System/Volumes/Data", "/"}) {
         const std::string volume = SystemFolders::below(host, name);
-        const auto result = CommandRunner::run(host.tools.mdutil, {"-s", volume}, limit);
+        const auto result = CommandRunner::ask(host.tools.mdutil, {"-s", volume}, {limit});
         const std::string text = result.stdout + "\n" + result.stderr;
         for (const auto& [word, state] :
              {std::pair("read-only", "index is read-only"), std::pair("disabled", "indexing is disabled")})

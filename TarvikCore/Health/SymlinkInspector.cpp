@@ -1,17 +1,18 @@
 #include "Health/SymlinkInspector.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 
 #include <utility>
 
 namespace tarvik::SymlinkInspector {
 
-HealthIssue inspect(const fs::path& location, const fs::path& target) {
+HealthIssue inspect(const Host& host, const fs::path& location, const fs::path& target) {
     using enum HealthIssue::Kind;
     const auto issue = [&](HealthIssue::Kind kind, std::string detail) {
         return HealthIssue{.kind = kind, .location = location, .target = target, .detail = std::move(detail)};
     };
-    if (Files::isMissing(target))
+    if (SilentVolumes::hold(host, target) || Files::isMissing(target))
         return issue(dangling, "Target does not exist. The external drive may be unmounted, or the file was deleted.");
     if (Files::isMissing(target / "Contents/Info.plist"))
         return issue(empty, "Bundle directory exists but has no Contents/Info.plist. App is unlaunchable.");

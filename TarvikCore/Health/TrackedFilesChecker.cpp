@@ -1,6 +1,7 @@
 #include "Health/TrackedFilesChecker.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Records/InstallsDB.h"
 #include "Records/InstallsDBEntryResolver.h"
 
@@ -23,7 +24,7 @@ std::optional<HealthIssue> check(const Host& host, const fs::path& location, con
     std::size_t missing = 0;
     std::vector<std::string> first;
     for (const fs::path& file : tracked) {
-        if (Files::exists(file)) continue;
+        if (SilentVolumes::hold(host, file) || Files::exists(file)) continue;
         ++missing;
         if (first.size() < mostNames) first.push_back(file);
     }

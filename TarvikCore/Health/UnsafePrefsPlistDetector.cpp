@@ -1,6 +1,7 @@
 #include "Health/UnsafePrefsPlistDetector.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 
 #include <string>
@@ -10,7 +11,7 @@ namespace tarvik::UnsafePrefsPlistDetector {
 std::vector<fs::path> scanRoots(const Host& host, const std::vector<fs::path>& extraHomes) {
     std::vector<fs::path> roots = {SystemFolders::library(host) / "Preferences", host.home / "Library/Preferences"};
     for (const fs::path& home : extraHomes) roots.push_back(home / "Library/Preferences");
-    std::erase_if(roots, [](const fs::path& root) { return !Files::exists(root); });
+    std::erase_if(roots, [&](const fs::path& root) { return SilentVolumes::hold(host, root) || !Files::exists(root); });
     return roots;
 }
 

@@ -7,6 +7,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 
 #include <fmt/format.h>
@@ -76,12 +77,21 @@ bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy stra
     return false;
 }
 
+bool isOnSilentVolume(const Host& host, const HealthIssue& issue) {
+    const Host known = SilentVolumes::noted(host);
+    return SilentVolumes::hold(known, issue.location) || (issue.target && SilentVolumes::hold(known, *issue.target));
+}
+
 }  // namespace
 
 void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     if (!HealthRepairStrategies::isFor(issue.kind, strategy))
         throw Failure("HealthRepair", EINVAL,
                       fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
+                                  issue.location.filename().native()));
+    if (isOnSilentVolume(host, issue))
+        throw Failure("HealthRepair", ETIMEDOUT,
+                      fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
                                   issue.location.filename().native()));
     if (!holds(host, issue, strategy))
         throw Failure("HealthRepair", ESTALE,

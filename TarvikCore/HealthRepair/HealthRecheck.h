@@ -9,7 +9,8 @@
 namespace tarvik::HealthRecheck {
 
 /// A few status calls; blocks; any thread. @throws Failure with the sentence for the user when what the repair would
-/// act on is not what was found, or when the repair is none for such a finding. Nothing has been touched then.
+/// act on is not what was found, or stands on a drive that does not answer, or when the repair is none for such a
+/// finding. Nothing has been touched then.
 void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy);
 
 }  // namespace tarvik::HealthRecheck

@@ -22,6 +22,7 @@
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveGuard.h"
 #include "Platform/Text/Text.h"
+#include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
 #include "Records/InstallsDBEntryResolver.h"
 #include "Records/InstallsDBWriter.h"
@@ -69,10 +70,27 @@ std::string shimSentence(const Host& host, const fs::path& target) {
     return fmt::format(" Removed {}.", counted(std::ssize(removed), "stale launcher shim", "stale launcher shims"));
 }
 
+/// Of a copy that stands on its drive no more, no move is remembered: what bears the application's name later has
+/// nothing to do with it.
+void forgetMovesTo(const Host& host, const fs::path& copy) {
+    if (!Files::isMissing(copy)) return;
+    for (const HealthManifestEntry& entry : HealthManifest::load(host)) {
+        if (entry.destinationPath != copy) continue;
+        HealthManifest::forget(host, entry.sourcePath);
+        InstallsDBWriter::recordRestore(host, entry.sourcePath, InstallsDB::defaultPath(host));
+    }
+}
+
+/// Whether the copy has gone while its drive has not: a killed repair leaves it so.
+bool hasGone(const fs::path& copy) {
+    return Files::exists(copy.parent_path()) && !Files::itemExists(copy) && Files::isMissing(copy);
+}
+
 std::string removeEmpty(const Host& host, const HealthIssue& issue) {
     requireMovable(host, *issue.target);
     ignoringFailure([&] { Files::removeLink(issue.location); });
     ignoringFailure([&] { host.trash->moveToTrash(*issue.target); });
+    forgetMovesTo(host, *issue.target);
     return fmt::format("Cleaned up {}. Reinstall the app.", nameOf(issue));
 }
 
@@ -80,7 +98,8 @@ std::string reclaimReverted(const Host& host, const HealthIssue& issue) {
     std::string sentence = fmt::format("Reclaimed stale SSD copy of {}.", nameOf(issue));
     if (!issue.target) return sentence;
     requireMovable(host, *issue.target);
-    host.trash->moveToTrash(*issue.target);
+    if (!hasGone(*issue.target)) host.trash->moveToTrash(*issue.target);
+    forgetMovesTo(host, *issue.target);
     return sentence + shimSentence(host, *issue.target);
 }
 
@@ -95,6 +114,17 @@ fs::path folderOnDrive(const Host& host, const HealthIssue& issue) {
     return AppStorageNames::appsRootOn(drive);
 }
 
+/// Whether the removal of the original stopped half-way. Its sentence tells where the complete copy is.
+bool hasLostParts(const Failure& failure) {
+    const auto* const error = dynamic_cast<const MoverError*>(&failure);
+    return error && error->kind() == MoverError::Case::sourceRemoveFailed;
+}
+
+std::string whereabouts(const HealthIssue& issue, const std::string& inTrash, bool hasLostParts) {
+    const std::string old = fmt::format("he old copy from the drive is in the Trash, at {}.", inTrash);
+    return hasLostParts ? " T" + old : fmt::format(" {} stays at {}; t{}", nameOf(issue), issue.location.native(), old);
+}
+
 std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
     const fs::path folder = folderOnDrive(host, issue);
     // All that can be told before the copy goes.
@@ -103,7 +133,7 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
     if (RunningAppsDetector::isRunning(host, issue.location)) throw MoverError::appIsRunning(nameOf(issue));
     const DriveGuard drive = DriveGuard::ofFolder(folder);
     std::string inTrash;
-    if (issue.target) {
+    if (issue.target && !hasGone(*issue.target)) {
         requireMovable(host, *issue.target);
         inTrash = host.trash->moveToTrash(*issue.target);
     }
@@ -112,8 +142,7 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
     } catch (const Failure& failure) {
         if (inTrash.empty()) throw;
         throw Failure(failure.domain(), failure.code(),
-                      fmt::format("{} {} stays at {}; the old copy from the drive is in the Trash, at {}.",
-                                  failure.description(), nameOf(issue), issue.location.native(), inTrash));
+                      failure.description() + whereabouts(issue, inTrash, hasLostParts(failure)));
     }
     return fmt::format("Re-symlinked {} to SSD.", nameOf(issue));
 }
@@ -121,6 +150,7 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
 std::string removeOrphan(const Host& host, const HealthIssue& issue) {
     requireMovable(host, issue.location);
     host.trash->moveToTrash(issue.location);
+    forgetMovesTo(host, issue.location);
     return fmt::format("Trashed orphan {}.", nameOf(issue)) + shimSentence(host, issue.location);
 }
 

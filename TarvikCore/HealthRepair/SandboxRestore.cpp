@@ -3,12 +3,19 @@
 #include "Copying/CopyPlace.h"
 #include "Copying/CopyProof.h"
 #include "Copying/FileCopier.h"
+#include "Copying/HiddenName.h"
+#include "Copying/Leftovers.h"
 #include "Health/StashedLink.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Text/Text.h"
+#include "Records/HealthManifest.h"
 
 #include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
 
 namespace tarvik::SandboxRestore {
 
@@ -27,24 +34,47 @@ bool isCopied(const Host& host, const fs::path& from, const fs::path& copy) {
     return false;
 }
 
+/// Lets the complete copy and the link take each other's name, so that an application finds one of them at every
+/// moment, and then gives the link its new name. @throws FileError, and then the link stands where it stood.
+void takePlace(CopyPlace& copy, const fs::path& stash) {
+    const fs::path& link = copy.goal();
+    const auto exchange = [&] { Files::exchange(copy.path(), link, HiddenName::forExchangeOf(link)); };
+    bool isHidden = true;
+    try {
+        copy.leaveFolder();
+        exchange();
+        isHidden = false;
+        if (!Files::isSymbolicLink(copy.path())) throw FileError("replace", link, EEXIST);
+        Files::rename(copy.path(), stash);
+    } catch (const Failure&) {
+        if (!isHidden)
+            ignoringFailure([&] {
+                exchange();
+                isHidden = true;
+            });
+        if (isHidden) ignoringFailure([&] { Files::removeItem(copy.path()); });
+        HiddenName::rethrowInOwnName(copy.path(), link);
+    }
+}
+
+bool isRemembered(const Host& host, const fs::path& source) {
+    const auto entries = HealthManifest::load(host);
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const HealthManifestEntry& entry) { return entry.sourcePath == source; });
+}
+
 }  // namespace
 
 std::string run(const Host& host, const fs::path& link, const fs::path& target) {
     const std::string name = link.filename();
     const std::string moment = Text::replacing(Text::isoDate(host.now()), ":", "");
     const fs::path stash = link.parent_path() / StashedLink::nameFor(name, moment);
-    // The link stands until the copy can take its place: at no moment does an application find nothing there for long.
+    Leftovers::sweep(host, link.parent_path());
     CopyPlace copy(link);
     if (!isCopied(host, target, copy.path())) return fmt::format("ditto failed restoring {}; reverted.", name);
-    try {
-        Files::rename(link, stash);
-        copy.arrive();
-    } catch (const Failure&) {
-        ignoringFailure([&] { Files::removeItem(copy.path()); });
-        if (!Files::itemExists(link)) ignoringFailure([&] { Files::rename(stash, link); });
-        throw;
-    }
+    takePlace(copy, stash);
     ignoringFailure([&] { Files::flushVolume(link); });
+    if (isRemembered(host, link)) HealthManifest::forget(host, link);
     return fmt::format("Restored {} to internal disk. (External copy left at {}; stashed symlink at {}.)", name,
                        target.native(), stash.filename().native());
 }

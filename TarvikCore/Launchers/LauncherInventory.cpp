@@ -32,7 +32,7 @@ std::optional<LauncherEntry> entryOf(const Host& host, const fs::path& bundle) {
     if (!text) return std::nullopt;
     if (!text->is_absolute()) return LauncherEntry{bundle, *text, Condition::broken};
     const fs::path target = Files::standardized(*text);
-    if (NestedAppLauncherService::hasComeBack(bundle.parent_path(), target))
+    if (NestedAppLauncherService::hasComeBack(host, bundle.parent_path(), target))
         return LauncherEntry{bundle, target, Condition::needless};
     if (!Files::exists(target)) {
         const auto relocated = StaleRootRetarget::candidate(host, target);

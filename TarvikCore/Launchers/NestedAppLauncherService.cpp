@@ -7,6 +7,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 
 #include <fmt/format.h>
@@ -35,17 +36,19 @@ bool leadToOneItem(const fs::path& first, const fs::path& second) {
     return Files::isSameItem(Files::infoFollowingLinks(first), Files::infoFollowingLinks(second));
 }
 
-Candidates candidatesOf(const fs::path& applicationRoot, const fs::path& folderLink, const fs::path& folderTarget) {
+Candidates candidatesOf(const Host& host, const fs::path& applicationRoot, const fs::path& folderLink,
+                        const fs::path& folderTarget) {
     Candidates candidates;
+    if (SilentVolumes::hold(host, folderTarget)) return candidates;
     for (const fs::path& app : AppBundleEnumerator::bundles(folderTarget, maxDepth)) {
         const fs::path launcher = applicationRoot / app.filename();
-        if (!leadToOneItem(app, launcher))
+        if (SilentVolumes::hold(host, launcher) || !leadToOneItem(app, launcher))
             candidates.push_back({folderLink, folderTarget, folderLink / app.filename(), app, launcher});
     }
     return candidates;
 }
 
-Candidates symlinkedAppFolderCandidates(const fs::path& applicationRoot) {
+Candidates symlinkedAppFolderCandidates(const Host& host, const fs::path& applicationRoot) {
     Candidates candidates;
     const auto folder = ListedFolder::at(applicationRoot);
     if (!folder) return candidates;
@@ -54,13 +57,14 @@ Candidates symlinkedAppFolderCandidates(const fs::path& applicationRoot) {
         if (AppBundleEnumerator::isBundleName(folder->name(index))) continue;
         const auto text = Files::linkText(link);
         if (!text) continue;
-        const auto found = candidatesOf(applicationRoot, link, Files::standardized(applicationRoot / *text));
+        const auto found = candidatesOf(host, applicationRoot, link, Files::standardized(applicationRoot / *text));
         candidates.insert(candidates.end(), found.begin(), found.end());
     }
     return candidates;
 }
 
-bool needsLauncher(const NestedAppLauncherCandidate& candidate) {
+bool needsLauncher(const Host& host, const NestedAppLauncherCandidate& candidate) {
+    if (SilentVolumes::hold(host, candidate.launcher)) return false;  // A link stands there.
     if (const auto target = AppClassifier::readLauncherTarget(candidate.launcher))
         return target->native() != candidate.targetApp.native();
     return !Files::itemExists(candidate.launcher);
@@ -68,10 +72,10 @@ bool needsLauncher(const NestedAppLauncherCandidate& candidate) {
 
 /// The candidates that need their launcher. Of several with one name only the first does, and none when it opens one of
 /// them.
-Candidates needingOf(const Candidates& candidates) {
+Candidates needingOf(const Host& host, const Candidates& candidates) {
     std::set<fs::path> settled;
     for (const auto& candidate : candidates)
-        if (!needsLauncher(candidate)) settled.insert(candidate.launcher);
+        if (!needsLauncher(host, candidate)) settled.insert(candidate.launcher);
     Candidates needing;
     for (const auto& candidate : candidates)
         if (settled.insert(candidate.launcher).second) needing.push_back(candidate);
@@ -80,7 +84,7 @@ Candidates needingOf(const Candidates& candidates) {
 
 void installLauncher(const Host& host, const NestedAppLauncherCandidate& candidate,
                      const InstallerRunReporter& reporter) {
-    if (!needsLauncher(candidate)) return;  // An application was installed there meanwhile.
+    if (!needsLauncher(host, candidate)) return;  // An application was installed there meanwhile.
     LauncherAppBuilder::install(host, candidate.targetApp, candidate.launcher, candidate.targetApp, reporter);
 }
 
@@ -117,8 +121,8 @@ void installLaunchers(const Host& host, const fs::path& source, const fs::path& 
     ignoringFailure([&] {
         const fs::path link = Files::standardized(source);
         if (!isFolderOfApplications(host, link)) return;
-        const auto candidates = candidatesOf(link.parent_path(), link, Files::standardized(destination));
-        for (const auto& candidate : needingOf(candidates))
+        const auto candidates = candidatesOf(host, link.parent_path(), link, Files::standardized(destination));
+        for (const auto& candidate : needingOf(host, candidates))
             ignoringFailure([&] { installLauncher(host, candidate, reporter); });
     });
 }
@@ -132,15 +136,15 @@ void removeLaunchers(const Host& host, const fs::path& source, const fs::path& d
     });
 }
 
-Candidates missingCandidates(const Host&, const fs::path& applicationRoot) {
-    return needingOf(symlinkedAppFolderCandidates(applicationRoot));
+Candidates missingCandidates(const Host& host, const fs::path& applicationRoot) {
+    return needingOf(host, symlinkedAppFolderCandidates(host, applicationRoot));
 }
 
-bool hasComeBack(const fs::path& applicationRoot, const fs::path& target) {
+bool hasComeBack(const Host& host, const fs::path& applicationRoot, const fs::path& target) {
     bool isBack = false;
     for (int depth = 2; depth <= maxDepth + 2; ++depth) isBack = isBack || standsBelow(applicationRoot, target, depth);
     if (!isBack) return false;
-    const Candidates linked = symlinkedAppFolderCandidates(applicationRoot);
+    const Candidates linked = symlinkedAppFolderCandidates(host, applicationRoot);
     return std::none_of(linked.begin(), linked.end(),
                         [&](const NestedAppLauncherCandidate& candidate) { return candidate.targetApp == target; });
 }

@@ -35,7 +35,7 @@ std::int64_t installMissingLaunchers(const Host& host, const fs::path& folderLin
 
 /// Whether the application that was at `target` is back, with its folder, among those in `applicationRoot`, and no link
 /// there leads to `target`. A launcher for it stands for nothing: a way back that was killed leaves such ones.
-bool hasComeBack(const fs::path& applicationRoot, const fs::path& target);
+bool hasComeBack(const Host& host, const fs::path& applicationRoot, const fs::path& target);
 
 /// What the health check says of missing launchers. Pure.
 std::string detail(const std::vector<NestedAppLauncherCandidate>& candidates);

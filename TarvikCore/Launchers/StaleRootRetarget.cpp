@@ -2,6 +2,7 @@
 
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
@@ -10,12 +11,14 @@
 
 namespace tarvik::StaleRootRetarget {
 
-std::optional<fs::path> candidate(const Host&, const fs::path& path) {
+std::optional<fs::path> candidate(const Host& host, const fs::path& path) {
     const std::string present = fmt::format("/{}/", AppStorageNames::externalRoot);
     std::string text = path;
     for (const auto legacy : AppStorageNames::legacyExternalRoots)
         text = Text::replacing(text, fmt::format("/{}/", legacy), present);
-    if (text == path.native() || !Files::exists(text)) return std::nullopt;
+    if (text == path.native()) return std::nullopt;
+    // Few paths come as far as this, so that the drive can be asked each time.
+    if (SilentVolumes::hold(SilentVolumes::noted(host), text) || !Files::exists(text)) return std::nullopt;
     return text;
 }
 

@@ -57,4 +57,11 @@ std::vector<Fault> someOf(std::vector<Fault> points) {
     return some;
 }
 
+bool hasStruckIn(const fs::path& folder, std::istream& log) {
+    for (std::string line; std::getline(log, line);)
+        if (line.find("(INJECTED)") != std::string::npos && line.find(folder.native()) != std::string::npos)
+            return true;
+    return false;
+}
+
 }  // namespace tarvik::test::FaultPoints

@@ -37,6 +37,9 @@ std::vector<Fault> in(const fs::path& root, std::istream& log);
 /// The first, the last and a few in between of each call.
 std::vector<Fault> someOf(std::vector<Fault> points);
 
+/// Whether the log tells of a fault that met a call on something in `folder`; on anything, when that is empty.
+bool hasStruckIn(const fs::path& folder, std::istream& log);
+
 }  // namespace FaultPoints
 
 }  // namespace tarvik::test

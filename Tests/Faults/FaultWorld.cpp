@@ -1,5 +1,6 @@
 #include "Faults/FaultWorld.h"
 
+#include "Faults/AloneOnTheMachine.h"
 #include "Faults/FaultTrees.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/CommandRunner.h"
@@ -38,24 +39,6 @@ void writeScript(const fs::path& path, const std::string& lines) {
 RealVolume makeDrive(const fs::path& volumes) {
     makeFolder(volumes);
     return RealVolume::memory(volumes, 8'000'000);
-}
-
-/// The words before a command that let it see no process but its own: how many calls it takes to look at them all would
-/// differ from run to run. Nothing where the system does not allow that.
-const std::optional<std::vector<std::string>>& aloneOnTheMachine() {
-    static const auto words = [] {
-        for (const auto& options : {std::vector<std::string>{}, {"--user", "--map-current-user"}}) {
-            std::vector<std::string> all = {"/usr/bin/unshare"};
-            all.insert(all.end(), options.begin(), options.end());
-            all.insert(all.end(), {"--pid", "--fork", "--mount-proc"});
-            auto trial = std::vector<std::string>(all.begin() + 1, all.end());
-            trial.emplace_back("/bin/true");
-            if (Files::exists(all.front()) && CommandRunner::run(all.front(), trial).succeeded())
-                return std::optional(all);
-        }
-        return std::optional<std::vector<std::string>>();
-    }();
-    return words;
 }
 
 }  // namespace
@@ -120,7 +103,8 @@ FaultWorld::FaultWorld(Subject subject, Act act, Victim victim)
 
 std::optional<std::string> FaultWorld::unavailableReason(Subject subject) {
     if (!Files::exists("/usr/bin/strace")) return "strace is not installed";
-    if (isOneApplication(subject) && !aloneOnTheMachine()) return "a process table of one's own is not allowed here";
+    if (isOneApplication(subject) && !AloneOnTheMachine::words())
+        return "a process table of one's own is not allowed here";
     return std::nullopt;
 }
 
@@ -215,7 +199,7 @@ CommandResult FaultWorld::runTraced(Act act, const std::vector<std::string>& tra
         writeScript(ditto, script + realDitto);
     }
     if (isOneApplication(m_subject))
-        words.insert(words.begin(), aloneOnTheMachine()->begin(), aloneOnTheMachine()->end());
+        words.insert(words.begin(), AloneOnTheMachine::words()->begin(), AloneOnTheMachine::words()->end());
     const fs::path program = words.front();
     words.erase(words.begin());
     return CommandRunner::run(program, words);
@@ -258,19 +242,17 @@ CommandResult FaultWorld::repairLaunchers() const {
 }
 
 bool FaultWorld::hasStruck() const {
-    return contentOf(m_folder / "log").find("(INJECTED)") != std::string::npos;
+    return hasStruckIn("");
 }
 
 bool FaultWorld::hasStruckRecords() const {
+    return hasStruckIn(HealthManifest::file(host()).parent_path()) ||
+           hasStruckIn(InstallsDB::defaultPath(host()).parent_path());
+}
+
+bool FaultWorld::hasStruckIn(const fs::path& folder) const {
     std::istringstream log(contentOf(m_folder / "log"));
-    const fs::path memory = HealthManifest::file(host()).parent_path();
-    const fs::path database = InstallsDB::defaultPath(host()).parent_path();
-    for (std::string line; std::getline(log, line);) {
-        const bool isOfRecords =
-            line.find(memory.native()) != std::string::npos || line.find(database.native()) != std::string::npos;
-        if (isOfRecords && line.find("(INJECTED)") != std::string::npos) return true;
-    }
-    return false;
+    return FaultPoints::hasStruckIn(folder, log);
 }
 
 bool FaultWorld::isTracked(const FaultItem& item) const {

@@ -104,6 +104,7 @@ private:
     void addSuite();
     void addItem(const fs::path& home, const fs::path& onDrive, const std::string& label);
     std::vector<std::string> command(Act act) const;
+    bool hasStruckIn(const fs::path& folder) const;
     CommandResult runTraced(Act act, const std::vector<std::string>& tracing) const;
     fs::path programs() const { return m_folder / "bin"; }
     fs::path applications() const { return m_root / "Applications"; }

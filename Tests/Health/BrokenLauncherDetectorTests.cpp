@@ -1,6 +1,7 @@
 #include "Health/BrokenLauncherDetector.h"
 #include "Health/HealthWorld.h"
 #include "Support/Bundles.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
@@ -15,7 +16,7 @@ using testing::IsEmpty;
 
 class BrokenLauncherDetection : public testing::Test {
 protected:
-    std::vector<HealthIssue> found() const { return BrokenLauncherDetector::detect(world.applications); }
+    std::vector<HealthIssue> found() const { return BrokenLauncherDetector::detect(world.host, world.applications); }
     void writeTarget(std::string_view text) const {
         test::makeFile(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt", text);
     }
@@ -54,7 +55,30 @@ TEST_F(BrokenLauncherDetection, TakesNothingElseForALauncher) {
     fs::remove(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt");
     test::makePipe(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt");
     EXPECT_THAT(found(), IsEmpty()) << "a pipe, which would never end";
-    EXPECT_THAT(BrokenLauncherDetector::detect("/nowhere"), IsEmpty());
+    EXPECT_THAT(BrokenLauncherDetector::detect(world.host, "/nowhere"), IsEmpty());
+}
+
+TEST_F(BrokenLauncherDetection, ReadsNoEndlessFile) {
+    writeTarget("/Volumes/Gone/Foo.app");
+    fs::resize_file(world.applications / "Foo.app/Contents/Resources/ExternalAppTarget.txt", 1U << 30U);
+    EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(BrokenLauncherDetection, LooksAtNoLauncherBelowTheFolder) {
+    test::makeLauncher(world.applications / "Suite/Foo.app", "/Volumes/Gone/Foo.app");
+    EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(BrokenLauncherDetection, CallsNothingMissingThatMayNotBeLookedAt) {
+    const fs::path closed = world.folder / "closed";
+    test::makeFolder(closed / "Foo.app");
+    test::makeLauncher(world.applications / "Foo.app", closed / "Foo.app");
+    fs::permissions(closed, fs::perms::none);
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        EXPECT_THAT(found(), IsEmpty());
+    }
+    fs::permissions(closed, fs::perms::owner_all);
 }
 
 }  // namespace tarvik

@@ -1,5 +1,6 @@
 #include "Health/DanglingDataLinkDetector.h"
 #include "Health/HealthWorld.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
@@ -83,6 +84,25 @@ TEST_F(DanglingDataLinkDetection, EndsWithLinksThatGoInCircles) {
     test::makeLink(support / "two", "one");
     test::makeLink(support / "self", "self");
     EXPECT_THAT(found(), ElementsAre("dangling one", "dangling self", "dangling two"));
+}
+
+TEST_F(DanglingDataLinkDetection, CallsNothingMissingThatMayNotBeLookedAt) {
+    const fs::path closed = world.folder / "closed";
+    test::makeFolder(closed / "data");
+    test::makeLink(support / "data", closed / "data");
+    fs::permissions(closed, fs::perms::none);
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        EXPECT_THAT(found(), IsEmpty());
+    }
+    fs::permissions(closed, fs::perms::owner_all);
+}
+
+TEST_F(DanglingDataLinkDetection, EndsWhenItIsCancelled) {
+    test::makeLink(support / "data", "/nowhere");
+    const Cancellation cancellation;
+    cancellation.cancel();
+    EXPECT_THAT(DanglingDataLinkDetector::detect(world.host, cancellation), IsEmpty());
 }
 
 TEST_F(DanglingDataLinkDetection, LooksIntoADataFolderThatWasMovedAsAWhole) {

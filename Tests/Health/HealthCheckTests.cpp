@@ -2,12 +2,17 @@
 #include "Health/HealthWorld.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Records/InstallsDB.h"
+#include "Records/InstallsDBConnection.h"
 #include "Support/Bundles.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
 
 namespace tarvik {
 
@@ -141,6 +146,102 @@ TEST(HealthCheck, LeavesSizesOutOnDemand) {
     const HealthWorld world;
     world.moveApp("A.app");
     EXPECT_EQ(checked(world, {.sizes = HealthSizes::Wish::leftOut}).issues.at(0).sizeBytes, 0);
+}
+
+TEST(HealthCheck, YieldsWhatItCanAmongBadInput) {
+    const HealthWorld world;
+    test::makeFolder(world.appsOnDrive / "Folder.app/Contents/Info.plist");
+    test::makeFile(world.appsOnDrive / "Folder.app/Contents/MacOS/program");
+    test::makeLink(world.applications / "Folder.app", world.appsOnDrive / "Folder.app");
+    test::makePipe(world.appsOnDrive / "Pipe.app");
+    test::makeLink(world.applications / "Pipe.app", world.appsOnDrive / "Pipe.app");
+    test::makeLink(world.applications / "Loop.app", "Loop.app");
+    test::makeLink(world.applications / "Suite", "Suite");
+    test::makePipe(world.library / "Preferences/pipe.plist");
+    test::makeFile(world.library / "Application Support/Tarvik/health-manifest.json", "[{\"sourcePath\":");
+    const fs::path database = InstallsDB::defaultPath(world.host);
+    test::makeTrackingDatabase(database);
+    test::askDatabase(database,
+                      "INSERT INTO installs (install_id, app_name) VALUES ('one', 'Folder.app');"
+                      "INSERT INTO tracked_files (install_id, file_path) VALUES ('one', '/nowhere');");
+    const auto withoutDatabase = ElementsAre("healthy Folder.app", "dangling Loop.app", "empty Pipe.app");
+    {
+        auto other = InstallsDBConnection::open(database, InstallsDBConnection::Access::readWrite);
+        ASSERT_TRUE(other->prepare("BEGIN EXCLUSIVE;")->run());
+        EXPECT_THAT(found(world), withoutDatabase) << "somebody else holds the database";
+        ASSERT_TRUE(other->prepare("COMMIT;")->run());
+    }
+    EXPECT_THAT(found(world), testing::Contains("missingTrackedFiles Folder.app"));
+    test::makeFile(database, "no database");
+    EXPECT_THAT(found(world), withoutDatabase);
+}
+
+TEST(HealthCheck, TakesWhatIsOnASilentVolumeForAway) {
+    HealthWorld world;
+    world.moveApp("Away.app");
+    test::makeLauncher(world.appsOnDrive / "Odd.app", "/nowhere");
+    test::makeLink(world.applications / "Odd.app", world.appsOnDrive / "Odd.app");
+    test::makeBundle(world.appsOnDrive / "Suite/Mixer.app");
+    test::makeLink(world.applications / "Suite", world.appsOnDrive / "Suite");
+    test::makeLauncher(world.applications / "Launcher.app", world.appsOnDrive / "Away.app");
+    for (const char* folder : {"Group Containers", "WebKit"}) {
+        test::makeLink(world.drive / folder / "link", world.drive / "nothing");
+        test::makeLink(world.library / folder, world.drive / folder);
+    }
+    test::makeLink(world.library / "Logs/data", world.drive);
+    test::makeLink(world.drive / "Preferences/x.plist", "/nowhere");
+    test::makeLink(world.library / "Preferences", world.drive / "Preferences");
+    world.remember(world.drive / "Moved", "/nowhere");
+    test::makeFile(world.drive / "Moved");
+    world.host.silentVolumes = {world.drive};
+    EXPECT_THAT(found(world),
+                ElementsAre("dangling Away.app", "dangling Odd.app", "brokenLauncher Launcher.app", "dangling data"));
+}
+
+TEST(HealthCheck, CallsNothingAnOrphanWhereLinksCannotBeSeen) {
+    const HealthWorld world;
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    fs::permissions(world.applications, fs::perms::none);
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        EXPECT_THAT(found(world), IsEmpty());
+    }
+    fs::remove(world.applications);
+    EXPECT_THAT(found(world), ElementsAre("orphan Foo.app"));
+}
+
+TEST(HealthCheck, KnowsALinkHoweverItsFolderIsWritten) {
+    HealthWorld world;
+    world.signAll("broken");
+    test::makeFolder(world.appsOnDrive / "Hollow.app");
+    test::makeLink(world.applications / "Hollow.app", world.appsOnDrive / "Hollow.app");
+    const auto report = HealthCheck::run(world.host, {world.applications / "../Applications"});
+    EXPECT_THAT(test::kindsAndNames(report.issues), ElementsAre("empty Hollow.app"));
+}
+
+TEST(HealthCheck, EndsAtOnceWhenItIsCancelled) {
+    HealthWorld world;
+    world.moveApp("A.app");
+    const fs::path asked = world.folder / "asked";
+    world.host.tools.codesign = world.tool("codesign", "touch '" + asked.native() + "'; exec sleep 100");
+    const Cancellation cancellation;
+    std::thread user([&] {
+        while (!fs::exists(asked)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancellation.cancel();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    const auto report = checked(world, {.cancellation = cancellation});
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << "the tool's own limit";
+    user.join();
+    EXPECT_THAT(test::kindsAndNames(report.issues), ElementsAre("healthy A.app"));
+}
+
+TEST(HealthCheck, WalksThroughNoDataOnceItIsCancelled) {
+    const HealthWorld world;
+    test::makeLink(world.library / "Logs/data", "/nowhere");
+    const Cancellation cancellation;
+    cancellation.cancel();
+    EXPECT_THAT(checked(world, {.cancellation = cancellation}).issues, IsEmpty());
 }
 
 TEST(HealthCheck, FindsEveryLinkOfADriveThatIsAwayDangling) {

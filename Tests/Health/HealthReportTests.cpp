@@ -5,6 +5,7 @@
 
 #include <set>
 #include <unordered_set>
+#include <vector>
 
 namespace tarvik {
 
@@ -58,7 +59,16 @@ TEST(HealthIssueKind, EachHasANameATitleAndASeverity) {
     }
     EXPECT_EQ(names.size(), HealthIssue::kindCount);
     EXPECT_EQ(HealthIssueKind::rawValue(sandboxExternalSymlink), "sandboxExternalSymlink");
-    EXPECT_EQ(HealthIssueKind::title(sandboxExternalSymlink), "Sandbox path symlinked externally");
+    EXPECT_EQ(HealthIssueKind::title(healthy), "Healthy");
+}
+
+TEST(HealthIssueKind, SectionsComeInTheirOrder) {
+    std::vector<std::string_view> titles;
+    for (const HealthIssue::Kind kind : HealthIssueKind::sections()) titles.push_back(HealthIssueKind::title(kind));
+    EXPECT_THAT(titles, ElementsAre("Dangling symlinks", "Empty bundles", "Corrupted bundles", "Broken launchers",
+                                    "Broken code signatures", "Sandbox path symlinked externally",
+                                    "Symlinked preference plists", "Reverted by auto-updater", "Orphaned SSD bundles",
+                                    "Missing tracked files", "Missing Spotlight launchers"));
 }
 
 TEST(HealthIssueKind, EachButTheHealthyOneHasASection) {

@@ -65,6 +65,7 @@ TEST_F(RevertDetection, LeavesOtherNamesAlone) {
     test::makeBundle(world.appsOnDrive / "Bar.app");
     test::makeBundle(world.appsOnDrive / "Foo.APP");
     test::makeBundle(world.appsOnDrive / ".Foo.app");
+    test::makeBundle(world.appsOnDrive / "Folder/Foo.app");
     realAppNames = {"Foo.app", "Foo.APP", ".Foo.app"};
     EXPECT_THAT(fromDrive().issues, IsEmpty());
     EXPECT_THAT(SSDRevertDetector::detect(world.host, {"/nowhere"}, {"Foo.app"}, HealthSizes(world.host)).issues,

@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 namespace tarvik {
 
 namespace {
@@ -49,6 +52,14 @@ TEST_F(BrokenSignatureDetection, TellsOfATicketThatFails) {
     EXPECT_EQ(found(linkTo("Bar.app")).at(0).detail, "codesign verify failed. seal broken stapler: Ticket bad.");
 }
 
+TEST_F(BrokenSignatureDetection, SaysNothingOfACheckThatPassed) {
+    world.host.tools.codesign = world.tool("codesign", "echo 'valid on disk'");
+    answerTicket("echo 'Ticket bad.'; exit 65");
+    EXPECT_EQ(found(linkTo("Foo.app")).at(0).detail, "codesign verify failed. stapler: Ticket bad.");
+    answerTicket("exit 65");
+    EXPECT_EQ(found(linkTo("Bar.app")).at(0).detail, "codesign verify failed.");
+}
+
 TEST_F(BrokenSignatureDetection, SaysNoMoreThanTheToolDoes) {
     world.signAll();
     world.host.tools.codesign = world.tool("codesign", "case $1 in --verify) exit 1;; esac");
@@ -77,6 +88,61 @@ TEST_F(BrokenSignatureDetection, BeginsNothingMoreOnceItIsCancelled) {
     const Cancellation cancellation;
     cancellation.cancel();
     EXPECT_THAT(SignatureBrokenDetector::detect(world.host, linkTo("Foo.app"), cancellation), IsEmpty());
+}
+
+TEST_F(BrokenSignatureDetection, EndsTheToolThatRunsWhenItIsCancelled) {
+    const fs::path asked = world.folder / "asked";
+    world.host.tools.codesign = world.tool("codesign", "touch '" + asked.native() + "'; exec sleep 100");
+    const Cancellation cancellation;
+    std::thread user([&] {
+        while (!fs::exists(asked)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancellation.cancel();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(SignatureBrokenDetector::detect(world.host, linkTo("Foo.app"), cancellation), IsEmpty());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, CodesignVerifier::toolTimeout);
+    user.join();
+}
+
+TEST_F(BrokenSignatureDetection, GivesUpToolsThatHang) {
+    const fs::path asked = world.folder / "asked";
+    world.host.tools.codesign =
+        world.tool("codesign", "[ $1 = --verify ] && echo x >> '" + asked.native() + "'; exec sleep 100");
+    Links links;
+    for (int number = 0; number < 20; ++number) links.push_back(linkTo(std::to_string(number) + ".app").front());
+    // A tool that a slow machine has not started is not asked.
+    for (std::chrono::milliseconds limit(50); !fs::exists(asked); limit *= 2)
+        EXPECT_THAT(SignatureBrokenDetector::detect(world.host, links, {}, limit), IsEmpty());
+    EXPECT_LT(test::contentOf(asked).size() / 2, links.size() / 2);
+}
+
+TEST_F(BrokenSignatureDetection, GivesNoToolUpThatIsSlowForSomeBundles) {
+    world.signAll();
+    world.host.tools.codesign = world.tool(
+        "codesign", "case $1$4 in --verify*slow*) exec sleep 100;; --verify*) echo broken >&2; exit 1;; esac");
+    Links links;
+    for (int number = 0; number < 6; ++number)
+        for (const char* name : {"slow.app", "quick.app"})
+            links.push_back(linkTo(std::to_string(number) + " " + name).front());
+    std::size_t count = 0;
+    // A machine that is slow itself gets more time.
+    for (std::chrono::milliseconds limit(400); count < 6 && limit < std::chrono::seconds(30); limit *= 2)
+        count = SignatureBrokenDetector::detect(world.host, links, {}, limit).size();
+    EXPECT_EQ(count, 6U);
+}
+
+TEST_F(BrokenSignatureDetection, FindsNothingWithoutItsTools) {
+    world.host.tools.codesign = world.host.tools.xcrun = "/nowhere";
+    EXPECT_THAT(found(linkTo("Foo.app")), IsEmpty());
+}
+
+TEST_F(BrokenSignatureDetection, IsNotImpressedByNonsense) {
+    world.host.tools.codesign = world.tool("codesign", "head -c 100000 /dev/zero; printf '\\377\\376'");
+    world.host.tools.xcrun = world.host.tools.codesign;
+    EXPECT_THAT(found(linkTo("Foo.app")), IsEmpty());
+    world.host.tools.codesign =
+        world.tool("codesign", "case $1 in --verify) yes broken | head -c 100000000; exit 1;; esac");
+    EXPECT_EQ(found(linkTo("Bar.app")).at(0).detail, "codesign verify failed. broken");
 }
 
 }  // namespace tarvik

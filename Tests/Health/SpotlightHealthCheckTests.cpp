@@ -63,6 +63,16 @@ TEST_F(SpotlightCheck, ReadsTheAnswersOfAMac) {
                 ElementsAre(testing::StartsWith("Spotlight indexing is disabled for " + data)));
 }
 
+TEST_F(SpotlightCheck, TakesNoAnswerThatComesTooLate) {
+    const char* late = "trap 'exit 0' TERM; while :; do sleep 0.01; done";
+    EXPECT_THAT(warnings(late, "echo 'Indexing disabled.'", std::chrono::milliseconds(500)), testing::SizeIs(1));
+}
+
+TEST_F(SpotlightCheck, DrownsInNoFlood) {
+    EXPECT_THAT(warnings("yes | head -c 100000000", fine), IsEmpty());
+    EXPECT_THAT(warnings("printf '\\377'", fine), IsEmpty());
+}
+
 TEST_F(SpotlightCheck, WarnsOnceWhenNobodyAnswers) {
     const char* unknown = "Could not check Spotlight indexing; Launchpad visibility may lag.";
     EXPECT_THAT(warnings("exit 1", "exit 1"), ElementsAre(unknown));

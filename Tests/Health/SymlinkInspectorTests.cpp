@@ -1,6 +1,7 @@
 #include "Health/HealthWorld.h"
 #include "Health/SymlinkInspector.h"
 #include "Support/Bundles.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,7 @@ using enum HealthIssue::Kind;
 
 class SymlinkInspection : public testing::Test {
 protected:
-    HealthIssue inspected() const { return SymlinkInspector::inspect("/Applications/Foo.app", target); }
+    HealthIssue inspected() const { return SymlinkInspector::inspect(world.host, "/Applications/Foo.app", target); }
 
     const test::HealthWorld world;
     const fs::path target = world.appsOnDrive / "Foo.app";
@@ -33,6 +34,16 @@ TEST_F(SymlinkInspection, MissesATargetThatIsNotThere) {
               "Target does not exist. The external drive may be unmounted, or the file was deleted.");
     test::makeLink(target, target);
     EXPECT_EQ(inspected().kind, dangling) << "a link to itself";
+}
+
+TEST_F(SymlinkInspection, CallsNothingMissingThatMayNotBeLookedAt) {
+    test::makeBundle(target);
+    fs::permissions(world.appsOnDrive, fs::perms::none);
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        EXPECT_EQ(inspected().kind, corrupted);
+    }
+    fs::permissions(world.appsOnDrive, fs::perms::owner_all);
 }
 
 TEST_F(SymlinkInspection, CallsABundleWithoutAListEmpty) {

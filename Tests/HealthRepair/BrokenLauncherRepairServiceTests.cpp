@@ -82,6 +82,8 @@ TEST_F(BrokenLauncherRepair, GoesByTheWholeIdentifierWithoutTheSuffix) {
     test::makeLauncher(plain, "/nowhere", identified("org.example.plain"));
     test::makeBundle(world.applications / "Real.app", identified("org.example.plain"));
     EXPECT_EQ(Service::replacementTarget(world.host, plain), world.applications / "Real.app");
+    test::makeBundle(world.applications / "Self.app", identified("org.example.self"));
+    EXPECT_EQ(Service::replacementTarget(world.host, world.applications / "Self.app"), std::nullopt) << "no other one";
     test::makeLauncher(plain, "/nowhere");
     EXPECT_EQ(Service::replacementTarget(world.host, plain), std::nullopt);
 }

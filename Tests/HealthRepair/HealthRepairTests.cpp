@@ -3,7 +3,9 @@
 #include "Health/HealthWorld.h"
 #include "HealthRepair/HealthRepair.h"
 #include "Platform/Basics/Failure.h"
+#include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
+#include "Records/InstallsDBWriter.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
 #include "Support/OrdinaryUser.h"
@@ -12,6 +14,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tarvik {
 
@@ -71,6 +77,15 @@ TEST_F(HealthRepairs, RemoveALinkThatLeadsNowhere) {
     EXPECT_THAT(checked().issues, IsEmpty());
 }
 
+TEST_F(HealthRepairs, KnowLinksAgainThatAreRelative) {
+    test::makeLink(world.applications / "Gone.app", "../Volumes/Backup/Gone.app");
+    EXPECT_EQ(perform(problem(), removeDangling), "Removed dead symlink Gone.app.");
+    test::makeLink(world.library / "Logs/Editor/data", "../gone");
+    EXPECT_EQ(perform(problem(), removeDangling), "Removed dead symlink data.");
+    test::makeLink(world.library / "Preferences/x.plist", "../elsewhere.plist");
+    EXPECT_EQ(refusal(problem(), restoreUnsafePrefs), "Source path no longer exists.");
+}
+
 TEST_F(HealthRepairs, RemoveNoLinkThatLeadsSomewhereByNow) {
     test::makeLink(world.applications / "Gone.app", world.appsOnDrive / "Gone.app");
     const auto issue = problem();
@@ -86,7 +101,7 @@ TEST_F(HealthRepairs, RemoveNoLinkThatLeadsSomewhereByNow) {
 }
 
 TEST_F(HealthRepairs, CleanUpABundleThatIsNone) {
-    for (const char* rest : {"Contents", "Contents/Info.plist"}) {
+    for (const char* rest : {"Contents", "Contents/Info.plist", "Contents/MacOS/program"}) {
         if (std::string_view(rest) == "Contents")
             test::makeFolder(world.appsOnDrive / "Foo.app" / rest);
         else
@@ -119,12 +134,39 @@ TEST_F(HealthRepairs, NeverTrashAVolumeOrTheHomeBehindALink) {
     }
 }
 
+TEST_F(HealthRepairs, NeverTrashWhatAnotherLinkOnTheWayLeadsTo) {
+    test::makeLink(world.folder / "way", world.home);
+    test::makeLink(world.applications / "Foo.app", world.folder / "way");
+    EXPECT_EQ(refusal(problem(), removeEmpty), world.home.native() + " must stay where it is. Nothing was changed.");
+}
+
 TEST_F(HealthRepairs, CleanUpNoBundleThatWasInstalledAnew) {
     test::makeFolder(world.appsOnDrive / "Foo.app");
     test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
     const auto issue = problem();
     test::makeBundle(world.appsOnDrive / "Foo.app");
     expectStale(issue, removeEmpty);
+    fs::remove_all(world.appsOnDrive / "Foo.app");
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    fs::remove(issue.location);
+    test::makeLink(issue.location, world.appsOnDrive / "Bar.app");
+    expectStale(issue, removeEmpty);
+}
+
+TEST_F(HealthRepairs, RetargetNoLauncherThatHasChanged) {
+    const fs::path launcher = world.applications / "Foo.app";
+    const fs::path target = world.folder / "gone/Foo.app";
+    test::makeLauncher(launcher, target);
+    const auto issue = problem();
+    test::makeBundle(target);
+    expectStale(issue, repairBrokenLauncher);
+    fs::remove_all(target);
+    test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", "/nowhere/Other.app");
+    expectStale(issue, repairBrokenLauncher);
+    test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", target.native());
+    fs::rename(launcher, world.folder / "elsewhere.app");
+    test::makeLink(launcher, world.folder / "elsewhere.app");
+    expectStale(issue, repairBrokenLauncher);
 }
 
 TEST_F(HealthRepairs, ReclaimTheCopyOfARevertedApplication) {
@@ -155,6 +197,84 @@ TEST_F(HealthRepairs, ReclaimingTellsWhenTheDriveIsAway) {
     EXPECT_TRUE(fs::exists(issue.location));
     EXPECT_EQ(perform({.kind = Kind::reverted, .location = issue.location}, reclaimReverted),
               "Reclaimed stale SSD copy of Foo.app.");
+}
+
+TEST_F(HealthRepairs, ForgetTheMovesToACopyThatTheyTrash) {
+    const fs::path database = InstallsDB::defaultPath(world.host);
+    test::makeTrackingDatabase(database);
+    InstallsDBWriter::recordMove(
+        world.host,
+        {.source = world.applications / "Foo.app", .destination = world.appsOnDrive / "Foo.app", .trackedFiles = {}},
+        database);
+    ASSERT_TRUE(InstallsDB::entryForAppName(database, "Foo.app"));
+    world.remember(world.folder / "Other", world.drive / "Other");
+    const auto isRemembered = [&] { return HealthManifest::load(world.host).size() == 2; };
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    perform(revertedApp(), reclaimReverted);
+    EXPECT_FALSE(isRemembered());
+    EXPECT_FALSE(InstallsDB::entryForAppName(database, "Foo.app"));
+    EXPECT_THAT(checked().problems(), IsEmpty());
+    fs::remove_all(world.applications / "Foo.app");
+    fs::remove_all(world.trash->folder);
+
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    perform(problem(), removeOrphan);
+    EXPECT_FALSE(isRemembered());
+    fs::remove_all(world.trash->folder);
+
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    world.trash->refuses = true;
+    perform(problem(), removeEmpty);
+    EXPECT_TRUE(isRemembered()) << "the copy is still there";
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    world.trash->refuses = false;
+    perform(problem(), removeEmpty);
+    EXPECT_FALSE(isRemembered());
+    EXPECT_EQ(HealthManifest::load(world.host).size(), 1U) << "what was moved elsewhere stays remembered";
+}
+
+TEST_F(HealthRepairs, GoOnWhereAKilledOneHasTrashedTheCopy) {
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted}) {
+        test::makeBundle(world.applications / "Foo.app");
+        world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+        const auto issue = problem();
+        EXPECT_THAT(issue.detail, testing::StartsWith("Manifest says"));
+        perform(issue, strategy);
+        EXPECT_THAT(checked().problems(), IsEmpty());
+        EXPECT_EQ(fs::is_symlink(world.applications / "Foo.app"), strategy == reSymlinkReverted);
+    }
+}
+
+TEST_F(HealthRepairs, LeaveALauncherThatHasTakenTheApplicationsPlace) {
+    const auto issue = revertedApp();
+    fs::remove_all(issue.location);
+    test::makeLauncher(issue.location, *issue.target);
+    expectStale(issue, reclaimReverted);
+    expectStale(issue, reSymlinkReverted);
+}
+
+TEST_F(HealthRepairs, MoveNoApplicationThatRuns) {
+    const auto issue = revertedApp();
+    world.World::applications->inUse = {issue.location};
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "App is running: Foo.app. Quit it first, or pass --quit-running.");
+    EXPECT_TRUE(fs::exists(*issue.target));
+}
+
+TEST_F(HealthRepairs, SayNoMoreThanTheMoveWhereNothingWentToTheTrash) {
+    const auto issue = revertedApp();
+    world.withDitto("echo 'no room' >&2; exit 1");
+    fs::remove_all(*issue.target);
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "Copy failed: ditto failed: no room");
+}
+
+TEST_F(HealthRepairs, KeepTheMachineAwake) {
+    test::makeLink(world.applications / "Gone.app", "/nowhere");
+    perform(problem(), removeDangling);
+    EXPECT_THAT(world.sleepBlocker->reasons, testing::ElementsAre("What has drifted is being repaired"));
+    EXPECT_EQ(world.sleepBlocker->holds, 0);
 }
 
 TEST_F(HealthRepairs, ReclaimNoCopyThatALinkLeadsToAgain) {
@@ -292,6 +412,15 @@ TEST_F(HealthRepairs, TellHowAPreferenceFileOfTheSystemComesBack) {
     EXPECT_EQ(test::pictureOf(world.folder.path()), before);
 }
 
+TEST_F(HealthRepairs, BringAPreferenceFileBackToAFolderThatIsOnlyCalledAlike) {
+    const fs::path file = world.folder / "Library of Ada/Preferences/x.plist";
+    test::makeFile(world.drive / "x.plist", "preferences");
+    test::makeLink(file, world.drive / "x.plist");
+    EXPECT_EQ(perform({.kind = Kind::unsafePrefsPlist, .location = file, .target = world.drive / "x.plist"},
+                      restoreUnsafePrefs),
+              "Restored x.plist to internal disk.");
+}
+
 TEST_F(HealthRepairs, LetADataLinkLeadToTheCopyThatWasFound) {
     const fs::path link = world.library / "Logs/data";
     test::makeFile(world.drive / "ExternalTarvik/Data/data/file");
@@ -315,7 +444,10 @@ TEST_F(HealthRepairs, TrashNothingThatAMoveStillHolds) {
     const auto issue = revertedApp();
     const FileDescriptor held = ItemLock::hold(*issue.target);
     EXPECT_EQ(refusal(issue, reclaimReverted), "Foo.app is being moved. Nothing was changed.");
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "Foo.app is being moved. Nothing was changed.");
     EXPECT_TRUE(fs::exists(*issue.target));
+    fs::remove_all(issue.location);
+    EXPECT_EQ(refusal(problem(), removeOrphan), "Foo.app is being moved. Nothing was changed.");
 }
 
 TEST_F(HealthRepairs, TrashNothingThatALinkElsewhereLeadsTo) {
@@ -352,6 +484,52 @@ TEST_F(HealthRepairs, AreSafeWhereTheyRemoveNothing) {
     EXPECT_EQ(safe(Kind::reverted), std::nullopt);
     EXPECT_EQ(safe(Kind::signatureBroken), std::nullopt);
     EXPECT_EQ(safe(Kind::healthy), std::nullopt);
+}
+
+TEST_F(HealthRepairs, RepointNothingButDanglingLinks) {
+    test::makeFolder(world.drive / "ExternalTarvik/Apps/Foo.app");
+    const fs::path former = world.drive / "Tarvik/Apps/Foo.app";
+    EXPECT_EQ(HealthRepair::safeRepair(world.host, {.kind = Kind::dangling, .target = former}), repointDangling);
+    EXPECT_EQ(HealthRepair::safeRepair(world.host, {.kind = Kind::brokenLauncher, .target = former}),
+              repairBrokenLauncher);
+}
+
+TEST_F(HealthRepairs, AreMeantWhereThereIsOneAlone) {
+    const auto only = [&](Kind kind) { return HealthRepair::onlyRepair(world.host, {.kind = kind}); };
+    EXPECT_EQ(only(Kind::dangling), removeDangling);
+    EXPECT_EQ(only(Kind::brokenLauncher), repairBrokenLauncher);
+    EXPECT_EQ(only(Kind::reverted), std::nullopt);
+    EXPECT_EQ(only(Kind::signatureBroken), std::nullopt);
+}
+
+TEST(HealthRepairIntent, SaysWhatWillBeDone) {
+    const HealthIssue issue{.location = "/Applications/Foo.app", .target = "/drive/Foo.app"};
+    const std::vector<std::pair<HealthRepairStrategy, std::string>> intents = {
+        {removeDangling, "remove the link"},
+        {removeEmpty, "remove the link and move /drive/Foo.app to the Trash"},
+        {reclaimReverted, "move /drive/Foo.app to the Trash"},
+        {reSymlinkReverted, "move it to the drive again, and the old copy there to the Trash"},
+        {removeOrphan, "move it to the Trash"},
+        {forgetMissingTrackedFiles, "forget the tracked files that are missing"},
+        {repairSpotlightLaunchers, "install the launchers that are missing"},
+        {repairBrokenLauncher, "let it open another copy of its app"},
+        {restoreUnsafePrefs, "bring /drive/Foo.app back to its place"},
+        {restoreSandboxExternal, "copy /drive/Foo.app back to its place"},
+        {repointDangling, "let it lead to the copy that was found"}};
+    for (const auto& [strategy, text] : intents) EXPECT_EQ(HealthRepair::intent(issue, strategy), text);
+}
+
+TEST(HealthRepairStrategies, AreOfferedByTheirLabels) {
+    const auto label = [](Kind kind) { return HealthRepairStrategies::offers(kind).at(0).label; };
+    EXPECT_EQ(label(Kind::dangling), "Remove dead symlink");
+    EXPECT_EQ(label(Kind::empty), "Clean up (must reinstall)");
+    EXPECT_EQ(label(Kind::corrupted), "Clean up (must reinstall)");
+    EXPECT_EQ(label(Kind::orphan), "Delete from SSD");
+    EXPECT_EQ(label(Kind::missingTrackedFiles), "Forget stale DB entries");
+    EXPECT_EQ(label(Kind::missingSpotlightLaunchers), "Repair Spotlight launchers");
+    EXPECT_EQ(label(Kind::brokenLauncher), "Retarget launcher");
+    EXPECT_EQ(label(Kind::unsafePrefsPlist), "Restore plist to internal");
+    EXPECT_EQ(label(Kind::sandboxExternalSymlink), "Restore to internal disk");
 }
 
 TEST(HealthRepairStrategies, EachHasANameByWhichItIsFound) {

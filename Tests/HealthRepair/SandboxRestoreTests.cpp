@@ -1,11 +1,14 @@
+#include "Copying/HiddenName.h"
+#include "Health/HealthCheck.h"
 #include "Health/HealthWorld.h"
-#include "Health/SandboxExternalSymlinkDetector.h"
 #include "HealthRepair/HealthRepair.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cerrno>
 
 namespace tarvik {
 
@@ -85,9 +88,26 @@ TEST_F(SandboxRestoring, KeepsTheLinkInItsPlaceWhileItCopies) {
     EXPECT_THAT(perform(), testing::StartsWith("Restored "));
 }
 
+TEST_F(SandboxRestoring, TakesNothingOutOfItsPlaceButTheLink) {
+    world.withDitto("cp -aT \"$2\" \"$3\"; rm '" + link.native() + "'; mkdir '" + link.native() + "'; echo new > '" +
+                    link.native() + "/new'");
+    const std::string failure = test::failureOf([&] { perform(); });
+    EXPECT_THAT(failure, testing::HasSubstr(test::wordsFor(EEXIST)));
+    EXPECT_THAT(failure, testing::Not(testing::HasSubstr(".tarvik-")));
+    EXPECT_EQ(test::contentOf(link / "new"), "new\n");
+    EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor"));
+}
+
 TEST_F(SandboxRestoring, IsNoFindingAgain) {
+    world.remember(link, target);
     perform();
-    EXPECT_THAT(SandboxExternalSymlinkDetector::detect(world.host), testing::IsEmpty());
+    EXPECT_THAT(HealthCheck::run(world.host, HealthCheck::applicationRoots(world.host)).problems(), testing::IsEmpty());
+}
+
+TEST_F(SandboxRestoring, ClearsWhatAKilledOneHasLeft) {
+    test::makeFile(HiddenName::forCopyTo(link) / "org.example.Editor/part");
+    perform();
+    EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor", stash));
 }
 
 TEST_F(SandboxRestoring, DoesNothingWithoutATarget) {

@@ -38,13 +38,15 @@ std::optional<bool> judgementOf(const CommandResult& stapler, std::string_view d
 
 }  // namespace
 
-Result verify(const Host& host, const fs::path& bundle, std::chrono::duration<double> limit) {
+Result verify(const Host& host, const fs::path& bundle, std::chrono::duration<double> limit,
+              const Cancellation& cancellation) {
     const auto& path = bundle.native();
-    const auto display = CommandRunner::run(host.tools.codesign, {"-dv", path}, limit);
-    const auto codesign = CommandRunner::run(host.tools.codesign, {"--verify", "--deep", "--strict", path}, limit);
-    const auto stapler = CommandRunner::run(host.tools.xcrun, {"stapler", "validate", path}, limit);
+    const CommandRunner::Bounds bounds{limit, cancellation};
+    const auto display = CommandRunner::ask(host.tools.codesign, {"-dv", path}, bounds);
+    const auto codesign = CommandRunner::ask(host.tools.codesign, {"--verify", "--deep", "--strict", path}, bounds);
+    const auto stapler = CommandRunner::ask(host.tools.xcrun, {"stapler", "validate", path}, bounds);
     if (codesign.timedOut || stapler.timedOut)
-        return {.isSigned = false, .codesignOK = true, .codesignDetail = "verification timed out"};
+        return {.isSigned = false, .codesignOK = true, .codesignDetail = "verification timed out", .isUnknown = true};
 
     Result result{.isSigned = display.succeeded(),
                   .codesignOK = codesign.status == 0,

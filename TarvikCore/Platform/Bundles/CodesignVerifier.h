@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Basics/Cancellation.h"
 #include "Platform/Machine/Host.h"
 
 #include <chrono>
@@ -18,6 +19,8 @@ struct Result {
     /// What the two checks printed, trimmed.
     std::string codesignDetail;
     std::string staplerDetail;
+    /// A tool did not end in time, or was stopped: nothing is known.
+    bool isUnknown = false;
 
     bool passed() const { return codesignOK && staplerOK.value_or(true); }
     bool operator==(const Result&) const = default;
@@ -27,7 +30,9 @@ struct Result {
 inline constexpr std::chrono::seconds toolTimeout{20};
 
 /// Blocks for three runs of the system's tools, each of which is stopped after `limit`. Never fails: a missing bundle
-/// is unsigned, with the tool's message for a detail. A check that takes too long is no failure: the result passes.
-Result verify(const Host& host, const fs::path& bundle, std::chrono::duration<double> limit = toolTimeout);
+/// is unsigned, with the tool's message for a detail. A check that takes too long, or is cancelled, is no failure: the
+/// result passes. A cancellation ends the tool that runs at once.
+Result verify(const Host& host, const fs::path& bundle, std::chrono::duration<double> limit = toolTimeout,
+              const Cancellation& cancellation = {});
 
 }  // namespace tarvik::CodesignVerifier

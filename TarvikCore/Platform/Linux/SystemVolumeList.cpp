@@ -1,6 +1,6 @@
 #include "Platform/Files/FileSystemStatus.h"
+#include "Platform/Files/PatientStatus.h"
 #include "Platform/Linux/BlockDevice.h"
-#include "Platform/Linux/PatientStatus.h"
 #include "Platform/Linux/VolumeRules.h"
 #include "Platform/Machine/VolumeList.h"
 
@@ -117,6 +117,12 @@ public:
         for (std::size_t index = 0; index < mounts.size(); ++index)
             if (statuses[index]) volumes.push_back(volumeOf(mounts[index], *statuses[index]));
         return volumes;
+    }
+
+    std::vector<fs::path> mountPaths() const override {
+        std::vector<fs::path> paths;
+        for (MountFacts& mount : VolumeRules::listed(readTable(), m_home)) paths.push_back(std::move(mount.mountPath));
+        return paths;
     }
 
     std::optional<std::int64_t> availableBytes(const fs::path& path) const override {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace tarvik {
 
@@ -30,6 +31,8 @@ struct Host {
     fs::path temporary;
     ToolTable tools;
     std::shared_ptr<const VolumeList> volumes;
+    /// Where volumes are mounted that are known to answer no call; see `SilentVolumes`.
+    std::vector<fs::path> silentVolumes;
     std::shared_ptr<const TrashCan> trash;
     std::shared_ptr<const RunningApplications> runningApplications;
     /// Null for a machine that does not sleep; see `KeptAwake`.

@@ -31,6 +31,13 @@ public:
         return volumes;
     }
 
+    std::vector<fs::path> mountPaths() const override {
+        std::vector<fs::path> paths;
+        for (const std::string& name : Files::names(m_folder))
+            if (!name.starts_with('.')) paths.push_back(m_folder / name);
+        return paths;
+    }
+
     std::optional<std::int64_t> availableBytes(const fs::path& path) const override {
         const auto status = fileSystemStatus(path);
         return status ? status->availableBytes : std::nullopt;

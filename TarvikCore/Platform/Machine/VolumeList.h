@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tarvik {
@@ -17,6 +18,14 @@ public:
 
     /// The mounted volumes without hidden ones, in no promised order. A volume that cannot be read is left out.
     virtual std::vector<Volume> mounted() const = 0;
+
+    /// Where volumes are mounted, told without asking any of them where the system allows that: one that does not
+    /// answer is among them.
+    virtual std::vector<fs::path> mountPaths() const {
+        std::vector<fs::path> paths;
+        for (Volume& volume : mounted()) paths.push_back(std::move(volume.mountPath));
+        return paths;
+    }
 
     /// What may still be written, in bytes, on the volume that holds `path`; nothing when that cannot be told.
     virtual std::optional<std::int64_t> availableBytes(const fs::path& path) const = 0;

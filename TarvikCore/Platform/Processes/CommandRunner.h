@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Platform/Basics/Cancellation.h"
 #include "Platform/Basics/Path.h"
 #include "Platform/Processes/CommandResult.h"
 #include "Platform/Processes/EnvironmentChange.h"
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,5 +21,18 @@ namespace tarvik::CommandRunner {
 CommandResult run(const fs::path& path, const std::vector<std::string>& arguments,
                   std::optional<std::chrono::duration<double>> timeout = std::nullopt,
                   const EnvironmentChange& change = {});
+
+/// What an answer may cost.
+struct Bounds {
+    std::chrono::duration<double> limit;
+    /// Once it is cancelled, the tool is killed at once; that counts as timed out.
+    Cancellation cancellation{};
+    /// In bytes, for each stream. What a tool prints beyond that is read and dropped.
+    std::size_t mostOutput = 1'000'000;
+};
+
+/// Asks a tool something whose answer can be done without. As `run`, but everything is bounded: the output, and the
+/// time too, which covers processes that the tool leaves behind with its pipes open.
+CommandResult ask(const fs::path& path, const std::vector<std::string>& arguments, const Bounds& bounds);
 
 }  // namespace tarvik::CommandRunner

@@ -2,15 +2,19 @@
 #include "Platform/Machine/VolumeList.h"
 
 #import <Foundation/Foundation.h>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <sys/mount.h>
 #include <vector>
 
 namespace tarvik {
 
 namespace {
+
+constexpr std::size_t mostMounts = 512;
 
 std::optional<std::string> text(NSDictionary<NSURLResourceKey, id>* values, NSURLResourceKey key) {
     NSString* value = values[key];
@@ -75,6 +79,17 @@ public:
             }
         }
         return volumes;
+    }
+
+    std::vector<fs::path> mountPaths() const override {
+        // getfsstat(2): with MNT_NOWAIT it gives what the kernel knows, and asks no file system.
+        std::vector<struct statfs> mounts(mostMounts);
+        const int count =
+            ::getfsstat(mounts.data(), static_cast<int>(mounts.size() * sizeof(struct statfs)), MNT_NOWAIT);
+        std::vector<fs::path> paths;
+        for (int index = 0; index < count; ++index)
+            paths.emplace_back(mounts[static_cast<std::size_t>(index)].f_mntonname);
+        return paths;
     }
 
     std::optional<std::int64_t> availableBytes(const fs::path& path) const override {

@@ -87,7 +87,7 @@ TEST(CodesignVerifier, ATicketCheckThatOnlyNamesTheBundleJudgesNothing) {
 }
 
 TEST(CodesignVerifier, AnAnswerThatTakesTooLongIsNoFailure) {
-    const Result timedOut{false, true, std::nullopt, "verification timed out", ""};
+    const Result timedOut{false, true, std::nullopt, "verification timed out", "", true};
     EXPECT_EQ(verified({.verify = hangs}, std::chrono::milliseconds(50)), timedOut);
     EXPECT_EQ(verified({.ticket = hangs}, std::chrono::milliseconds(50)), timedOut);
     EXPECT_TRUE(timedOut.passed());

@@ -1,5 +1,5 @@
 #include "Platform/Files/FileDescriptor.h"
-#include "Platform/Linux/PatientStatus.h"
+#include "Platform/Files/PatientStatus.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
@@ -128,6 +128,23 @@ TEST(PatientStatus, WaitsForNoVolumeThatDoesNotAnswer) {
     EXPECT_FALSE(answers[0].has_value());
     ASSERT_TRUE(answers[1].has_value());
     EXPECT_EQ(answers[1]->totalBytes, 1 << 20);
+    EXPECT_EQ(PatientStatus::silent({dead.path(), alive.path(), world / "gone"}, std::chrono::milliseconds(300)),
+              std::vector<fs::path>{dead.path()});
+}
+
+TEST(PatientStatus, KeepsNothingOpenWhileItWaits) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const TemporaryFolder world;
+    const DeadVolume dead(world.path());
+    if (!dead.isMounted()) TARVIK_SKIP_BECAUSE("This system does not let the tests mount a volume that never answers.");
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const FileDescriptor input(ends[0]);
+    FileDescriptor output(ends[1]);
+    PatientStatus::silent({dead.path()}, std::chrono::milliseconds(100));
+    output = FileDescriptor();
+    char byte = 0;
+    EXPECT_EQ(::read(input.get(), &byte, 1), 0) << "the other end is still open somewhere";
 }
 
 TEST(PatientStatus, AnswersForFoldersOnly) {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <limits>
@@ -166,6 +167,53 @@ TEST(CommandRunner, DrainsAfterAStoppedToolToo) {
 TEST(CommandRunner, WaitsForAToolThatClosesItsStreamsEarly) {
     for (const auto timeout : {std::optional<Seconds>(), std::optional<Seconds>(60.0)})
         EXPECT_EQ(shell("echo out; exec >&- 2>&-; sleep 0.2; exit 5", timeout), (CommandResult{5, "out\n", "", false}));
+}
+
+TEST(CommandRunner, ACancelledQuestionEndsTheToolAtOnce) {
+    const test::TemporaryFolder folder;
+    const fs::path ready = folder / "ready";
+    const Cancellation cancellation;
+    std::thread user([&] {
+        while (!Files::exists(ready)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancellation.cancel();
+    });
+    const std::string script =
+        fmt::format("trap '' TERM; echo $$ >{0}.pid; mv {0}.pid {0}; exec sleep 100", ready.native());
+    const auto result = CommandRunner::ask("/bin/sh", {"-c", script}, {Seconds(100), cancellation});
+    user.join();
+    EXPECT_EQ(result, (CommandResult{SIGKILL, "", "", true}));
+    EXPECT_EQ(::kill(std::stoi(Files::read(ready)), 0), -1) << "it runs still, or nobody has waited for it";
+    EXPECT_TRUE(CommandRunner::ask("/bin/echo", {"x"}, {Seconds(100), cancellation}).timedOut);
+}
+
+TEST(CommandRunner, AnAnswerIsNoLongerThanWanted) {
+    const auto asked = [](const std::string& script, std::size_t most) {
+        return CommandRunner::ask("/bin/sh", {"-c", script}, {.limit = Seconds(100), .mostOutput = most});
+    };
+    const auto flood = asked("yes | head -c 100000000; yes n | head -c 100000000 >&2; exit 3", 1000);
+    EXPECT_EQ(flood.status, 3);
+    EXPECT_TRUE(flood.stdout.starts_with("y\ny\n") && flood.stderr.starts_with("n\nn\n"));
+    EXPECT_LE(std::max(flood.stdout.size(), flood.stderr.size()), 1000U);
+    EXPECT_GE(std::min(flood.stdout.size(), flood.stderr.size()), 990U);
+    EXPECT_EQ(asked("printf '\\303\\251\\303\\251\\303\\251'", 5).stdout, "\u00E9\u00E9") << "whole characters";
+    EXPECT_EQ(asked("printf '\\303\\251'", 2).stdout, "\u00E9");
+}
+
+TEST(CommandRunner, AQuestionWaitsForNoProcessLeftBehind) {
+    const auto start = steady_clock::now();
+    CommandResult result;
+    for (double limit = 0.2; limit < 50; limit *= 2) {
+        result = CommandRunner::ask("/bin/sh", {"-c", "sleep 100 & echo early"}, {Seconds(limit)});
+        if (!result.timedOut) break;
+    }
+    EXPECT_EQ(result, (CommandResult{0, "early\n", "", false}));
+    EXPECT_LT(steady_clock::now() - start, Seconds(100));
+}
+
+TEST(CommandRunner, AQuestionHasItsLimit) {
+    EXPECT_EQ(CommandRunner::ask("/bin/sleep", {"100"}, {Seconds(0)}), (CommandResult{SIGTERM, "", "", true}));
+    EXPECT_EQ(CommandRunner::ask("/missing/tool", {}, {Seconds(0)}).status, CommandResult::notLaunched);
+    EXPECT_EQ(CommandRunner::ask("/bin/echo", {"x"}, {Seconds(100)}), (CommandResult{0, "x\n", "", false}));
 }
 
 TEST(CommandRunner, RunsManyToolsAtOnceWithoutMixingThem) {

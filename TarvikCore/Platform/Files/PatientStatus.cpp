@@ -1,11 +1,14 @@
-#include "Platform/Linux/PatientStatus.h"
+#include "Platform/Files/PatientStatus.h"
 
 #include "Platform/Files/FileDescriptor.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -20,11 +23,21 @@ using Clock = std::chrono::steady_clock;
 using Answer = std::optional<FileSystemStatus>;
 static_assert(std::is_trivially_copyable_v<Answer>);  // It goes through a pipe as it is.
 
+/// A process that a dead file system holds for ever must hold nothing else: no lock, and no pipe that others wait for.
+void closeAllBut(int kept) {
+    constexpr rlim_t most = 65536;
+    rlimit limit{};
+    const rlim_t count = ::getrlimit(RLIMIT_NOFILE, &limit) == 0 ? std::min(limit.rlim_cur, most) : most;
+    for (int descriptor = 0; static_cast<rlim_t>(descriptor) < count; ++descriptor)
+        if (descriptor != kept) ::close(descriptor);
+}
+
 /// In a process of its own, where only calls that are safe after `fork` may be made.
 [[noreturn]] void answer(const char* path, int output, std::chrono::milliseconds patience) {
+    closeAllBut(output);
     ::signal(SIGALRM, SIG_DFL);
     sigset_t none;
-    ::sigemptyset(&none);
+    sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
     itimerval alarm{};
     alarm.it_value.tv_sec = patience.count() / 1000;
@@ -41,9 +54,10 @@ static_assert(std::is_trivially_copyable_v<Answer>);  // It goes through a pipe 
 /// The reading end of a pipe from a process that asks. It is nobody's child, so that nobody has to wait for its end.
 FileDescriptor ask(const fs::path& path, std::chrono::milliseconds patience) {
     int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) return FileDescriptor{};
+    if (::pipe(ends) != 0) return FileDescriptor{};
     FileDescriptor input(ends[0]);
     const FileDescriptor output(ends[1]);
+    for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
 
     const pid_t child = ::fork();
     if (child == 0) {
@@ -55,7 +69,8 @@ FileDescriptor ask(const fs::path& path, std::chrono::milliseconds patience) {
     return input;
 }
 
-Answer receive(int input, Clock::time_point deadline) {
+/// What comes through the pipe; nothing when that is no answer, and no value at all when it does not end in time.
+std::optional<Answer> receive(int input, Clock::time_point deadline) {
     while (true) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
         pollfd waiting{.fd = input, .events = POLLIN, .revents = 0};
@@ -64,22 +79,38 @@ Answer receive(int input, Clock::time_point deadline) {
         if (ready <= 0) return std::nullopt;
         Answer result;
         // The answer is shorter than what a pipe takes in one piece.
-        return ::read(input, &result, sizeof result) == sizeof result ? result : std::nullopt;
+        return ::read(input, &result, sizeof result) == sizeof result ? result : Answer();
     }
 }
 
-}  // namespace
-
-std::vector<Answer> read(const std::vector<fs::path>& paths, std::chrono::milliseconds patience) {
+/// Asks all at once. Who cannot be asked has not been silent.
+std::vector<std::optional<Answer>> askAll(const std::vector<fs::path>& paths, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
     std::vector<FileDescriptor> inputs;
     inputs.reserve(paths.size());
     for (const fs::path& path : paths) inputs.push_back(ask(path, patience));
 
-    std::vector<Answer> answers;
+    std::vector<std::optional<Answer>> answers;
     answers.reserve(inputs.size());
-    for (const FileDescriptor& input : inputs) answers.push_back(input ? receive(input.get(), deadline) : std::nullopt);
+    for (const FileDescriptor& input : inputs) answers.push_back(input ? receive(input.get(), deadline) : Answer());
     return answers;
+}
+
+}  // namespace
+
+std::vector<Answer> read(const std::vector<fs::path>& paths, std::chrono::milliseconds patience) {
+    std::vector<Answer> answers;
+    answers.reserve(paths.size());
+    for (const auto& answer : askAll(paths, patience)) answers.push_back(answer.value_or(Answer()));
+    return answers;
+}
+
+std::vector<fs::path> silent(const std::vector<fs::path>& paths, std::chrono::milliseconds patience) {
+    const auto answers = askAll(paths, patience);
+    std::vector<fs::path> found;
+    for (std::size_t index = 0; index < paths.size(); ++index)
+        if (!answers[index]) found.push_back(paths[index]);
+    return found;
 }
 
 }  // namespace tarvik::PatientStatus

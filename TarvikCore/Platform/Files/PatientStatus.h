@@ -19,4 +19,7 @@ namespace tarvik::PatientStatus {
 std::vector<std::optional<FileSystemStatus>> read(const std::vector<fs::path>& paths,
                                                   std::chrono::milliseconds patience);
 
+/// Those of the paths that have not answered in time, be it to say that nothing stands there. The same way of asking.
+std::vector<fs::path> silent(const std::vector<fs::path>& paths, std::chrono::milliseconds patience);
+
 }  // namespace tarvik::PatientStatus
