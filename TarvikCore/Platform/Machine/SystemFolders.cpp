@@ -127,7 +127,7 @@ constexpr Rule homeRules[] = {
     {"Library/Preferences", itself},
     {"Library/Preferences/ByHost", itself},
 
-    // Linux: the base directories of the XDG specification, and what opens the user's session.
+    // Linux: the XDG base directories, and what opens the session.
     {".config", itself},
     {".local", itself},
     {".local/share", itself},
