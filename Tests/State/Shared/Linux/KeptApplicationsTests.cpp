@@ -9,8 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tarvik::test {
 namespace {
