@@ -71,7 +71,7 @@ TEST_F(HealthRepairs, CleanUpIsSilentWhenTheTrashRefuses) {
 }
 
 TEST_F(HealthRepairs, NeverTrashAVolumeOrTheHomeBehindALink) {
-    const fs::path stick = world.folder / "media/stick";
+    const fs::path stick = world.folder / "elsewhere/stick";
     world.volumes->list.push_back({.mountPath = stick});
     for (const fs::path& folder : {stick, world.folder / "Library"}) test::makeFolder(folder);
     for (const fs::path& target :
