@@ -98,6 +98,14 @@ TEST_F(SandboxRestoring, TakesNothingOutOfItsPlaceButTheLink) {
     EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor"));
 }
 
+TEST_F(SandboxRestoring, LeavesWhatHasTakenTheLinksPlace) {
+    fs::remove(link);
+    test::makeFile(link / "new");
+    EXPECT_EQ(test::failureOf([&] { perform(); }),
+              "org.example.Editor is not what it was when it was checked. Nothing was changed.");
+    EXPECT_THAT(names(), UnorderedElementsAre("org.example.Editor"));
+}
+
 TEST_F(SandboxRestoring, IsNoFindingAgain) {
     world.remember(link, target);
     perform();

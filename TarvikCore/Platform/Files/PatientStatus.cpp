@@ -69,18 +69,25 @@ FileDescriptor ask(const fs::path& path, std::chrono::milliseconds patience) {
     return input;
 }
 
-/// What comes through the pipe; nothing when that is no answer, and no value at all when it does not end in time.
-std::optional<Answer> receive(int input, Clock::time_point deadline) {
+/// Waits until there is something to read, or the other end is closed. @returns whether that was in time.
+bool waitFor(int input, Clock::time_point deadline) {
     while (true) {
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
         pollfd waiting{.fd = input, .events = POLLIN, .revents = 0};
         const int ready = ::poll(&waiting, 1, left > 0 ? static_cast<int>(left) : 0);
-        if (ready < 0 && errno == EINTR) continue;
-        if (ready <= 0) return std::nullopt;
-        Answer result;
-        // The answer is shorter than what a pipe takes in one piece.
-        return ::read(input, &result, sizeof result) == sizeof result ? result : Answer();
+        if (ready >= 0 || errno != EINTR) return ready > 0;
     }
+}
+
+/// What comes through the pipe; nothing when that is no answer, and no value at all when it does not end in time.
+std::optional<Answer> receive(int input, Clock::time_point deadline) {
+    if (!waitFor(input, deadline)) return std::nullopt;
+    Answer result;
+    // The answer is shorter than what a pipe takes in one piece.
+    if (::read(input, &result, sizeof result) != sizeof result) return Answer();
+    // Who asked bears this program's arguments as long as it lives, and a list of processes would show them.
+    waitFor(input, deadline);
+    return result;
 }
 
 /// Asks all at once. Who cannot be asked has not been silent.

@@ -1,0 +1,219 @@
+// The repairs of bundles on a drive that stand for nothing any more.
+#include "Copying/ItemLock.h"
+#include "HealthRepair/HealthRepairTest.h"
+#include "Records/HealthManifest.h"
+#include "Records/InstallsDB.h"
+#include "Records/InstallsDBWriter.h"
+#include "Support/TrackingDatabase.h"
+
+namespace tarvik {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using enum HealthRepairStrategy;
+using Kind = HealthIssue::Kind;
+
+class CopyRepairs : public test::HealthRepairTest {};
+
+}  // namespace
+
+TEST_F(CopyRepairs, ReclaimTheCopyOfARevertedApplication) {
+    const auto issue = revertedApp();
+    EXPECT_EQ(perform(issue, reclaimReverted), "Reclaimed stale SSD copy of Foo.app.");
+    EXPECT_FALSE(fs::exists(world.appsOnDrive / "Foo.app"));
+    EXPECT_TRUE(fs::exists(world.trash->folder / "Foo.app"));
+    EXPECT_TRUE(fs::exists(world.applications / "Foo.app"));
+    EXPECT_THAT(checked().issues, IsEmpty());
+}
+
+TEST_F(CopyRepairs, TellHowManyLaunchersWentWithACopy) {
+    const auto issue = revertedApp();
+    test::makeLauncher(world.home / "Applications/One.app", world.appsOnDrive / "Foo.app");
+    EXPECT_EQ(perform(issue, reclaimReverted), "Reclaimed stale SSD copy of Foo.app. Removed 1 stale launcher shim.");
+    test::makeBundle(world.appsOnDrive / "Orphan.app");
+    const auto orphan = problem();
+    for (const char* name : {"Two.app", "Three.app"})
+        test::makeLauncher(world.home / "Applications" / name, world.appsOnDrive / "Orphan.app");
+    EXPECT_EQ(perform(orphan, removeOrphan), "Trashed orphan Orphan.app. Removed 2 stale launcher shims.");
+}
+
+TEST_F(CopyRepairs, ReclaimingTellsWhenTheDriveIsAway) {
+    test::makeBundle(world.applications / "Foo.app");
+    world.remember(world.applications / "Foo.app", "/nowhere/Foo.app");
+    const auto issue = problem();
+    EXPECT_THAT(refusal(issue, reclaimReverted), HasSubstr("Could not move to the Trash"));
+    EXPECT_TRUE(fs::exists(issue.location));
+    EXPECT_EQ(perform({.kind = Kind::reverted, .location = issue.location}, reclaimReverted),
+              "Reclaimed stale SSD copy of Foo.app.");
+}
+
+TEST_F(CopyRepairs, ForgetTheMovesToACopyThatTheyTrash) {
+    const fs::path database = InstallsDB::defaultPath(world.host);
+    test::makeTrackingDatabase(database);
+    InstallsDBWriter::recordMove(
+        world.host,
+        {.source = world.applications / "Foo.app", .destination = world.appsOnDrive / "Foo.app", .trackedFiles = {}},
+        database);
+    ASSERT_TRUE(InstallsDB::entryForAppName(database, "Foo.app"));
+    world.remember(world.folder / "Other", world.drive / "Other");
+    const auto isRemembered = [&] { return HealthManifest::load(world.host).size() == 2; };
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    perform(revertedApp(), reclaimReverted);
+    EXPECT_FALSE(isRemembered());
+    EXPECT_FALSE(InstallsDB::entryForAppName(database, "Foo.app"));
+    EXPECT_THAT(checked().problems(), IsEmpty());
+    fs::remove_all(world.applications / "Foo.app");
+    fs::remove_all(world.trash->folder);
+
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    perform(problem(), removeOrphan);
+    EXPECT_FALSE(isRemembered());
+    fs::remove_all(world.trash->folder);
+
+    world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    world.trash->refuses = true;
+    perform(problem(), removeEmpty);
+    EXPECT_TRUE(isRemembered()) << "the copy is still there";
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    world.trash->refuses = false;
+    perform(problem(), removeEmpty);
+    EXPECT_FALSE(isRemembered());
+    EXPECT_EQ(HealthManifest::load(world.host).size(), 1U) << "what was moved elsewhere stays remembered";
+}
+
+TEST_F(CopyRepairs, GoOnWhereAKilledOneHasTrashedTheCopy) {
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted}) {
+        test::makeBundle(world.applications / "Foo.app");
+        world.remember(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+        const auto issue = problem();
+        EXPECT_THAT(issue.detail, testing::StartsWith("Manifest says"));
+        perform(issue, strategy);
+        EXPECT_THAT(checked().problems(), IsEmpty());
+        EXPECT_EQ(fs::is_symlink(world.applications / "Foo.app"), strategy == reSymlinkReverted);
+    }
+}
+
+TEST_F(CopyRepairs, LeaveALauncherThatHasTakenTheApplicationsPlace) {
+    const auto issue = revertedApp();
+    fs::remove_all(issue.location);
+    test::makeLauncher(issue.location, *issue.target);
+    expectStale(issue, reclaimReverted);
+    expectStale(issue, reSymlinkReverted);
+}
+
+TEST_F(CopyRepairs, MoveNoApplicationThatRuns) {
+    const auto issue = revertedApp();
+    world.World::applications->inUse = {issue.location};
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "App is running: Foo.app. Quit it first, or pass --quit-running.");
+    EXPECT_TRUE(fs::exists(*issue.target));
+}
+
+TEST_F(CopyRepairs, SayNoMoreThanTheMoveWhereNothingWentToTheTrash) {
+    const auto issue = revertedApp();
+    world.withDitto("echo 'no room' >&2; exit 1");
+    fs::remove_all(*issue.target);
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "Copy failed: ditto failed: no room");
+}
+
+TEST_F(CopyRepairs, ReclaimNoCopyThatALinkLeadsToAgain) {
+    const auto issue = revertedApp();
+    fs::remove_all(issue.location);
+    test::makeLink(issue.location, *issue.target);
+    expectStale(issue, reclaimReverted);
+    fs::remove(issue.location);
+    expectStale(issue, reSymlinkReverted);
+}
+
+TEST_F(CopyRepairs, MoveARevertedApplicationAgain) {
+    const auto issue = revertedApp();
+    test::makeFile(issue.location / "Contents/new");
+    const auto picture = test::pictureOf(issue.location);
+    EXPECT_EQ(perform(issue, reSymlinkReverted), "Re-symlinked Foo.app to SSD.");
+    EXPECT_EQ(fs::read_symlink(issue.location), world.appsOnDrive / "Foo.app");
+    EXPECT_EQ(test::pictureOf(world.appsOnDrive / "Foo.app"), picture);
+    EXPECT_TRUE(fs::exists(world.trash->folder / "Foo.app"));
+    EXPECT_EQ(checked().healthyCount, 1U);
+}
+
+TEST_F(CopyRepairs, TellWhereBothAreWhenTheSecondMoveFails) {
+    const auto issue = revertedApp();
+    world.withDitto("echo 'no room' >&2; exit 1");
+    const auto sentence = refusal(issue, reSymlinkReverted);
+    EXPECT_EQ(sentence, "Copy failed: ditto failed: no room Foo.app stays at " + issue.location.native() +
+                            "; the old copy from the drive is in the Trash, at " +
+                            (world.trash->folder / "Foo.app").native() + ".");
+    EXPECT_TRUE(fs::is_directory(issue.location));
+    EXPECT_TRUE(fs::exists(world.trash->folder / "Foo.app/Contents/Info.plist"));
+}
+
+TEST_F(CopyRepairs, TrashNothingWhenTheApplicationCannotMove) {
+    const auto issue = revertedApp();
+    test::makeSocket(issue.location / "Contents/socket");
+    const auto before = test::pictureOf(world.folder.path());
+    EXPECT_THAT(refusal(issue, reSymlinkReverted), HasSubstr("socket"));
+    EXPECT_EQ(test::pictureOf(world.folder.path()), before);
+}
+
+TEST_F(CopyRepairs, GoToTheUsualDriveOnlyWhenItIsThere) {
+    test::makeBundle(world.applications / "Foo.app");
+    const HealthIssue issue{.kind = Kind::reverted, .location = world.applications / "Foo.app"};
+    const fs::path usual = world.folder / "Volumes/Crucial X9";
+    test::makeFolder(usual);
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "The drive Crucial X9 is not connected. Nothing was changed.");
+    EXPECT_TRUE(fs::is_empty(usual));
+    world.volumes->list.push_back({.mountPath = usual, .name = "Crucial X9"});
+    EXPECT_EQ(perform(issue, reSymlinkReverted), "Re-symlinked Foo.app to SSD.");
+    EXPECT_EQ(fs::read_symlink(issue.location), usual / "ExternalTarvik/Apps/Foo.app");
+}
+
+TEST_F(CopyRepairs, TrashAnOrphan) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.");
+    EXPECT_TRUE(fs::exists(world.trash->folder / "Foo.app"));
+    EXPECT_THAT(checked().issues, IsEmpty());
+}
+
+TEST_F(CopyRepairs, TrashNoOrphanThatALinkLeadsToByNow) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    test::makeLink(world.applications / "Foo.app", issue.location);
+    expectStale(issue, removeOrphan);
+    fs::remove_all(issue.location);
+    expectStale(issue, removeOrphan);
+}
+
+TEST_F(CopyRepairs, PassOnWhatTheTrashSays) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    world.trash->refuses = true;
+    EXPECT_THAT(refusal(issue, removeOrphan), HasSubstr("Could not move to the Trash"));
+    EXPECT_TRUE(fs::exists(issue.location));
+}
+
+TEST_F(CopyRepairs, TrashNothingThatAMoveStillHolds) {
+    const auto issue = revertedApp();
+    const FileDescriptor held = ItemLock::hold(*issue.target);
+    EXPECT_EQ(refusal(issue, reclaimReverted), "Foo.app is being moved. Nothing was changed.");
+    EXPECT_EQ(refusal(issue, reSymlinkReverted), "Foo.app is being moved. Nothing was changed.");
+    EXPECT_TRUE(fs::exists(*issue.target));
+    fs::remove_all(issue.location);
+    EXPECT_EQ(refusal(problem(), removeOrphan), "Foo.app is being moved. Nothing was changed.");
+}
+
+TEST_F(CopyRepairs, TrashNothingThatALinkElsewhereLeadsTo) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    EXPECT_EQ(issue.kind, Kind::orphan);
+    const fs::path link = world.home / "Applications/Foo.app";
+    test::makeLink(link, issue.location);
+    world.remember(link, issue.location);
+    expectStale(issue, removeOrphan);
+    EXPECT_THAT(checked().issues, IsEmpty());
+}
+
+}  // namespace tarvik
