@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <cstddef>
 #include <utility>
 
 namespace tarvik::Practice {

@@ -5,6 +5,7 @@
 
 #include <QQuickItem>
 
+#include <string>
 #include <vector>
 
 /// The Health tab as a user finds a way through it.
