@@ -50,6 +50,8 @@ void inspect(const Host& host, const Links& links, const HealthSizes& sizes, Hea
     for (const auto& link : links) inspected.push_back(SymlinkInspector::inspect(host, link.location, link.target));
     sizes.fill(inspected, [](const HealthIssue& issue) -> const fs::path& { return *issue.target; });
     for (HealthIssue& issue : inspected) {
+        // A link that leads to another dead one takes nothing up on the drive.
+        if (issue.kind == HealthIssue::Kind::dangling) issue.sizeBytes = 0;
         const bool isHealthy = issue.kind == HealthIssue::Kind::healthy;
         report.issues.push_back(std::move(issue));
         if (!isHealthy) continue;

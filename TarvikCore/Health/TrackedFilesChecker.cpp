@@ -24,7 +24,7 @@ std::optional<HealthIssue> check(const Host& host, const fs::path& location, con
     std::size_t missing = 0;
     std::vector<std::string> first;
     for (const fs::path& file : tracked) {
-        if (SilentVolumes::hold(host, file) || Files::exists(file)) continue;
+        if (SilentVolumes::hold(host, file) || !Files::isMissing(file)) continue;
         ++missing;
         if (first.size() < mostNames) first.push_back(file);
     }

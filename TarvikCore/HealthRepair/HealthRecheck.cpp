@@ -7,8 +7,10 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
+#include "Platform/Storage/DriveScanner.h"
 
 #include <fmt/format.h>
 
@@ -39,12 +41,28 @@ bool isHollow(const fs::path& bundle) {
     return listed && Files::names(programs).empty();
 }
 
-bool isOrphan(const Host& host, const fs::path& bundle) {
-    if (!isRealItem(bundle) || OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return false;
-    const auto scan = ApplicationsRootScan::scan({SystemFolders::applications(host)});
-    return std::none_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
+/// Whether an application, or what is remembered as one, leads to the bundle.
+bool isLinked(const Host& host, const fs::path& bundle) {
+    if (OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return true;
+    const auto scan = ApplicationsRootScan::scan({SystemFolders::applications(host), host.home / "Applications"});
+    return std::any_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
         return Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
     });
+}
+
+bool isOrphan(const Host& host, const fs::path& bundle) {
+    return isRealItem(bundle) && !isLinked(host, bundle);
+}
+
+/// Whether the drive that a copy of Tarvik's was put on is not mounted. A folder that it has left behind at its path is
+/// on the internal disk, and tells nothing of what the drive holds.
+bool isDriveAway(const Host& host, const fs::path& copy) {
+    fs::path drive;
+    for (const fs::path& component : copy) {
+        if (component == AppStorageNames::externalRoot) return !DriveScanner::isThere(host, drive);
+        drive /= component;
+    }
+    return false;
 }
 
 bool isSameLauncher(const HealthIssue& issue) {
@@ -59,7 +77,7 @@ bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy stra
         case repointDangling:
             return isSameLink(issue) && Files::isMissing(issue.location);
         case removeEmpty:
-            return isSameLink(issue) && issue.target && isHollow(*issue.target);
+            return isSameLink(issue) && issue.target && Files::exists(*issue.target) && isHollow(*issue.target);
         case reclaimReverted:
         case reSymlinkReverted:
             return isRealItem(issue.location) && !AppClassifier::readLauncherTarget(issue.location);
@@ -82,6 +100,34 @@ bool isOnSilentVolume(const Host& host, const HealthIssue& issue) {
     return SilentVolumes::hold(known, issue.location) || (issue.target && SilentVolumes::hold(known, *issue.target));
 }
 
+/// Repairs of links that lead nowhere need no drive, nor do launchers.
+bool needsDrive(HealthRepairStrategy strategy) {
+    using enum HealthRepairStrategy;
+    switch (strategy) {
+        case removeDangling:
+        case repointDangling:
+        case repairSpotlightLaunchers:
+        case repairBrokenLauncher:
+            return false;
+        case removeEmpty:
+        case reclaimReverted:
+        case reSymlinkReverted:
+        case removeOrphan:
+        case forgetMissingTrackedFiles:
+        case restoreUnsafePrefs:
+        case restoreSandboxExternal:
+            return true;
+    }
+    return true;
+}
+
+/// Whether a copy that goes to the Trash is what another link leads to.
+bool isCopyInUse(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+    using enum HealthRepairStrategy;
+    if (strategy != reclaimReverted && strategy != reSymlinkReverted) return false;
+    return issue.target && Files::exists(*issue.target) && isLinked(host, *issue.target);
+}
+
 }  // namespace
 
 void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
@@ -93,10 +139,17 @@ void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy st
         throw Failure("HealthRepair", ETIMEDOUT,
                       fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
                                   issue.location.filename().native()));
+    const fs::path& copy = issue.target ? *issue.target : issue.location;
+    if (needsDrive(strategy) && isDriveAway(host, copy))
+        throw Failure("HealthRepair", ENODEV,
+                      fmt::format("The drive of {} is not connected. Nothing was changed.", copy.filename().native()));
     if (!holds(host, issue, strategy))
         throw Failure("HealthRepair", ESTALE,
                       fmt::format("{} is not what it was when it was checked. Nothing was changed.",
                                   issue.location.filename().native()));
+    if (isCopyInUse(host, issue, strategy))
+        throw Failure("HealthRepair", EBUSY,
+                      fmt::format("Another link leads to {}. Nothing was changed.", issue.target->native()));
 }
 
 }  // namespace tarvik::HealthRecheck

@@ -70,20 +70,20 @@ std::string shimSentence(const Host& host, const fs::path& target) {
     return fmt::format(" Removed {}.", counted(std::ssize(removed), "stale launcher shim", "stale launcher shims"));
 }
 
+/// Whether the copy has gone while the folder that held it has not: a killed repair leaves it so.
+bool hasGone(const fs::path& copy) {
+    return Files::exists(copy.parent_path()) && !Files::itemExists(copy) && Files::isMissing(copy);
+}
+
 /// Of a copy that stands on its drive no more, no move is remembered: what bears the application's name later has
 /// nothing to do with it.
 void forgetMovesTo(const Host& host, const fs::path& copy) {
-    if (!Files::isMissing(copy)) return;
+    if (!hasGone(copy)) return;
     for (const HealthManifestEntry& entry : HealthManifest::load(host)) {
         if (entry.destinationPath != copy) continue;
         HealthManifest::forget(host, entry.sourcePath);
         InstallsDBWriter::recordRestore(host, entry.sourcePath, InstallsDB::defaultPath(host));
     }
-}
-
-/// Whether the copy has gone while its drive has not: a killed repair leaves it so.
-bool hasGone(const fs::path& copy) {
-    return Files::exists(copy.parent_path()) && !Files::itemExists(copy) && Files::isMissing(copy);
 }
 
 std::string removeEmpty(const Host& host, const HealthIssue& issue) {
@@ -121,8 +121,9 @@ bool hasLostParts(const Failure& failure) {
 }
 
 std::string whereabouts(const HealthIssue& issue, const std::string& inTrash, bool hasLostParts) {
-    const std::string old = fmt::format("he old copy from the drive is in the Trash, at {}.", inTrash);
-    return hasLostParts ? " T" + old : fmt::format(" {} stays at {}; t{}", nameOf(issue), issue.location.native(), old);
+    const std::string old = fmt::format("old copy from the drive is in the Trash, at {}.", inTrash);
+    return hasLostParts ? " The " + old
+                        : fmt::format(" {} stays at {}; the {}", nameOf(issue), issue.location.native(), old);
 }
 
 std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {

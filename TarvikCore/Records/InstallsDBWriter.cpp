@@ -39,7 +39,8 @@ std::optional<InstallsDBConnection> openForWriting(const fs::path& database) {
 
 std::vector<fs::path> missingFiles(const fs::path& database, const std::string& installId) {
     std::vector<fs::path> files = InstallsDB::trackedFiles(database, installId);
-    std::erase_if(files, Files::exists);
+    // What may not be looked at is kept.
+    std::erase_if(files, [](const fs::path& file) { return !Files::isMissing(file); });
     return files;
 }
 

@@ -49,6 +49,51 @@ TEST_F(CopyRepairs, ReclaimingTellsWhenTheDriveIsAway) {
               "Reclaimed stale SSD copy of Foo.app.");
 }
 
+TEST_F(CopyRepairs, TouchNothingInAFolderThatADriveHasLeftBehind) {
+    const auto reverted = revertedApp();
+    test::makeFolder(world.appsOnDrive / "Empty.app");
+    test::makeLink(world.applications / "Empty.app", world.appsOnDrive / "Empty.app");
+    world.remember(world.applications / "Empty.app", world.appsOnDrive / "Empty.app");
+    const HealthIssue empty{
+        .kind = Kind::empty, .location = world.applications / "Empty.app", .target = world.appsOnDrive / "Empty.app"};
+    const HealthIssue orphan{.kind = Kind::orphan, .location = world.appsOnDrive / "Empty.app"};
+    const auto refused = [&](const HealthIssue& issue, HealthRepairStrategy strategy) {
+        const auto before = test::pictureOf(world.folder.path());
+        const auto sentence = refusal(issue, strategy);
+        EXPECT_EQ(test::pictureOf(world.folder.path()), before);
+        return sentence;
+    };
+    world.volumes->list.clear();
+    const std::string away = "The drive of Foo.app is not connected. Nothing was changed.";
+    EXPECT_EQ(refused(reverted, reclaimReverted), away);
+    EXPECT_EQ(refused(reverted, reSymlinkReverted), away);
+    EXPECT_EQ(refused(orphan, removeOrphan), "The drive of Empty.app is not connected. Nothing was changed.");
+    EXPECT_EQ(refused(empty, removeEmpty), "The drive of Empty.app is not connected. Nothing was changed.");
+    fs::remove_all(world.drive);
+    EXPECT_EQ(refused(empty, removeEmpty), "The drive of Empty.app is not connected. Nothing was changed.");
+}
+
+TEST_F(CopyRepairs, CleanUpNothingThatHasGone) {
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    fs::remove_all(world.appsOnDrive / "Foo.app");
+    expectStale(issue, removeEmpty);
+}
+
+TEST_F(CopyRepairs, TrashNoCopyThatAnotherApplicationLeadsTo) {
+    const auto issue = revertedApp();
+    for (const fs::path& other : {world.applications / "Foo 2.app", world.home / "Applications/Foo.app"}) {
+        test::makeLink(other, *issue.target);
+        const auto before = test::pictureOf(world.folder.path());
+        for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+            EXPECT_EQ(refusal(issue, strategy),
+                      "Another link leads to " + issue.target->native() + ". Nothing was changed.");
+        EXPECT_EQ(test::pictureOf(world.folder.path()), before);
+        fs::remove(other);
+    }
+}
+
 TEST_F(CopyRepairs, ForgetTheMovesToACopyThatTheyTrash) {
     const fs::path database = InstallsDB::defaultPath(world.host);
     test::makeTrackingDatabase(database);

@@ -150,6 +150,19 @@ TEST_F(HealthRepairs, ForgetTrackedFilesByTheNumber) {
               "No setupbook entry found for Foo.app; nothing to forget.");
 }
 
+TEST_F(HealthRepairs, ForgetNoTrackedFilesOfADriveThatIsAway) {
+    const fs::path link = world.moveApp("Foo.app");
+    const fs::path database = InstallsDB::defaultPath(world.host);
+    test::makeTrackingDatabase(database);
+    test::askDatabase(database,
+                      "INSERT INTO installs (install_id, app_name) VALUES ('one', 'Foo.app');"
+                      "INSERT INTO tracked_files (install_id, file_path) VALUES ('one', '/nowhere/1');");
+    const auto issue = problem();
+    world.volumes->list.clear();
+    EXPECT_EQ(refusal(issue, forgetMissingTrackedFiles), "The drive of Foo.app is not connected. Nothing was changed.");
+    EXPECT_EQ(InstallsDB::trackedFiles(database, "one").size(), 1U);
+}
+
 TEST_F(HealthRepairs, InstallLaunchersByTheNumber) {
     const fs::path suite = world.drive / "Suite";
     test::makeLink(world.applications / "Suite", suite);

@@ -61,7 +61,7 @@ TEST_P(HealthPicture, Rescan) {
     auto& window = scanned();
     BusyThreads busyThreads;
     window.click("scanButton");
-    EXPECT_TRUE(window.waitUntilShown("rescanSpinner"));
+    EXPECT_TRUE(window.waitUntil([&] { return !window.isEnabled("scanButton"); }));
     EXPECT_TRUE(window.isShown("issue-dangling-Lost.app")) << "the last report stays in sight";
     window.savePicture(nameOfPicture(GetParam(), "-now"));
 }

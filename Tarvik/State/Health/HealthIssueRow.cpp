@@ -40,6 +40,8 @@ std::vector<Role<HealthIssue>> roles() {
          [](const HealthIssue& issue) -> QVariant {
              return issue.sizeBytes >= 1 ? screenText(SizeCalculator::format(issue.sizeBytes)) : QString();
          }},
+        {"spaceText",
+         [](const HealthIssue& issue) -> QVariant { return screenText(SizeCalculator::format(issue.sizeBytes)); }},
         {"tone", [](const HealthIssue& issue) -> QVariant { return toneOf(issue.kind); }},
         {"repairs", [](const HealthIssue& issue) -> QVariant { return repairsOf(issue); }},
     };

@@ -16,10 +16,6 @@ ColumnLayout {
             font.weight: Font.DemiBold
             Accessible.role: Accessible.Heading
         }
-        Spinner {
-            objectName: "rescanSpinner"
-            visible: HealthState.isScanningHealth && HealthState.hasReport
-        }
         Button {
             objectName: "scanButton"
             text: "Scan"

@@ -48,12 +48,12 @@ Column {
                 id: row
                 required property var location
                 required property string name
-                required property string sizeText
+                required property string spaceText
                 objectName: "largest-" + name
                 leftPadding: Theme.medium
                 rightPadding: Theme.medium
                 item: location
-                Accessible.name: name + ", " + sizeText
+                Accessible.name: name + ", " + spaceText
 
                 contentItem: Item {
                     ElidedLabel {
@@ -68,7 +68,7 @@ Column {
                         objectName: "largestSize"
                         anchors.right: parent.right
                         anchors.verticalCenter: parent.verticalCenter
-                        text: row.sizeText
+                        text: row.spaceText
                     }
                 }
             }
