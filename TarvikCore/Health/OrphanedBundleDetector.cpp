@@ -27,7 +27,10 @@ std::vector<HealthIssue> detect(const std::vector<fs::path>& appsRoots, const st
 std::set<fs::path> rememberedTargets(const Host& host) {
     std::set<fs::path> targets;
     for (const HealthManifestEntry& entry : HealthManifest::load(host)) {
-        if (SilentVolumes::hold(host, entry.sourcePath.parent_path())) continue;
+        if (SilentVolumes::hold(host, entry.sourcePath.parent_path())) {
+            targets.insert(entry.destinationPath);  // Its link cannot be looked at, and may be there.
+            continue;
+        }
         const auto text = Files::linkText(entry.sourcePath);
         if (text && Files::standardized(entry.sourcePath.parent_path() / *text) == entry.destinationPath)
             targets.insert(entry.destinationPath);

@@ -43,7 +43,10 @@ public:
         if (!AppBundleEnumerator::isBundleName(link.target.filename().native()) || !Files::exists(link.target))
             return std::nullopt;
         const auto result = CodesignVerifier::verify(m_host, link.target, m_limit, m_cancellation);
-        m_unknownInARow = result.isUnknown ? m_unknownInARow + 1 : 0;
+        if (result.isUnknown)
+            ++m_unknownInARow;
+        else
+            m_unknownInARow = 0;
         if (!result.isSigned || result.passed()) return std::nullopt;
         return HealthIssue{.kind = HealthIssue::Kind::signatureBroken,
                            .location = link.location,

@@ -10,7 +10,7 @@
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
-#include "Platform/Storage/DriveScanner.h"
+#include "Platform/Machine/VolumeList.h"
 
 #include <fmt/format.h>
 
@@ -46,7 +46,8 @@ bool isLinked(const Host& host, const fs::path& bundle) {
     if (OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return true;
     const auto scan = ApplicationsRootScan::scan({SystemFolders::applications(host), host.home / "Applications"});
     return std::any_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
-        return Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
+        return !SilentVolumes::hold(host, link.location) &&
+               Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
     });
 }
 
@@ -59,7 +60,10 @@ bool isOrphan(const Host& host, const fs::path& bundle) {
 bool isDriveAway(const Host& host, const fs::path& copy) {
     fs::path drive;
     for (const fs::path& component : copy) {
-        if (component == AppStorageNames::externalRoot) return !DriveScanner::isThere(host, drive);
+        if (component == AppStorageNames::externalRoot) {
+            const auto mounted = host.volumes->mountPaths();
+            return std::find(mounted.begin(), mounted.end(), drive) == mounted.end();
+        }
         drive /= component;
     }
     return false;
@@ -96,8 +100,7 @@ bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy stra
 }
 
 bool isOnSilentVolume(const Host& host, const HealthIssue& issue) {
-    const Host known = SilentVolumes::noted(host);
-    return SilentVolumes::hold(known, issue.location) || (issue.target && SilentVolumes::hold(known, *issue.target));
+    return SilentVolumes::hold(host, issue.location) || (issue.target && SilentVolumes::hold(host, *issue.target));
 }
 
 /// Repairs of links that lead nowhere need no drive, nor do launchers.
@@ -130,7 +133,8 @@ bool isCopyInUse(const Host& host, const HealthIssue& issue, HealthRepairStrateg
 
 }  // namespace
 
-void require(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+void require(const Host& machine, const HealthIssue& issue, HealthRepairStrategy strategy) {
+    const Host host = SilentVolumes::noted(machine);
     if (!HealthRepairStrategies::isFor(issue.kind, strategy))
         throw Failure("HealthRepair", EINVAL,
                       fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),

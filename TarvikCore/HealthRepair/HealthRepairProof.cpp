@@ -12,8 +12,9 @@ namespace tarvik::HealthRepairProof {
 
 namespace {
 
+/// Not with its drive: the folder that held it is there.
 bool hasTargetGone(const HealthIssue& issue) {
-    return issue.target && !Files::itemExists(*issue.target);
+    return issue.target && !Files::itemExists(*issue.target) && Files::exists(issue.target->parent_path());
 }
 
 bool isBack(const HealthIssue& issue) {

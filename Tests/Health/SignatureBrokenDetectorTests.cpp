@@ -1,5 +1,6 @@
 #include "Health/HealthWorld.h"
 #include "Health/SignatureBrokenDetector.h"
+#include "Platform/Basics/Parallel.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
@@ -109,7 +110,9 @@ TEST_F(BrokenSignatureDetection, GivesUpToolsThatHang) {
     world.host.tools.codesign =
         world.tool("codesign", "[ $1 = --verify ] && echo x >> '" + asked.native() + "'; exec sleep 100");
     Links links;
-    for (int number = 0; number < 20; ++number) links.push_back(linkTo(std::to_string(number) + ".app").front());
+    // Each thread has asked once before any of them knows.
+    for (unsigned number = 0; number < 20 + 10 * processorCount(); ++number)
+        links.push_back(linkTo(std::to_string(number) + ".app").front());
     // A tool that a slow machine has not started is not asked.
     for (std::chrono::milliseconds limit(50); !fs::exists(asked); limit *= 2)
         EXPECT_THAT(SignatureBrokenDetector::detect(world.host, links, {}, limit), IsEmpty());

@@ -92,7 +92,7 @@ TEST_P(HealthPicture, AllHealthy) {
     auto& window = scanned();
     EXPECT_EQ(window.text("healthyTile/tileValue"), "12");
     EXPECT_TRUE(window.isShown("allHealthy"));
-    EXPECT_TRUE(window.isShown("largest-Journal.app"));
+    EXPECT_TRUE(window.waitUntilShown("largest-Journal.app"));
     EXPECT_FALSE(window.isShown("largest-Kiln.app")) << "it is the eleventh";
 }
 

@@ -43,7 +43,7 @@ TEST_F(HealthTab, SaysThatEverythingIsHealthy) {
     EXPECT_EQ(window.text("allHealthyTitle"), "All moved apps are healthy.");
     EXPECT_EQ(window.text("allHealthyText"), "Nothing to repair.");
     EXPECT_EQ(window.text("topLargestTitle"), "Top 10 largest healthy symlinked apps");
-    EXPECT_TRUE(window.isShown("largest-One.app"));
+    EXPECT_TRUE(window.waitUntilShown("largest-One.app"));
 }
 
 TEST_F(HealthTab, ShowsNoTopListWithoutLinks) {

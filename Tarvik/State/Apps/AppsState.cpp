@@ -81,6 +81,15 @@ QCoro::Task<> AppsState::scanApps() {
 }
 
 QCoro::Task<> AppsState::lookForAbsent() {
+    // A drive that does not answer holds one thread, and no more of them.
+    m_isLookDue = true;
+    if (m_isLooking) co_return;
+    m_isLooking = true;
+    const auto end = qScopeGuard([this] { m_isLooking = false; });
+    while (std::exchange(m_isLookDue, false)) co_await lookOnceForAbsent();
+}
+
+QCoro::Task<> AppsState::lookOnceForAbsent() {
     std::vector<fs::path> moved;
     for (const AppRow& row : apps())
         if (row.entry.isAlreadySymlinked) moved.push_back(row.entry.bundlePath);
@@ -91,9 +100,7 @@ QCoro::Task<> AppsState::lookForAbsent() {
             if (!Files::exists(bundle)) absent.insert(bundle);
         return absent;
     };
-    const int turn = ++m_absenceTurn;
     const std::set<fs::path> absent = co_await inBackground(Priority::userInitiated, look);
-    if (turn != m_absenceTurn) co_return;  // One that began later saw what is true now.
     bool hasComeBack = false;
     for (std::size_t index = 0; index < apps().size(); ++index) {
         AppRow row = apps()[index];

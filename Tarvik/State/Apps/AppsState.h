@@ -107,8 +107,9 @@ private:
     struct Sizing;
 
     QCoro::Task<> scanApps();
-    /// Looks which of the moved applications are not there now.
+    /// Looks which of the moved applications are not there now. One look at a time; what comes meanwhile is one more.
     QCoro::Task<> lookForAbsent();
+    QCoro::Task<> lookOnceForAbsent();
     QCoro::Task<> computeSizes(std::vector<AppEntry> entries);
     QCoro::Task<> sizeOneAfterAnother(std::shared_ptr<Sizing> sizing);
     QCoro::Task<> moveSelectedApps();
@@ -136,8 +137,9 @@ private:
     bool m_isScanningApps = false;
     /// What the scan under way may have missed has come.
     bool m_isScanDueAgain = false;
-    /// Counts the looks for absent ones, of which the last one holds.
-    int m_absenceTurn = 0;
+    /// Whether absent ones are looked for, and whether they have to be once more.
+    bool m_isLooking = false;
+    bool m_isLookDue = false;
     int m_sizeProgress = 0;
     int m_sizeTotal = 0;
     bool m_includeAppData = true;

@@ -51,7 +51,8 @@ Result verify(const Host& host, const fs::path& bundle, std::chrono::duration<do
     Result result{.isSigned = display.succeeded(),
                   .codesignOK = codesign.status == 0,
                   .codesignDetail = printedBy(codesign),
-                  .staplerDetail = printedBy(stapler)};
+                  .staplerDetail = printedBy(stapler),
+                  .isUnknown = display.timedOut};
     result.staplerOK = judgementOf(stapler, result.staplerDetail);
     return result;
 }

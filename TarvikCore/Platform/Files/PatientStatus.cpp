@@ -23,13 +23,20 @@ using Clock = std::chrono::steady_clock;
 using Answer = std::optional<FileSystemStatus>;
 static_assert(std::is_trivially_copyable_v<Answer>);  // It goes through a pipe as it is.
 
-/// A process that a dead file system holds for ever must hold nothing else: no lock, and no pipe that others wait for.
+/// Whether it is an open file: to close one can take a call into its file system, which may be the dead one.
+bool isFile(int descriptor) {
+    const int flags = ::fcntl(descriptor, F_GETFL);
+    return flags >= 0 && (flags & O_DIRECTORY) == 0 && ::lseek(descriptor, 0, SEEK_CUR) >= 0;
+}
+
+/// A process that a dead file system holds for ever must hold nothing that others wait for: no pipe, and no folder with
+/// a lock.
 void closeAllBut(int kept) {
     constexpr rlim_t most = 65536;
     rlimit limit{};
     const rlim_t count = ::getrlimit(RLIMIT_NOFILE, &limit) == 0 ? std::min(limit.rlim_cur, most) : most;
     for (int descriptor = 0; static_cast<rlim_t>(descriptor) < count; ++descriptor)
-        if (descriptor != kept) ::close(descriptor);
+        if (descriptor != kept && !isFile(descriptor)) ::close(descriptor);
 }
 
 /// In a process of its own, where only calls that are safe after `fork` may be made.

@@ -8,11 +8,14 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <fcntl.h>
 #include <optional>
+#include <poll.h>
 #include <string>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace tarvik {
@@ -123,12 +126,12 @@ TEST(PatientStatus, WaitsForNoVolumeThatDoesNotAnswer) {
     const DeadVolume dead(world.path());
     if (!dead.isMounted()) TARVIK_SKIP_BECAUSE("This system does not let the tests mount a volume that never answers.");
     const RealVolume alive = RealVolume::memory(world.path(), 1 << 20);
-    const auto answers = PatientStatus::read({dead.path(), alive.path()}, std::chrono::milliseconds(300));
+    const auto answers = PatientStatus::read({dead.path(), alive.path()}, std::chrono::seconds(2));
     ASSERT_EQ(answers.size(), 2U);
     EXPECT_FALSE(answers[0].has_value());
     ASSERT_TRUE(answers[1].has_value());
     EXPECT_EQ(answers[1]->totalBytes, 1 << 20);
-    EXPECT_EQ(PatientStatus::silent({dead.path(), alive.path(), world / "gone"}, std::chrono::milliseconds(300)),
+    EXPECT_EQ(PatientStatus::silent({dead.path(), alive.path(), world / "gone"}, std::chrono::seconds(2)),
               std::vector<fs::path>{dead.path()});
 }
 
@@ -141,10 +144,13 @@ TEST(PatientStatus, KeepsNothingOpenWhileItWaits) {
     ASSERT_EQ(::pipe(ends), 0);
     const FileDescriptor input(ends[0]);
     FileDescriptor output(ends[1]);
-    PatientStatus::silent({dead.path()}, std::chrono::milliseconds(100));
+    std::thread asker([&] { PatientStatus::silent({dead.path()}, std::chrono::seconds(4)); });
+    // By then the process that asks has been started, and would hold what was open.
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
     output = FileDescriptor();
-    char byte = 0;
-    EXPECT_EQ(::read(input.get(), &byte, 1), 0) << "the other end is still open somewhere";
+    pollfd end{.fd = input.get(), .events = POLLIN, .revents = 0};
+    EXPECT_EQ(::poll(&end, 1, 3'000), 1) << "the other end is still open somewhere";
+    asker.join();
 }
 
 TEST(PatientStatus, AnswersForFoldersOnly) {
