@@ -5,11 +5,13 @@
 #include "CommandLine/Terminal.h"
 #include "Platform/Machine/Host.h"
 #include "Platform/Processes/StandardStreams.h"
+#include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
 
 #include <exception>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -49,7 +51,8 @@ int main(int argc, char** argv) {
         return done;
     } catch (const WrongUse& use) {
         Terminal::say(use.description());
-        Terminal::say(fmt::format("Usage: {}", use.usage()));
+        const std::string usage = fmt::format("Usage: {}", use.usage());
+        for (const std::string_view line : Text::lines(usage)) Terminal::say(line);
         return wrongUse;
     } catch (const Failure& failure) {
         Terminal::say(failure.description());

@@ -144,7 +144,8 @@ public:
             addVerb(m_app, "health", "Check everything that was moved, and the links and launchers that stand for it");
         m_health->require_subcommand(0, 1);
         m_healthRepair =
-            addVerb(*m_health, "repair", "Repair what the check finds: what is named, or all that can do no harm");
+            addVerb(*m_health, "repair",
+                    "Repair what the check finds: what is named, all that a strategy fits, or all that can do no harm");
         m_healthRepair->add_option("PATH", m_path, "The place of a finding")->type_name(several);
         addOption(*m_healthRepair, "--strategy", m_options.strategy,
                   "How, where there are several ways: the name of a repair");

@@ -16,6 +16,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string>
+#include <vector>
 
 namespace tarvik::HealthRecheck {
 
@@ -41,10 +43,22 @@ bool isHollow(const fs::path& bundle) {
     return listed && Files::names(programs).empty();
 }
 
+/// Where a user keeps applications: also in folders among them, such as Utilities.
+std::vector<fs::path> foldersOfApplications(const Host& host) {
+    const fs::path applications = SystemFolders::applications(host);
+    std::vector<fs::path> folders = {applications, host.home / "Applications"};
+    for (const std::string& name : Files::names(applications)) {
+        const auto info = Files::info(applications / name);
+        if (info && info->type == Files::ItemType::folder && !AppBundleEnumerator::isBundleName(name))
+            folders.push_back(applications / name);
+    }
+    return folders;
+}
+
 /// Whether an application, or what is remembered as one, leads to the bundle.
 bool isLinked(const Host& host, const fs::path& bundle) {
     if (OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return true;
-    const auto scan = ApplicationsRootScan::scan({SystemFolders::applications(host), host.home / "Applications"});
+    const auto scan = ApplicationsRootScan::scan(foldersOfApplications(host));
     return std::any_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
         return !SilentVolumes::hold(host, link.location) &&
                Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));

@@ -3,6 +3,7 @@
 #include "Copying/HiddenName.h"
 #include "Copying/ItemLock.h"
 #include "Copying/MoverError.h"
+#include "Discovery/AppBundleEnumerator.h"
 #include "HealthRepair/BrokenLauncherRepairService.h"
 #include "HealthRepair/HealthRecheck.h"
 #include "HealthRepair/SandboxRestore.h"
@@ -88,6 +89,9 @@ void forgetMovesTo(const Host& host, const fs::path& copy) {
 
 std::string removeEmpty(const Host& host, const HealthIssue& issue) {
     requireMovable(host, *issue.target);
+    // A link among applications may lead to anything.
+    if (!AppBundleEnumerator::isBundleName(issue.target->filename().native()))
+        refuse(EPERM, fmt::format("{} is no application. Nothing was changed.", issue.target->native()));
     ignoringFailure([&] { Files::removeLink(issue.location); });
     ignoringFailure([&] { host.trash->moveToTrash(*issue.target); });
     forgetMovesTo(host, *issue.target);

@@ -283,6 +283,8 @@ TEST(HealthRepairCommand, SaysWhatIsWrongWithItsArguments) {
     const auto unknown = world.run({"health", "repair", "--strategy", "magic"});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_THAT(unknown.errors, HasSubstr("There is no strategy \"magic\". There is: removeDangling, "));
+    EXPECT_THAT(world.run({"health", "frob"}).errors,
+                HasSubstr("\nUsage: tarvik health\n       tarvik health repair [PATH...]"));
     EXPECT_EQ(world.run({"health", "repair", world.unplugged, "--strategy", "removeOrphan", "--yes"}).errors,
               "What was found at " + world.unplugged.native() + " has no repair removeOrphan.\n");
 }

@@ -73,6 +73,18 @@ TEST_F(CopyRepairs, TouchNothingInAFolderThatADriveHasLeftBehind) {
     EXPECT_EQ(refused(empty, removeEmpty), "The drive of Empty.app is not connected. Nothing was changed.");
 }
 
+TEST_F(CopyRepairs, TrashNothingThatIsNoApplication) {
+    for (const fs::path& folder : {world.home / "Documents", world.appsOnDrive}) {
+        test::makeFile(folder / "Letter.txt");
+        test::makeLink(world.applications / "Docs.app", folder);
+        const HealthIssue issue{.kind = Kind::empty, .location = world.applications / "Docs.app", .target = folder};
+        EXPECT_EQ(refusal(issue, removeEmpty), folder.native() + " is no application. Nothing was changed.");
+        EXPECT_TRUE(fs::exists(folder / "Letter.txt"));
+        EXPECT_TRUE(fs::is_symlink(issue.location));
+        fs::remove(issue.location);
+    }
+}
+
 TEST_F(CopyRepairs, CleanUpNothingThatHasGone) {
     test::makeFolder(world.appsOnDrive / "Foo.app");
     test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
@@ -83,7 +95,8 @@ TEST_F(CopyRepairs, CleanUpNothingThatHasGone) {
 
 TEST_F(CopyRepairs, TrashNoCopyThatAnotherApplicationLeadsTo) {
     const auto issue = revertedApp();
-    for (const fs::path& other : {world.applications / "Foo 2.app", world.home / "Applications/Foo.app"}) {
+    for (const fs::path& other : {world.applications / "Foo 2.app", world.applications / "Utilities/Foo.app",
+                                  world.home / "Applications/Foo.app"}) {
         test::makeLink(other, *issue.target);
         const auto before = test::pictureOf(world.folder.path());
         for (const auto strategy : {reclaimReverted, reSymlinkReverted})
