@@ -226,7 +226,7 @@ TEST(HealthCheck, EndsAtOnceWhenItIsCancelled) {
     world.host.tools.codesign = world.tool("codesign", "touch '" + asked.native() + "'; exec sleep 100");
     const Cancellation cancellation;
     std::thread user([&] {
-        while (!fs::exists(asked)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        EXPECT_TRUE(test::comesToStand(asked));
         cancellation.cancel();
     });
     const auto start = std::chrono::steady_clock::now();

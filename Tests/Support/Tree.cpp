@@ -7,9 +7,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <fcntl.h>
 #include <fstream>
 #include <stdexcept>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -63,6 +65,15 @@ void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed) {
 void flush(const fs::path& file) {
     const FileDescriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
     if (!opened || SystemCalls::flushFile(opened.get()) != 0) throw std::runtime_error("cannot flush " + file.native());
+}
+
+bool comesToStand(const fs::path& path) {
+    const auto begin = std::chrono::steady_clock::now();
+    while (!fs::exists(fs::symlink_status(path))) {
+        if (std::chrono::steady_clock::now() - begin > std::chrono::minutes(1)) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }
 
 void makeFolder(const fs::path& path) {

@@ -17,6 +17,8 @@ void makeFileOfSize(const fs::path& path, std::size_t size, unsigned seed = 1);
 /// Flushes a file, for tests that count what files take on the disk: while ext4 gives a new file its blocks, `stat` may
 /// tell for a moment that it has none.
 void flush(const fs::path& file);
+/// Waits until something stands at the path, a minute at most. @returns whether it does.
+bool comesToStand(const fs::path& path);
 void makeFolder(const fs::path& path);
 void makeLink(const fs::path& link, const fs::path& target);
 void makeSocket(const fs::path& path);

@@ -1,10 +1,8 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Storage/SizingService.h"
+#include "State/Apps/AppsStateTest.h"
 #include "State/EventLoop.h"
-#include "State/StateWorld.h"
 #include "State/Threads/BusyThreads.h"
-#include "Support/Bundles.h"
-#include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 
@@ -22,34 +20,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-class AppsStateTest : public StateWorld {
-protected:
-    /// An application of about that many bytes, with as many in its cache.
-    fs::path app(const std::string& name, std::size_t bytes = 4096, std::size_t cacheBytes = 0) {
-        const fs::path bundle = applications / (name + ".app");
-        makeBundle(bundle, {{"CFBundleIdentifier", "org.example." + name}});
-        makeFileOfSize(bundle / "Contents/Resources/filling", bytes);
-        if (cacheBytes > 0) makeFileOfSize(world.home / "Library/Caches" / name / "cache", cacheBytes);
-        return bundle;
-    }
-    void select(const std::vector<fs::path>& bundles) {
-        for (const fs::path& bundle : bundles) appsTab().setAppSelected(FilePath(bundle), true);
-    }
-    void move(const std::vector<fs::path>& bundles) {
-        select(bundles);
-        appsTab().confirmAndMove();
-        settle();
-    }
-    std::vector<std::string> names() const {
-        std::vector<std::string> names;
-        for (const AppRow& row : appsTab().apps()) names.push_back(row.entry.name);
-        return names;
-    }
-    fs::path onDrive(const std::string& name) const { return world.drive / "ExternalTarvik/Apps" / (name + ".app"); }
-
-    fs::path applications = world.folder / "Applications";
-};
 
 }  // namespace
 
@@ -358,124 +328,6 @@ TEST_F(AppsStateTest, SayWhenTheirDriveHasGoneBeforeTheyWereAskedAbout) {
     EXPECT_EQ(dialogs.asked.at(0).title, "Move 1 item to Backup?");
     EXPECT_EQ(statusOf(0), JobStatus::failed("Target drive disconnected"));
     EXPECT_TRUE(Files::isFolder(editor));
-}
-
-TEST_F(AppsStateTest, ComeBackOneByOne) {
-    const auto editor = app("Editor");
-    begin();
-    move({editor});
-    appsTab().restoreApp(FilePath(editor));
-    settle();
-    EXPECT_EQ(dialogs.asked.back().title, "Move Editor.app back?");
-    EXPECT_TRUE(Files::isFolder(editor));
-    EXPECT_EQ(state->lastInfo(), "Restored Editor.app");
-    EXPECT_FALSE(appsTab().apps()[0].entry.isAlreadySymlinked);
-    appsTab().restoreApp(FilePath(editor));
-    settle();
-    EXPECT_EQ(state->lastError(), "No symlink found for Editor.");
-}
-
-TEST_F(AppsStateTest, OfOneMovedFolderComeBackTogether) {
-    const fs::path suite = world.drive / "ExternalTarvik/Apps/Suite";
-    makeBundle(suite / "One.app");
-    makeBundle(suite / "Two.app");
-    makeFolder(applications);
-    makeLink(applications / "Suite", suite);
-    begin();
-    ASSERT_THAT(appsTab().apps(), SizeIs(2));
-    select({applications / "Suite/One.app", applications / "Suite/Two.app"});
-    appsTab().restoreSelectedApps();
-    settle();
-    ASSERT_THAT(dialogs.asked, SizeIs(1));
-    EXPECT_EQ(dialogs.asked[0].title, "Move 1 item back?");
-    EXPECT_EQ(state->lastInfo(), "Moved 1 item back.");
-    EXPECT_TRUE(Files::isFolder(applications / "Suite"));
-    EXPECT_THAT(appsTab().selectedAppIDs(), IsEmpty());
-    EXPECT_THAT(state->jobs(), IsEmpty());
-}
-
-TEST_F(AppsStateTest, OfAFolderWithLaunchersComeBackTogetherToo) {
-    const fs::path suite = world.drive / "ExternalTarvik/Apps/Suite";
-    makeBundle(suite / "Mixer.app", {{"CFBundleIdentifier", "org.example.Mixer"}});
-    makeFolder(applications);
-    makeLink(applications / "Suite", suite);
-    makeLauncher(applications / "Mixer.app", suite / "Mixer.app");
-    begin();
-    ASSERT_THAT(appsTab().apps(), SizeIs(2));
-    for (const auto* first : {"Mixer.app", "Suite/Mixer.app"}) {
-        select({applications / first});
-        appsTab().restoreSelectedApps();
-        settle();
-        EXPECT_EQ(dialogs.asked.back().title, "Move 1 item back?");
-        EXPECT_EQ(state->lastInfo(), "Moved 1 item back.");
-        EXPECT_TRUE(Files::isFolder(applications / "Suite/Mixer.app"));
-        EXPECT_FALSE(Files::itemExists(applications / "Mixer.app"));
-        fs::remove_all(world.trash->folder);
-        fs::rename(applications / "Suite", suite);
-        makeLink(applications / "Suite", suite);
-        makeLauncher(applications / "Mixer.app", suite / "Mixer.app");
-        state->refreshAll();
-        settle();
-    }
-}
-
-TEST_F(AppsStateTest, BehindLaunchersAreAskedAboutByTheFolderThatComesBack) {
-    const fs::path suite = world.drive / "ExternalTarvik/Apps/Suite";
-    for (const auto* name : {"Mixer.app", "Tuner.app"}) {
-        makeBundle(suite / name);
-        makeLauncher(applications / name, suite / name);
-    }
-    makeLink(applications / "Suite", suite);
-    begin();
-    select({applications / "Mixer.app", applications / "Tuner.app"});
-    appsTab().restoreSelectedApps();
-    settle();
-    ASSERT_THAT(dialogs.asked, SizeIs(1));
-    EXPECT_EQ(dialogs.asked[0].title, "Move 1 item back?");
-    EXPECT_THAT(dialogs.asked[0].text, testing::EndsWith("\n\nSuite"));
-    EXPECT_EQ(state->lastInfo(), "Moved 1 item back.");
-    EXPECT_EQ(state->lastError(), "");
-    EXPECT_THAT(Files::names(applications), ElementsAre("Suite"));
-}
-
-TEST_F(AppsStateTest, ComeBackAlsoAfterOneThatCannot) {
-    const auto editor = app("Editor");
-    const auto player = app("Player");
-    begin();
-    move({editor, player});
-    fs::remove_all(onDrive("Editor"));
-    select({editor, player});
-    appsTab().restoreSelectedApps();
-    settle();
-    EXPECT_EQ(state->lastError(), "Move back completed with 1 failure.");
-    EXPECT_EQ(state->restore().outcome(), "Move back completed with 1 failure.");
-    EXPECT_TRUE(Files::isSymbolicLink(editor));
-    EXPECT_TRUE(Files::isFolder(player));
-}
-
-TEST_F(AppsStateTest, ComeBackFromTheirLauncherToo) {
-    makeBundle(onDrive("Editor"));
-    makeLauncher(applications / "Editor.app", onDrive("Editor"));
-    begin();
-    appsTab().restoreApp(FilePath(applications / "Editor.app"));
-    settle();
-    EXPECT_EQ(state->lastInfo(), "Restored Editor.app");
-    EXPECT_FALSE(Files::exists(applications / "Editor.app/Contents/Resources/ExternalAppTarget.txt"));
-    EXPECT_FALSE(Files::exists(onDrive("Editor")));
-}
-
-TEST_F(AppsStateTest, AreAskedAboutWhenNoMoveHasLeftTheirLink) {
-    const fs::path own = world.folder / "Elsewhere/Own.app";
-    makeBundle(own);
-    makeFolder(applications);
-    makeLink(applications / "Own.app", own);
-    begin();
-    select({applications / "Own.app"});
-    dialogs.answers = {1};
-    appsTab().restoreSelectedApps();
-    settle();
-    ASSERT_THAT(dialogs.asked, SizeIs(1));
-    EXPECT_THAT(dialogs.asked[0].details, ElementsAre("Own.app is not a symlink that Tarvik has left."));
 }
 
 /// A Trash that takes an item only when it may.

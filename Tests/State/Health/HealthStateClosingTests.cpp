@@ -23,7 +23,7 @@ TEST_F(HealthStateClosing, WaitsForNoToolThatTheCheckRuns) {
     makeBundle(world.drive / "Foo.app");
     makeLink(world.folder / "Applications/Foo.app", world.drive / "Foo.app");
     healthTab().refreshHealth();
-    while (!fs::exists(asked)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_TRUE(comesToStand(asked));
     const auto start = std::chrono::steady_clock::now();
     state.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - start, CodesignVerifier::toolTimeout);

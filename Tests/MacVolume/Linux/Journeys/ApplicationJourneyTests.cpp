@@ -3,6 +3,7 @@
 #include "MacMachine.h"
 #include "Platform/Files/Files.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
@@ -64,7 +65,7 @@ TEST_F(MacApplication, ThatTheSystemKeepsStaysUntouched) {
 }
 
 TEST_F(MacApplication, ThatAnInstallerHasPutThereIsToldHowToBeMadeOnesOwn) {
-    if (::geteuid() != 0) GTEST_SKIP() << "Only the administrator can make what belongs to the administrator.";
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can make what belongs to the administrator.");
     std::string sentence;
     fs::permissions(mac->at("Applications"), fs::perms::all);  // As the users of a Mac may change that folder.
     {

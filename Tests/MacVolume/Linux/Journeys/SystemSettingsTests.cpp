@@ -3,6 +3,7 @@
 #include "MovePlan/AppManagement.h"
 #include "Platform/Files/Files.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
@@ -46,7 +47,7 @@ TEST_F(SystemSettings, KeepAnApplicationOfAnotherMakerAsItIs) {
 }
 
 TEST_F(SystemSettings, KeepAnApplicationWhoseListNobodyMayWrite) {
-    if (::geteuid() != 0) GTEST_SKIP() << "Only the administrator can give items to another user.";
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can give items to another user.");
     constexpr uid_t nobody = 65534;
     for (const auto* name : {"", "Contents", "Contents/Info.plist"})
         ASSERT_EQ(::chown((app / name).c_str(), nobody, nobody), 0);

@@ -12,6 +12,16 @@ namespace {
 class MacAppsWindow : public MacWindow {
 protected:
     MacAppsWindow() : MacWindow({.apps = 1, .files = 8}) {}
+
+    void moveFullHouse(WindowUnderTest& window) {
+        window.click("drive-Extended");
+        window.click("viewPicker-local");
+        window.click("appSearch");
+        window.type("full");
+        window.click("app-Full House/appBox");
+        window.click("moveAppsButton");
+        agree();
+    }
 };
 
 void comeBack() {
@@ -24,13 +34,7 @@ TEST_F(MacAppsWindow, MovesAnApplicationAndBringsItBack) {
     const fs::path app = mac->at("Applications/Full House.app");
     const std::string before = pictureOf(app);
     auto& window = open();
-    window.click("drive-Extended");
-    window.click("viewPicker-local");
-    window.click("appSearch");
-    window.type("full");
-    window.click("app-Full House/appBox");
-    window.click("moveAppsButton");
-    agree();
+    moveFullHouse(window);
     ASSERT_EQ(window.text("job-Full House/transferStatus"), "Done")
         << window.text("job-Full House/transferFailure").toStdString();
     EXPECT_EQ(pictureOf(mac->extended / "ExternalTarvik/Apps/Full House.app"), before);
@@ -48,13 +52,7 @@ TEST_F(MacAppsWindow, LeadsToTheSettingsThatLetAnApplicationOfAnotherMakerGo) {
     mac->disk.set(MacVolume::Habit::guardsSignedBundles, true);
     const std::string before = pictureOf(app);
     auto& window = open();
-    window.click("drive-Extended");
-    window.click("viewPicker-local");
-    window.click("appSearch");
-    window.type("full");
-    window.click("app-Full House/appBox");
-    window.click("moveAppsButton");
-    agree();
+    moveFullHouse(window);
     ASSERT_TRUE(window.waitUntilShown("appManagementNotice"));
     EXPECT_EQ(window.text("job-Full House/transferStatus"), "Failed");
     EXPECT_EQ(pictureOf(app), before);
