@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Platform/Machine/Host.h"
+#include "UninstallRun/AppUninstallSession.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The uninstalls of the past, for a user who wants something back: those with a record, and those that were
+/// interrupted, which have only their journal. Every operation blocks; any thread; nothing fails.
+namespace tarvik::UninstallHistory {
+
+/// The newest first. One that is under way is not among them.
+std::vector<AppUninstallSession> list(const Host& host);
+std::optional<AppUninstallSession> find(const Host& host, const std::string& id);
+
+}  // namespace tarvik::UninstallHistory

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Platform/Basics/Dialog.h"
+#include "Platform/Basics/Path.h"
+#include "Platform/Machine/Host.h"
+#include "Uninstall/AppUninstallPlan.h"
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+/// What the user is asked before an uninstall, for every front.
+namespace tarvik::UninstallQuestions {
+
+/// Whether the plan shall be carried out. Pure.
+Dialog confirm(const AppUninstallPlan& plan);
+
+/// One thing of a plan that is in use.
+struct Running {
+    fs::path path;
+    /// What the user knows it by: the application's name, or the program of a launch agent or daemon.
+    std::string name;
+    /// Whether the machine can be asked to quit it.
+    bool canQuit = false;
+
+    bool operator==(const Running&) const = default;
+};
+
+/// What runs of that which is to go: the bundle, its copy on a drive, and the programs that its launch agents and
+/// daemons start. Without paths of all that goes by default. Blocks; any thread; never fails.
+std::vector<Running> running(const Host& host, const AppUninstallPlan& plan,
+                             const std::optional<std::set<std::string>>& selectedPaths);
+
+/// What shall happen to them: the first button quits them and goes ahead, the second cancels. Pure.
+Dialog quitRunning(const std::vector<Running>& running);
+
+/// Asks them to quit and waits, as a move does. @throws AppUninstallError when one still runs then; nothing else has
+/// been touched.
+void quit(const Host& host, const std::vector<Running>& running);
+
+}  // namespace tarvik::UninstallQuestions
