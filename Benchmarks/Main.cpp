@@ -2,6 +2,7 @@
 //   tarvik-benchmark [FILES] [ROUNDS]          all parts
 //   tarvik-benchmark discovery [ROUNDS]        how quickly applications and links are found
 //   tarvik-benchmark health [ROUNDS]           how long the check of everything that was moved takes
+//   tarvik-benchmark uninstall [ROUNDS]        plans of uninstalls, and much that goes to the Trash
 //   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
 //   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
 #include "Discovery.h"
@@ -10,11 +11,13 @@
 #include "Moves.h"
 #include "Platform/Processes/ProgramLocation.h"
 #include "Support/RealVolume.h"
+#include "Uninstall.h"
 #include "Window.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <exception>
 #include <stdexcept>
@@ -53,6 +56,7 @@ void runPart(const std::string& part, const std::vector<std::string>& words) {
     if (words.size() > 1) setRounds(sizes, words[1]);
     if (part == "discovery") return Discovery::measure(sizes.rounds);
     if (part == "health") return HealthSpeed::measure(sizes.rounds);
+    if (part == "uninstall") return UninstallSpeed::measure(sizes.rounds);
     WindowSpeed::measure(sizes.rounds);
 }
 
@@ -62,6 +66,7 @@ void runAll(const Sizes& sizes) {
     const std::string program = ProgramLocation::executable();
     Measure::part({program, "discovery", rounds});
     Measure::part({program, "health", rounds});
+    Measure::part({program, "uninstall", rounds});
     Measure::part({program, "window", rounds});
     Measure::part({program, "moves", std::to_string(sizes.files), rounds});
 }
@@ -72,7 +77,8 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::string part = words.empty() ? "" : words.front();
-        if (part == "discovery" || part == "health" || part == "window" || part == "moves") {
+        constexpr std::array parts = {"discovery", "health", "uninstall", "window", "moves"};
+        if (std::find(parts.begin(), parts.end(), part) != parts.end()) {
             runPart(part, words);
         } else {
             runAll(sizesFrom(words, 0));

@@ -10,6 +10,7 @@
 #include "CommandLine/LinkActs.h"
 #include "CommandLine/RestoreActs.h"
 #include "CommandLine/Terminal.h"
+#include "CommandLine/UninstallActs.h"
 #include "Platform/Machine/FullDiskAccess.h"
 
 namespace tarvik::CommandLine::Acts {
@@ -52,6 +53,14 @@ void perform(const Host& host, const Options& options) {
             return HealthActs::check(host, options.format);
         case Verb::healthRepair:
             return HealthActs::repair(host, options);
+        case Verb::uninstall:
+            return options.isDryRun ? UninstallActs::plan(host, options) : UninstallActs::uninstall(host, options);
+        case Verb::uninstallApps:
+            return UninstallActs::apps(host, options);
+        case Verb::uninstallList:
+            return UninstallActs::list(host, options);
+        case Verb::uninstallUndo:
+            return UninstallActs::undo(host, options);
     }
 }
 

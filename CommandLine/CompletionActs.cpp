@@ -12,6 +12,7 @@
 #include "Platform/Machine/Host.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
+#include "UninstallRun/UninstallHistory.h"
 
 #include <fmt/format.h>
 
@@ -112,17 +113,43 @@ Candidates applicationsFor(const Host& host, const CompletionPlace& place) {
     return candidates;
 }
 
+Candidates uninstallsFor(const Host& host) {
+    Candidates found;
+    for (const auto& session : UninstallHistory::list(host))
+        found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
+    return found;
+}
+
+/// What the machine has of that kind.
+Candidates onMachine(const Host& host, const CompletionPlace& place) {
+    switch (place.kind) {
+        case Kind::drive:
+            return drivesFor(host, place);
+        case Kind::application:
+        case Kind::applicationOrPath:
+            return applicationsFor(host, place);
+        case Kind::uninstall:
+            return uninstallsFor(host);
+        case Kind::words:
+        case Kind::path:
+        case Kind::folder:
+            break;
+    }
+    return {};
+}
+
 Candidates candidatesFor(const CompletionPlace& place) {
-    const bool asksForDrive = place.kind == Kind::drive;
-    const bool asksForApp = place.kind == Kind::application || place.kind == Kind::applicationOrPath;
-    if (!asksForDrive && !asksForApp) return place.candidates;
+    auto candidates = place.candidates;
+    if (place.kind == Kind::words || place.kind == Kind::path || place.kind == Kind::folder) return candidates;
     try {
         const auto host = Host::fromOptions(pathOf(place.root), pathOf(place.home));
         host.guideTools();
-        return asksForDrive ? drivesFor(host, place) : applicationsFor(host, place);
+        const auto found = onMachine(host, place);
+        candidates.insert(candidates.end(), found.begin(), found.end());
     } catch (const Failure&) {
-        return {};  // There is no such machine, and so no name on it.
+        candidates.clear();  // There is no such machine, and so no name on it.
     }
+    return candidates;
 }
 
 std::string_view kindOf(const CompletionPlace& place, std::string_view typed) {
@@ -137,6 +164,7 @@ std::string_view kindOf(const CompletionPlace& place, std::string_view typed) {
         case Kind::drive:
             return looksLikePath(typed) ? "folders" : "nothing";
         case Kind::words:
+        case Kind::uninstall:
             break;
     }
     return "nothing";

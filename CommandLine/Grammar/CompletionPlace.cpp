@@ -48,10 +48,11 @@ public:
             if (const auto* option = optionCalled(typed.substr(0, equals))) expectValueOf(*option);
         } else if (!m_isMarked && typed.starts_with('-')) {
             offerOptions(true);
-        } else if (!m_verb->verbs.empty()) {
-            for (const auto& verb : m_verb->verbs) m_place.candidates.push_back({verb.name, verb.text});
         } else if (const auto* argument = nextArgument()) {
             expect(argument->name);
+            if (m_place.arguments.empty() && !m_isMarked) offerVerbs();
+        } else if (!m_verb->verbs.empty() && m_verb->arguments.empty()) {
+            offerVerbs();
         } else if (!m_isMarked) {
             offerOptions(false);
         }
@@ -88,6 +89,10 @@ private:
         return !arguments.empty() && arguments.back().repeats ? &arguments.back() : nullptr;
     }
 
+    void offerVerbs() {
+        for (const auto& verb : m_verb->verbs) m_place.candidates.push_back({verb.name, verb.text});
+    }
+
     void offerOptions(bool withGlobal) {
         std::vector<const CommandDescription*> owners = {m_verb};
         if (withGlobal && m_verb != &m_command) owners.push_back(&m_command);
@@ -107,6 +112,13 @@ private:
         if (name == "NAME|PATH") m_place.kind = Kind::applicationOrPath;
         // What moves is a folder.
         if (name == "PATH") m_place.kind = m_place.verb == "move folder" ? Kind::folder : Kind::path;
+        if (name == "ID") m_place.kind = Kind::uninstall;
+        if (name == "WHAT") {
+            m_place.kind = Kind::path;
+            m_place.candidates = {{"receipts", "what installers have noted"},
+                                  {"launch-daemons", "what the system starts"},
+                                  {"external-target", "the copy on a drive"}};
+        }
         if (name == "SHELL")
             for (const auto& shell : CompletionScripts::shells) m_place.candidates.push_back({std::string(shell), {}});
         if (name == "STRATEGY")

@@ -24,12 +24,13 @@ struct CompletionPlace {
         drive,              ///< a drive: its name or its mount path
         application,        ///< an application: its name, its identifier or its path
         applicationOrPath,  ///< the same, or the path of anything
+        uninstall,          ///< the id of an uninstall of the past
         path,
         folder,
     };
 
     Kind kind = Kind::words;
-    /// Verbs, options, or the values of an option.
+    /// Verbs, options, or the values of an option; verbs also where an application can be named instead of one.
     std::vector<Candidate> candidates;
     /// What the word begins with and no candidate says: "--drive=" of "--drive=Stu".
     std::string prefix;

@@ -24,20 +24,26 @@ using Verb = Options::Verb;
 const std::map<std::string, Format> formats = {{"human", Format::human}, {"tsv", Format::tsv}, {"toml", Format::toml}};
 
 /// The options that take a value, and what it is.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 5> valued = {
-    {{"--root", "DIR"}, {"--home", "DIR"}, {"--format", "FORMAT"}, {"--drive", "DRIVE"}, {"--strategy", "STRATEGY"}}};
+constexpr std::array<std::pair<std::string_view, std::string_view>, 6> valued = {{{"--root", "DIR"},
+                                                                                  {"--home", "DIR"},
+                                                                                  {"--format", "FORMAT"},
+                                                                                  {"--drive", "DRIVE"},
+                                                                                  {"--strategy", "STRATEGY"},
+                                                                                  {"--with", "WHAT"}}};
 
 /// What help shows behind the name of an argument that can be given several times.
 constexpr const char* several = "...";
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 6> owned = {
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> owned = {
     {{"--drive", "move app, move folder and backup"},
-     {"--dry-run", "move app alone"},
+     {"--dry-run", "move app and uninstall"},
      {"--no-data", "move app alone"},
-     {"--quit-running", "move app alone"},
+     {"--only-app", "uninstall alone"},
+     {"--quit-running", "move app and uninstall"},
      {"--repair", "launchers alone"},
-     {"--strategy", "health repair alone"}}};
+     {"--strategy", "health repair alone"},
+     {"--with", "uninstall alone"}}};
 
 /// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
 std::string wordsOf(const CLI::App& app) {
@@ -149,6 +155,7 @@ public:
         m_healthRepair->add_option("PATH", m_path, "The place of a finding")->type_name(several);
         addOption(*m_healthRepair, "--strategy", m_options.strategy,
                   "How, where there are several ways: the name of a repair");
+        addUninstall();
         m_completion = addVerb(m_app, Verbs::completion, "Print a script that completes the command in a shell");
         m_completion
             ->add_option("SHELL", m_shell, fmt::format("One of: {}", fmt::join(CompletionScripts::shells, ", ")))
@@ -191,6 +198,36 @@ private:
         return verb;
     }
 
+    void addUninstall() {
+        m_uninstall =
+            addVerb(m_app, "uninstall", "Move an application and all that belongs to it to the Trash, or have it back");
+        m_uninstall->require_subcommand(0, 1);
+        m_uninstall->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
+            ->type_name("");
+        m_uninstall->add_flag("--only-app", m_options.onlyApp, "Leave everything but the application itself")
+            ->disable_flag_override();
+        // One by one: the library would take a path in brackets for a list.
+        m_uninstall
+            ->add_option_function<std::string>(
+                "--with", [this](const std::string& what) { m_options.with.push_back(what); },
+                "What goes too: receipts, launch-daemons, external-target, or a path that the plan shows")
+            ->type_name("WHAT")
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+            ->trigger_on_parse();
+        m_uninstall->add_flag("--quit-running", m_options.quitsRunning, "Quit what is running first")
+            ->disable_flag_override();
+        m_uninstall->add_flag("--dry-run", m_options.isDryRun, "Change nothing, only show what would be done")
+            ->disable_flag_override();
+        m_uninstallApps =
+            addVerb(*m_uninstall, "apps", "List what can be uninstalled, or tell all about one application");
+        m_uninstallApps->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
+            ->type_name("");
+        m_uninstallList = addVerb(*m_uninstall, "list", "List the uninstalls of the past, or tell all about one");
+        m_uninstallList->add_option("ID", m_name, "An uninstall of the past")->type_name("");
+        m_uninstallUndo = addVerb(*m_uninstall, "undo", "Put back what an uninstall has moved to the Trash");
+        m_uninstallUndo->add_option("ID", m_name, "An uninstall of the past")->type_name("");
+    }
+
     WrongUse wrong(std::string sentence) const { return {std::move(sentence), usageOf(meant())}; }
 
     /// The innermost verb that was named, or the command itself.
@@ -212,7 +249,9 @@ private:
     void requireArguments() const {
         const auto verb = m_options.verb;
         const auto& names = m_options.names;
-        if (std::find(names.begin(), names.end(), "") != names.end()) throw wrong("A NAME is empty.");
+        const bool isPast = verb == Verb::uninstallList || verb == Verb::uninstallUndo;
+        if (std::find(names.begin(), names.end(), "") != names.end())
+            throw wrong(isPast ? "An ID is empty." : "A NAME is empty.");
         if (verb == Verb::moveApp && names.empty())
             throw wrong("Name the applications that shall move: a NAME is missing.");
         const auto& paths = m_options.paths;
@@ -229,6 +268,17 @@ private:
             throw wrong("Name the links or the applications that shall come back: a NAME or a PATH is missing.");
         if (verb == Verb::moveFolder && m_drive.empty())
             throw wrong("Name the drive that the folder shall move to, with --drive DRIVE.");
+        const bool hasWishes =
+            m_options.onlyApp || m_options.isDryRun || m_options.quitsRunning || !m_options.with.empty();
+        if (m_uninstall->parsed() && verb != Verb::uninstall && (hasWishes || m_uninstall->count("NAME") > 0))
+            throw wrong(
+                fmt::format("{} takes no application that shall go, and none of its options.", wordsOf(meant())));
+        if (verb == Verb::uninstall && names.empty())
+            throw wrong("Name the application that shall go: a NAME is missing.");
+        if (verb == Verb::uninstallUndo && names.empty())
+            throw wrong("Name the uninstall that shall be taken back: an ID is missing.");
+        if (std::find(m_options.with.begin(), m_options.with.end(), "") != m_options.with.end())
+            throw wrong("--with needs a value: --with WHAT.");
         if (verb == Verb::moveApp && m_drive.empty())
             throw wrong("Name the drive that the applications shall move to, with --drive DRIVE.");
     }
@@ -237,6 +287,7 @@ private:
     [[noreturn]] void refuseMisusedOption(const Arguments& arguments) const {
         const auto end = std::find(arguments.begin(), arguments.end(), "--");
         for (const auto& [name, value] : valued) {
+            if (name == "--with") continue;
             const auto isIt = [option = std::string(name)](const std::string& word) {
                 return word == option || word.starts_with(option + "=");
             };
@@ -250,7 +301,7 @@ private:
         }
         for (auto word = arguments.begin(); word != end; ++word)
             for (const std::string flag :
-                 {"--yes", "--help", "--version", "--dry-run", "--no-data", "--quit-running", "--repair"})
+                 {"--yes", "--help", "--version", "--dry-run", "--no-data", "--only-app", "--quit-running", "--repair"})
                 if (word->starts_with(flag + "=")) throw wrong(fmt::format("{} takes no value.", flag));
         throw wrong("These options do not go together.");
     }
@@ -258,7 +309,10 @@ private:
     /// Takes the words that the library has left over, and those behind the mark, for what the verb still lacks.
     /// @returns the rest.
     Arguments takeWords(Arguments marked) {
-        if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") > 0)
+        if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") +
+                m_uninstall->count("NAME") + m_uninstallApps->count("NAME") + m_uninstallList->count("ID") +
+                m_uninstallUndo->count("ID") >
+            0)
             m_options.names = {m_name};
         if (m_backupCreate->count("PATH") + m_healthRepair->count("PATH") > 0) m_options.paths = {m_path};
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
@@ -276,7 +330,9 @@ private:
 
     bool takesWord(const std::string& word) {
         const auto words = wordsOf(meant());
-        if (words == "move app" || words == "move restore" || (words == "apps" && m_options.names.empty())) {
+        const bool takesSeveral = words == "move app" || words == "move restore";
+        const bool takesOne = words == "apps" || words.starts_with("uninstall");
+        if (takesSeveral || (takesOne && m_options.names.empty())) {
             m_options.names.push_back(word);
             return true;
         }
@@ -301,7 +357,9 @@ private:
                 throw wrong(fmt::format("{} belongs to {}.", name, owners));
         if (m_health->parsed() && word.front() != '-') requireVerb(*m_health, words);
         if (word.size() > 1 && word.front() == '-') throw wrong(fmt::format("There is no option \"{}\".", word));
-        const auto argument = m_apps->parsed() ? "NAME" : "PATH";
+        const auto argument = m_uninstallList->parsed() || m_uninstallUndo->parsed() ? "ID"
+                              : m_apps->parsed() || m_uninstall->parsed()            ? "NAME"
+                                                                                     : "PATH";
         throw wrong(m_path.empty() && m_options.names.empty()
                         ? fmt::format("\"{}\" is one word too many.", word)
                         : fmt::format("\"{}\" is one word too many: one {} at a time, and in quotes when it holds a "
@@ -360,6 +418,10 @@ private:
     CLI::App* m_backupCreate = nullptr;
     CLI::App* m_health = nullptr;
     CLI::App* m_healthRepair = nullptr;
+    CLI::App* m_uninstall = nullptr;
+    CLI::App* m_uninstallApps = nullptr;
+    CLI::App* m_uninstallList = nullptr;
+    CLI::App* m_uninstallUndo = nullptr;
     CLI::App* m_completion = nullptr;
 };
 

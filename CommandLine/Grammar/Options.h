@@ -20,8 +20,8 @@ struct Options {
     Verb verb = Verb::drives;
     /// The item of a move, as it was written.
     fs::path path;
-    /// The applications that are meant, or the links of a restore, as they were written. `apps` takes one at most;
-    /// without it, all are meant.
+    /// The applications that are meant, the links of a restore, or an uninstall of the past, as they were written.
+    /// `apps` and those that list take one at most; without it, all are meant.
     std::vector<std::string> names;
     /// The items of a backup, or the places of findings, as they were written.
     std::vector<fs::path> paths;
@@ -42,6 +42,10 @@ struct Options {
     bool repairs = false;
     /// How a finding shall be repaired, as it was written; empty when that was left open.
     std::string strategy;
+    /// Of an application only the bundle goes.
+    bool onlyApp = false;
+    /// What goes besides: names of classes of things, or paths, as they were written.
+    std::vector<std::string> with;
 
     bool operator==(const Options&) const = default;
 };

@@ -7,7 +7,7 @@ namespace tarvik::CommandLine {
 
 namespace {
 
-constexpr std::array<Verbs::Entry, 12> allVerbs = {{
+constexpr std::array<Verbs::Entry, 16> allVerbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
@@ -19,6 +19,12 @@ constexpr std::array<Verbs::Entry, 12> allVerbs = {{
     {Verb::backupList, "backup list", "tarvik backup list --drive DRIVE"},
     {Verb::health, "health", "tarvik health"},
     {Verb::healthRepair, "health repair", "tarvik health repair [PATH...] [--strategy STRATEGY]"},
+    {Verb::uninstall, "uninstall",
+     "tarvik uninstall NAME [--only-app] [--with receipts|launch-daemons|external-target|PATH]... [--quit-running] "
+     "[--dry-run]"},
+    {Verb::uninstallApps, "uninstall apps", "tarvik uninstall apps [NAME]"},
+    {Verb::uninstallList, "uninstall list", "tarvik uninstall list [ID]"},
+    {Verb::uninstallUndo, "uninstall undo", "tarvik uninstall undo ID"},
     {std::nullopt, Verbs::completion, "tarvik completion SHELL"},
 }};
 

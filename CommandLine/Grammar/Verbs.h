@@ -18,7 +18,11 @@ enum class Verb {
     backupCreate,
     backupList,
     health,
-    healthRepair
+    healthRepair,
+    uninstall,
+    uninstallApps,
+    uninstallList,
+    uninstallUndo
 };
 
 /// Each verb by its words, and how it is written. Pure; safe on every thread.

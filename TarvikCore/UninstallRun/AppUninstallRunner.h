@@ -20,7 +20,8 @@ namespace tarvik::AppUninstallRunner {
 /// A rehearsal (`dryRun`) touches and writes nothing. Blocks; any thread.
 /// @throws AppUninstallError for an application of the system, and then nothing has been touched; FileError when the
 /// record cannot be written, although the items have gone: the journal of the run then still tells of them.
-AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection, bool dryRun,
-                        const std::optional<std::set<std::string>>& selectedPaths, const AppUninstallReporter& reporter);
+AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection,
+                        bool dryRun, const std::optional<std::set<std::string>>& selectedPaths,
+                        const AppUninstallReporter& reporter);
 
 }  // namespace tarvik::AppUninstallRunner

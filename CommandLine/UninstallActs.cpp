@@ -1,0 +1,341 @@
+#include "CommandLine/UninstallActs.h"
+
+#include "CommandLine/FoundApps.h"
+#include "CommandLine/Records.h"
+#include "CommandLine/Signals.h"
+#include "CommandLine/Terminal.h"
+#include "CommandLine/UninstallTexts.h"
+#include "Discovery/InstalledAppsScanner.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Files/LastComponent.h"
+#include "Platform/Files/WrittenPath.h"
+#include "Platform/Storage/SizingService.h"
+#include "Platform/Text/Text.h"
+#include "Reports/UninstallTOMLFormatter.h"
+#include "Reports/UninstallTSVFormatter.h"
+#include "Uninstall/AppUninstallPlanner.h"
+#include "Uninstall/UninstallTarget.h"
+#include "UninstallRun/AppUninstallError.h"
+#include "UninstallRun/AppUninstallRunner.h"
+#include "UninstallRun/UninstallHistory.h"
+#include "UninstallRun/UninstallQuestions.h"
+#include "UninstallRun/UninstallUndo.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarvik::CommandLine::UninstallActs {
+
+namespace {
+
+using UndoItem = UninstallUndo::Item;
+
+[[noreturn]] void failWith(std::string sentence) {
+    throw Failure("CommandLine", 1, std::move(sentence));
+}
+
+AppRecord chosenApplication(const Host& host, const Options& options) {
+    try {
+        return UninstallTarget::named(host, options.names.front());
+    } catch (const Failure& failure) {
+        throw WrongUse(failure.description(), std::string(usageOf(options.verb)));
+    }
+}
+
+/// What can be uninstalled: all but what belongs to the system.
+std::vector<AppRecord> listedApplications(const Host& host, Format format) {
+    auto apps = InstalledAppsScanner::discover(host);
+    std::erase_if(apps, [](const AppRecord& app) { return app.kind == AppRecordKind::systemRisky; });
+    if (format != Format::human) return apps;  // The forms for programs have no sizes.
+    measureEach(apps.size(), "applications", format, [&](std::size_t index) {
+        apps[index].bundleSizeBytes = SizingService::size(host, apps[index].bundlePath);
+    });
+    return apps;
+}
+
+/// The candidates that one word behind --with means.
+std::set<std::string> wanted(const AppUninstallPlan& plan, const std::string& word, Verb verb) {
+    const auto those = [&](const auto& fits) {
+        std::set<std::string> paths;
+        for (const UninstallCandidate& candidate : plan.candidates)
+            if (fits(candidate)) paths.insert(candidate.path.native());
+        return paths;
+    };
+    const auto inCategory = [&](UninstallCategory category) {
+        return those([&](const UninstallCandidate& candidate) { return candidate.category == category; });
+    };
+    std::set<std::string> paths;
+    if (word == "receipts") {
+        paths = inCategory(UninstallCategory::receipts);
+    } else if (word == "launch-daemons") {
+        paths = inCategory(UninstallCategory::launchDaemons);
+    } else if (word == "external-target") {
+        paths = those([&](const UninstallCandidate& candidate) {
+            return candidate.category == UninstallCategory::executable && candidate.path != plan.app.bundlePath;
+        });
+    } else {
+        const fs::path path = WrittenPath::meant(word);
+        paths = those([&](const UninstallCandidate& candidate) { return candidate.path == path; });
+        if (paths.empty())
+            throw WrongUse(
+                fmt::format("{} does not belong to {}, as far as is known.", path.native(), plan.app.displayName),
+                std::string(usageOf(verb)));
+    }
+    return paths;
+}
+
+/// An application, what belongs to it, and what of that shall go.
+struct Choice {
+    AppUninstallPlan plan;
+    UninstallSelection selection;
+    std::set<std::string> paths;
+};
+
+Choice chosen(const Host& host, const Options& options) {
+    Choice choice;
+    choice.selection = options.onlyApp ? UninstallSelection::executableOnly : UninstallSelection::everything;
+    choice.plan = AppUninstallPlanner::plan(host, chosenApplication(host, options), choice.selection);
+    const AppUninstallPlan& plan = choice.plan;
+    for (const UninstallCandidate& candidate : plan.candidates)
+        if (AppUninstallPlanner::effectiveSelected(candidate, plan.app, choice.selection))
+            choice.paths.insert(candidate.path.native());
+    for (const std::string& word : options.with) {
+        const auto paths = wanted(plan, word, options.verb);
+        if (paths.empty()) Terminal::say(fmt::format("{} has no {}.", plan.app.displayName, word));
+        choice.paths.insert(paths.begin(), paths.end());
+    }
+    return choice;
+}
+
+/// Refuses what the run would refuse, before anybody is asked.
+void rehearse(const Host& host, const Choice& choice) {
+    AppUninstallRunner::run(host, choice.plan, choice.selection, true, choice.paths, AppUninstallReporter::silent);
+}
+
+std::string sessionText(const AppUninstallSession& session, Format format) {
+    return format == Format::tsv ? UninstallTSVFormatter::sessions({session})
+                                 : UninstallTOMLFormatter::session(session);
+}
+
+/// What runs is quit on the user's word, or nothing goes.
+void quitRunning(const Host& host, const Choice& choice, const Options& options) {
+    const auto running = UninstallQuestions::running(host, choice.plan, choice.paths);
+    if (running.empty()) return;
+    if (options.yes && !options.quitsRunning) {
+        std::vector<std::string> names;
+        for (const auto& each : running) names.push_back(each.name);
+        failWith(fmt::format("{} {} running: quit {} first, or use --quit-running.", fmt::join(names, ", "),
+                             names.size() == 1 ? "is" : "are", names.size() == 1 ? "it" : "them"));
+    }
+    Terminal::confirm(UninstallQuestions::quitRunning(running), options.quitsRunning);
+    UninstallQuestions::quit(host, running);
+}
+
+/// The fields of a line of the run's log.
+std::vector<std::string> fieldsOf(const std::string& line) {
+    std::vector<std::string> fields(1);
+    for (const char each : line) {
+        if (each == '\t')
+            fields.emplace_back();
+        else
+            fields.back() += each;
+    }
+    return fields;
+}
+
+/// Why items have stayed and receipts were not forgotten, as the run tells it.
+struct Complaints {
+    std::map<std::string, std::string> ofItems;
+    std::vector<std::string> ofReceipts;
+
+    void take(const std::string& line) {
+        const auto fields = fieldsOf(line);
+        if (fields.front() == "stays" && fields.size() > 3) ofItems[fields[2]] = fields[3];
+        if (fields.front() == "forget-receipt-fail" && fields.size() > 2)
+            ofReceipts.push_back(fmt::format("{} was not forgotten: {}", fields[1], fields[2]));
+    }
+};
+
+void tellEnd(const AppUninstallSession& session, const Complaints& complaints, Format format) {
+    if (format == Format::human) {
+        Terminal::writeLine(fmt::format("Uninstalled {} — {}.", session.appName,
+                                        Text::counted(std::ssize(session.movedItems), "item")));
+        Terminal::say(fmt::format("To have it back: tarvik uninstall undo {}", session.id));
+    } else {
+        Terminal::writeResult(sessionText(session, format));
+    }
+    std::int64_t stayed = 0;
+    for (const auto& item : session.movedItems) {
+        if (item.succeeded) continue;
+        ++stayed;
+        const auto why = complaints.ofItems.find(item.originalPath.native());
+        Terminal::say(why == complaints.ofItems.end()
+                          ? fmt::format("{} could not be moved and stays.", item.originalPath.native())
+                          : fmt::format("{} stays: {}", item.originalPath.native(), why->second));
+    }
+    for (const std::string& complaint : complaints.ofReceipts) Terminal::say(complaint);
+    const auto failed = stayed + std::ssize(complaints.ofReceipts);
+    if (failed > 0) failWith(fmt::format("{} stayed.", Text::counted(failed, "item")));
+}
+
+AppUninstallSession chosenSession(const Host& host, const Options& options) {
+    if (auto session = UninstallHistory::find(host, options.names.front())) return *std::move(session);
+    throw WrongUse(
+        fmt::format("There is no uninstall \"{}\". \"tarvik uninstall list\" shows all.", options.names.front()),
+        std::string(usageOf(options.verb)));
+}
+
+/// The whole list as one document, in which each is a table.
+Record recordOf(const UninstallTexts::Past& past) {
+    const auto& [session, items] = past;
+    const auto count = [&](UndoItem::State state) {
+        return static_cast<std::int64_t>(
+            std::count_if(items.begin(), items.end(), [&](const UndoItem& item) { return item.state == state; }));
+    };
+    return {{"id", session.id},
+            {"appPath", session.appPath.native()},
+            {"appName", session.appName},
+            {"bundleId", session.bundleIdentifier.value_or("")},
+            {"createdAt", Text::isoDate(session.createdAt)},
+            {"items", std::ssize(session.movedItems)},
+            {"waiting", count(UndoItem::State::waiting)},
+            {"back", count(UndoItem::State::back)},
+            {"stuck", count(UndoItem::State::stuck)}};
+}
+
+Dialog undoQuestion(const AppUninstallSession& session, const std::vector<UndoItem>& items) {
+    Dialog question{fmt::format("Put {} back?", session.appName), {}, {"Put Back", "Cancel"}};
+    std::int64_t waiting = 0;
+    for (const UndoItem& item : items) {
+        if (item.state == UndoItem::State::waiting) {
+            ++waiting;
+            question.details.push_back(item.originalPath.native());
+        } else if (item.state == UndoItem::State::stuck) {
+            question.details.push_back(fmt::format("Cannot come back: {}", item.reason));
+        }
+    }
+    question.text = fmt::format("{} will be moved back from the Trash.", Text::counted(waiting, "item"));
+    return question;
+}
+
+std::string_view nameOf(UndoItem::State state) {
+    switch (state) {
+        case UndoItem::State::waiting:
+            return "waiting";
+        case UndoItem::State::back:
+            return "back";
+        case UndoItem::State::stuck:
+            break;
+    }
+    return "stuck";
+}
+
+void printUndo(const std::vector<UndoItem>& before, const std::vector<UndoItem>& after, Format format) {
+    if (format == Format::human) return Terminal::writeLine(UninstallUndo::summary(before, after));
+    std::vector<Record> records;
+    for (const UndoItem& item : after)
+        records.push_back({{"path", item.originalPath.native()},
+                           {"category", std::string(textOf(item.category))},
+                           {"bytes", item.sizeBytes},
+                           {"state", std::string(nameOf(item.state))},
+                           {"place", item.place.native()},
+                           {"reason", item.reason}});
+    Terminal::writeResult(format == Format::toml
+                              ? toml("items", records)
+                              : tsv({"path", "category", "bytes", "state", "place", "reason"}, records));
+}
+
+}  // namespace
+
+void apps(const Host& host, const Options& options) {
+    const Format format = options.format;
+    if (!options.names.empty()) {
+        const AppRecord app = chosenApplication(host, options);
+        return Terminal::writeResult(format == Format::human ? UninstallTexts::app(app)
+                                     : format == Format::tsv ? UninstallTSVFormatter::inspection(app)
+                                                             : UninstallTOMLFormatter::inspection(app));
+    }
+    const auto apps = listedApplications(host, format);
+    if (apps.empty() && format == Format::human) return Terminal::say("No applications were found.");
+    Terminal::writeResult(format == Format::human ? UninstallTexts::apps(apps, host.home)
+                          : format == Format::tsv ? UninstallTSVFormatter::apps(apps)
+                                                  : UninstallTOMLFormatter::apps(apps));
+}
+
+void plan(const Host& host, const Options& options) {
+    const Choice choice = chosen(host, options);
+    switch (options.format) {
+        case Format::human:
+            Terminal::writeResult(UninstallTexts::plan(choice.plan, choice.paths, host.home));
+            return Terminal::writeLine("Nothing was changed.");
+        case Format::tsv:
+            return Terminal::writeResult(UninstallTSVFormatter::plan(choice.plan));
+        case Format::toml:
+            return Terminal::writeResult(UninstallTOMLFormatter::plan(choice.plan));
+    }
+}
+
+void uninstall(const Host& host, const Options& options) {
+    const Choice choice = chosen(host, options);
+    rehearse(host, choice);
+    Terminal::writeMessage(UninstallTexts::plan(choice.plan, choice.paths, host.home) + "\n");
+    Terminal::confirm(UninstallQuestions::confirm(choice.plan), options.yes);
+    quitRunning(host, choice, options);
+    Complaints complaints;
+    const SignalGuard guard;
+    const auto session = AppUninstallRunner::run(host, choice.plan, choice.selection, false, choice.paths,
+                                                 {[&](const std::string& line) { complaints.take(line); }});
+    tellEnd(session, complaints, options.format);
+}
+
+void list(const Host& host, const Options& options) {
+    if (!options.names.empty()) {
+        const AppUninstallSession session = chosenSession(host, options);
+        return Terminal::writeResult(
+            options.format == Format::human
+                ? UninstallTexts::session({session, UninstallUndo::look(host, session)}, host.home)
+                : sessionText(session, options.format));
+    }
+    const auto sessions = UninstallHistory::list(host);
+    if (options.format == Format::tsv) return Terminal::writeResult(UninstallTSVFormatter::sessions(sessions));
+    std::vector<UninstallTexts::Past> past;
+    past.reserve(sessions.size());
+    for (const AppUninstallSession& session : sessions) past.emplace_back(session, UninstallUndo::look(host, session));
+    if (options.format == Format::human) {
+        if (past.empty()) return Terminal::say("Nothing was uninstalled yet.");
+        return Terminal::writeResult(UninstallTexts::sessions(past));
+    }
+    std::vector<Record> records;
+    for (const auto& each : past) records.push_back(recordOf(each));
+    Terminal::writeResult(toml("sessions", records));
+}
+
+void undo(const Host& host, const Options& options) {
+    const AppUninstallSession session = chosenSession(host, options);
+    const auto before = UninstallUndo::look(host, session);
+    const auto isIn = [](UndoItem::State state) {
+        return [state](const UndoItem& item) { return item.state == state; };
+    };
+    auto after = before;
+    if (std::any_of(before.begin(), before.end(), isIn(UndoItem::State::waiting))) {
+        Terminal::confirm(undoQuestion(session, before), options.yes);
+        const SignalGuard guard;
+        after = UninstallUndo::putBack(host, session, AppUninstallReporter::silent);
+    }
+    printUndo(before, after, options.format);
+    for (const UndoItem& item : after)
+        if (item.state == UndoItem::State::stuck) Terminal::say(item.reason);
+    const auto stuck = std::count_if(after.begin(), after.end(), isIn(UndoItem::State::stuck));
+    if (stuck > 0) failWith(fmt::format("{} could not be put back.", Text::counted(stuck, "item")));
+}
+
+}  // namespace tarvik::CommandLine::UninstallActs
