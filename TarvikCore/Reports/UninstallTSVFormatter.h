@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// The records of uninstalling as lines with tabs between the fields, for scripts. Fields are written as they are: a tab
-/// or a line break in one breaks its row. Every text ends with a line feed. Pure.
+/// The records of uninstalling as lines with tabs between the fields, for scripts. Fields are written as they are: a
+/// tab or a line break in one breaks its row. Every text ends with a line feed. Pure.
 namespace tarvik::UninstallTSVFormatter {
 
 std::string apps(const std::vector<AppRecord>& apps);

@@ -37,17 +37,26 @@ std::optional<bool> UninstallSelection::includes(UninstallCategory category) con
         case UninstallCategory::applicationSupport:
         case UninstallCategory::httpStorages:
         case UninstallCategory::webKit:
-        case UninstallCategory::savedAppState: return includeData;
-        case UninstallCategory::caches: return includeCaches;
-        case UninstallCategory::logs: return includeLogs;
-        case UninstallCategory::preferences: return includePrefs;
+        case UninstallCategory::savedAppState:
+            return includeData;
+        case UninstallCategory::caches:
+            return includeCaches;
+        case UninstallCategory::logs:
+            return includeLogs;
+        case UninstallCategory::preferences:
+            return includePrefs;
         case UninstallCategory::containers:
-        case UninstallCategory::groupContainers: return includeContainers;
-        case UninstallCategory::receipts: return includeReceipts;
-        case UninstallCategory::launchAgents: return includeLaunchAgents;
-        case UninstallCategory::launchDaemons: return includeLaunchDaemons;
+        case UninstallCategory::groupContainers:
+            return includeContainers;
+        case UninstallCategory::receipts:
+            return includeReceipts;
+        case UninstallCategory::launchAgents:
+            return includeLaunchAgents;
+        case UninstallCategory::launchDaemons:
+            return includeLaunchDaemons;
         case UninstallCategory::executable:
-        case UninstallCategory::installerSession: break;
+        case UninstallCategory::installerSession:
+            break;
     }
     return std::nullopt;
 }
