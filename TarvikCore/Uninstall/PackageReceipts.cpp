@@ -23,10 +23,9 @@ bool isIdentifier(std::string_view line) {
 }  // namespace
 
 std::vector<std::string> named(const Host& host, const std::string& identifier, const Cancellation& cancellation) {
-    const auto result = CommandRunner::ask(host.tools.pkgutil, {"--pkgs=" + patternOf(identifier)},
-                                           {.limit = std::chrono::duration<double>::max(),
-                                            .cancellation = cancellation,
-                                            .mostOutput = mostAnswer});
+    const auto result = CommandRunner::ask(
+        host.tools.pkgutil, {"--pkgs=" + patternOf(identifier)},
+        {.limit = std::chrono::duration<double>::max(), .cancellation = cancellation, .mostOutput = mostAnswer});
     std::vector<std::string> identifiers;
     if (!result.succeeded()) return identifiers;
     const bool isCut = result.stdout.size() + longestCharacter > mostAnswer;

@@ -60,8 +60,7 @@ void addExecutables(Findings& findings, const Host& host, const AppRecord& app) 
                    .isSymlink = app.isSymlink}});
     const auto target = ExternalTarget::of(app);
     if (target && isCopyOfApplication(host, app, *target))
-        findings.add(
-            {{.path = *target, .category = UninstallCategory::executable, .reason = "External target app"}});
+        findings.add({{.path = *target, .category = UninstallCategory::executable, .reason = "External target app"}});
 }
 
 Finding foundAt(const fs::path& path, const Place& place) {
