@@ -8,5 +8,8 @@ namespace tarvik::DataName {
 
 /// Whether a folder joined with `name` is an item of its own below that folder, and no longer than a path may be. Pure.
 bool isUsable(std::string_view name);
+/// The same, and the item stands in that folder itself: `name` is one component of a path. Nor does it hold a control
+/// character or a line break, which no maker writes into a name, and which would break a line of a report. Pure.
+bool isOneComponent(std::string_view name);
 
 }  // namespace tarvik::DataName

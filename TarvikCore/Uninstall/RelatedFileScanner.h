@@ -20,4 +20,8 @@ enum class Sizes { measured, leftOut };
 std::vector<UninstallCandidate> scan(const Host& host, const AppRecord& app, Sizes sizes = Sizes::measured,
                                      const Cancellation& cancellation = {});
 
+/// The same without the receipts, which take no room: no tool is asked.
+std::vector<UninstallCandidate> onDisk(const Host& host, const AppRecord& app, Sizes sizes = Sizes::measured,
+                                       const Cancellation& cancellation = {});
+
 }  // namespace tarvik::RelatedFileScanner

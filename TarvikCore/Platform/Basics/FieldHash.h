@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <vector>
 
 /// Hashes for records that stand in unordered sets and maps: one line for each record, over all its fields.
 namespace tarvik::FieldHash {
@@ -28,6 +29,13 @@ template <typename Field>
 std::size_t ofField(const std::optional<Field>& field) noexcept {
     constexpr std::size_t absent = 0x51ED270B;  // Any number that no field is likely to hash to.
     return field ? ofField(*field) : absent;
+}
+
+template <typename Field>
+std::size_t ofField(const std::vector<Field>& list) noexcept {
+    std::size_t hash = list.size();
+    for (const Field& field : list) hash = hash * 31 + ofField(field);
+    return hash;
 }
 
 /// One hash of several fields; it depends on their order. Equal fields give equal hashes.

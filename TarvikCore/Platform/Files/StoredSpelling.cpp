@@ -7,17 +7,12 @@
 
 namespace tarvik::StoredSpelling {
 
-namespace {
-
-/// The name under which `folder` lists its entry `name`.
 std::string nameIn(const fs::path& folder, const std::string& name) {
     const auto item = Files::info(folder / name);
     if (!item) return name;
     return amongNames(Files::names(folder), name,
                       [&](const std::string& other) { return Files::isSameItem(Files::info(folder / other), item); });
 }
-
-}  // namespace
 
 fs::path of(const fs::path& path) {
     fs::path result;

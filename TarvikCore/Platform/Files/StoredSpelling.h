@@ -15,6 +15,9 @@ namespace tarvik::StoredSpelling {
 /// any thread; never fails.
 fs::path of(const fs::path& path);
 
+/// The name under which `folder` lists its entry `name`: one component of the above.
+std::string nameIn(const fs::path& folder, const std::string& name);
+
 /// Whether both are spellings of one name: their folder holds one entry for them. Two hard links are not.
 bool areOneName(const fs::path& one, const fs::path& other);
 
