@@ -74,7 +74,7 @@ std::string unescaped(std::string_view text) {
 template <typename Text>
 std::string written(const std::optional<Text>& text) {
     if (!text) return std::string(nothing);
-    return "=" + escaped(fs::path(*text).native());
+    return std::string(1, '=').append(escaped(fs::path(*text).native()));
 }
 
 template <typename Text>
