@@ -173,8 +173,8 @@ void handleReceipt(const Host& host, const std::string& identifier, bool dryRun,
     }
 }
 
-AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection, bool dryRun,
-                        const std::optional<std::set<std::string>>& selectedPaths,
+AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection,
+                        bool dryRun, const std::optional<std::set<std::string>>& selectedPaths,
                         const AppUninstallReporter& reporter) {
     const AppRecord& app = plan.app;
     if (app.kind == AppRecordKind::systemRisky)

@@ -26,11 +26,20 @@ std::string escaped(std::string_view text) {
     result.reserve(text.size());
     for (const char letter : text) {
         switch (letter) {
-            case '\\': result += "\\\\"; break;
-            case '\t': result += "\\t"; break;
-            case '\n': result += "\\n"; break;
-            case '\r': result += "\\r"; break;
-            default: result += letter;
+            case '\\':
+                result += "\\\\";
+                break;
+            case '\t':
+                result += "\\t";
+                break;
+            case '\n':
+                result += "\\n";
+                break;
+            case '\r':
+                result += "\\r";
+                break;
+            default:
+                result += letter;
         }
     }
     return result;
@@ -45,10 +54,17 @@ std::string unescaped(std::string_view text) {
             continue;
         }
         switch (text[++index]) {
-            case 't': result += '\t'; break;
-            case 'n': result += '\n'; break;
-            case 'r': result += '\r'; break;
-            default: result += text[index];
+            case 't':
+                result += '\t';
+                break;
+            case 'n':
+                result += '\n';
+                break;
+            case 'r':
+                result += '\r';
+                break;
+            default:
+                result += text[index];
         }
     }
     return result;
@@ -138,8 +154,10 @@ void takeLater(UninstallJournal& journal, const std::vector<std::string_view>& f
     if (fields[0] == "went") takeEnd(journal, fields);
     if (fields.size() != 2) return;
     auto text = readText<std::string>(fields[1]);
-    if (text && fields[0] == "forgot") journal.forgottenReceipts.push_back(std::move(*text));
-    else if (text && fields[0] == "session") journal.sessionId = std::move(text);
+    if (text && fields[0] == "forgot")
+        journal.forgottenReceipts.push_back(std::move(*text));
+    else if (text && fields[0] == "session")
+        journal.sessionId = std::move(text);
 }
 
 /// False for a line that an opening does not have.
@@ -159,7 +177,8 @@ bool takeOpening(UninstallJournal& journal, const std::vector<std::string_view>&
     journal.bundleIdentifier = readText<std::string>(fields[3]);
     const auto mostMicroseconds = std::chrono::floor<microseconds>(system_clock::duration::max()).count();
     if (*started > mostMicroseconds || *started < -mostMicroseconds) return false;
-    journal.startedAt = system_clock::time_point(std::chrono::duration_cast<system_clock::duration>(microseconds(*started)));
+    journal.startedAt =
+        system_clock::time_point(std::chrono::duration_cast<system_clock::duration>(microseconds(*started)));
     return true;
 }
 

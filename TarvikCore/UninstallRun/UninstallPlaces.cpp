@@ -13,8 +13,9 @@ namespace tarvik::UninstallPlaces {
 namespace {
 
 constexpr std::string_view homeFolders[] = {
-    "Application Support", "Caches",       "Logs",   "Preferences",           "Preferences/ByHost", "Containers",
-    "Group Containers",    "HTTPStorages", "WebKit", "Saved Application State", "LaunchAgents",
+    "Application Support", "Caches",           "Logs",         "Preferences", "Preferences/ByHost",
+    "Containers",          "Group Containers", "HTTPStorages", "WebKit",      "Saved Application State",
+    "LaunchAgents",
 };
 constexpr std::string_view libraryFolders[] = {
     "LaunchDaemons",

@@ -130,7 +130,8 @@ Dialog quitRunning(const std::vector<Running>& running) {
     const auto names = namesOf(running);
     std::vector<std::string> details;
     for (const Running& each : running)
-        if (!each.canQuit) details.push_back(fmt::format("{} cannot be quit from here: {}", each.name, each.path.native()));
+        if (!each.canQuit)
+            details.push_back(fmt::format("{} cannot be quit from here: {}", each.name, each.path.native()));
     return {fmt::format("{} {} running", Text::counted(std::ssize(running), "item"), names.size() == 1 ? "is" : "are"),
             fmt::format("Removing what runs can lose its data.\n\n{}\n\nQuit automatically before uninstalling?",
                         Text::listed(names, mostNames)),
@@ -146,8 +147,8 @@ void quit(const Host& host, const std::vector<Running>& running) {
     const auto begin = steady_clock::now();
     while (true) {
         const InUse inUse = inUseOn(host);
-        const auto left = std::find_if(running.begin(), running.end(),
-                                       [&](const Running& each) { return stillRuns(inUse, each); });
+        const auto left =
+            std::find_if(running.begin(), running.end(), [&](const Running& each) { return stillRuns(inUse, each); });
         if (left == running.end()) return;
         if (steady_clock::now() - begin >= quitTimeout)
             throw AppUninstallError::refused(fmt::format("{} still runs. Quit it first.", left->name));
