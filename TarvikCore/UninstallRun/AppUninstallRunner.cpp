@@ -108,14 +108,15 @@ UninstallJournal journalFor(const Host& host, const AppUninstallPlan& plan,
     return journal;
 }
 
-/// The folder of this second's record, or of the next free one's, and its id. @throws FileError.
-std::pair<std::string, fs::path> claimedSession(const Host& host, const fs::path& root) {
+/// Gives the record this second's id, or that of the next one that is free. @returns its folder. @throws FileError.
+fs::path claimFolder(const Host& host, const fs::path& root, AppUninstallSession& session) {
     constexpr auto pause = std::chrono::milliseconds(20);
     constexpr int pausesInThreeSeconds = 150;
     for (int turn = 0;; ++turn) {
-        std::string id = UninstallSessionId::at(host.now());
-        fs::path folder = root / id;
-        if (Files::createNewFolder(folder)) return {std::move(id), std::move(folder)};
+        session.createdAt = host.now();
+        session.id = UninstallSessionId::at(session.createdAt);
+        fs::path folder = root / session.id;
+        if (Files::createNewFolder(folder)) return folder;
         if (turn == pausesInThreeSeconds) throw FileError("create the folder", folder, EEXIST);
         std::this_thread::sleep_for(pause);
     }
@@ -123,15 +124,13 @@ std::pair<std::string, fs::path> claimedSession(const Host& host, const fs::path
 
 /// Writes the record and lets the journal go.
 void record(const Host& host, const fs::path& root, AppUninstallSession& session, UninstallJournalFile& journal) {
-    const auto [id, folder] = claimedSession(host, root);
-    session.id = id;
-    session.createdAt = host.now();
-    journal.note(UninstallJournal::lineOfSession(id));
+    const fs::path folder = claimFolder(host, root, session);
+    journal.note(UninstallJournal::lineOfSession(session.id));
     journal.flush();
     try {
         UninstallSessionStore::save(session, root);
     } catch (...) {
-        ignoringFailure([&, folder = folder] { Files::removeEmptyFolder(folder); });
+        ignoringFailure([&] { Files::removeEmptyFolder(folder); });
         throw;
     }
     journal.settleIn(folder);
