@@ -4,6 +4,7 @@
 #include "ManyApps.h"
 #include "Measure.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/Host.h"
 #include "Support/Bundles.h"
 #include "Support/RealVolume.h"
@@ -101,6 +102,8 @@ double secondsToTrash(const LargeApp& app, const fs::path& folder) {
     for (const auto& item : session.movedItems)
         if (!item.trashedTo) throw std::runtime_error("An item did not go to the Trash.");
     Files::removeItem(app.host().home / ".Trash");
+    // The next run would wait for a second of its own.
+    Files::removeItem(AppStorageNames::uninstallSessionRoot(app.host()));
     return seconds;
 }
 
