@@ -28,7 +28,7 @@ constexpr std::string_view questions =
     "only look.";
 
 /// What a reader wants to know of a verb beyond its help.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks = {{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 12> remarks = {{
     {"apps", "Without a NAME, the list is sorted by size, the largest first."},
     {"launchers",
      "A launcher is a small application that bears the name and icon of one on the drive and opens it. One whose "
@@ -55,6 +55,17 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks =
      "links of data are led to the copy that was found, and tracked files that are missing are forgotten. Everything "
      "else is named by its PATH, and a finding with two repairs (reverted) needs --strategy too: reclaimReverted or "
      "reSymlinkReverted. What has changed since the check is left alone."},
+    {"uninstall",
+     "What belongs to an application is told by its exact identifier, name or slug in the places where a Mac keeps "
+     "such "
+     "things, never by likeness. Everything goes to the Trash, or beside its place where the Trash refuses it. "
+     "Receipts, "
+     "what the system starts, and the copy on a drive of what a link stands for stay unless --with names them. An "
+     "application that is called apps, list or undo is named behind two hyphens."},
+    {"uninstall list", "With --format toml, the document of one uninstall needs its ID."},
+    {"uninstall undo",
+     "Nothing that stands at an old place is replaced: what cannot come back is told, with the reason, and stays where "
+     "it is. Receipts do not come back."},
     {"completion",
      "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "
@@ -76,13 +87,15 @@ const Definitions files = {
     {"DRIVE/ExternalTarvik", "What has been moved to a drive, as ordinary items: Apps, Data and Folders."},
     {"DRIVE/TarvikBackups", "The backups on a drive, a folder for each."},
     {".TarvikTrash", "What was disposed of beside it, where there is no Trash."},
-    {"~/Library/Application Support/Tarvik/health-manifest.json", "What was moved, and from where."}};
+    {"~/Library/Application Support/Tarvik/health-manifest.json", "What was moved, and from where."},
+    {"~/Library/Application Support/Tarvik/UninstallSessions", "What was uninstalled, a folder for each time."}};
 
 const Definitions examples = {
     {"tarvik apps", "Which applications are large?"},
     {"tarvik move app \"Logic Pro\" --drive \"Studio Drive\" --dry-run", "What would move, and does it fit?"},
     {"tarvik move app \"Logic Pro\" --drive \"Studio Drive\"", "Move it with its data."},
     {"tarvik move restore \"Logic Pro\" ~/Movies", "Bring an application and a folder back."},
+    {"tarvik uninstall \"Logic Pro\" --dry-run", "What belongs to it, and what of it would go?"},
     {"tarvik links --format tsv", "All links, for a script."}};
 
 /// Text as the formatter shall show it, to the letter: a hyphen is one, and no line is taken for a request.
@@ -188,8 +201,9 @@ std::string optionsOf(const CommandDescription& command) {
 std::string verbsOf(const CommandDescription& command) {
     std::string text;
     for (const auto& verb : command.verbs) {
-        // One whose first way to be written is another verb's is no act of its own.
-        const bool isAct = verb.verbs.empty() || verb.usages.front() == "tarvik " + verb.words;
+        // One that takes nothing and whose first way to be written is another verb's is no act of its own.
+        const bool isAct =
+            verb.verbs.empty() || !verb.arguments.empty() || verb.usages.front() == "tarvik " + verb.words;
         if (!isAct) {
             text += verbsOf(verb);
             continue;

@@ -178,6 +178,7 @@ public:
         } catch (const CLI::ParseError&) {
             refuseMisusedOption(arguments);
         }
+        refuseMissingValue("--with", arguments);
         refuseUnclearWords(takeWords(std::move(marked)));
         takeGlobalOptions();
         if (m_completion->parsed()) return Information{std::string(CompletionScripts::scriptFor(knownShell()))};
@@ -187,9 +188,13 @@ public:
 
 private:
     static void addOption(CLI::App& app, const char* name, std::string& value, const char* description) {
+        app.add_option(name, value, description)->type_name(valueOf(name));
+    }
+
+    static std::string valueOf(std::string_view option) {
         const auto* entry =
-            std::find_if(valued.begin(), valued.end(), [&](const auto& option) { return option.first == name; });
-        app.add_option(name, value, description)->type_name(std::string(entry->second));
+            std::find_if(valued.begin(), valued.end(), [&](const auto& each) { return each.first == option; });
+        return std::string(entry->second);
     }
 
     static CLI::App* addVerb(CLI::App& parent, std::string_view name, const char* description) {
@@ -202,7 +207,8 @@ private:
         m_uninstall =
             addVerb(m_app, "uninstall", "Move an application and all that belongs to it to the Trash, or have it back");
         m_uninstall->require_subcommand(0, 1);
-        m_uninstall->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
+        m_uninstall
+            ->add_option("NAME", m_uninstalledName, "An application: its name, its bundle identifier or its path")
             ->type_name("");
         m_uninstall->add_flag("--only-app", m_options.onlyApp, "Leave everything but the application itself")
             ->disable_flag_override();
@@ -270,6 +276,8 @@ private:
             throw wrong("Name the drive that the folder shall move to, with --drive DRIVE.");
         const bool hasWishes =
             m_options.onlyApp || m_options.isDryRun || m_options.quitsRunning || !m_options.with.empty();
+        if (m_uninstall->parsed() && verb != Verb::uninstall && m_uninstall->count("NAME") > 0 && !names.empty())
+            refuseSurplus(m_uninstalledName);
         if (m_uninstall->parsed() && verb != Verb::uninstall && (hasWishes || m_uninstall->count("NAME") > 0))
             throw wrong(
                 fmt::format("{} takes no application that shall go, and none of its options.", wordsOf(meant())));
@@ -283,6 +291,14 @@ private:
             throw wrong("Name the drive that the applications shall move to, with --drive DRIVE.");
     }
 
+    /// Where the next option, or nothing at all, stands in the place of a value.
+    void refuseMissingValue(std::string_view option, const Arguments& arguments) const {
+        const auto end = std::find(arguments.begin(), arguments.end(), "--");
+        for (auto at = std::find(arguments.begin(), end, option); at != end; at = std::find(at + 1, end, option))
+            if (at + 1 == end || (at + 1)->starts_with("--"))
+                throw wrong(fmt::format("{} needs a value: {} {}.", option, option, valueOf(option)));
+    }
+
     /// The library has refused an option. Why, is seen in the arguments.
     [[noreturn]] void refuseMisusedOption(const Arguments& arguments) const {
         const auto end = std::find(arguments.begin(), arguments.end(), "--");
@@ -294,11 +310,7 @@ private:
             if (std::count_if(arguments.begin(), end, isIt) > 1)
                 throw wrong(fmt::format("{} can be given only once.", name));
         }
-        for (const auto& [name, value] : valued) {
-            const auto at = std::find(arguments.begin(), end, name);
-            if (at != end && (at + 1 == end || (at + 1)->starts_with("--")))
-                throw wrong(fmt::format("{} needs a value: {} {}.", name, name, value));
-        }
+        for (const auto& [name, value] : valued) refuseMissingValue(name, arguments);
         for (auto word = arguments.begin(); word != end; ++word)
             for (const std::string flag :
                  {"--yes", "--help", "--version", "--dry-run", "--no-data", "--only-app", "--quit-running", "--repair"})
@@ -310,10 +322,11 @@ private:
     /// @returns the rest.
     Arguments takeWords(Arguments marked) {
         if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") +
-                m_uninstall->count("NAME") + m_uninstallApps->count("NAME") + m_uninstallList->count("ID") +
-                m_uninstallUndo->count("ID") >
+                m_uninstallApps->count("NAME") + m_uninstallList->count("ID") + m_uninstallUndo->count("ID") >
             0)
             m_options.names = {m_name};
+        else if (m_uninstall->count("NAME") > 0 && m_uninstall->get_subcommands().empty())
+            m_options.names = {m_uninstalledName};
         if (m_backupCreate->count("PATH") + m_healthRepair->count("PATH") > 0) m_options.paths = {m_path};
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
         Arguments rest;
@@ -357,6 +370,10 @@ private:
                 throw wrong(fmt::format("{} belongs to {}.", name, owners));
         if (m_health->parsed() && word.front() != '-') requireVerb(*m_health, words);
         if (word.size() > 1 && word.front() == '-') throw wrong(fmt::format("There is no option \"{}\".", word));
+        refuseSurplus(word);
+    }
+
+    [[noreturn]] void refuseSurplus(const std::string& word) const {
         const auto argument = m_uninstallList->parsed() || m_uninstallUndo->parsed() ? "ID"
                               : m_apps->parsed() || m_uninstall->parsed()            ? "NAME"
                                                                                      : "PATH";
@@ -406,7 +423,7 @@ private:
     }
 
     Options m_options;
-    std::string m_root, m_home, m_path, m_name, m_drive, m_shell, m_format = "human";
+    std::string m_root, m_home, m_path, m_name, m_uninstalledName, m_drive, m_shell, m_format = "human";
     bool m_leavesData = false;
     CLI::App m_app{"Moves what is large to an external drive and leaves a link, so that everything keeps working.",
                    "tarvik"};

@@ -149,7 +149,7 @@ TEST(UninstallCommand, RefusesAnApplicationOfTheSystem) {
     test::makeBundle(chess, {{"CFBundleIdentifier", "org.example.chess"}});
     const auto refused = world.run({"uninstall", chess, "--yes"});
     EXPECT_EQ(refused.status, 1);
-    EXPECT_EQ(refused.errors, "tarvik: Refusing to uninstall system app: " + chess.native() + "\n");
+    EXPECT_EQ(refused.errors, "Refusing to uninstall system app: " + chess.native() + "\n");
     EXPECT_TRUE(fs::exists(chess));
 }
 

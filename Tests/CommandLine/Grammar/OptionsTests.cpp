@@ -103,7 +103,7 @@ TEST(Options, SaysWhatABackupLacks) {
     EXPECT_EQ(sentenceOf({"backup", "create", "", "--drive", "D"}), "A PATH is empty.");
     EXPECT_EQ(sentenceOf({"backup", "create", "/f", "--drive"}), "--drive needs a value: --drive DRIVE.");
     EXPECT_EQ(sentenceOf({"backup", "create", "/f", "--drive", "D", "--dry-run"}),
-              "--dry-run belongs to move app alone.");
+              "--dry-run belongs to move app and uninstall.");
     EXPECT_EQ(sentenceOf({"backup", "list"}), "Name the drive whose backups shall be listed, with --drive DRIVE.");
     EXPECT_EQ(sentenceOf({"backup", "list", "/f", "--drive", "D"}), "\"/f\" is one word too many.");
     EXPECT_EQ(sentenceOf({"backup", "list", "--drive", "D", "--quick"}), "There is no option \"--quick\".");
@@ -131,7 +131,7 @@ TEST(Options, SaysWhatAMoveOfApplicationsLacks) {
     EXPECT_EQ(sentenceOf({"apps", ""}), "A NAME is empty.");
     EXPECT_EQ(sentenceOf({"apps", "Logic", "Pro"}),
               "\"Pro\" is one word too many: one NAME at a time, and in quotes when it holds a space.");
-    EXPECT_EQ(sentenceOf({"apps", "--dry-run"}), "--dry-run belongs to move app alone.");
+    EXPECT_EQ(sentenceOf({"apps", "--dry-run"}), "--dry-run belongs to move app and uninstall.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "--drive", "D", "--no-data"}),
               "--no-data belongs to move app alone.");
     EXPECT_EQ(sentenceOf({"move", "app", "A", "--drive", "D", "--dry-run=no"}), "--dry-run takes no value.");
@@ -160,11 +160,13 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(
         sentenceOf({}),
         "What shall be done? Name one of: drives, apps, links, launchers, move app, move folder, move restore, backup "
-        "create, backup list, health, health repair, completion.");
+        "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
+        "completion.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
-              "create, backup list, health, health repair, completion.");
+              "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
+              "completion.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
@@ -180,7 +182,8 @@ TEST(Options, SaysWhatIsWrong) {
     EXPECT_EQ(sentenceOf({"--quick", "frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
-              "create, backup list, health, health repair, completion.");
+              "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
+              "completion.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
@@ -226,6 +229,12 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     const std::string restore = "tarvik move restore NAME|PATH...";
     const std::string backups = "tarvik backup create PATH... --drive DRIVE\n       tarvik backup list --drive DRIVE";
     const std::string health = "tarvik health\n       tarvik health repair [PATH...] [--strategy STRATEGY]";
+    const std::string uninstalls =
+        "tarvik uninstall NAME [--only-app] [--with receipts|launch-daemons|external-target|PATH]... [--quit-running] "
+        "[--dry-run]\n       tarvik uninstall apps [NAME]\n       tarvik uninstall list [ID]\n       tarvik uninstall "
+        "undo ID";
+    EXPECT_EQ(usageFor({"uninstall"}), uninstalls);
+    EXPECT_EQ(usageFor({"uninstall", "undo"}), "tarvik uninstall undo ID");
     EXPECT_EQ(usageFor({"drives", "x"}), "tarvik drives");
     EXPECT_EQ(usageFor({"move", "folder"}), folder);
     EXPECT_EQ(usageFor({"move", "folder", "/f", "--drive"}), folder);
@@ -237,7 +246,7 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
         usageFor({}),
         "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       tarvik launchers [--repair]\n       " +
             app + "\n       " + folder + "\n       " + restore + "\n       " + backups + "\n       " + health +
-            "\n       tarvik completion SHELL");
+            "\n       " + uninstalls + "\n       tarvik completion SHELL");
     EXPECT_EQ(usageFor({"backup"}), backups);
     EXPECT_EQ(usageFor({"health", "x"}), health);
 }
@@ -267,7 +276,7 @@ TEST(Options, GivesTheScriptOfAShellAsText) {
 TEST(Options, DescribesWhatHelpShows) {
     const auto command = describe();
     EXPECT_EQ(command.name, "tarvik");
-    EXPECT_EQ(command.usages.size(), 12U);
+    EXPECT_EQ(command.usages.size(), 16U);
     EXPECT_EQ(command.options.front().names, (Arguments{"-h", "--help"}));
     const auto& move =
         *std::find_if(command.verbs.begin(), command.verbs.end(), [](const auto& verb) { return verb.name == "move"; });
