@@ -1,7 +1,6 @@
-#include "Reports/UninstallTOMLFormatter.h"
-
 #include "Platform/Processes/CommandRunner.h"
 #include "Reports/ReportRecords.h"
+#include "Reports/UninstallTOMLFormatter.h"
 #include "Support/OtherReaders.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"

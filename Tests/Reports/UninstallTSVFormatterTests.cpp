@@ -1,6 +1,5 @@
-#include "Reports/UninstallTSVFormatter.h"
-
 #include "Reports/ReportRecords.h"
+#include "Reports/UninstallTSVFormatter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
-#include "Uninstall/AppUninstallPlanner.h"
-
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
+#include "Uninstall/AppUninstallPlanner.h"
 #include "Uninstall/UninstallWorld.h"
 
 #include <gmock/gmock.h>
@@ -58,8 +57,8 @@ TEST_F(UninstallPlan, OfEverythingLeavesDaemonsReceiptsDotfilesAndTheCopyOnTheDr
     const auto made = plan();
     EXPECT_EQ(made.candidates.size(), 7U);
     EXPECT_EQ(made.selectedBytes, bytesOf(made, {world.app.bundlePath, systemData, cache}));
-    EXPECT_EQ(made.totalBytes, bytesOf(made, {world.app.bundlePath, systemData, cache, copy, daemon,
-                                              world.home / ".acmeeditrc"}));
+    EXPECT_EQ(made.totalBytes,
+              bytesOf(made, {world.app.bundlePath, systemData, cache, copy, daemon, world.home / ".acmeeditrc"}));
     UninstallSelection withCopy = UninstallSelection::everything;
     withCopy.includeExternalTarget = true;
     EXPECT_EQ(plan(withCopy).selectedBytes, bytesOf(made, {world.app.bundlePath, systemData, cache, copy}));

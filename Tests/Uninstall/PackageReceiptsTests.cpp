@@ -1,5 +1,4 @@
 #include "Uninstall/PackageReceipts.h"
-
 #include "Uninstall/UninstallWorld.h"
 
 #include <gmock/gmock.h>
@@ -34,7 +33,8 @@ TEST_F(Receipts, AreNoneWhereTheToolFailsOrIsNotThere) {
 }
 
 TEST_F(Receipts, AreOnlyWhatCanBeIdentifiers) {
-    world.answerOfPkgutil("../../etc\\n/etc/passwd\\n..\\n.\\nError: no such thing\\ncom.acme\\teditor\\n\\001\\nok\\n");
+    world.answerOfPkgutil(
+        "../../etc\\n/etc/passwd\\n..\\n.\\nError: no such thing\\ncom.acme\\teditor\\n\\001\\nok\\n");
     EXPECT_THAT(named(), ElementsAre("ok"));
     world.answerOfPkgutil("ok\\n\\377\\376\\n");
     EXPECT_THAT(named(), IsEmpty()) << "what is no text is no answer";
@@ -53,8 +53,7 @@ TEST_F(Receipts, StayFewWhenTheToolPrintsWithoutEnd) {
 
 TEST_F(Receipts, AreAskedForWithAPatternThatFitsNothingElse) {
     EXPECT_EQ(PackageReceipts::patternOf("com.acme-2_x"), "com\\.acme-2_x");
-    EXPECT_EQ(PackageReceipts::patternOf("a.b[c]\\(d)*e+f?{1}|^$"),
-              "a\\.b\\[c]\\\\\\(d\\)\\*e\\+f\\?\\{1}\\|\\^\\$");
+    EXPECT_EQ(PackageReceipts::patternOf("a.b[c]\\(d)*e+f?{1}|^$"), "a\\.b\\[c]\\\\\\(d\\)\\*e\\+f\\?\\{1}\\|\\^\\$");
     world.answerOfPkgutil("");
     PackageReceipts::named(world.host, "a b'c;$(touch x)`");
     EXPECT_EQ(world.askedOfPkgutil(), "--pkgs=a b'c;\\$\\(touch x\\)`\n");

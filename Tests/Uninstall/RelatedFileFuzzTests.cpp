@@ -26,9 +26,9 @@ constexpr int listRounds = 300;
 class RelatedFileFuzz : public testing::Test {
 protected:
     RelatedFileFuzz() {
-        for (const char* place : {"Application Support", "Caches", "Logs", "Preferences", "Preferences/ByHost",
-                                  "Containers", "Group Containers", "HTTPStorages", "WebKit",
-                                  "Saved Application State", "LaunchAgents"})
+        for (const char* place :
+             {"Application Support", "Caches", "Logs", "Preferences", "Preferences/ByHost", "Containers",
+              "Group Containers", "HTTPStorages", "WebKit", "Saved Application State", "LaunchAgents"})
             fill(world.library / place);
         for (const char* place :
              {"LaunchDaemons", "LaunchAgents", "Application Support", "PrivilegedHelperTools", "Caches"})
@@ -52,8 +52,7 @@ protected:
     /// Looks at all that is offered for the application.
     void check(const AppRecord& app, const std::string& round) {
         ++m_tried;
-        for (const auto& candidate :
-             RelatedFileScanner::onDisk(world.host, app, RelatedFileScanner::Sizes::leftOut)) {
+        for (const auto& candidate : RelatedFileScanner::onDisk(world.host, app, RelatedFileScanner::Sizes::leftOut)) {
             const fs::path& path = candidate.path;
             if (path == app.bundlePath) continue;
             ++m_offered;
@@ -87,11 +86,42 @@ private:
 };
 
 TEST_F(RelatedFileFuzz, NamesOfEveryKindLeadToNothingElse) {
-    const std::vector<std::string> pieces = {"Editor", "com.acme.editor", "editor", "com.acme", ".", "..", "/", "../",
-                                             "../Documents", "../../", "Documents", "\n", "\r", "\t", "\0"s, "*", "?",
-                                             "[a-z]", "~", "$HOME", "`id`", "\\", "%2e%2e", "ssh", "config", "Trash",
-                                             std::string(255, 'a'), std::string(5000, 'b'), "\xFF\xFE", "\u2028", " ",
-                                             "ByHost", "Keychains", ".plist", "login.keychain-db", "zsh"};
+    const std::vector<std::string> pieces = {"Editor",
+                                             "com.acme.editor",
+                                             "editor",
+                                             "com.acme",
+                                             ".",
+                                             "..",
+                                             "/",
+                                             "../",
+                                             "../Documents",
+                                             "../../",
+                                             "Documents",
+                                             "\n",
+                                             "\r",
+                                             "\t",
+                                             "\0"s,
+                                             "*",
+                                             "?",
+                                             "[a-z]",
+                                             "~",
+                                             "$HOME",
+                                             "`id`",
+                                             "\\",
+                                             "%2e%2e",
+                                             "ssh",
+                                             "config",
+                                             "Trash",
+                                             std::string(255, 'a'),
+                                             std::string(5000, 'b'),
+                                             "\xFF\xFE",
+                                             "\u2028",
+                                             " ",
+                                             "ByHost",
+                                             "Keychains",
+                                             ".plist",
+                                             "login.keychain-db",
+                                             "zsh"};
     std::mt19937 random(47);
     const auto name = [&] {
         std::string made;

@@ -1,10 +1,9 @@
-#include "Uninstall/RelatedFileScanner.h"
-
 #include "Platform/Files/Files.h"
 #include "Platform/Storage/SizingService.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 #include "Uninstall/AppFootprintCalculator.h"
+#include "Uninstall/RelatedFileScanner.h"
 #include "Uninstall/UninstallWorld.h"
 
 #include <gmock/gmock.h>
@@ -47,16 +46,31 @@ protected:
 };
 
 TEST_F(RelatedFileScan, FindsAThingInEveryPlaceInOrder) {
-    make({"Library/Application Support/Editor/data", "Library/Application Support/com.acme.editor/data",
-          "Library/Caches/Editor/data", "Library/Caches/com.acme.editor/data", "Library/Logs/Editor/log",
-          "Library/Logs/com.acme.editor/log", "Library/Preferences/com.acme.editor.plist",
-          "Library/Preferences/ByHost/com.acme.editor.0000.plist", "Library/Containers/com.acme.editor/data",
-          "Library/Group Containers/com.acme.editor/data", "Library/HTTPStorages/com.acme.editor/data",
-          "Library/WebKit/com.acme.editor/data", "Library/Saved Application State/Editor.savedState/data",
-          "Library/LaunchAgents/com.acme.editor.plist", ".acmeedit/data", ".acmeedit.json", ".acmeedit.json.backup",
-          ".acmeeditrc", ".acmeedit.log", "Library/Caches/acmeedit-cli-nodejs/data", "Library/Caches/acmeedit-cli/data",
-          "Library/Caches/acmeedit-nodejs/data", "/Library/LaunchDaemons/com.acme.editor.plist",
-          "/Library/LaunchAgents/com.acme.editor.plist", "/Library/Application Support/com.acme.editor/data",
+    make({"Library/Application Support/Editor/data",
+          "Library/Application Support/com.acme.editor/data",
+          "Library/Caches/Editor/data",
+          "Library/Caches/com.acme.editor/data",
+          "Library/Logs/Editor/log",
+          "Library/Logs/com.acme.editor/log",
+          "Library/Preferences/com.acme.editor.plist",
+          "Library/Preferences/ByHost/com.acme.editor.0000.plist",
+          "Library/Containers/com.acme.editor/data",
+          "Library/Group Containers/com.acme.editor/data",
+          "Library/HTTPStorages/com.acme.editor/data",
+          "Library/WebKit/com.acme.editor/data",
+          "Library/Saved Application State/Editor.savedState/data",
+          "Library/LaunchAgents/com.acme.editor.plist",
+          ".acmeedit/data",
+          ".acmeedit.json",
+          ".acmeedit.json.backup",
+          ".acmeeditrc",
+          ".acmeedit.log",
+          "Library/Caches/acmeedit-cli-nodejs/data",
+          "Library/Caches/acmeedit-cli/data",
+          "Library/Caches/acmeedit-nodejs/data",
+          "/Library/LaunchDaemons/com.acme.editor.plist",
+          "/Library/LaunchAgents/com.acme.editor.plist",
+          "/Library/Application Support/com.acme.editor/data",
           "/Library/PrivilegedHelperTools/com.acme.editor"});
     world.answerOfPkgutil("com.acme.editor\\n");
     EXPECT_THAT(
@@ -298,8 +312,8 @@ TEST_F(RelatedFileScan, EndsWhenItIsCancelledThoughTheToolHangs) {
     cancellation.cancel();
     scan.join();
     EXPECT_EQ(all.size(), 1U) << "what it had found stays";
-    EXPECT_TRUE(RelatedFileScanner::scan(world.host, world.app, RelatedFileScanner::Sizes::measured, cancellation)
-                    .empty());
+    EXPECT_TRUE(
+        RelatedFileScanner::scan(world.host, world.app, RelatedFileScanner::Sizes::measured, cancellation).empty());
 }
 
 TEST_F(RelatedFileScan, WithoutReceiptsAsksNoToolAndIsTheFootprint) {

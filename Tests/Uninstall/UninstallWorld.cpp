@@ -45,12 +45,11 @@ UninstallCandidate UninstallWorld::candidateAt(const fs::path& path) const {
 std::vector<std::string> linesOf(const std::vector<UninstallCandidate>& candidates, const fs::path& root) {
     std::vector<std::string> lines;
     for (const UninstallCandidate& candidate : candidates) {
-        const std::string path = Files::isAtOrBelow(candidate.path, root) ? candidate.path.lexically_relative(root)
-                                                                          : candidate.path;
-        lines.push_back(fmt::format("{} {} {}: {}{}{}{}", textOf(candidate.category), textOf(candidate.confidence), path,
-                                    candidate.reason, candidate.defaultSelected ? "; selected" : "",
-                                    candidate.isPrivileged ? "; privileged" : "",
-                                    candidate.isSymlink ? "; link" : ""));
+        const std::string path =
+            Files::isAtOrBelow(candidate.path, root) ? candidate.path.lexically_relative(root) : candidate.path;
+        lines.push_back(fmt::format("{} {} {}: {}{}{}{}", textOf(candidate.category), textOf(candidate.confidence),
+                                    path, candidate.reason, candidate.defaultSelected ? "; selected" : "",
+                                    candidate.isPrivileged ? "; privileged" : "", candidate.isSymlink ? "; link" : ""));
     }
     return lines;
 }

@@ -1,5 +1,4 @@
 #include "Installers/Sessions/InstallerSession.h"
-
 #include "Platform/Text/Json.h"
 
 #include <gtest/gtest.h>
@@ -63,8 +62,7 @@ TEST(InstallerSessionRecord, OfAnEarlierVersionIsDone) {
 
 TEST(InstallerSessionRecord, NeedsEveryOtherKeyAndAStatusThatIsKnown) {
     const auto json = *Json::parsed(fullText);
-    for (const char* key :
-         {"id", "sourcePath", "optionID", "createdAt", "actions", "changedPaths", "newReceipts"}) {
+    for (const char* key : {"id", "sourcePath", "optionID", "createdAt", "actions", "changedPaths", "newReceipts"}) {
         auto broken = json;
         broken.erase(key);
         EXPECT_EQ(Json::parsedAs<InstallerSession>(broken.dump()), std::nullopt) << key;
@@ -99,9 +97,9 @@ TEST(InstallerSessionRecord, CanStandInASet) {
 }
 
 TEST(InstallerSessionStatuses, HaveTheirTexts) {
-    for (const auto& [status, text] : {std::pair(InstallerSessionStatus::pendingExternalize, "pendingExternalize"),
-                                       std::pair(InstallerSessionStatus::done, "done"),
-                                       std::pair(InstallerSessionStatus::failed, "failed")}) {
+    for (const auto& [status, text] :
+         {std::pair(InstallerSessionStatus::pendingExternalize, "pendingExternalize"),
+          std::pair(InstallerSessionStatus::done, "done"), std::pair(InstallerSessionStatus::failed, "failed")}) {
         EXPECT_EQ(textOf(status), text);
         EXPECT_EQ(installerSessionStatusOf(text), status);
     }
