@@ -19,8 +19,8 @@ Pattern::~Pattern() {
 bool Pattern::fits(const std::string& identifier) const {
     // Of all matches POSIX gives the leftmost, and of those the longest: the whole, if the whole fits.
     regmatch_t match{};
-    return m_complaint.empty() && ::regexec(&m_expression, identifier.c_str(), 1, &match, 0) == 0 &&
-           match.rm_so == 0 && match.rm_eo == static_cast<regoff_t>(identifier.size());
+    return m_complaint.empty() && ::regexec(&m_expression, identifier.c_str(), 1, &match, 0) == 0 && match.rm_so == 0 &&
+           match.rm_eo == static_cast<regoff_t>(identifier.size());
 }
 
 }  // namespace tarvik::pkgutil
