@@ -17,13 +17,13 @@ using std::chrono::microseconds;
 using std::chrono::system_clock;
 
 constexpr std::string_view firstLine = "tarvik-uninstall-journal\t1\n";
-/// No field of that kind: a path or a name is never a lone dash here, see `written`.
 constexpr std::string_view nothing = "-";
 constexpr int lastItemType = static_cast<int>(Files::ItemType::unknown);
 
-std::string escaped(std::string_view text) {
-    std::string result;
-    result.reserve(text.size());
+/// What is there has a mark before it, which tells it from nothing.
+std::string marked(std::string_view text) {
+    std::string result(1, '=');
+    result.reserve(text.size() + 1);
     for (const char letter : text) {
         switch (letter) {
             case '\\':
@@ -70,11 +70,9 @@ std::string unescaped(std::string_view text) {
     return result;
 }
 
-/// What is there has a mark before it, which tells it from nothing.
 template <typename Text>
 std::string written(const std::optional<Text>& text) {
-    if (!text) return std::string(nothing);
-    return std::string(1, '=').append(escaped(fs::path(*text).native()));
+    return text ? marked(fs::path(*text).native()) : std::string(nothing);
 }
 
 template <typename Text>

@@ -30,7 +30,7 @@ bool isDirectlyIn(const fs::path& path, const fs::path& library, const auto& fol
 }
 
 bool isHiddenInHome(const Host& host, const fs::path& path) {
-    const std::string name = path.filename();
+    const std::string name = path.filename().native();
     return path.parent_path() == host.home && name.starts_with('.') && name != ".Trash" && name != ".TarvikTrash";
 }
 
