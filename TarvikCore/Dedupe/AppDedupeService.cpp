@@ -183,15 +183,14 @@ AppDedupePlan plan(const Host& host, const std::vector<fs::path>& applicationRoo
 
     AppDedupePlan plan;
     for (auto& [identifier, items] : byIdentifier) {
-        if (items.size() < 2) continue;
         AppDedupeGroup group = groupOf(host, std::move(items));
         if (group.remove.empty()) continue;
         measure(host, group, cancellation);
         plan.groups.push_back(std::move(group));
     }
-    std::stable_sort(plan.groups.begin(), plan.groups.end(), [](const AppDedupeGroup& left, const AppDedupeGroup& right) {
-        return left.displayName < right.displayName;
-    });
+    std::stable_sort(
+        plan.groups.begin(), plan.groups.end(),
+        [](const AppDedupeGroup& left, const AppDedupeGroup& right) { return left.displayName < right.displayName; });
     plan.scannedAt = host.now();
     return plan;
 }
