@@ -28,7 +28,7 @@ constexpr std::string_view questions =
     "only look.";
 
 /// What a reader wants to know of a verb beyond its help.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks = {{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 10> remarks = {{
     {"apps", "Without a NAME, the list is sorted by size, the largest first."},
     {"launchers",
      "A launcher is a small application that bears the name and icon of one on the drive and opens it. One whose "
@@ -55,6 +55,10 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks =
      "links of data are led to the copy that was found, and tracked files that are missing are forgotten. Everything "
      "else is named by its PATH, and a finding with two repairs (reverted) needs --strategy too: reclaimReverted or "
      "reSymlinkReverted. What has changed since the check is left alone."},
+    {"dedupe",
+     "Applications are compared by their bundle identifiers, in /Applications and the user's own Applications folder. "
+     "Only a launcher ever goes, and only when a real application on the internal disk stays; a launcher that opens "
+     "another application stays too."},
     {"completion",
      "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "

@@ -31,11 +31,12 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 5> valued = 
 constexpr const char* several = "...";
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 6> owned = {
+constexpr std::array<std::pair<std::string_view, std::string_view>, 7> owned = {
     {{"--drive", "move app, move folder and backup"},
      {"--dry-run", "move app alone"},
      {"--no-data", "move app alone"},
      {"--quit-running", "move app alone"},
+     {"--remove", "dedupe alone"},
      {"--repair", "launchers alone"},
      {"--strategy", "health repair alone"}}};
 
@@ -149,6 +150,9 @@ public:
         m_healthRepair->add_option("PATH", m_path, "The place of a finding")->type_name(several);
         addOption(*m_healthRepair, "--strategy", m_options.strategy,
                   "How, where there are several ways: the name of a repair");
+        addVerb(m_app, "dedupe", "Find launchers that stand beside the real application that they open")
+            ->add_flag("--remove", m_options.removes, "Move them to the Trash")
+            ->disable_flag_override();
         m_completion = addVerb(m_app, Verbs::completion, "Print a script that completes the command in a shell");
         m_completion
             ->add_option("SHELL", m_shell, fmt::format("One of: {}", fmt::join(CompletionScripts::shells, ", ")))
@@ -250,7 +254,7 @@ private:
         }
         for (auto word = arguments.begin(); word != end; ++word)
             for (const std::string flag :
-                 {"--yes", "--help", "--version", "--dry-run", "--no-data", "--quit-running", "--repair"})
+                 {"--yes", "--help", "--version", "--dry-run", "--no-data", "--quit-running", "--remove", "--repair"})
                 if (word->starts_with(flag + "=")) throw wrong(fmt::format("{} takes no value.", flag));
         throw wrong("These options do not go together.");
     }

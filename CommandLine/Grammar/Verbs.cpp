@@ -7,7 +7,7 @@ namespace tarvik::CommandLine {
 
 namespace {
 
-constexpr std::array<Verbs::Entry, 12> allVerbs = {{
+constexpr std::array<Verbs::Entry, 13> allVerbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
@@ -19,6 +19,7 @@ constexpr std::array<Verbs::Entry, 12> allVerbs = {{
     {Verb::backupList, "backup list", "tarvik backup list --drive DRIVE"},
     {Verb::health, "health", "tarvik health"},
     {Verb::healthRepair, "health repair", "tarvik health repair [PATH...] [--strategy STRATEGY]"},
+    {Verb::dedupe, "dedupe", "tarvik dedupe [--remove]"},
     {std::nullopt, Verbs::completion, "tarvik completion SHELL"},
 }};
 

@@ -18,7 +18,8 @@ enum class Verb {
     backupCreate,
     backupList,
     health,
-    healthRepair
+    healthRepair,
+    dedupe
 };
 
 /// Each verb by its words, and how it is written. Pure; safe on every thread.

@@ -417,7 +417,7 @@ TEST_F(AppDedupeServiceTest, BeginsWithNothingAnyMoreWhenItIsCancelled) {
     cancelled.cancel();
     const auto moved = AppDedupeService::run(world.host, plan(), false, cancelled).movedItems;
     ASSERT_EQ(moved.size(), 1U);
-    EXPECT_EQ(moved[0].error, launcher.native() + " was not begun with.");
+    EXPECT_EQ(moved[0].error, launcher.native() + " stays: the run was stopped before.");
     EXPECT_TRUE(fs::exists(launcher));
 }
 

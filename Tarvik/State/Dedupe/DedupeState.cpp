@@ -37,6 +37,11 @@ QString DedupeState::nothingFound() const {
 }
 
 void DedupeState::refreshDedupe() {
+    if (!m_isRunning) setFailures({});
+    beginScan();
+}
+
+void DedupeState::beginScan() {
     if (m_isScanning || app().isClosing()) return;
     setScanning(true);
     follow(scan());

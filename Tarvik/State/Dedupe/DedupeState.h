@@ -54,15 +54,16 @@ public:
     QString purpose() const;
     QString nothingFound() const;
 
-    /// Looks for duplicates anew, unless that is under way; the last plan stays until the new one is there.
+    /// Looks for duplicates anew, unless that is under way; the last plan stays until the new one is there. What the
+    /// last run has failed at is forgotten.
     Q_INVOKABLE void refreshDedupe();
     /// Moves what the plan names to the Trash and tells how that went, unless it is under way. Asks nothing: what is in
     /// the Trash can be put back.
     Q_INVOKABLE void runDedupe();
 
-    void refresh() override { refreshDedupe(); }
+    void refresh() override { beginScan(); }
     /// A move may have brought an application or a launcher, or taken one.
-    void linksChanged() override { refreshDedupe(); }
+    void linksChanged() override { beginScan(); }
     void stop() override { m_stopScanning.cancel(); }
 
 signals:
@@ -72,6 +73,7 @@ signals:
     void failuresChanged();
 
 private:
+    void beginScan();
     QCoro::Task<> scan();
     QCoro::Task<> removeDuplicates(AppDedupePlan plan);
     void take(AppDedupePlan plan);

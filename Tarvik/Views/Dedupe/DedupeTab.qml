@@ -33,10 +33,19 @@ Item {
             iconName: "dedupe"
             title: "Scan to find duplicate launcher apps."
         }
+        DedupeSummary {
+            id: summary
+            x: Theme.margin
+            width: parent.width - 2 * Theme.margin
+            visible: DedupeState.hasPlan
+        }
         RowList {
             id: list
             objectName: "dedupeList"
-            anchors.fill: parent
+            anchors.top: summary.bottom
+            anchors.topMargin: Theme.medium
+            anchors.bottom: parent.bottom
+            width: parent.width
             visible: DedupeState.hasPlan
             leftMargin: Theme.margin
             rightMargin: Theme.margin
@@ -48,10 +57,9 @@ Item {
             model: DedupeState.groups
             header: Column {
                 width: list.contentWidth
-                spacing: Theme.large
-                bottomPadding: Theme.large
+                spacing: Theme.small
+                bottomPadding: DedupeState.failures.length > 0 ? Theme.medium : 0
 
-                DedupeSummary { width: parent.width }
                 Repeater {
                     model: DedupeState.failures
                     Notice {
@@ -73,7 +81,7 @@ Item {
                 }
             }
             delegate: DedupeGroupCard { width: list.contentWidth }
-            // Above the first one are the figures.
+            // Above the first one stands what has failed.
             onCurrentIndexChanged: if (showsFocus && currentIndex === 0) positionViewAtBeginning()
         }
     }
