@@ -3,6 +3,7 @@
 #include "CommandLine/AppActs.h"
 #include "CommandLine/AppMoveActs.h"
 #include "CommandLine/BackupActs.h"
+#include "CommandLine/DedupeActs.h"
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FolderActs.h"
 #include "CommandLine/HealthActs.h"
@@ -61,6 +62,8 @@ void perform(const Host& host, const Options& options) {
             return UninstallActs::list(host, options);
         case Verb::uninstallUndo:
             return UninstallActs::undo(host, options);
+        case Verb::dedupe:
+            return options.removes ? DedupeActs::remove(host, options) : DedupeActs::list(host, options.format);
     }
 }
 

@@ -5,6 +5,7 @@
 #include "Practice/Bundle.h"
 #include "Practice/Dice.h"
 #include "Practice/DriftedItems.h"
+#include "Practice/Duplicates.h"
 #include "Practice/Records.h"
 #include "Practice/SpecialApps.h"
 #include "Practice/TreeWriter.h"
@@ -196,6 +197,7 @@ Machine build(const fs::path& folder, const Options& options) {
         Records records;
         addSpecialApps(writer, machine, records);
         addUninstallSamples(writer, machine);
+        addDuplicates(writer, machine);
         if (options.broken) addDriftedItems(writer, machine, records);
         records.write(writer, machine);
     }

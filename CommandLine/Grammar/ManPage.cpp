@@ -28,7 +28,7 @@ constexpr std::string_view questions =
     "only look.";
 
 /// What a reader wants to know of a verb beyond its help.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 12> remarks = {{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 13> remarks = {{
     {"apps", "Without a NAME, the list is sorted by size, the largest first."},
     {"launchers",
      "A launcher is a small application that bears the name and icon of one on the drive and opens it. One whose "
@@ -66,6 +66,10 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 12> remarks 
     {"uninstall undo",
      "Nothing that stands at an old place is replaced: what cannot come back is told, with the reason, and stays where "
      "it is. Receipts do not come back."},
+    {"dedupe",
+     "Applications are compared by their bundle identifiers, in /Applications and the user's own Applications folder. "
+     "Only a launcher ever goes, and only when a real application on the internal disk stays; a launcher that opens "
+     "another application stays too."},
     {"completion",
      "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "

@@ -35,12 +35,13 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 6> valued = 
 constexpr const char* several = "...";
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 8> owned = {
+constexpr std::array<std::pair<std::string_view, std::string_view>, 9> owned = {
     {{"--drive", "move app, move folder and backup"},
      {"--dry-run", "move app and uninstall"},
      {"--no-data", "move app alone"},
      {"--only-app", "uninstall alone"},
      {"--quit-running", "move app and uninstall"},
+     {"--remove", "dedupe alone"},
      {"--repair", "launchers alone"},
      {"--strategy", "health repair alone"},
      {"--with", "uninstall alone"}}};
@@ -156,6 +157,9 @@ public:
         addOption(*m_healthRepair, "--strategy", m_options.strategy,
                   "How, where there are several ways: the name of a repair");
         addUninstall();
+        addVerb(m_app, "dedupe", "Find launchers that stand beside the real application that they open")
+            ->add_flag("--remove", m_options.removes, "Move them to the Trash")
+            ->disable_flag_override();
         m_completion = addVerb(m_app, Verbs::completion, "Print a script that completes the command in a shell");
         m_completion
             ->add_option("SHELL", m_shell, fmt::format("One of: {}", fmt::join(CompletionScripts::shells, ", ")))
@@ -312,8 +316,8 @@ private:
         }
         for (const auto& [name, value] : valued) refuseMissingValue(name, arguments);
         for (auto word = arguments.begin(); word != end; ++word)
-            for (const std::string flag :
-                 {"--yes", "--help", "--version", "--dry-run", "--no-data", "--only-app", "--quit-running", "--repair"})
+            for (const std::string flag : {"--yes", "--help", "--version", "--dry-run", "--no-data", "--only-app",
+                                           "--quit-running", "--remove", "--repair"})
                 if (word->starts_with(flag + "=")) throw wrong(fmt::format("{} takes no value.", flag));
         throw wrong("These options do not go together.");
     }

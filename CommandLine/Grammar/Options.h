@@ -40,6 +40,8 @@ struct Options {
     bool isDryRun = false;
     /// Mends what is wrong instead of only telling it.
     bool repairs = false;
+    /// Takes away what was found instead of only telling it.
+    bool removes = false;
     /// How a finding shall be repaired, as it was written; empty when that was left open.
     std::string strategy;
     /// Of an application only the bundle goes.

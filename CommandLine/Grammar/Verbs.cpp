@@ -7,7 +7,7 @@ namespace tarvik::CommandLine {
 
 namespace {
 
-constexpr std::array<Verbs::Entry, 16> allVerbs = {{
+constexpr std::array<Verbs::Entry, 17> allVerbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
@@ -25,6 +25,7 @@ constexpr std::array<Verbs::Entry, 16> allVerbs = {{
     {Verb::uninstallApps, "uninstall apps", "tarvik uninstall apps [NAME]"},
     {Verb::uninstallList, "uninstall list", "tarvik uninstall list [ID]"},
     {Verb::uninstallUndo, "uninstall undo", "tarvik uninstall undo ID"},
+    {Verb::dedupe, "dedupe", "tarvik dedupe [--remove]"},
     {std::nullopt, Verbs::completion, "tarvik completion SHELL"},
 }};
 

@@ -22,7 +22,8 @@ enum class Verb {
     uninstall,
     uninstallApps,
     uninstallList,
-    uninstallUndo
+    uninstallUndo,
+    dedupe
 };
 
 /// Each verb by its words, and how it is written. Pure; safe on every thread.

@@ -1,6 +1,7 @@
 #include "State/Shared/Tabs.h"
 
 #include "State/Apps/AppsState.h"
+#include "State/Dedupe/DedupeState.h"
 #include "State/Folders/FoldersState.h"
 #include "State/Health/HealthState.h"
 #include "State/Symlinks/SymlinksState.h"
@@ -14,6 +15,7 @@ std::vector<std::unique_ptr<TabState>> all(AppState& app) {
     tabs.push_back(std::make_unique<FoldersState>(app));
     tabs.push_back(std::make_unique<SymlinksState>(app));
     tabs.push_back(std::make_unique<HealthState>(app));
+    tabs.push_back(std::make_unique<DedupeState>(app));
     return tabs;
 }
 

@@ -1,6 +1,6 @@
-// Every changing system call of an uninstall and of its way back is made to fail, and the program is killed at every one
-// of them. Whatever happens, each thing is whole at its place, in the Trash or set aside, and the past uninstalls know
-// where: putting them back brings everything to its place.
+// Every changing system call of an uninstall and of its way back is made to fail, and the program is killed at every
+// one of them. Whatever happens, each thing is whole at its place, in the Trash or set aside, and the past uninstalls
+// know where: putting them back brings everything to its place.
 #include "Faults/FaultPoints.h"
 #include "Faults/FaultTrees.h"
 #include "Platform/Files/Files.h"
@@ -58,8 +58,8 @@ public:
     CommandResult run(const Fault& fault) const {
         prepare();
         return runProgram(m_act, {"-e", "trace=" + fault.call, "-e",
-                                  "inject=" + fault.call + ":" + fault.effect + ":when=" +
-                                      std::to_string(fault.ordinal) + (fault.isForGood ? "+" : "")});
+                                  "inject=" + fault.call + ":" + fault.effect +
+                                      ":when=" + std::to_string(fault.ordinal) + (fault.isForGood ? "+" : "")});
     }
     bool hasStruck() const {
         std::istringstream log(contentOf(folder / "log"));

@@ -2,6 +2,7 @@
 
 #include "Platform/Machine/VolumeList.h"
 #include "State/Apps/AppsState.h"
+#include "State/Dedupe/DedupeState.h"
 #include "State/Folders/FoldersState.h"
 #include "State/Health/HealthState.h"
 #include "State/ScriptedDialogs.h"
@@ -69,6 +70,7 @@ protected:
     FoldersState& foldersTab() const { return state->tab<FoldersState>(); }
     SymlinksState& symlinksTab() const { return state->tab<SymlinksState>(); }
     HealthState& healthTab() const { return state->tab<HealthState>(); }
+    DedupeState& dedupeTab() const { return state->tab<DedupeState>(); }
     JobStatus statusOf(std::size_t job) const { return state->jobs().at(job).job.status; }
 
     World world;

@@ -40,6 +40,11 @@ namespace tarvik::test {
 /// - source card: sourceCard, sourceDropArea, sourceTitle, sourceName, sourcePath, sourceSize, sourceSpinner,
 ///   clearSourceButton, sourceProblem, sourceLink, chooseButton, sourceHint, moveButton, sourceMoveBackButton
 /// - quick picks: quickPicksTitle, quickPickList, quickPick-LABEL (each: quickPickSize), noQuickPicks
+/// - Dedupe tab: dedupeTab, dedupeHeading, dedupeText, dedupeScanButton, rescanningDuplicates, scanningDuplicates,
+///   duplicatesNeverScanned, dedupeList, dedupeSummary, groupsTile, removeTile, spaceTile (each: tileValue, tileTitle),
+///   removeDuplicatesButton, dedupeSpinner, dedupeFailure-INDEX, noDuplicates
+/// - a group of duplicates, dedupeGroup-NAME: dedupeName, dedupeCount, dedupeKeep, dedupeRemove-INDEX (the last two:
+///   dedupeVerb, dedupePath, dedupeSize, dedupeTarget)
 /// - jobs panel: jobsPanel, jobsTitle, jobsSummary, jobsCurrent, timeLeft, jobsBar, foldButton, closeRunButton,
 /// jobList,
 ///   job-LABEL, restoreRow
@@ -51,8 +56,11 @@ namespace tarvik::test {
 /// - above the tab: fullDiskAccessNotice, appManagementNotice (each: openSettingsButton, sendNoticeAwayButton)
 class WindowUnderTest {
 public:
+    /// Whether the window is there once its first look at the machine has ended, or in the middle of that.
+    enum class FirstLook { hasEnded, isUnderWay };
     /// `hasMenus` says whether its desktop shows menus above windows.
-    explicit WindowUnderTest(const Host& host, QSize size = {1400, 900}, bool hasMenus = false);
+    explicit WindowUnderTest(const Host& host, QSize size = {1400, 900}, bool hasMenus = false,
+                             FirstLook firstLook = FirstLook::hasEnded);
     ~WindowUnderTest();
 
     AppState& state() { return *m_state; }

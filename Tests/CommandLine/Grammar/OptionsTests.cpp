@@ -161,12 +161,12 @@ TEST(Options, SaysWhatIsWrong) {
         sentenceOf({}),
         "What shall be done? Name one of: drives, apps, links, launchers, move app, move folder, move restore, backup "
         "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
-        "completion.");
+        "dedupe, completion.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
               "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
-              "completion.");
+              "dedupe, completion.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
@@ -183,7 +183,7 @@ TEST(Options, SaysWhatIsWrong) {
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
               "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
-              "completion.");
+              "dedupe, completion.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
@@ -223,6 +223,17 @@ TEST(Options, TakesPlacesAndAStrategyForARepair) {
     EXPECT_EQ(options.strategy, "reclaimReverted");
 }
 
+TEST(Options, RemovesDuplicatesOnlyWhenAsked) {
+    EXPECT_EQ(optionsOf({"dedupe"}).verb, Options::Verb::dedupe);
+    EXPECT_FALSE(optionsOf({"dedupe"}).removes);
+    EXPECT_TRUE(optionsOf({"dedupe", "--remove"}).removes);
+    EXPECT_EQ(sentenceOf({"dedupe", "Edit"}), "\"Edit\" is one word too many.");
+    EXPECT_EQ(sentenceOf({"dedupe", "--remove=all"}), "--remove takes no value.");
+    EXPECT_EQ(sentenceOf({"dedupe", "--repair"}), "--repair belongs to launchers alone.");
+    EXPECT_EQ(sentenceOf({"launchers", "--remove"}), "--remove belongs to dedupe alone.");
+    EXPECT_EQ(usageFor({"dedupe", "x"}), "tarvik dedupe [--remove]");
+}
+
 TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
     const std::string app = "tarvik move app NAME... --drive DRIVE [--no-data] [--quit-running] [--dry-run]";
     const std::string folder = "tarvik move folder PATH --drive DRIVE";
@@ -246,7 +257,7 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
         usageFor({}),
         "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       tarvik launchers [--repair]\n       " +
             app + "\n       " + folder + "\n       " + restore + "\n       " + backups + "\n       " + health +
-            "\n       " + uninstalls + "\n       tarvik completion SHELL");
+            "\n       " + uninstalls + "\n       tarvik dedupe [--remove]\n       tarvik completion SHELL");
     EXPECT_EQ(usageFor({"backup"}), backups);
     EXPECT_EQ(usageFor({"health", "x"}), health);
 }
@@ -276,7 +287,7 @@ TEST(Options, GivesTheScriptOfAShellAsText) {
 TEST(Options, DescribesWhatHelpShows) {
     const auto command = describe();
     EXPECT_EQ(command.name, "tarvik");
-    EXPECT_EQ(command.usages.size(), 16U);
+    EXPECT_EQ(command.usages.size(), 17U);
     EXPECT_EQ(command.options.front().names, (Arguments{"-h", "--help"}));
     const auto& move =
         *std::find_if(command.verbs.begin(), command.verbs.end(), [](const auto& verb) { return verb.name == "move"; });
