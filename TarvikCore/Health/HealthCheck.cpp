@@ -17,6 +17,7 @@
 #include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
+#include "Platform/Storage/SeenDrives.h"
 
 #include <algorithm>
 #include <chrono>
@@ -99,8 +100,31 @@ std::set<fs::path> standardizedSet(const Links& links, fs::path ApplicationsRoot
     return paths;
 }
 
+/// Whether the repair of such a finding acts on a copy that may be on a drive.
+bool hasCopyToMend(HealthIssue::Kind kind) {
+    using enum HealthIssue::Kind;
+    switch (kind) {
+        case empty:
+        case corrupted:
+        case reverted:
+        case orphan:
+        case missingTrackedFiles:
+        case unsafePrefsPlist:
+        case sandboxExternalSymlink:
+            return true;
+        case healthy:
+        case dangling:
+        case missingSpotlightLaunchers:
+        case brokenLauncher:
+        case signatureBroken:
+            return false;
+    }
+    return false;
+}
+
 HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
     const HealthSizes sizes(host, options.sizes, options.cancellation);
+    const SeenDrives drives(host);  // A drive that takes another one's place meanwhile was not there yet.
     HealthReport report;
     const auto [links, realAppNames] = ApplicationsRootScan::scan(applicationRoots);
     report.scannedSymlinks = links.size();
@@ -124,6 +148,8 @@ HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& app
         linked.merge(OrphanedBundleDetector::rememberedTargets(host));
         append(issues, OrphanedBundleDetector::detect(report.scannedDrives, linked, realAppNames, sizes));
     }
+    for (HealthIssue& issue : issues)
+        if (hasCopyToMend(issue.kind)) issue.drive = drives.of(issue.copy());
     report.scannedAt = host.now();
     return report;
 }

@@ -11,12 +11,15 @@
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/DriveScanner.h"
+#include "Platform/Storage/SeenDrives.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvik::HealthRecheck {
@@ -138,6 +141,43 @@ bool needsDrive(HealthRepairStrategy strategy) {
     return true;
 }
 
+[[noreturn]] void refuse(int code, std::string sentence) {
+    throw Failure("HealthRepair", code, std::move(sentence));
+}
+
+[[noreturn]] void refuseWithoutDrive(const fs::path& copy) {
+    refuse(ENODEV, fmt::format("The drive of {} is not connected. Nothing was changed.", copy.filename().native()));
+}
+
+[[noreturn]] void refuseChanged(const HealthIssue& issue) {
+    refuse(ESTALE, fmt::format("{} is not what it was when it was checked. Nothing was changed.",
+                               issue.location.filename().native()));
+}
+
+/// The volume that the copy was on when it was checked, if it is there still. Where the system lists none, there is
+/// nothing to hold.
+std::optional<DriveGuard> heldDrive(const Host& host, const HealthIssue& issue) {
+    if (!issue.drive) return std::nullopt;
+    const fs::path copy = issue.copy();
+    const SeenDrive now = SeenDrives(host).of(copy);
+    if (now == *issue.drive) {
+        if (now.mountPath.empty()) return std::nullopt;
+        auto drive = DriveGuard::ofMarked(host, now.mountPath, now.mark);
+        drive.require(copy);
+        return drive;
+    }
+    if (now.mountPath == issue.drive->mountPath)
+        refuse(ESTALE, fmt::format("Another drive is at {} than when {} was checked. Nothing was changed.",
+                                   now.mountPath.native(), copy.filename().native()));
+    const fs::path& before = issue.drive->mountPath;
+    if (!before.empty() && !DriveScanner::isThere(host, before)) refuseWithoutDrive(copy);
+    if (before.empty() || Files::isAtOrBelow(now.mountPath, before))
+        refuse(ESTALE, fmt::format("The drive of {} was not connected when it was checked: check again. Nothing was "
+                                   "changed.",
+                                   copy.filename().native()));
+    refuseChanged(issue);
+}
+
 /// Whether a copy that goes to the Trash is what another link leads to.
 bool isCopyInUse(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
@@ -147,27 +187,21 @@ bool isCopyInUse(const Host& host, const HealthIssue& issue, HealthRepairStrateg
 
 }  // namespace
 
-void require(const Host& machine, const HealthIssue& issue, HealthRepairStrategy strategy) {
+std::optional<DriveGuard> require(const Host& machine, const HealthIssue& issue, HealthRepairStrategy strategy) {
     const Host host = SilentVolumes::noted(machine);
     if (!HealthRepairStrategies::isFor(issue.kind, strategy))
-        throw Failure("HealthRepair", EINVAL,
-                      fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
-                                  issue.location.filename().native()));
+        refuse(EINVAL, fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
+                                   issue.location.filename().native()));
     if (isOnSilentVolume(host, issue))
-        throw Failure("HealthRepair", ETIMEDOUT,
-                      fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
-                                  issue.location.filename().native()));
-    const fs::path& copy = issue.target ? *issue.target : issue.location;
-    if (needsDrive(strategy) && isDriveAway(host, copy))
-        throw Failure("HealthRepair", ENODEV,
-                      fmt::format("The drive of {} is not connected. Nothing was changed.", copy.filename().native()));
-    if (!holds(host, issue, strategy))
-        throw Failure("HealthRepair", ESTALE,
-                      fmt::format("{} is not what it was when it was checked. Nothing was changed.",
-                                  issue.location.filename().native()));
+        refuse(ETIMEDOUT, fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
+                                      issue.location.filename().native()));
+    const fs::path copy = issue.copy();
+    if (needsDrive(strategy) && isDriveAway(host, copy)) refuseWithoutDrive(copy);
+    auto drive = needsDrive(strategy) ? heldDrive(host, issue) : std::nullopt;
+    if (!holds(host, issue, strategy)) refuseChanged(issue);
     if (isCopyInUse(host, issue, strategy))
-        throw Failure("HealthRepair", EBUSY,
-                      fmt::format("Another link leads to {}. Nothing was changed.", issue.target->native()));
+        refuse(EBUSY, fmt::format("Another link leads to {}. Nothing was changed.", issue.target->native()));
+    return drive;
 }
 
 }  // namespace tarvik::HealthRecheck

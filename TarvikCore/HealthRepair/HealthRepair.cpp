@@ -65,6 +65,15 @@ void requireMovable(const Host& host, const fs::path& item) {
         refuse(EPERM, fmt::format("{} must stay where it is. Nothing was changed.", place.native()));
 }
 
+using Drive = std::optional<DriveGuard>;
+
+/// To the Trash, from the drive that was checked: a torn one may have left a folder, or another drive, at its place.
+fs::path trash(const Host& host, const fs::path& item, const Drive& drive) {
+    requireMovable(host, item);
+    if (drive) drive->require(item);
+    return host.trash->moveToTrash(item);
+}
+
 std::string shimSentence(const Host& host, const fs::path& target) {
     const auto removed = LauncherShimCleaner::cleanupShims(host, target);
     if (removed.empty()) return {};
@@ -87,22 +96,21 @@ void forgetMovesTo(const Host& host, const fs::path& copy) {
     }
 }
 
-std::string removeEmpty(const Host& host, const HealthIssue& issue) {
+std::string removeEmpty(const Host& host, const HealthIssue& issue, const Drive& drive) {
     requireMovable(host, *issue.target);
     // A link among applications may lead to anything.
     if (!AppBundleEnumerator::isBundleName(issue.target->filename().native()))
         refuse(EPERM, fmt::format("{} is no application. Nothing was changed.", issue.target->native()));
     ignoringFailure([&] { Files::removeLink(issue.location); });
-    ignoringFailure([&] { host.trash->moveToTrash(*issue.target); });
+    ignoringFailure([&] { trash(host, *issue.target, drive); });
     forgetMovesTo(host, *issue.target);
     return fmt::format("Cleaned up {}. Reinstall the app.", nameOf(issue));
 }
 
-std::string reclaimReverted(const Host& host, const HealthIssue& issue) {
+std::string reclaimReverted(const Host& host, const HealthIssue& issue, const Drive& drive) {
     std::string sentence = fmt::format("Reclaimed stale SSD copy of {}.", nameOf(issue));
     if (!issue.target) return sentence;
-    requireMovable(host, *issue.target);
-    if (!hasGone(*issue.target)) host.trash->moveToTrash(*issue.target);
+    if (!hasGone(*issue.target)) trash(host, *issue.target, drive);
     forgetMovesTo(host, *issue.target);
     return sentence + shimSentence(host, *issue.target);
 }
@@ -130,18 +138,15 @@ std::string whereabouts(const HealthIssue& issue, const std::string& inTrash, bo
                         : fmt::format(" {} stays at {}; the {}", nameOf(issue), issue.location.native(), old);
 }
 
-std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
+std::string reSymlinkReverted(const Host& host, const HealthIssue& issue, const Drive& seen) {
     const fs::path folder = folderOnDrive(host, issue);
     // All that can be told before the copy goes.
     if (const auto reason = MoveRefusal::ofContents(host, issue.location)) refuse(EPERM, *reason);
     if (const auto reason = AppManagement::refusalOf(issue.location)) refuse(EPERM, *reason);
     if (RunningAppsDetector::isRunning(host, issue.location)) throw MoverError::appIsRunning(nameOf(issue));
-    const DriveGuard drive = DriveGuard::ofFolder(folder);
+    const Drive drive = seen ? seen : DriveGuard::ofFolder(folder);
     std::string inTrash;
-    if (issue.target && !hasGone(*issue.target)) {
-        requireMovable(host, *issue.target);
-        inTrash = host.trash->moveToTrash(*issue.target);
-    }
+    if (issue.target && !hasGone(*issue.target)) inTrash = trash(host, *issue.target, drive);
     try {
         MoverEngine::moveAndLink(host, issue.location, folder, false, {}, {}, drive);
     } catch (const Failure& failure) {
@@ -152,9 +157,8 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
     return fmt::format("Re-symlinked {} to SSD.", nameOf(issue));
 }
 
-std::string removeOrphan(const Host& host, const HealthIssue& issue) {
-    requireMovable(host, issue.location);
-    host.trash->moveToTrash(issue.location);
+std::string removeOrphan(const Host& host, const HealthIssue& issue, const Drive& drive) {
+    trash(host, issue.location, drive);
     forgetMovesTo(host, issue.location);
     return fmt::format("Trashed orphan {}.", nameOf(issue)) + shimSentence(host, issue.location);
 }
@@ -208,20 +212,20 @@ std::string repointDangling(const Host& host, const HealthIssue& issue) {
 
 std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using Strategy = HealthRepairStrategy;
-    HealthRecheck::require(host, issue, strategy);
+    const Drive drive = HealthRecheck::require(host, issue, strategy);
     const KeptAwake awake(host, "What has drifted is being repaired");
     switch (strategy) {
         case Strategy::removeDangling:
             Files::removeLink(issue.location);
             return fmt::format("Removed dead symlink {}.", nameOf(issue));
         case Strategy::removeEmpty:
-            return removeEmpty(host, issue);
+            return removeEmpty(host, issue, drive);
         case Strategy::reclaimReverted:
-            return reclaimReverted(host, issue);
+            return reclaimReverted(host, issue, drive);
         case Strategy::reSymlinkReverted:
-            return reSymlinkReverted(host, issue);
+            return reSymlinkReverted(host, issue, drive);
         case Strategy::removeOrphan:
-            return removeOrphan(host, issue);
+            return removeOrphan(host, issue, drive);
         case Strategy::forgetMissingTrackedFiles:
             return forgetMissingTrackedFiles(host, issue);
         case Strategy::repairSpotlightLaunchers:
