@@ -1,9 +1,11 @@
 #include "Health/HealthCheck.h"
 
+#include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/ApplicationsRootScan.h"
 #include "Discovery/ExternalAppsRootsDiscovery.h"
 #include "Health/BrokenLauncherDetector.h"
 #include "Health/DanglingDataLinkDetector.h"
+#include "Health/InboundLinks.h"
 #include "Health/ManifestRevertDetector.h"
 #include "Health/OrphanedBundleDetector.h"
 #include "Health/SSDRevertDetector.h"
@@ -14,7 +16,6 @@
 #include "Health/UnsafePrefsPlistDetector.h"
 #include "Launchers/NestedAppLauncherService.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/SeenDrives.h"
@@ -88,16 +89,22 @@ Links cleanLinks(const Links& links, const Issues& issues) {
     return clean;
 }
 
-/// Whether the links in the folders can be known: where they cannot, nothing is an orphan for sure.
-bool areReadable(const std::vector<fs::path>& applicationRoots) {
-    return std::all_of(applicationRoots.begin(), applicationRoots.end(),
-                       [](const fs::path& root) { return Files::isMissing(root) || ListedFolder::at(root); });
-}
-
 std::set<fs::path> standardizedSet(const Links& links, fs::path ApplicationsRootScan::Link::*end) {
     std::set<fs::path> paths;
     for (const auto& link : links) paths.insert(Files::standardized(link.*end));
     return paths;
+}
+
+/// What nothing leads to. Nothing is an orphan for sure where some of the links cannot be seen.
+Issues orphans(const Host& host, const std::vector<fs::path>& drives, const Links& links,
+               const std::set<std::string>& realAppNames, const HealthSizes& sizes) {
+    const InboundLinks inbound(host);
+    if (inbound.unreadableFolder()) return {};
+    auto linked = standardizedSet(links, &ApplicationsRootScan::Link::target);
+    for (const fs::path& drive : drives)
+        for (const fs::path& bundle : AppBundleEnumerator::bundles(drive, 0))
+            if (inbound.leadTo(bundle)) linked.insert(Files::standardized(bundle));
+    return OrphanedBundleDetector::detect(drives, linked, realAppNames, sizes);
 }
 
 /// Whether the repair of such a finding acts on a copy that may be on a drive.
@@ -143,11 +150,7 @@ HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& app
     append(issues, DanglingDataLinkDetector::detect(host, options.cancellation));
     append(issues, ManifestRevertDetector::detect(host, standardizedSet(links, &ApplicationsRootScan::Link::location),
                                                   reverted.handledSources, sizes));
-    if (areReadable(applicationRoots)) {
-        auto linked = standardizedSet(links, &ApplicationsRootScan::Link::target);
-        linked.merge(OrphanedBundleDetector::rememberedTargets(host));
-        append(issues, OrphanedBundleDetector::detect(report.scannedDrives, linked, realAppNames, sizes));
-    }
+    append(issues, orphans(host, report.scannedDrives, links, realAppNames, sizes));
     for (HealthIssue& issue : issues)
         if (hasCopyToMend(issue.kind)) issue.drive = drives.of(issue.copy());
     report.scannedAt = host.now();

@@ -1,15 +1,12 @@
 #include "HealthRepair/HealthRecheck.h"
 
 #include "Applications/AppClassifier.h"
-#include "Discovery/AppBundleEnumerator.h"
-#include "Discovery/ApplicationsRootScan.h"
-#include "Health/OrphanedBundleDetector.h"
+#include "Health/InboundLinks.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SilentVolumes.h"
-#include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Storage/SeenDrives.h"
@@ -46,32 +43,6 @@ bool isHollow(const fs::path& bundle) {
     return listed && Files::names(programs).empty();
 }
 
-/// Where a user keeps applications: also in folders among them, such as Utilities.
-std::vector<fs::path> foldersOfApplications(const Host& host) {
-    const fs::path applications = SystemFolders::applications(host);
-    std::vector<fs::path> folders = {applications, host.home / "Applications"};
-    for (const std::string& name : Files::names(applications)) {
-        const auto info = Files::info(applications / name);
-        if (info && info->type == Files::ItemType::folder && !AppBundleEnumerator::isBundleName(name))
-            folders.push_back(applications / name);
-    }
-    return folders;
-}
-
-/// Whether an application, or what is remembered as one, leads to the bundle.
-bool isLinked(const Host& host, const fs::path& bundle) {
-    if (OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return true;
-    const auto scan = ApplicationsRootScan::scan(foldersOfApplications(host));
-    return std::any_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
-        return !SilentVolumes::hold(host, link.location) &&
-               Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
-    });
-}
-
-bool isOrphan(const Host& host, const fs::path& bundle) {
-    return isRealItem(bundle) && !isLinked(host, bundle);
-}
-
 /// Whether the drive that a copy of Tarvik's was put on is not mounted. A folder that it has left behind at its path is
 /// on the internal disk, and tells nothing of what the drive holds.
 bool isDriveAway(const Host& host, const fs::path& copy) {
@@ -91,7 +62,7 @@ bool isSameLauncher(const HealthIssue& issue) {
     return target && target == issue.target && Files::isMissing(*target) && !Files::isSymbolicLink(issue.location);
 }
 
-bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+bool holds(const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
     switch (strategy) {
         case removeDangling:
@@ -103,7 +74,7 @@ bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy stra
         case reSymlinkReverted:
             return isRealItem(issue.location) && !AppClassifier::readLauncherTarget(issue.location);
         case removeOrphan:
-            return isOrphan(host, issue.location);
+            return isRealItem(issue.location);
         case repairBrokenLauncher:
             return isSameLauncher(issue);
         case forgetMissingTrackedFiles:
@@ -178,11 +149,20 @@ std::optional<DriveGuard> heldDrive(const Host& host, const HealthIssue& issue) 
     refuseChanged(issue);
 }
 
-/// Whether a copy that goes to the Trash is what another link leads to.
-bool isCopyInUse(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+/// Refuses what would trash a copy that a link leads to, or could lead to.
+void requireUnlinked(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
-    if (strategy != reclaimReverted && strategy != reSymlinkReverted) return false;
-    return issue.target && Files::exists(*issue.target) && isLinked(host, *issue.target);
+    const fs::path copy = issue.copy();
+    const bool isOrphan = strategy == removeOrphan;
+    const bool isStale = (strategy == reclaimReverted || strategy == reSymlinkReverted) && issue.target;
+    if ((!isOrphan && !isStale) || !Files::exists(copy)) return;
+    const InboundLinks inbound(host);
+    if (inbound.leadTo(copy))
+        refuse(EBUSY, fmt::format("{} leads to {}. Nothing was changed.", isOrphan ? "A link" : "Another link",
+                                  copy.native()));
+    if (const auto& folder = inbound.unreadableFolder())
+        refuse(EACCES, fmt::format("{} cannot be read, so a link in it may lead to {}. Nothing was changed.",
+                                   folder->native(), copy.filename().native()));
 }
 
 }  // namespace
@@ -198,9 +178,8 @@ std::optional<DriveGuard> require(const Host& machine, const HealthIssue& issue,
     const fs::path copy = issue.copy();
     if (needsDrive(strategy) && isDriveAway(host, copy)) refuseWithoutDrive(copy);
     auto drive = needsDrive(strategy) ? heldDrive(host, issue) : std::nullopt;
-    if (!holds(host, issue, strategy)) refuseChanged(issue);
-    if (isCopyInUse(host, issue, strategy))
-        refuse(EBUSY, fmt::format("Another link leads to {}. Nothing was changed.", issue.target->native()));
+    if (!holds(issue, strategy)) refuseChanged(issue);
+    requireUnlinked(host, issue, strategy);
     return drive;
 }
 

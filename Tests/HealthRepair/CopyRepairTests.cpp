@@ -4,6 +4,7 @@
 #include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
 #include "Records/InstallsDBWriter.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/TrackingDatabase.h"
 
 namespace tarvik {
@@ -240,7 +241,7 @@ TEST_F(CopyRepairs, TrashNoOrphanThatALinkLeadsToByNow) {
     test::makeBundle(world.appsOnDrive / "Foo.app");
     const auto issue = problem();
     test::makeLink(world.applications / "Foo.app", issue.location);
-    expectStale(issue, removeOrphan);
+    EXPECT_EQ(refusal(issue, removeOrphan), "A link leads to " + issue.location.native() + ". Nothing was changed.");
     fs::remove_all(issue.location);
     expectStale(issue, removeOrphan);
 }
@@ -267,11 +268,44 @@ TEST_F(CopyRepairs, TrashNothingThatALinkElsewhereLeadsTo) {
     test::makeBundle(world.appsOnDrive / "Foo.app");
     const auto issue = problem();
     EXPECT_EQ(issue.kind, Kind::orphan);
-    const fs::path link = world.home / "Applications/Foo.app";
+    const fs::path way = world.folder / "way";
+    test::makeLink(way, world.appsOnDrive);
+    const auto expectKept = [&](const fs::path& link) {
+        SCOPED_TRACE(link);
+        EXPECT_THAT(checked().issues, IsEmpty());
+        EXPECT_EQ(refusal(issue, removeOrphan),
+                  "A link leads to " + issue.location.native() + ". Nothing was changed.");
+        fs::remove(link);
+    };
+    for (const fs::path& root : {world.applications, world.home / "Applications"})
+        for (const char* place : {"Utilities/Foo.app", "More/Utilities/Foo.app", "Utilities/Foo"}) {
+            test::makeLink(root / place, issue.location);
+            expectKept(root / place);
+            test::makeLink(root / place, way / "Foo.app");
+            expectKept(root / place);
+        }
+    const fs::path link = world.home / "Desktop/Foo.app";
     test::makeLink(link, issue.location);
     world.remember(link, issue.location);
-    expectStale(issue, removeOrphan);
-    EXPECT_THAT(checked().issues, IsEmpty());
+    expectKept(link);
+    // So deep no application is looked for, by the check neither.
+    test::makeLink(world.applications / "One/Two/Three/Foo.app", issue.location);
+    EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.");
+}
+
+TEST_F(CopyRepairs, TrashNothingThatALinkMayLeadToThatCannotBeSeen) {
+    const auto reverted = revertedApp();
+    test::makeBundle(world.appsOnDrive / "Orphan.app");
+    const HealthIssue orphan{.kind = Kind::orphan, .location = world.appsOnDrive / "Orphan.app"};
+    const fs::path folder = world.applications / "Private";
+    test::makeFolder(folder);
+    fs::permissions(folder, fs::perms::none);
+    const test::OrdinaryUser user(world.folder.path());
+    EXPECT_THAT(test::kindsAndNames(checked().problems()), testing::ElementsAre("reverted Foo.app"));
+    const std::string reason = folder.native() + " cannot be read, so a link in it may lead to ";
+    EXPECT_EQ(refusal(orphan, removeOrphan), reason + "Orphan.app. Nothing was changed.");
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+        EXPECT_EQ(refusal(reverted, strategy), reason + "Foo.app. Nothing was changed.");
 }
 
 }  // namespace tarvik

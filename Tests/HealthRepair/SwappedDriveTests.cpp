@@ -85,8 +85,8 @@ TEST_F(SwappedDrive, IsToldFromTheFirstByItsFileSystemToo) {
                               .c_str()),
               0);
     test::makeBundle(bundle);
-    EXPECT_EQ(refusal(orphan, removeOrphan), "Another drive is at " + volume.path().native() +
-                                                 " than when Foo.app was checked. Nothing was changed.");
+    EXPECT_EQ(refusal(orphan, removeOrphan),
+              "Another drive is at " + volume.path().native() + " than when Foo.app was checked. Nothing was changed.");
     EXPECT_TRUE(fs::exists(bundle));
 }
 
