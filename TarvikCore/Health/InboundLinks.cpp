@@ -25,7 +25,8 @@ InboundLinks::InboundLinks(const Host& host) {
 
 bool InboundLinks::leadTo(const fs::path& bundle) const {
     if (m_targets.contains(Files::standardized(bundle))) return true;
-    const auto info = Files::info(bundle);
+    // One that is a link itself is on the way of others.
+    const auto info = Files::infoFollowingLinks(bundle);
     return info && m_items.contains({info->device, info->inode});
 }
 
@@ -45,7 +46,8 @@ void InboundLinks::addEntries(const Host& host, const fs::path& path, const List
         const Files::ItemType type = folder.type(index);
         if (type == Files::ItemType::symbolicLink)
             addLink(host, path / folder.name(index));
-        else if (type == Files::ItemType::folder && deeper > 0 && !AppBundleEnumerator::isBundleName(folder.name(index)))
+        else if (type == Files::ItemType::folder && deeper > 0 &&
+                 !AppBundleEnumerator::isBundleName(folder.name(index)))
             addFolder(host, path / folder.name(index), deeper - 1);
     }
 }

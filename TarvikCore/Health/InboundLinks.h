@@ -12,8 +12,8 @@
 namespace tarvik {
 
 /// What leads to bundles on drives, as it is at one moment: the links in /Applications, in the user's Applications and
-/// in folders among those, two deep; and those that moves have left elsewhere. A bundle that none of them leads to is an
-/// orphan, for the check and for the repair that trashes it. Any thread.
+/// in folders among those, two deep; and those that moves have left elsewhere. A bundle that none of them leads to is
+/// an orphan, for the check and for the repair that trashes it. Any thread.
 class InboundLinks {
 public:
     /// Lists those folders and looks where each link leads; blocks, and never fails.

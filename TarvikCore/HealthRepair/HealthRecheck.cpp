@@ -1,6 +1,8 @@
 #include "HealthRepair/HealthRecheck.h"
 
 #include "Applications/AppClassifier.h"
+#include "Applications/LauncherLayout.h"
+#include "Discovery/AppScanner.h"
 #include "Health/InboundLinks.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
@@ -31,16 +33,13 @@ bool isSameLink(const HealthIssue& issue) {
     return *text == *issue.target || path == *issue.target || Files::standardized(path) == *issue.target;
 }
 
-bool isRealItem(const fs::path& path) {
-    return Files::exists(path) && !Files::isSymbolicLink(path);
-}
-
 /// Whether it is certain that the bundle cannot be opened: what may not be looked at could be whole.
 bool isHollow(const fs::path& bundle) {
     const fs::path programs = bundle / "Contents/MacOS";
     if (Files::isMissing(bundle / "Contents/Info.plist") || Files::isMissing(programs)) return true;
-    const auto listed = ListedFolder::at(programs);
-    return listed && Files::names(programs).empty();
+    const auto info = Files::infoFollowingLinks(programs);
+    if (!info) return false;
+    return info->type != Files::ItemType::folder || (ListedFolder::at(programs) && Files::names(programs).empty());
 }
 
 /// Whether the drive that a copy of Tarvik's was put on is not mounted. A folder that it has left behind at its path is
@@ -59,7 +58,7 @@ bool isDriveAway(const Host& host, const fs::path& copy) {
 
 bool isSameLauncher(const HealthIssue& issue) {
     const auto target = AppClassifier::readLauncherTarget(issue.location);
-    return target && target == issue.target && Files::isMissing(*target) && !Files::isSymbolicLink(issue.location);
+    return target && target == issue.target && Files::isMissing(*target);
 }
 
 bool holds(const HealthIssue& issue, HealthRepairStrategy strategy) {
@@ -69,12 +68,13 @@ bool holds(const HealthIssue& issue, HealthRepairStrategy strategy) {
         case repointDangling:
             return isSameLink(issue) && Files::isMissing(issue.location);
         case removeEmpty:
-            return isSameLink(issue) && issue.target && Files::exists(*issue.target) && isHollow(*issue.target);
+            return isSameLink(issue) && (!issue.target || Files::exists(*issue.target)) &&
+                   isHollow(issue.target.value_or(issue.location));
         case reclaimReverted:
         case reSymlinkReverted:
-            return isRealItem(issue.location) && !AppClassifier::readLauncherTarget(issue.location);
+            return Files::exists(issue.location) && !Files::isSymbolicLink(issue.location);
         case removeOrphan:
-            return isRealItem(issue.location);
+            return Files::itemExists(issue.location);
         case repairBrokenLauncher:
             return isSameLauncher(issue);
         case forgetMissingTrackedFiles:
@@ -134,7 +134,7 @@ std::optional<DriveGuard> heldDrive(const Host& host, const HealthIssue& issue) 
     if (now == *issue.drive) {
         if (now.mountPath.empty()) return std::nullopt;
         auto drive = DriveGuard::ofMarked(host, now.mountPath, now.mark);
-        drive.require(copy);
+        drive.require(Files::isSymbolicLink(copy) ? copy.parent_path() : copy);
         return drive;
     }
     if (now.mountPath == issue.drive->mountPath)
@@ -149,13 +149,34 @@ std::optional<DriveGuard> heldDrive(const Host& host, const HealthIssue& issue) 
     refuseChanged(issue);
 }
 
+/// Refuses what takes a launcher for an application that an updater has put there: the copy on the drive may be the
+/// only one of what it stands for.
+void requireNoLauncher(const HealthIssue& issue) {
+    const std::string name = issue.location.filename();
+    if (!Files::itemExists(issue.location / LauncherLayout::targetFile)) return;
+    if (const auto opened = AppScanner::launcherShimTarget(issue.location))
+        refuse(ESTALE, fmt::format("{} is a launcher, which opens {}. Nothing was changed.", name, opened->native()));
+    refuse(EEXIST, fmt::format("{} is a launcher that opens nothing, and {} may be the only copy of its application: "
+                               "move the launcher to the Trash and check again. Nothing was changed.",
+                               name, issue.copy().native()));
+}
+
+/// Refuses to write through a link.
+void requireOwnPlace(const HealthIssue& issue) {
+    if (const auto text = Files::linkText(issue.location))
+        refuse(EEXIST, fmt::format("{} is only a link to a launcher, at {}: remove the link, or reinstall the app. "
+                                   "Nothing was changed.",
+                                   issue.location.filename().native(),
+                                   Files::standardized(issue.location.parent_path() / *text).native()));
+}
+
 /// Refuses what would trash a copy that a link leads to, or could lead to.
 void requireUnlinked(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
     const fs::path copy = issue.copy();
     const bool isOrphan = strategy == removeOrphan;
     const bool isStale = (strategy == reclaimReverted || strategy == reSymlinkReverted) && issue.target;
-    if ((!isOrphan && !isStale) || !Files::exists(copy)) return;
+    if ((!isOrphan && !isStale) || !Files::itemExists(copy)) return;
     const InboundLinks inbound(host);
     if (inbound.leadTo(copy))
         refuse(EBUSY, fmt::format("{} leads to {}. Nothing was changed.", isOrphan ? "A link" : "Another link",
@@ -179,6 +200,8 @@ std::optional<DriveGuard> require(const Host& machine, const HealthIssue& issue,
     if (needsDrive(strategy) && isDriveAway(host, copy)) refuseWithoutDrive(copy);
     auto drive = needsDrive(strategy) ? heldDrive(host, issue) : std::nullopt;
     if (!holds(issue, strategy)) refuseChanged(issue);
+    if (issue.kind == HealthIssue::Kind::reverted) requireNoLauncher(issue);
+    if (issue.kind == HealthIssue::Kind::brokenLauncher) requireOwnPlace(issue);
     requireUnlinked(host, issue, strategy);
     return drive;
 }

@@ -69,8 +69,7 @@ using Drive = std::optional<DriveGuard>;
 
 /// To the Trash, from the drive that was checked: a torn one may have left a folder, or another drive, at its place.
 fs::path trash(const Host& host, const fs::path& item, const Drive& drive) {
-    requireMovable(host, item);
-    if (drive) drive->require(item);
+    if (drive) drive->require(Files::isSymbolicLink(item) ? item.parent_path() : item);
     return host.trash->moveToTrash(item);
 }
 
@@ -96,20 +95,31 @@ void forgetMovesTo(const Host& host, const fs::path& copy) {
     }
 }
 
+/// A link among applications may lead to anything.
+void requireApplication(const HealthIssue& issue, const fs::path& target) {
+    if (AppBundleEnumerator::isBundleName(target.filename().native())) return;
+    refuse(EPERM, fmt::format("{} is no application, and stays: remove the link {} if nothing needs it. Nothing was "
+                              "changed.",
+                              target.native(), issue.location.native()));
+}
+
 std::string removeEmpty(const Host& host, const HealthIssue& issue, const Drive& drive) {
-    requireMovable(host, *issue.target);
-    // A link among applications may lead to anything.
-    if (!AppBundleEnumerator::isBundleName(issue.target->filename().native()))
-        refuse(EPERM, fmt::format("{} is no application. Nothing was changed.", issue.target->native()));
+    if (issue.target) {
+        requireMovable(host, *issue.target);
+        requireApplication(issue, *issue.target);
+    }
     ignoringFailure([&] { Files::removeLink(issue.location); });
-    ignoringFailure([&] { trash(host, *issue.target, drive); });
-    forgetMovesTo(host, *issue.target);
+    if (issue.target) {
+        ignoringFailure([&] { trash(host, *issue.target, drive); });
+        forgetMovesTo(host, *issue.target);
+    }
     return fmt::format("Cleaned up {}. Reinstall the app.", nameOf(issue));
 }
 
 std::string reclaimReverted(const Host& host, const HealthIssue& issue, const Drive& drive) {
     std::string sentence = fmt::format("Reclaimed stale SSD copy of {}.", nameOf(issue));
     if (!issue.target) return sentence;
+    requireMovable(host, *issue.target);
     if (!hasGone(*issue.target)) trash(host, *issue.target, drive);
     forgetMovesTo(host, *issue.target);
     return sentence + shimSentence(host, *issue.target);
@@ -146,7 +156,10 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue, const 
     if (RunningAppsDetector::isRunning(host, issue.location)) throw MoverError::appIsRunning(nameOf(issue));
     const Drive drive = seen ? seen : DriveGuard::ofFolder(folder);
     std::string inTrash;
-    if (issue.target && !hasGone(*issue.target)) inTrash = trash(host, *issue.target, drive);
+    if (issue.target && !hasGone(*issue.target)) {
+        requireMovable(host, *issue.target);
+        inTrash = trash(host, *issue.target, drive);
+    }
     try {
         MoverEngine::moveAndLink(host, issue.location, folder, false, {}, {}, drive);
     } catch (const Failure& failure) {
@@ -158,6 +171,8 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue, const 
 }
 
 std::string removeOrphan(const Host& host, const HealthIssue& issue, const Drive& drive) {
+    // What a link leads to stays.
+    if (!Files::isSymbolicLink(issue.location)) requireMovable(host, issue.location);
     trash(host, issue.location, drive);
     forgetMovesTo(host, issue.location);
     return fmt::format("Trashed orphan {}.", nameOf(issue)) + shimSentence(host, issue.location);
@@ -272,7 +287,7 @@ std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy) {
         case removeDangling:
             return "remove the link";
         case removeEmpty:
-            return fmt::format("remove the link and move {} to the Trash", target);
+            return issue.target ? fmt::format("remove the link and move {} to the Trash", target) : "remove the link";
         case reclaimReverted:
             return fmt::format("move {} to the Trash", target);
         case reSymlinkReverted:

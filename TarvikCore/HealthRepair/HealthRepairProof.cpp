@@ -45,7 +45,7 @@ bool isMended(const Host& host, const HealthIssue& issue, HealthRepairStrategy s
         case removeOrphan:
             return !Files::itemExists(issue.location);
         case removeEmpty:
-            return !Files::itemExists(issue.location) && hasTargetGone(issue);
+            return !Files::itemExists(issue.location) && (!issue.target || hasTargetGone(issue));
         case reclaimReverted:
             return hasTargetGone(issue);
         case reSymlinkReverted:

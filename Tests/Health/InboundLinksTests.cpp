@@ -25,6 +25,10 @@ TEST(InboundLinks, LeadToABundleHoweverItsFolderIsWritten) {
     world.moveApp("Foo.app");
     EXPECT_TRUE(InboundLinks(world.host).leadTo(world.appsOnDrive / "../Apps/Foo.app"));
     EXPECT_FALSE(InboundLinks(world.host).leadTo(world.appsOnDrive / "Bar.app"));
+    test::makeLink(world.folder / "way", world.appsOnDrive);
+    test::makeLink(world.applications / "Bar.app", world.folder / "way/Bar.app");
+    test::makeLink(world.appsOnDrive / "Bar.app", world.home);
+    EXPECT_TRUE(InboundLinks(world.host).leadTo(world.appsOnDrive / "Bar.app")) << "on the way home";
 }
 
 TEST(InboundLinks, MayLeadAnywhereFromAFolderOnASilentVolume) {

@@ -5,6 +5,7 @@
 #include "Records/InstallsDB.h"
 #include "Records/InstallsDBWriter.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
 #include "Support/TrackingDatabase.h"
 
 namespace tarvik {
@@ -79,7 +80,9 @@ TEST_F(CopyRepairs, TrashNothingThatIsNoApplication) {
         test::makeFile(folder / "Letter.txt");
         test::makeLink(world.applications / "Docs.app", folder);
         const HealthIssue issue{.kind = Kind::empty, .location = world.applications / "Docs.app", .target = folder};
-        EXPECT_EQ(refusal(issue, removeEmpty), folder.native() + " is no application. Nothing was changed.");
+        EXPECT_EQ(refusal(issue, removeEmpty), folder.native() + " is no application, and stays: remove the link " +
+                                                   issue.location.native() +
+                                                   " if nothing needs it. Nothing was changed.");
         EXPECT_TRUE(fs::exists(folder / "Letter.txt"));
         EXPECT_TRUE(fs::is_symlink(issue.location));
         fs::remove(issue.location);
@@ -161,8 +164,51 @@ TEST_F(CopyRepairs, LeaveALauncherThatHasTakenTheApplicationsPlace) {
     const auto issue = revertedApp();
     fs::remove_all(issue.location);
     test::makeLauncher(issue.location, *issue.target);
-    expectStale(issue, reclaimReverted);
-    expectStale(issue, reSymlinkReverted);
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+        EXPECT_EQ(refusal(issue, strategy),
+                  "Foo.app is a launcher, which opens " + issue.target->native() + ". Nothing was changed.");
+}
+
+TEST_F(CopyRepairs, KeepTheCopyBesideALauncherThatOpensNothing) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    for (const char* text : {"/nowhere/Foo.app", " \n"}) {
+        test::makeLauncher(world.applications / "Foo.app", text);
+        const auto problems = checked().problems();
+        ASSERT_EQ(problems.front().kind, Kind::reverted);
+        for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+            EXPECT_EQ(refusal(problems.front(), strategy),
+                      "Foo.app is a launcher that opens nothing, and " + (world.appsOnDrive / "Foo.app").native() +
+                          " may be the only copy of its application: move the launcher to the Trash and check again. "
+                          "Nothing was changed.");
+    }
+    fs::remove_all(world.applications / "Foo.app");
+    EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.") << "which the user has been told of by now";
+}
+
+TEST_F(CopyRepairs, TrashAnOrphanThatIsALinkAndNotWhatItLeadsTo) {
+    const fs::path link = world.appsOnDrive / "Foo.app";
+    for (const fs::path& target : {world.folder / "elsewhere/Foo.app", world.home, fs::path("/nowhere/Foo.app")}) {
+        if (target != "/nowhere/Foo.app") test::makeBundle(target);
+        test::makeLink(link, target);
+        EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.");
+        EXPECT_FALSE(fs::is_symlink(link));
+        EXPECT_EQ(fs::read_symlink(world.trash->folder / "Foo.app"), target);
+        EXPECT_EQ(fs::exists(target / "Contents/Info.plist"), target != "/nowhere/Foo.app");
+        fs::remove_all(world.trash->folder);
+        EXPECT_THAT(checked().problems(), IsEmpty());
+    }
+}
+
+TEST_F(CopyRepairs, TrashAnOrphanThatIsALinkFromAnotherVolume) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const auto volume = test::RealVolume::memory(world.folder / "Volumes", test::megabyte);
+    world.volumes->list = {{.mountPath = volume.path()}};
+    const fs::path link = volume / "ExternalTarvik/Apps/Foo.app";
+    test::makeLink(link, world.home);
+    const auto issue = problem();
+    EXPECT_EQ(issue.drive->mountPath, volume.path());
+    world.trash->folder = volume / "Trash";
+    EXPECT_EQ(perform(issue, removeOrphan), "Trashed orphan Foo.app.");
 }
 
 TEST_F(CopyRepairs, MoveNoApplicationThatRuns) {

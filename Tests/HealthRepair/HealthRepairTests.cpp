@@ -1,8 +1,10 @@
+#include "HealthRepair/HealthRepairProof.h"
 #include "HealthRepair/HealthRepairTest.h"
 #include "Records/InstallsDB.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/TrackingDatabase.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace tarvik {
@@ -48,11 +50,14 @@ TEST_F(HealthRepairs, RemoveNoLinkThatLeadsSomewhereByNow) {
 }
 
 TEST_F(HealthRepairs, CleanUpABundleThatIsNone) {
-    for (const char* rest : {"Contents", "Contents/Info.plist", "Contents/MacOS/program"}) {
+    for (const char* rest : {"Contents", "Contents/Info.plist", "Contents/MacOS/program", "Contents/MacOS"}) {
         if (std::string_view(rest) == "Contents")
             test::makeFolder(world.appsOnDrive / "Foo.app" / rest);
         else
             test::makeFile(world.appsOnDrive / "Foo.app" / rest);
+        // The program's folder can be a file too.
+        if (std::string_view(rest) == "Contents/MacOS")
+            test::makeFile(world.appsOnDrive / "Foo.app/Contents/Info.plist");
         test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
         EXPECT_EQ(perform(problem(), removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
         EXPECT_FALSE(fs::exists(world.appsOnDrive / "Foo.app"));
@@ -115,9 +120,34 @@ TEST_F(HealthRepairs, RetargetNoLauncherThatHasChanged) {
     test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", "/nowhere/Other.app");
     expectStale(issue, repairBrokenLauncher);
     test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", target.native());
-    fs::rename(launcher, world.folder / "elsewhere.app");
-    test::makeLink(launcher, world.folder / "elsewhere.app");
+    fs::remove_all(launcher);
     expectStale(issue, repairBrokenLauncher);
+}
+
+TEST_F(HealthRepairs, WriteIntoNoLauncherThatALinkLeadsTo) {
+    const fs::path launcher = world.folder / "elsewhere.app";
+    test::makeLauncher(launcher, "/nowhere/Foo.app");
+    test::makeLink(world.applications / "Foo.app", "../elsewhere.app");
+    const auto problems = checked().problems();
+    ASSERT_THAT(test::kindsAndNames(problems), testing::Contains("brokenLauncher Foo.app"));
+    const auto issue = std::find_if(problems.begin(), problems.end(),
+                                    [](const HealthIssue& each) { return each.kind == Kind::brokenLauncher; });
+    EXPECT_EQ(refusal(*issue, repairBrokenLauncher), "Foo.app is only a link to a launcher, at " + launcher.native() +
+                                                         ": remove the link, or reinstall the app. Nothing was "
+                                                         "changed.");
+}
+
+TEST_F(HealthRepairs, RemoveTheLinkToABundleThatIsNoneWhereNoneIsNamed) {
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    const HealthIssue issue{.kind = Kind::empty, .location = world.applications / "Foo.app"};
+    EXPECT_EQ(HealthRepair::intent(issue, removeEmpty), "remove the link");
+    EXPECT_EQ(perform(issue, removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
+    EXPECT_FALSE(fs::is_symlink(issue.location));
+    EXPECT_TRUE(fs::exists(world.appsOnDrive / "Foo.app"));
+    EXPECT_TRUE(HealthRepairProof::isMended(world.host, issue, removeEmpty));
+    world.moveApp("Bar.app");
+    expectStale({.kind = Kind::empty, .location = world.applications / "Bar.app"}, removeEmpty);
 }
 
 TEST_F(HealthRepairs, KeepTheMachineAwake) {

@@ -24,7 +24,7 @@ SeenDrives::SeenDrives(const Host& host) {
 }
 
 SeenDrive SeenDrives::of(const fs::path& place) const {
-    fs::path present = place;
+    fs::path present = Files::isSymbolicLink(place) ? place.parent_path() : place;
     while (!Files::exists(present) && present != present.parent_path()) present = present.parent_path();
     const auto folder = Files::resolved(present);
     const auto info = Files::infoFollowingLinks(present);

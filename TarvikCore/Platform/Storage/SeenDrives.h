@@ -15,8 +15,8 @@ public:
     /// Asks each volume what it is; blocks while they answer, and never fails.
     explicit SeenDrives(const Host& host);
 
-    /// The volume of that moment which holds `place`, an absolute path that need not be there. A few status calls;
-    /// never fails.
+    /// The volume of that moment which holds `place`, an absolute path that need not be there; of a link, the one that
+    /// the link itself is on. A few status calls; never fails.
     SeenDrive of(const fs::path& place) const;
 
 private:
