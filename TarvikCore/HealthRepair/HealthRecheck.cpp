@@ -3,10 +3,10 @@
 #include "Applications/AppClassifier.h"
 #include "Applications/LauncherLayout.h"
 #include "Discovery/AppScanner.h"
+#include "Health/BundleState.h"
 #include "Health/InboundLinks.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/VolumeList.h"
@@ -31,15 +31,6 @@ bool isSameLink(const HealthIssue& issue) {
     if (!text || !issue.target) return text.has_value();
     const fs::path path = issue.location.parent_path() / *text;
     return *text == *issue.target || path == *issue.target || Files::standardized(path) == *issue.target;
-}
-
-/// Whether it is certain that the bundle cannot be opened: what may not be looked at could be whole.
-bool isHollow(const fs::path& bundle) {
-    const fs::path programs = bundle / "Contents/MacOS";
-    if (Files::isMissing(bundle / "Contents/Info.plist") || Files::isMissing(programs)) return true;
-    const auto info = Files::infoFollowingLinks(programs);
-    if (!info) return false;
-    return info->type != Files::ItemType::folder || (ListedFolder::at(programs) && Files::names(programs).empty());
 }
 
 /// Whether the drive that a copy of Tarvik's was put on is not mounted. A folder that it has left behind at its path is
@@ -68,8 +59,7 @@ bool holds(const HealthIssue& issue, HealthRepairStrategy strategy) {
         case repointDangling:
             return isSameLink(issue) && Files::isMissing(issue.location);
         case removeEmpty:
-            return isSameLink(issue) && (!issue.target || Files::exists(*issue.target)) &&
-                   isHollow(issue.target.value_or(issue.location));
+            return isSameLink(issue) && Files::exists(issue.copy()) && bundleState(issue.copy()) != BundleState::whole;
         case reclaimReverted:
         case reSymlinkReverted:
             return Files::exists(issue.location) && !Files::isSymbolicLink(issue.location);
@@ -161,6 +151,12 @@ void requireNoLauncher(const HealthIssue& issue) {
                                name, issue.copy().native()));
 }
 
+/// Refuses to trash what may be whole.
+void requireReadable(const HealthIssue& issue) {
+    if (bundleState(issue.copy()) == BundleState::unreadable)
+        refuse(EACCES, fmt::format("{} can't be read and may be whole. Nothing was changed.", issue.copy().native()));
+}
+
 /// Refuses to write through a link.
 void requireOwnPlace(const HealthIssue& issue) {
     if (const auto text = Files::linkText(issue.location))
@@ -200,6 +196,7 @@ std::optional<DriveGuard> require(const Host& machine, const HealthIssue& issue,
     if (needsDrive(strategy) && isDriveAway(host, copy)) refuseWithoutDrive(copy);
     auto drive = needsDrive(strategy) ? heldDrive(host, issue) : std::nullopt;
     if (!holds(issue, strategy)) refuseChanged(issue);
+    if (strategy == HealthRepairStrategy::removeEmpty) requireReadable(issue);
     if (issue.kind == HealthIssue::Kind::reverted) requireNoLauncher(issue);
     if (issue.kind == HealthIssue::Kind::brokenLauncher) requireOwnPlace(issue);
     requireUnlinked(host, issue, strategy);

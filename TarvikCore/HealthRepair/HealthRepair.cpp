@@ -16,6 +16,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Bundles/RunningAppsDetector.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/TreeObstacle.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/KeptAwake.h"
 #include "Platform/Machine/SystemFolders.h"
@@ -95,6 +96,12 @@ void forgetMovesTo(const Host& host, const fs::path& copy) {
     }
 }
 
+/// A bundle is not trashed while the link to it has to stay.
+void requireRemovable(const fs::path& link) {
+    if (const auto obstacle = TreeObstacle::toRemoval(link))
+        refuse(obstacle->errorNumber, obstacle->error().description() + ". Nothing was changed.");
+}
+
 /// A link among applications may lead to anything.
 void requireApplication(const HealthIssue& issue, const fs::path& target) {
     if (AppBundleEnumerator::isBundleName(target.filename().native())) return;
@@ -108,6 +115,7 @@ std::string removeEmpty(const Host& host, const HealthIssue& issue, const Drive&
         requireMovable(host, *issue.target);
         requireApplication(issue, *issue.target);
     }
+    requireRemovable(issue.location);
     ignoringFailure([&] { Files::removeLink(issue.location); });
     if (issue.target) {
         ignoringFailure([&] { trash(host, *issue.target, drive); });

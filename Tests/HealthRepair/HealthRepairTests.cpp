@@ -75,6 +75,21 @@ TEST_F(HealthRepairs, CleanUpIsSilentWhenTheTrashRefuses) {
     EXPECT_TRUE(fs::exists(world.appsOnDrive / "Foo.app"));
 }
 
+TEST_F(HealthRepairs, CleanUpNothingWhereTheLinkHasToStay) {
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    fs::permissions(world.applications, fs::perms(0555));
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        EXPECT_EQ(refusal(issue, removeEmpty), "Could not remove what is in " + world.applications.native() + ": " +
+                                                   test::wordsFor(EACCES) + ". Nothing was changed.");
+    }
+    fs::permissions(world.applications, fs::perms::owner_all);
+    EXPECT_TRUE(fs::exists(*issue.target));
+    EXPECT_EQ(perform(issue, removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
+}
+
 TEST_F(HealthRepairs, NeverTrashAVolumeOrTheHomeBehindALink) {
     const fs::path stick = world.folder / "elsewhere/stick";
     world.volumes->list.push_back({.mountPath = stick});
@@ -263,10 +278,11 @@ TEST_F(HealthRepairs, CallNothingMissingThatMayNotBeLookedAt) {
     fs::permissions(world.appsOnDrive / "Foo.app/Contents", fs::perms::none);
     EXPECT_THAT(checked().problems(), IsEmpty());
     const test::OrdinaryUser user(world.folder.path());
-    // Whether it holds a program cannot be seen: that is told, and nothing is done about it.
-    const auto issue = problem();
-    EXPECT_EQ(issue.kind, Kind::corrupted);
-    EXPECT_THAT(refusal(issue, removeEmpty), HasSubstr("Nothing was changed."));
+    EXPECT_THAT(checked().problems(), IsEmpty());
+    const HealthIssue issue{
+        .kind = Kind::corrupted, .location = world.applications / "Foo.app", .target = world.appsOnDrive / "Foo.app"};
+    EXPECT_EQ(refusal(issue, removeEmpty),
+              issue.target->native() + " can't be read and may be whole. Nothing was changed.");
     EXPECT_TRUE(fs::is_symlink(issue.location));
 }
 
