@@ -26,7 +26,6 @@
 #include <future>
 #include <iterator>
 #include <map>
-#include <memory>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -160,16 +159,20 @@ HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& app
 /// A check on a thread of its own, of which nobody has to see the end.
 class Attempt {
 public:
-    Attempt(const Host& host, std::vector<fs::path> applicationRoots, Options options) {
+    Attempt(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
         if (options.cancellation.isCancelled()) cancel();
-        options.cancellation = m_cancellation;
-        const auto work = std::make_shared<std::packaged_task<HealthReport()>>(
-            [host, roots = std::move(applicationRoots), options] { return lookAtEverything(host, roots, options); });
-        m_report = work->get_future();
+        Options own = options;
+        own.cancellation = m_cancellation;
+        std::packaged_task<HealthReport()> work(
+            [host, applicationRoots, own] { return lookAtEverything(host, applicationRoots, own); });
+        m_report = work.get_future();
         try {
-            m_thread = std::thread([work] { (*work)(); });
+            m_thread = std::thread(std::move(work));
         } catch (const std::system_error&) {
-            (*work)();  // The system gives no thread.
+            // The system gives no thread: nobody can pass a wish on, and none can be left behind.
+            std::promise<HealthReport> report;
+            report.set_value(lookAtEverything(host, applicationRoots, options));
+            m_report = report.get_future();
         }
     }
     ~Attempt() {

@@ -58,10 +58,9 @@ void requireMovable(const Host& host, const fs::path& item) {
     if (ItemLock::isHeld(item))
         refuse(EBUSY, fmt::format("{} is being moved. Nothing was changed.", item.filename().native()));
     const fs::path place = Files::resolved(item).value_or(item);
-    const auto volumes = host.volumes->mounted();
-    const bool isVolume = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& volume) {
-        return Files::isAtOrBelow(volume.mountPath, place);
-    });
+    const auto volumes = host.volumes->mountPaths();
+    const bool isVolume = std::any_of(volumes.begin(), volumes.end(),
+                                      [&](const fs::path& volume) { return Files::isAtOrBelow(volume, place); });
     if (isVolume || SystemFolders::isImmovable(host, place) || Files::isAtOrBelow(host.home, place))
         refuse(EPERM, fmt::format("{} must stay where it is. Nothing was changed.", place.native()));
 }
@@ -138,8 +137,8 @@ std::string reclaimReverted(const Host& host, const HealthIssue& issue, const Dr
 fs::path folderOnDrive(const Host& host, const HealthIssue& issue) {
     if (issue.target) return issue.target->parent_path();
     const fs::path drive = SystemFolders::volumes(host) / defaultDrive;
-    const auto volumes = host.volumes->mounted();
-    if (std::none_of(volumes.begin(), volumes.end(), [&](const Volume& volume) { return volume.mountPath == drive; }))
+    const auto volumes = host.volumes->mountPaths();
+    if (std::find(volumes.begin(), volumes.end(), drive) == volumes.end())
         refuse(ENODEV, fmt::format("The drive {} is not connected. Nothing was changed.", defaultDrive));
     return AppStorageNames::appsRootOn(drive);
 }

@@ -17,6 +17,21 @@ using testing::IsEmpty;
 using enum HealthRepairStrategy;
 using Kind = HealthIssue::Kind;
 
+/// Volumes of which one may be asked, and that all at once never are: on a Mac one that hangs would hold the answer.
+class AskedOneByOne : public test::MadeVolumes {
+public:
+    explicit AskedOneByOne(const test::MadeVolumes& volumes) : test::MadeVolumes(volumes) {}
+    std::vector<Volume> mounted() const override {
+        ADD_FAILURE() << "all were asked";
+        return list;
+    }
+    std::vector<fs::path> mountPaths() const override { return {list.front().mountPath, "/Volumes/Hangs"}; }
+    std::optional<Volume> at(const fs::path& mountPath) const override {
+        if (mountPath == list.front().mountPath) return list.front();
+        return std::nullopt;
+    }
+};
+
 class CopyRepairs : public test::HealthRepairTest {};
 
 }  // namespace
@@ -290,6 +305,14 @@ TEST_F(CopyRepairs, TrashNoOrphanThatALinkLeadsToByNow) {
     EXPECT_EQ(refusal(issue, removeOrphan), "A link leads to " + issue.location.native() + ". Nothing was changed.");
     fs::remove_all(issue.location);
     expectStale(issue, removeOrphan);
+}
+
+TEST_F(CopyRepairs, AskNoVolumeButTheirOwn) {
+    const auto reverted = revertedApp();
+    world.host.volumes = std::make_shared<AskedOneByOne>(*world.volumes);
+    EXPECT_EQ(perform(reverted, reclaimReverted), "Reclaimed stale SSD copy of Foo.app.");
+    EXPECT_EQ(refusal({.kind = Kind::reverted, .location = reverted.location}, reSymlinkReverted),
+              "The drive Crucial X9 is not connected. Nothing was changed.");
 }
 
 TEST_F(CopyRepairs, PassOnWhatTheTrashSays) {
