@@ -54,7 +54,8 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> remarks =
      "Without a PATH and a strategy, only what can do no harm is done: launchers are made or led to another copy, "
      "links of data are led to the copy that was found, and tracked files that are missing are forgotten. Everything "
      "else is named by its PATH, and a finding with two repairs (reverted) needs --strategy too: reclaimReverted or "
-     "reSymlinkReverted. What has changed since the check is left alone."},
+     "reSymlinkReverted. With --yes and without its PATH, a link whose drive is only away is never removed. What has "
+     "changed since the check is left alone."},
     {"completion",
      "For bash, put eval \"$(tarvik completion bash)\" into ~/.bashrc. For zsh, save the script as _tarvik in a "
      "folder of "

@@ -7,15 +7,13 @@
 #include "Health/InboundLinks.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SilentVolumes.h"
-#include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Storage/SeenDrives.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <utility>
@@ -31,20 +29,6 @@ bool isSameLink(const HealthIssue& issue) {
     if (!text || !issue.target) return text.has_value();
     const fs::path path = issue.location.parent_path() / *text;
     return *text == *issue.target || path == *issue.target || Files::standardized(path) == *issue.target;
-}
-
-/// Whether the drive that a copy of Tarvik's was put on is not mounted. A folder that it has left behind at its path is
-/// on the internal disk, and tells nothing of what the drive holds.
-bool isDriveAway(const Host& host, const fs::path& copy) {
-    fs::path drive;
-    for (const fs::path& component : copy) {
-        if (component == AppStorageNames::externalRoot) {
-            const auto mounted = host.volumes->mountPaths();
-            return std::find(mounted.begin(), mounted.end(), drive) == mounted.end();
-        }
-        drive /= component;
-    }
-    return false;
 }
 
 bool isSameLauncher(const HealthIssue& issue) {
@@ -193,7 +177,7 @@ std::optional<DriveGuard> require(const Host& machine, const HealthIssue& issue,
         refuse(ETIMEDOUT, fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
                                       issue.location.filename().native()));
     const fs::path copy = issue.copy();
-    if (needsDrive(strategy) && isDriveAway(host, copy)) refuseWithoutDrive(copy);
+    if (needsDrive(strategy) && DrivePath::absent(host, Files::standardized(copy))) refuseWithoutDrive(copy);
     auto drive = needsDrive(strategy) ? heldDrive(host, issue) : std::nullopt;
     if (!holds(issue, strategy)) refuseChanged(issue);
     if (strategy == HealthRepairStrategy::removeEmpty) requireReadable(issue);

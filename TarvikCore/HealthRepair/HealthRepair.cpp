@@ -23,6 +23,7 @@
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveGuard.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 #include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
@@ -215,8 +216,22 @@ std::string restoreUnsafePrefs(const Host& host, const HealthIssue& issue) {
     return fmt::format("Restored {} to internal disk.", nameOf(issue));
 }
 
+/// A launcher whose drive is only away needs that drive, and no other advice.
+std::string repairBrokenLauncher(const Host& host, const HealthIssue& issue) {
+    const auto drive = issue.target ? DrivePath::absent(host, *issue.target) : std::nullopt;
+    if (drive && !BrokenLauncherRepairService::replacementTarget(host, issue.location))
+        refuse(ENODEV, fmt::format("{} opens an app on the drive {}, which is not connected: connect it, and the "
+                                   "launcher works again. Nothing was changed.",
+                                   nameOf(issue), drive->filename().native()));
+    return BrokenLauncherRepairService::repair(host, issue.location);
+}
+
+std::optional<fs::path> relocatedCopy(const Host& host, const HealthIssue& issue) {
+    return issue.target ? StaleRootRetarget::candidate(host, *issue.target) : std::nullopt;
+}
+
 std::string repointDangling(const Host& host, const HealthIssue& issue) {
-    const auto relocated = issue.target ? StaleRootRetarget::candidate(host, *issue.target) : std::nullopt;
+    const auto relocated = relocatedCopy(host, issue);
     if (!relocated) refuse(ENOENT, fmt::format("No relocated copy of {} was found.", nameOf(issue)));
     const fs::path link = HiddenName::forExchangeOf(issue.location);
     Files::createSymbolicLink(link, *relocated);
@@ -253,7 +268,7 @@ std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStra
         case Strategy::repairSpotlightLaunchers:
             return repairSpotlightLaunchers(host, issue);
         case Strategy::repairBrokenLauncher:
-            return BrokenLauncherRepairService::repair(host, issue.location);
+            return repairBrokenLauncher(host, issue);
         case Strategy::restoreUnsafePrefs:
             return restoreUnsafePrefs(host, issue);
         case Strategy::restoreSandboxExternal:
@@ -265,9 +280,16 @@ std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStra
     return {};
 }
 
+std::vector<HealthRepairStrategy> choices(const Host& host, const HealthIssue& issue) {
+    std::vector<HealthRepairStrategy> found;
+    for (const auto& offer : HealthRepairStrategies::offers(issue.kind)) found.push_back(offer.strategy);
+    const bool isRelocated = issue.kind == HealthIssue::Kind::dangling && relocatedCopy(host, issue);
+    if (isRelocated) found.push_back(HealthRepairStrategy::repointDangling);
+    return found;
+}
+
 std::optional<HealthRepairStrategy> safeRepair(const Host& host, const HealthIssue& issue) {
-    const bool isRelocated =
-        issue.kind == HealthIssue::Kind::dangling && issue.target && StaleRootRetarget::candidate(host, *issue.target);
+    const bool isRelocated = issue.kind == HealthIssue::Kind::dangling && relocatedCopy(host, issue);
     if (isRelocated) return HealthRepairStrategy::repointDangling;
     switch (issue.kind) {
         case HealthIssue::Kind::missingTrackedFiles:
@@ -287,7 +309,7 @@ std::optional<HealthRepairStrategy> onlyRepair(const Host& host, const HealthIss
     return offers.size() == 1 ? std::optional(offers.front().strategy) : std::nullopt;
 }
 
-std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy) {
+std::string intent(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
     const std::string target = issue.target ? issue.target->native() : std::string();
     switch (strategy) {
@@ -312,7 +334,8 @@ std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy) {
         case restoreSandboxExternal:
             return fmt::format("copy {} back to its place", target);
         case repointDangling:
-            return "let it lead to the copy that was found";
+            if (const auto copy = relocatedCopy(host, issue)) return fmt::format("let it lead to {}", copy->native());
+            return "let it lead to a copy, of which none is found";
     }
     return {};
 }

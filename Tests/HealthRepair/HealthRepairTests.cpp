@@ -156,13 +156,24 @@ TEST_F(HealthRepairs, RemoveTheLinkToABundleThatIsNoneWhereNoneIsNamed) {
     test::makeFolder(world.appsOnDrive / "Foo.app");
     test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
     const HealthIssue issue{.kind = Kind::empty, .location = world.applications / "Foo.app"};
-    EXPECT_EQ(HealthRepair::intent(issue, removeEmpty), "remove the link");
+    EXPECT_EQ(HealthRepair::intent(world.host, issue, removeEmpty), "remove the link");
     EXPECT_EQ(perform(issue, removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
     EXPECT_FALSE(fs::is_symlink(issue.location));
     EXPECT_TRUE(fs::exists(world.appsOnDrive / "Foo.app"));
     EXPECT_TRUE(HealthRepairProof::isMended(world.host, issue, removeEmpty));
     world.moveApp("Bar.app");
     expectStale({.kind = Kind::empty, .location = world.applications / "Bar.app"}, removeEmpty);
+}
+
+TEST_F(HealthRepairs, AskForTheDriveOfALauncherThatIsOnlyAway) {
+    const fs::path launcher = world.applications / "Foo.app";
+    test::makeLauncher(launcher, world.folder / "Volumes/Away/ExternalTarvik/Apps/Foo.app",
+                       {{"CFBundleIdentifier", "org.example.Foo.externallauncher"}});
+    EXPECT_EQ(refusal(problem(), repairBrokenLauncher),
+              "Foo.app opens an app on the drive Away, which is not connected: connect it, and the launcher works "
+              "again. Nothing was changed.");
+    test::makeBundle(world.home / "Applications/Foo.app", {{"CFBundleIdentifier", "org.example.Foo"}});
+    EXPECT_THAT(perform(problem(), repairBrokenLauncher), testing::StartsWith("Retargeted Foo.app"));
 }
 
 TEST_F(HealthRepairs, KeepTheMachineAwake) {

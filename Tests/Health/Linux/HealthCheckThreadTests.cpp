@@ -54,8 +54,8 @@ TEST(HealthCheckWithoutThreads, FindsTheSameAndCanBeCancelled) {
     {
         const NoThreads none;
         ASSERT_THROW(std::thread([] {}).join(), std::system_error);
-        const auto report = HealthCheck::run(world.host, HealthCheck::applicationRoots(world.host),
-                                             {.cancellation = cancellation});
+        const auto report =
+            HealthCheck::run(world.host, HealthCheck::applicationRoots(world.host), {.cancellation = cancellation});
         EXPECT_THAT(test::kindsAndNames(report.issues), testing::ElementsAre("healthy A.app"));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)) << "the tool's own limit";
