@@ -12,6 +12,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Files/WrittenPath.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
@@ -19,7 +20,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarvik::CommandLine::HealthActs {
@@ -73,49 +76,101 @@ bool isAt(const HealthIssue& issue, const fs::path& path) {
 std::vector<Repair> repairsAt(const Host& host, const std::vector<HealthIssue>& problems, const fs::path& path,
                               std::optional<HealthRepairStrategy> strategy) {
     if (!Files::itemExists(path)) refuse(fmt::format("Nothing stands at {}.", path.native()));
-    bool isFound = false;
     std::vector<Repair> repairs;
+    std::vector<std::string_view> choices;
     for (const HealthIssue& issue : problems) {
         if (!isAt(issue, path)) continue;
-        isFound = true;
+        for (const HealthRepairStrategy each : HealthRepair::choices(host, issue))
+            choices.push_back(HealthRepairStrategies::name(each));
         if (const auto repair = repairOf(host, issue, strategy, true)) repairs.push_back({issue, *repair});
     }
-    if (!isFound) refuse(fmt::format("Nothing was found wrong with {}.", path.native()));
     if (repairs.empty() && strategy)
         refuse(fmt::format("What was found at {} has no repair {}.", path.native(),
                            HealthRepairStrategies::name(*strategy)));
+    if (repairs.empty() && choices.empty()) refuse(fmt::format("What was found at {} has no repair.", path.native()));
     if (repairs.empty())
-        refuse(fmt::format("What was found at {} has no repair, or several: name one with --strategy.", path.native()));
+        refuse(fmt::format("What was found at {} has several repairs: name {} with --strategy.", path.native(),
+                           fmt::join(choices, " or ")));
     return repairs;
 }
 
-/// What can be done at the paths that were named, each finding once.
-std::vector<Repair> named(const Host& host, const HealthReport& report, const Options& options) {
+/// What is to be done, and a sentence for each thing that was asked for and is not.
+struct Wanted {
+    std::vector<Repair> repairs;
+    std::vector<std::string> passedOver;
+};
+
+bool isHealthy(const std::vector<HealthIssue>& problems, const fs::path& path) {
+    return Files::itemExists(path) &&
+           std::none_of(problems.begin(), problems.end(), [&](const HealthIssue& issue) { return isAt(issue, path); });
+}
+
+/// What can be done at the paths that were named, each finding once. What is healthy among them stops no other.
+Wanted named(const Host& host, const HealthReport& report, const Options& options) {
     const auto problems = report.problems();
     const auto strategy = strategyOf(options);
-    std::vector<Repair> repairs;
-    for (const fs::path& written : options.paths)
-        for (Repair& repair : repairsAt(host, problems, WrittenPath::meant(written), strategy))
+    Wanted wanted;
+    auto& repairs = wanted.repairs;
+    for (const fs::path& written : options.paths) {
+        const fs::path path = WrittenPath::meant(written);
+        if (isHealthy(problems, path)) {
+            wanted.passedOver.push_back(fmt::format("Nothing was found wrong with {}.", path.native()));
+            continue;
+        }
+        for (Repair& repair : repairsAt(host, problems, path, strategy))
             if (std::find(repairs.begin(), repairs.end(), repair) == repairs.end())
                 repairs.push_back(std::move(repair));
-    return repairs;
+    }
+    if (!repairs.empty()) return wanted;
+    std::for_each(wanted.passedOver.begin(), std::prev(wanted.passedOver.end()), Terminal::say);
+    refuse(wanted.passedOver.back());
 }
 
-std::vector<Repair> all(const Host& host, const HealthReport& report, const Options& options) {
+/// The drive without which a link leads nowhere, and with which it would be right again.
+std::optional<fs::path> missedDrive(const Host& host, const Repair& repair) {
+    if (repair.strategy != HealthRepairStrategy::removeDangling) return std::nullopt;
+    return DrivePath::absent(host, Files::standardized(repair.issue.copy()));
+}
+
+/// All that a strategy fits, or all that does no harm. Without a question, what only misses its drive stays.
+Wanted all(const Host& host, const HealthReport& report, const Options& options) {
     const auto strategy = strategyOf(options);
-    std::vector<Repair> repairs;
-    for (const HealthIssue& issue : report.problems())
-        if (const auto repair = repairOf(host, issue, strategy, false)) repairs.push_back({issue, *repair});
-    return repairs;
+    Wanted wanted;
+    for (const HealthIssue& issue : report.problems()) {
+        const auto fitting = repairOf(host, issue, strategy, false);
+        if (!fitting) continue;
+        Repair repair{issue, *fitting};
+        const auto drive = options.yes ? missedDrive(host, repair) : std::nullopt;
+        if (drive)
+            wanted.passedOver.push_back(
+                fmt::format("{} stays: it is right again once the drive {} is connected. Name it to remove it.",
+                            issue.location.native(), lastComponent(*drive)));
+        else
+            wanted.repairs.push_back(std::move(repair));
+    }
+    return wanted;
 }
 
-Dialog question(const std::vector<Repair>& repairs) {
+/// What is to be thought of before links are removed that only miss their drives; empty where none does.
+std::string doubtOf(const Host& host, const std::vector<Repair>& repairs) {
+    std::set<std::string> drives;
+    for (const Repair& repair : repairs)
+        if (const auto drive = missedDrive(host, repair)) drives.insert(lastComponent(*drive));
+    if (drives.empty()) return {};
+    return drives.size() == 1
+               ? fmt::format("The drive {} is not connected: links to it would be right again once it is.\n",
+                             *drives.begin())
+               : fmt::format("The drives {} are not connected: links to them would be right again once they are.\n",
+                             fmt::join(drives, ", "));
+}
+
+Dialog question(const Host& host, const std::vector<Repair>& repairs) {
     std::vector<std::string> lines;
     lines.reserve(repairs.size());
     for (const auto& [issue, strategy] : repairs)
-        lines.push_back(fmt::format("{}: {}.", issue.location.native(), HealthRepair::intent(issue, strategy)));
+        lines.push_back(fmt::format("{}: {}.", issue.location.native(), HealthRepair::intent(host, issue, strategy)));
     return {fmt::format("Repair {}?", Text::counted(std::ssize(repairs), "finding")),
-            fmt::format("{}", fmt::join(lines, "\n")),
+            fmt::format("{}{}", doubtOf(host, repairs), fmt::join(lines, "\n")),
             {"Repair", "Cancel"}};
 }
 
@@ -167,7 +222,8 @@ void print(const std::vector<RepairEnd>& ends, Format format) {
 void check(const Host& host, Format format) {
     const HealthReport report = checked(host);
     const std::size_t problems = report.problems().size();
-    Terminal::writeResult(format == Format::human ? HealthTexts::human(report)
+    const auto repairsOf = [&](const HealthIssue& issue) { return HealthRepair::choices(host, issue); };
+    Terminal::writeResult(format == Format::human ? HealthTexts::human(report, repairsOf)
                           : format == Format::tsv ? HealthTexts::tsv(report)
                                                   : HealthTexts::toml(report));
     if (problems > 0)
@@ -179,20 +235,25 @@ void check(const Host& host, Format format) {
 void repair(const Host& host, const Options& options) {
     strategyOf(options);  // A wrong one is told before a long check.
     const HealthReport report = checked(host);
-    const auto repairs = options.paths.empty() ? all(host, report, options) : named(host, report, options);
+    const auto [repairs, passedOver] =
+        options.paths.empty() ? all(host, report, options) : named(host, report, options);
+    for (const std::string& sentence : passedOver) Terminal::say(sentence);
     if (repairs.empty()) {
-        if (options.format == Format::human)
+        if (options.format == Format::human && passedOver.empty())
             Terminal::say(options.strategy.empty()
                               ? "There is nothing that can be repaired without naming it."
                               : fmt::format("There is nothing that {} can repair.", options.strategy));
         return print({}, options.format);
     }
-    Terminal::confirm(question(repairs), options.yes);
+    Terminal::confirm(question(host, repairs), options.yes);
     const auto ends = perform(host, repairs);
     print(ends, options.format);
     const auto failed = std::count_if(ends.begin(), ends.end(), [](const RepairEnd& end) { return end.hasFailed; });
     if (failed > 0)
         throw Failure("CommandLine", 1, fmt::format("{} could not be repaired.", Text::counted(failed, "finding")));
+    if (!options.paths.empty() && !passedOver.empty())
+        throw Failure("CommandLine", 1,
+                      fmt::format("There was nothing to repair at {}.", Text::counted(std::ssize(passedOver), "path")));
 }
 
 }  // namespace tarvik::CommandLine::HealthActs

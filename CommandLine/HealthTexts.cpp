@@ -6,9 +6,11 @@
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cstdint>
 #include <numeric>
+#include <string_view>
 #include <vector>
 
 namespace tarvik::CommandLine::HealthTexts {
@@ -25,16 +27,23 @@ std::string nameOf(const HealthIssue& issue) {
     return Columns::oneLine(lastComponent(issue.location));
 }
 
-std::string findingOf(const HealthIssue& issue) {
+std::string repairLineOf(const std::vector<HealthRepairStrategy>& repairs) {
+    std::vector<std::string_view> names;
+    names.reserve(repairs.size());
+    for (const HealthRepairStrategy repair : repairs) names.push_back(HealthRepairStrategies::name(repair));
+    return names.empty() ? "    No repair\n" : fmt::format("    Repair: {}\n", fmt::join(names, " or "));
+}
+
+std::string findingOf(const HealthIssue& issue, const RepairsOf& repairsOf) {
     std::string text = "  " + nameOf(issue);
     if (const auto size = sizeOf(issue); !size.empty()) text += fmt::format("  ({})", size);
     text += fmt::format("\n    {}\n", Columns::oneLine(issue.location.native()));
     if (!issue.detail.empty()) text += fmt::format("    {}\n", Columns::oneLine(issue.detail));
     if (issue.target) text += fmt::format("    → {}\n", Columns::oneLine(issue.target->native()));
-    return text;
+    return text + repairLineOf(repairsOf(issue));
 }
 
-std::string sectionOf(HealthIssue::Kind kind, const std::vector<HealthIssue>& issues) {
+std::string sectionOf(HealthIssue::Kind kind, const std::vector<HealthIssue>& issues, const RepairsOf& repairsOf) {
     std::string text = fmt::format("\n{} ({})", HealthIssueKind::title(kind), issues.size());
     if (kind == HealthIssue::Kind::reverted) {
         const auto add = [](std::int64_t sum, const HealthIssue& issue) { return sum + issue.sizeBytes; };
@@ -42,7 +51,7 @@ std::string sectionOf(HealthIssue::Kind kind, const std::vector<HealthIssue>& is
         text += "  Total reclaimable: " + SizeCalculator::format(total);
     }
     text += "\n";
-    for (const HealthIssue& issue : issues) text += findingOf(issue);
+    for (const HealthIssue& issue : issues) text += findingOf(issue, repairsOf);
     return text;
 }
 
@@ -71,13 +80,14 @@ std::vector<Record> recordsOf(const HealthReport& report) {
 
 }  // namespace
 
-std::string human(const HealthReport& report) {
+std::string human(const HealthReport& report, const RepairsOf& repairsOf) {
     const auto groups = report.grouped();
     std::string text = fmt::format("Healthy {}  Problems {}  Scanned {}  Drives {}\n", report.healthyCount,
                                    report.problems().size(), report.scannedSymlinks, report.scannedDrives.size());
     if (report.problems().empty()) text += "\nAll moved apps are healthy. Nothing to repair.\n";
     for (const HealthIssue::Kind kind : HealthIssueKind::sections())
-        if (const auto group = groups.find(kind); group != groups.end()) text += sectionOf(kind, group->second);
+        if (const auto group = groups.find(kind); group != groups.end())
+            text += sectionOf(kind, group->second, repairsOf);
     if (const auto largest = report.largestHealthy(mostLargest); !largest.empty()) text += largestOf(largest);
     return text;
 }

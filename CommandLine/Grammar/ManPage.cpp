@@ -54,13 +54,14 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 13> remarks 
      "Without a PATH and a strategy, only what can do no harm is done: launchers are made or led to another copy, "
      "links of data are led to the copy that was found, and tracked files that are missing are forgotten. Everything "
      "else is named by its PATH, and a finding with two repairs (reverted) needs --strategy too: reclaimReverted or "
-     "reSymlinkReverted. What has changed since the check is left alone."},
+     "reSymlinkReverted. With --yes and without its PATH, a link whose drive is only away is never removed. What has "
+     "changed since the check is left alone."},
     {"uninstall",
      "What belongs to an application is told by its exact identifier, name or slug in the places where a Mac keeps "
      "such "
      "things, never by likeness. Everything goes to the Trash, or beside its place where the Trash refuses it. "
-     "Receipts, "
-     "what the system starts, and the copy on a drive of what a link stands for stay unless --with names them. An "
+     "Receipts, what the system starts, and the copy on a drive of what a link stands for stay unless --with names "
+     "them. An "
      "application that is called apps, list or undo is named behind two hyphens."},
     {"uninstall list", "With --format toml, the document of one uninstall needs its ID."},
     {"uninstall undo",

@@ -1,9 +1,11 @@
 #include "Health/HealthCheck.h"
 
+#include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/ApplicationsRootScan.h"
 #include "Discovery/ExternalAppsRootsDiscovery.h"
 #include "Health/BrokenLauncherDetector.h"
 #include "Health/DanglingDataLinkDetector.h"
+#include "Health/InboundLinks.h"
 #include "Health/ManifestRevertDetector.h"
 #include "Health/OrphanedBundleDetector.h"
 #include "Health/SSDRevertDetector.h"
@@ -14,9 +16,9 @@
 #include "Health/UnsafePrefsPlistDetector.h"
 #include "Launchers/NestedAppLauncherService.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Files/ListedFolder.h"
 #include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
+#include "Platform/Storage/SeenDrives.h"
 
 #include <algorithm>
 #include <chrono>
@@ -24,7 +26,6 @@
 #include <future>
 #include <iterator>
 #include <map>
-#include <memory>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -87,20 +88,49 @@ Links cleanLinks(const Links& links, const Issues& issues) {
     return clean;
 }
 
-/// Whether the links in the folders can be known: where they cannot, nothing is an orphan for sure.
-bool areReadable(const std::vector<fs::path>& applicationRoots) {
-    return std::all_of(applicationRoots.begin(), applicationRoots.end(),
-                       [](const fs::path& root) { return Files::isMissing(root) || ListedFolder::at(root); });
-}
-
 std::set<fs::path> standardizedSet(const Links& links, fs::path ApplicationsRootScan::Link::*end) {
     std::set<fs::path> paths;
     for (const auto& link : links) paths.insert(Files::standardized(link.*end));
     return paths;
 }
 
+/// What nothing leads to. Nothing is an orphan for sure where some of the links cannot be seen.
+Issues orphans(const Host& host, const std::vector<fs::path>& drives, const Links& links,
+               const std::set<std::string>& realAppNames, const HealthSizes& sizes) {
+    const InboundLinks inbound(host);
+    if (inbound.unreadableFolder()) return {};
+    auto linked = standardizedSet(links, &ApplicationsRootScan::Link::target);
+    for (const fs::path& drive : drives)
+        for (const fs::path& bundle : AppBundleEnumerator::bundles(drive, 0))
+            if (inbound.leadTo(bundle)) linked.insert(Files::standardized(bundle));
+    return OrphanedBundleDetector::detect(drives, linked, realAppNames, sizes);
+}
+
+/// Whether the repair of such a finding acts on a copy that may be on a drive.
+bool hasCopyToMend(HealthIssue::Kind kind) {
+    using enum HealthIssue::Kind;
+    switch (kind) {
+        case empty:
+        case corrupted:
+        case reverted:
+        case orphan:
+        case missingTrackedFiles:
+        case unsafePrefsPlist:
+        case sandboxExternalSymlink:
+            return true;
+        case healthy:
+        case dangling:
+        case missingSpotlightLaunchers:
+        case brokenLauncher:
+        case signatureBroken:
+            return false;
+    }
+    return false;
+}
+
 HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
     const HealthSizes sizes(host, options.sizes, options.cancellation);
+    const SeenDrives drives(host);  // A drive that takes another one's place meanwhile was not there yet.
     HealthReport report;
     const auto [links, realAppNames] = ApplicationsRootScan::scan(applicationRoots);
     report.scannedSymlinks = links.size();
@@ -119,11 +149,9 @@ HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& app
     append(issues, DanglingDataLinkDetector::detect(host, options.cancellation));
     append(issues, ManifestRevertDetector::detect(host, standardizedSet(links, &ApplicationsRootScan::Link::location),
                                                   reverted.handledSources, sizes));
-    if (areReadable(applicationRoots)) {
-        auto linked = standardizedSet(links, &ApplicationsRootScan::Link::target);
-        linked.merge(OrphanedBundleDetector::rememberedTargets(host));
-        append(issues, OrphanedBundleDetector::detect(report.scannedDrives, linked, realAppNames, sizes));
-    }
+    append(issues, orphans(host, report.scannedDrives, links, realAppNames, sizes));
+    for (HealthIssue& issue : issues)
+        if (hasCopyToMend(issue.kind)) issue.drive = drives.of(issue.copy());
     report.scannedAt = host.now();
     return report;
 }
@@ -131,16 +159,20 @@ HealthReport lookAtEverything(const Host& host, const std::vector<fs::path>& app
 /// A check on a thread of its own, of which nobody has to see the end.
 class Attempt {
 public:
-    Attempt(const Host& host, std::vector<fs::path> applicationRoots, Options options) {
+    Attempt(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options) {
         if (options.cancellation.isCancelled()) cancel();
-        options.cancellation = m_cancellation;
-        const auto work = std::make_shared<std::packaged_task<HealthReport()>>(
-            [host, roots = std::move(applicationRoots), options] { return lookAtEverything(host, roots, options); });
-        m_report = work->get_future();
+        Options own = options;
+        own.cancellation = m_cancellation;
+        std::packaged_task<HealthReport()> work(
+            [host, applicationRoots, own] { return lookAtEverything(host, applicationRoots, own); });
+        m_report = work.get_future();
         try {
-            m_thread = std::thread([work] { (*work)(); });
+            m_thread = std::thread(std::move(work));
         } catch (const std::system_error&) {
-            (*work)();  // The system gives no thread.
+            // The system gives no thread: nobody can pass a wish on, and none can be left behind.
+            std::promise<HealthReport> report;
+            report.set_value(lookAtEverything(host, applicationRoots, options));
+            m_report = report.get_future();
         }
     }
     ~Attempt() {

@@ -59,5 +59,5 @@ const std::array<HealthIssue::Kind, HealthIssue::kindCount - 1>& sections() {
 }  // namespace tarvik::HealthIssueKind
 
 std::size_t std::hash<tarvik::HealthIssue>::operator()(const tarvik::HealthIssue& issue) const noexcept {
-    return tarvik::FieldHash::of(issue.kind, issue.location, issue.target, issue.detail, issue.sizeBytes);
+    return tarvik::FieldHash::of(issue.kind, issue.location, issue.target, issue.detail, issue.sizeBytes, issue.drive);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
+#include "Platform/Storage/SeenDrive.h"
 
 #include <array>
 #include <cstddef>
@@ -39,8 +40,14 @@ struct HealthIssue {
     std::string detail;
     /// 0 where the kind is not measured.
     std::int64_t sizeBytes = 0;
+    /// The volume that its copy was on, where a repair would act on that: it then acts there or nowhere. Nothing where
+    /// nobody has looked.
+    std::optional<SeenDrive> drive = std::nullopt;
 
     bool operator==(const HealthIssue&) const = default;
+
+    /// The path of the copy that a repair would act on: of the target, or of the finding itself where it has none.
+    fs::path copy() const { return target ? location.parent_path() / *target : location; }
 };
 
 /// How a finding is shown, in the window and by the command.

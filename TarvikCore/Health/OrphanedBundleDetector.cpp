@@ -2,9 +2,7 @@
 
 #include "Discovery/AppBundleEnumerator.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Storage/SizeCalculator.h"
-#include "Records/HealthManifest.h"
 
 #include <fmt/format.h>
 
@@ -22,20 +20,6 @@ std::vector<HealthIssue> detect(const std::vector<fs::path>& appsRoots, const st
         issue.detail =
             fmt::format("Bundle on SSD with no inbound symlink. Wasting {}.", SizeCalculator::format(issue.sizeBytes));
     return issues;
-}
-
-std::set<fs::path> rememberedTargets(const Host& host) {
-    std::set<fs::path> targets;
-    for (const HealthManifestEntry& entry : HealthManifest::load(host)) {
-        if (SilentVolumes::hold(host, entry.sourcePath.parent_path())) {
-            targets.insert(entry.destinationPath);  // Its link cannot be looked at, and may be there.
-            continue;
-        }
-        const auto text = Files::linkText(entry.sourcePath);
-        if (text && Files::standardized(entry.sourcePath.parent_path() / *text) == entry.destinationPath)
-            targets.insert(entry.destinationPath);
-    }
-    return targets;
 }
 
 }  // namespace tarvik::OrphanedBundleDetector

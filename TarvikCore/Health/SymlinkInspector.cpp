@@ -1,5 +1,6 @@
 #include "Health/SymlinkInspector.h"
 
+#include "Health/BundleState.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/SilentVolumes.h"
 
@@ -14,10 +15,15 @@ HealthIssue inspect(const Host& host, const fs::path& location, const fs::path& 
     };
     if (SilentVolumes::hold(host, target) || Files::isMissing(target))
         return issue(dangling, "Target does not exist. The external drive may be unmounted, or the file was deleted.");
-    if (Files::isMissing(target / "Contents/Info.plist"))
-        return issue(empty, "Bundle directory exists but has no Contents/Info.plist. App is unlaunchable.");
-    if (Files::names(target / "Contents/MacOS").empty())
-        return issue(corrupted, "Bundle has Info.plist but no executable in Contents/MacOS/.");
+    switch (bundleState(target)) {
+        case BundleState::withoutList:
+            return issue(empty, "Bundle directory exists but has no Contents/Info.plist. App is unlaunchable.");
+        case BundleState::withoutPrograms:
+            return issue(corrupted, "Bundle has Info.plist but no executable in Contents/MacOS/.");
+        case BundleState::unreadable:  // What may not be looked at is not broken.
+        case BundleState::whole:
+            break;
+    }
     return issue(healthy, {});
 }
 

@@ -1,22 +1,22 @@
 #include "HealthRepair/HealthRecheck.h"
 
 #include "Applications/AppClassifier.h"
-#include "Discovery/AppBundleEnumerator.h"
-#include "Discovery/ApplicationsRootScan.h"
-#include "Health/OrphanedBundleDetector.h"
+#include "Applications/LauncherLayout.h"
+#include "Discovery/AppScanner.h"
+#include "Health/BundleState.h"
+#include "Health/InboundLinks.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Files/ListedFolder.h"
-#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SilentVolumes.h"
-#include "Platform/Machine/SystemFolders.h"
-#include "Platform/Machine/VolumeList.h"
+#include "Platform/Storage/DrivePath.h"
+#include "Platform/Storage/DriveScanner.h"
+#include "Platform/Storage/SeenDrives.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvik::HealthRecheck {
@@ -31,76 +31,24 @@ bool isSameLink(const HealthIssue& issue) {
     return *text == *issue.target || path == *issue.target || Files::standardized(path) == *issue.target;
 }
 
-bool isRealItem(const fs::path& path) {
-    return Files::exists(path) && !Files::isSymbolicLink(path);
-}
-
-/// Whether it is certain that the bundle cannot be opened: what may not be looked at could be whole.
-bool isHollow(const fs::path& bundle) {
-    const fs::path programs = bundle / "Contents/MacOS";
-    if (Files::isMissing(bundle / "Contents/Info.plist") || Files::isMissing(programs)) return true;
-    const auto listed = ListedFolder::at(programs);
-    return listed && Files::names(programs).empty();
-}
-
-/// Where a user keeps applications: also in folders among them, such as Utilities.
-std::vector<fs::path> foldersOfApplications(const Host& host) {
-    const fs::path applications = SystemFolders::applications(host);
-    std::vector<fs::path> folders = {applications, host.home / "Applications"};
-    for (const std::string& name : Files::names(applications)) {
-        const auto info = Files::info(applications / name);
-        if (info && info->type == Files::ItemType::folder && !AppBundleEnumerator::isBundleName(name))
-            folders.push_back(applications / name);
-    }
-    return folders;
-}
-
-/// Whether an application, or what is remembered as one, leads to the bundle.
-bool isLinked(const Host& host, const fs::path& bundle) {
-    if (OrphanedBundleDetector::rememberedTargets(host).contains(bundle)) return true;
-    const auto scan = ApplicationsRootScan::scan(foldersOfApplications(host));
-    return std::any_of(scan.symlinks.begin(), scan.symlinks.end(), [&](const ApplicationsRootScan::Link& link) {
-        return !SilentVolumes::hold(host, link.location) &&
-               Files::isSameItem(Files::infoFollowingLinks(link.location), Files::info(bundle));
-    });
-}
-
-bool isOrphan(const Host& host, const fs::path& bundle) {
-    return isRealItem(bundle) && !isLinked(host, bundle);
-}
-
-/// Whether the drive that a copy of Tarvik's was put on is not mounted. A folder that it has left behind at its path is
-/// on the internal disk, and tells nothing of what the drive holds.
-bool isDriveAway(const Host& host, const fs::path& copy) {
-    fs::path drive;
-    for (const fs::path& component : copy) {
-        if (component == AppStorageNames::externalRoot) {
-            const auto mounted = host.volumes->mountPaths();
-            return std::find(mounted.begin(), mounted.end(), drive) == mounted.end();
-        }
-        drive /= component;
-    }
-    return false;
-}
-
 bool isSameLauncher(const HealthIssue& issue) {
     const auto target = AppClassifier::readLauncherTarget(issue.location);
-    return target && target == issue.target && Files::isMissing(*target) && !Files::isSymbolicLink(issue.location);
+    return target && target == issue.target && Files::isMissing(*target);
 }
 
-bool holds(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+bool holds(const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
     switch (strategy) {
         case removeDangling:
         case repointDangling:
             return isSameLink(issue) && Files::isMissing(issue.location);
         case removeEmpty:
-            return isSameLink(issue) && issue.target && Files::exists(*issue.target) && isHollow(*issue.target);
+            return isSameLink(issue) && Files::exists(issue.copy()) && bundleState(issue.copy()) != BundleState::whole;
         case reclaimReverted:
         case reSymlinkReverted:
-            return isRealItem(issue.location) && !AppClassifier::readLauncherTarget(issue.location);
+            return Files::exists(issue.location) && !Files::isSymbolicLink(issue.location);
         case removeOrphan:
-            return isOrphan(host, issue.location);
+            return Files::itemExists(issue.location);
         case repairBrokenLauncher:
             return isSameLauncher(issue);
         case forgetMissingTrackedFiles:
@@ -138,36 +86,105 @@ bool needsDrive(HealthRepairStrategy strategy) {
     return true;
 }
 
-/// Whether a copy that goes to the Trash is what another link leads to.
-bool isCopyInUse(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
+[[noreturn]] void refuse(int code, std::string sentence) {
+    throw Failure("HealthRepair", code, std::move(sentence));
+}
+
+[[noreturn]] void refuseWithoutDrive(const fs::path& copy) {
+    refuse(ENODEV, fmt::format("The drive of {} is not connected. Nothing was changed.", copy.filename().native()));
+}
+
+[[noreturn]] void refuseChanged(const HealthIssue& issue) {
+    refuse(ESTALE, fmt::format("{} is not what it was when it was checked. Nothing was changed.",
+                               issue.location.filename().native()));
+}
+
+/// The volume that the copy was on when it was checked, if it is there still. Where the system lists none, there is
+/// nothing to hold.
+std::optional<DriveGuard> heldDrive(const Host& host, const HealthIssue& issue) {
+    if (!issue.drive) return std::nullopt;
+    const fs::path copy = issue.copy();
+    const SeenDrive now = SeenDrives(host).of(copy);
+    if (now == *issue.drive) {
+        if (now.mountPath.empty()) return std::nullopt;
+        auto drive = DriveGuard::ofMarked(host, now.mountPath, now.mark);
+        drive.require(Files::isSymbolicLink(copy) ? copy.parent_path() : copy);
+        return drive;
+    }
+    if (now.mountPath == issue.drive->mountPath)
+        refuse(ESTALE, fmt::format("Another drive is at {} than when {} was checked. Nothing was changed.",
+                                   now.mountPath.native(), copy.filename().native()));
+    const fs::path& before = issue.drive->mountPath;
+    if (!before.empty() && !DriveScanner::isThere(host, before)) refuseWithoutDrive(copy);
+    if (before.empty() || Files::isAtOrBelow(now.mountPath, before))
+        refuse(ESTALE, fmt::format("The drive of {} was not connected when it was checked: check again. Nothing was "
+                                   "changed.",
+                                   copy.filename().native()));
+    refuseChanged(issue);
+}
+
+/// Refuses what takes a launcher for an application that an updater has put there: the copy on the drive may be the
+/// only one of what it stands for.
+void requireNoLauncher(const HealthIssue& issue) {
+    const std::string name = issue.location.filename();
+    if (!Files::itemExists(issue.location / LauncherLayout::targetFile)) return;
+    if (const auto opened = AppScanner::launcherShimTarget(issue.location))
+        refuse(ESTALE, fmt::format("{} is a launcher, which opens {}. Nothing was changed.", name, opened->native()));
+    refuse(EEXIST, fmt::format("{} is a launcher that opens nothing, and {} may be the only copy of its application: "
+                               "move the launcher to the Trash and check again. Nothing was changed.",
+                               name, issue.copy().native()));
+}
+
+/// Refuses to trash what may be whole.
+void requireReadable(const HealthIssue& issue) {
+    if (bundleState(issue.copy()) == BundleState::unreadable)
+        refuse(EACCES, fmt::format("{} can't be read and may be whole. Nothing was changed.", issue.copy().native()));
+}
+
+/// Refuses to write through a link.
+void requireOwnPlace(const HealthIssue& issue) {
+    if (const auto text = Files::linkText(issue.location))
+        refuse(EEXIST, fmt::format("{} is only a link to a launcher, at {}: remove the link, or reinstall the app. "
+                                   "Nothing was changed.",
+                                   issue.location.filename().native(),
+                                   Files::standardized(issue.location.parent_path() / *text).native()));
+}
+
+/// Refuses what would trash a copy that a link leads to, or could lead to.
+void requireUnlinked(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
-    if (strategy != reclaimReverted && strategy != reSymlinkReverted) return false;
-    return issue.target && Files::exists(*issue.target) && isLinked(host, *issue.target);
+    const fs::path copy = issue.copy();
+    const bool isOrphan = strategy == removeOrphan;
+    const bool isStale = (strategy == reclaimReverted || strategy == reSymlinkReverted) && issue.target;
+    if ((!isOrphan && !isStale) || !Files::itemExists(copy)) return;
+    const InboundLinks inbound(host);
+    if (inbound.leadTo(copy))
+        refuse(EBUSY, fmt::format("{} leads to {}. Nothing was changed.", isOrphan ? "A link" : "Another link",
+                                  copy.native()));
+    if (const auto& folder = inbound.unreadableFolder())
+        refuse(EACCES, fmt::format("{} cannot be read, so a link in it may lead to {}. Nothing was changed.",
+                                   folder->native(), copy.filename().native()));
 }
 
 }  // namespace
 
-void require(const Host& machine, const HealthIssue& issue, HealthRepairStrategy strategy) {
+std::optional<DriveGuard> require(const Host& machine, const HealthIssue& issue, HealthRepairStrategy strategy) {
     const Host host = SilentVolumes::noted(machine);
     if (!HealthRepairStrategies::isFor(issue.kind, strategy))
-        throw Failure("HealthRepair", EINVAL,
-                      fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
-                                  issue.location.filename().native()));
+        refuse(EINVAL, fmt::format("{} is no repair for {}.", HealthRepairStrategies::name(strategy),
+                                   issue.location.filename().native()));
     if (isOnSilentVolume(host, issue))
-        throw Failure("HealthRepair", ETIMEDOUT,
-                      fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
-                                  issue.location.filename().native()));
-    const fs::path& copy = issue.target ? *issue.target : issue.location;
-    if (needsDrive(strategy) && isDriveAway(host, copy))
-        throw Failure("HealthRepair", ENODEV,
-                      fmt::format("The drive of {} is not connected. Nothing was changed.", copy.filename().native()));
-    if (!holds(host, issue, strategy))
-        throw Failure("HealthRepair", ESTALE,
-                      fmt::format("{} is not what it was when it was checked. Nothing was changed.",
-                                  issue.location.filename().native()));
-    if (isCopyInUse(host, issue, strategy))
-        throw Failure("HealthRepair", EBUSY,
-                      fmt::format("Another link leads to {}. Nothing was changed.", issue.target->native()));
+        refuse(ETIMEDOUT, fmt::format("{} leads to a drive that does not answer. Nothing was changed.",
+                                      issue.location.filename().native()));
+    const fs::path copy = issue.copy();
+    if (needsDrive(strategy) && DrivePath::absent(host, Files::standardized(copy))) refuseWithoutDrive(copy);
+    auto drive = needsDrive(strategy) ? heldDrive(host, issue) : std::nullopt;
+    if (!holds(issue, strategy)) refuseChanged(issue);
+    if (strategy == HealthRepairStrategy::removeEmpty) requireReadable(issue);
+    if (issue.kind == HealthIssue::Kind::reverted) requireNoLauncher(issue);
+    if (issue.kind == HealthIssue::Kind::brokenLauncher) requireOwnPlace(issue);
+    requireUnlinked(host, issue, strategy);
+    return drive;
 }
 
 }  // namespace tarvik::HealthRecheck

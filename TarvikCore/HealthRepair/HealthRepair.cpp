@@ -16,12 +16,14 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Bundles/RunningAppsDetector.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/TreeObstacle.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/KeptAwake.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveGuard.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 #include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
@@ -57,12 +59,19 @@ void requireMovable(const Host& host, const fs::path& item) {
     if (ItemLock::isHeld(item))
         refuse(EBUSY, fmt::format("{} is being moved. Nothing was changed.", item.filename().native()));
     const fs::path place = Files::resolved(item).value_or(item);
-    const auto volumes = host.volumes->mounted();
-    const bool isVolume = std::any_of(volumes.begin(), volumes.end(), [&](const Volume& volume) {
-        return Files::isAtOrBelow(volume.mountPath, place);
-    });
+    const auto volumes = host.volumes->mountPaths();
+    const bool isVolume = std::any_of(volumes.begin(), volumes.end(),
+                                      [&](const fs::path& volume) { return Files::isAtOrBelow(volume, place); });
     if (isVolume || SystemFolders::isImmovable(host, place) || Files::isAtOrBelow(host.home, place))
         refuse(EPERM, fmt::format("{} must stay where it is. Nothing was changed.", place.native()));
+}
+
+using Drive = std::optional<DriveGuard>;
+
+/// To the Trash, from the drive that was checked: a torn one may have left a folder, or another drive, at its place.
+fs::path trash(const Host& host, const fs::path& item, const Drive& drive) {
+    if (drive) drive->require(Files::isSymbolicLink(item) ? item.parent_path() : item);
+    return host.trash->moveToTrash(item);
 }
 
 std::string shimSentence(const Host& host, const fs::path& target) {
@@ -87,22 +96,39 @@ void forgetMovesTo(const Host& host, const fs::path& copy) {
     }
 }
 
-std::string removeEmpty(const Host& host, const HealthIssue& issue) {
-    requireMovable(host, *issue.target);
-    // A link among applications may lead to anything.
-    if (!AppBundleEnumerator::isBundleName(issue.target->filename().native()))
-        refuse(EPERM, fmt::format("{} is no application. Nothing was changed.", issue.target->native()));
+/// A bundle is not trashed while the link to it has to stay.
+void requireRemovable(const fs::path& link) {
+    if (const auto obstacle = TreeObstacle::toRemoval(link))
+        refuse(obstacle->errorNumber, obstacle->error().description() + ". Nothing was changed.");
+}
+
+/// A link among applications may lead to anything.
+void requireApplication(const HealthIssue& issue, const fs::path& target) {
+    if (AppBundleEnumerator::isBundleName(target.filename().native())) return;
+    refuse(EPERM, fmt::format("{} is no application, and stays: remove the link {} if nothing needs it. Nothing was "
+                              "changed.",
+                              target.native(), issue.location.native()));
+}
+
+std::string removeEmpty(const Host& host, const HealthIssue& issue, const Drive& drive) {
+    if (issue.target) {
+        requireMovable(host, *issue.target);
+        requireApplication(issue, *issue.target);
+    }
+    requireRemovable(issue.location);
     ignoringFailure([&] { Files::removeLink(issue.location); });
-    ignoringFailure([&] { host.trash->moveToTrash(*issue.target); });
-    forgetMovesTo(host, *issue.target);
+    if (issue.target) {
+        ignoringFailure([&] { trash(host, *issue.target, drive); });
+        forgetMovesTo(host, *issue.target);
+    }
     return fmt::format("Cleaned up {}. Reinstall the app.", nameOf(issue));
 }
 
-std::string reclaimReverted(const Host& host, const HealthIssue& issue) {
+std::string reclaimReverted(const Host& host, const HealthIssue& issue, const Drive& drive) {
     std::string sentence = fmt::format("Reclaimed stale SSD copy of {}.", nameOf(issue));
     if (!issue.target) return sentence;
     requireMovable(host, *issue.target);
-    if (!hasGone(*issue.target)) host.trash->moveToTrash(*issue.target);
+    if (!hasGone(*issue.target)) trash(host, *issue.target, drive);
     forgetMovesTo(host, *issue.target);
     return sentence + shimSentence(host, *issue.target);
 }
@@ -112,8 +138,8 @@ std::string reclaimReverted(const Host& host, const HealthIssue& issue) {
 fs::path folderOnDrive(const Host& host, const HealthIssue& issue) {
     if (issue.target) return issue.target->parent_path();
     const fs::path drive = SystemFolders::volumes(host) / defaultDrive;
-    const auto volumes = host.volumes->mounted();
-    if (std::none_of(volumes.begin(), volumes.end(), [&](const Volume& volume) { return volume.mountPath == drive; }))
+    const auto volumes = host.volumes->mountPaths();
+    if (std::find(volumes.begin(), volumes.end(), drive) == volumes.end())
         refuse(ENODEV, fmt::format("The drive {} is not connected. Nothing was changed.", defaultDrive));
     return AppStorageNames::appsRootOn(drive);
 }
@@ -130,17 +156,17 @@ std::string whereabouts(const HealthIssue& issue, const std::string& inTrash, bo
                         : fmt::format(" {} stays at {}; the {}", nameOf(issue), issue.location.native(), old);
 }
 
-std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
+std::string reSymlinkReverted(const Host& host, const HealthIssue& issue, const Drive& seen) {
     const fs::path folder = folderOnDrive(host, issue);
     // All that can be told before the copy goes.
     if (const auto reason = MoveRefusal::ofContents(host, issue.location)) refuse(EPERM, *reason);
     if (const auto reason = AppManagement::refusalOf(issue.location)) refuse(EPERM, *reason);
     if (RunningAppsDetector::isRunning(host, issue.location)) throw MoverError::appIsRunning(nameOf(issue));
-    const DriveGuard drive = DriveGuard::ofFolder(folder);
+    const Drive drive = seen ? seen : DriveGuard::ofFolder(folder);
     std::string inTrash;
     if (issue.target && !hasGone(*issue.target)) {
         requireMovable(host, *issue.target);
-        inTrash = host.trash->moveToTrash(*issue.target);
+        inTrash = trash(host, *issue.target, drive);
     }
     try {
         MoverEngine::moveAndLink(host, issue.location, folder, false, {}, {}, drive);
@@ -152,9 +178,10 @@ std::string reSymlinkReverted(const Host& host, const HealthIssue& issue) {
     return fmt::format("Re-symlinked {} to SSD.", nameOf(issue));
 }
 
-std::string removeOrphan(const Host& host, const HealthIssue& issue) {
-    requireMovable(host, issue.location);
-    host.trash->moveToTrash(issue.location);
+std::string removeOrphan(const Host& host, const HealthIssue& issue, const Drive& drive) {
+    // What a link leads to stays.
+    if (!Files::isSymbolicLink(issue.location)) requireMovable(host, issue.location);
+    trash(host, issue.location, drive);
     forgetMovesTo(host, issue.location);
     return fmt::format("Trashed orphan {}.", nameOf(issue)) + shimSentence(host, issue.location);
 }
@@ -189,8 +216,22 @@ std::string restoreUnsafePrefs(const Host& host, const HealthIssue& issue) {
     return fmt::format("Restored {} to internal disk.", nameOf(issue));
 }
 
+/// A launcher whose drive is only away needs that drive, and no other advice.
+std::string repairBrokenLauncher(const Host& host, const HealthIssue& issue) {
+    const auto drive = issue.target ? DrivePath::absent(host, *issue.target) : std::nullopt;
+    if (drive && !BrokenLauncherRepairService::replacementTarget(host, issue.location))
+        refuse(ENODEV, fmt::format("{} opens an app on the drive {}, which is not connected: connect it, and the "
+                                   "launcher works again. Nothing was changed.",
+                                   nameOf(issue), drive->filename().native()));
+    return BrokenLauncherRepairService::repair(host, issue.location);
+}
+
+std::optional<fs::path> relocatedCopy(const Host& host, const HealthIssue& issue) {
+    return issue.target ? StaleRootRetarget::candidate(host, *issue.target) : std::nullopt;
+}
+
 std::string repointDangling(const Host& host, const HealthIssue& issue) {
-    const auto relocated = issue.target ? StaleRootRetarget::candidate(host, *issue.target) : std::nullopt;
+    const auto relocated = relocatedCopy(host, issue);
     if (!relocated) refuse(ENOENT, fmt::format("No relocated copy of {} was found.", nameOf(issue)));
     const fs::path link = HiddenName::forExchangeOf(issue.location);
     Files::createSymbolicLink(link, *relocated);
@@ -208,26 +249,26 @@ std::string repointDangling(const Host& host, const HealthIssue& issue) {
 
 std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using Strategy = HealthRepairStrategy;
-    HealthRecheck::require(host, issue, strategy);
+    const Drive drive = HealthRecheck::require(host, issue, strategy);
     const KeptAwake awake(host, "What has drifted is being repaired");
     switch (strategy) {
         case Strategy::removeDangling:
             Files::removeLink(issue.location);
             return fmt::format("Removed dead symlink {}.", nameOf(issue));
         case Strategy::removeEmpty:
-            return removeEmpty(host, issue);
+            return removeEmpty(host, issue, drive);
         case Strategy::reclaimReverted:
-            return reclaimReverted(host, issue);
+            return reclaimReverted(host, issue, drive);
         case Strategy::reSymlinkReverted:
-            return reSymlinkReverted(host, issue);
+            return reSymlinkReverted(host, issue, drive);
         case Strategy::removeOrphan:
-            return removeOrphan(host, issue);
+            return removeOrphan(host, issue, drive);
         case Strategy::forgetMissingTrackedFiles:
             return forgetMissingTrackedFiles(host, issue);
         case Strategy::repairSpotlightLaunchers:
             return repairSpotlightLaunchers(host, issue);
         case Strategy::repairBrokenLauncher:
-            return BrokenLauncherRepairService::repair(host, issue.location);
+            return repairBrokenLauncher(host, issue);
         case Strategy::restoreUnsafePrefs:
             return restoreUnsafePrefs(host, issue);
         case Strategy::restoreSandboxExternal:
@@ -239,9 +280,16 @@ std::string perform(const Host& host, const HealthIssue& issue, HealthRepairStra
     return {};
 }
 
+std::vector<HealthRepairStrategy> choices(const Host& host, const HealthIssue& issue) {
+    std::vector<HealthRepairStrategy> found;
+    for (const auto& offer : HealthRepairStrategies::offers(issue.kind)) found.push_back(offer.strategy);
+    const bool isRelocated = issue.kind == HealthIssue::Kind::dangling && relocatedCopy(host, issue);
+    if (isRelocated) found.push_back(HealthRepairStrategy::repointDangling);
+    return found;
+}
+
 std::optional<HealthRepairStrategy> safeRepair(const Host& host, const HealthIssue& issue) {
-    const bool isRelocated =
-        issue.kind == HealthIssue::Kind::dangling && issue.target && StaleRootRetarget::candidate(host, *issue.target);
+    const bool isRelocated = issue.kind == HealthIssue::Kind::dangling && relocatedCopy(host, issue);
     if (isRelocated) return HealthRepairStrategy::repointDangling;
     switch (issue.kind) {
         case HealthIssue::Kind::missingTrackedFiles:
@@ -261,14 +309,14 @@ std::optional<HealthRepairStrategy> onlyRepair(const Host& host, const HealthIss
     return offers.size() == 1 ? std::optional(offers.front().strategy) : std::nullopt;
 }
 
-std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy) {
+std::string intent(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy) {
     using enum HealthRepairStrategy;
     const std::string target = issue.target ? issue.target->native() : std::string();
     switch (strategy) {
         case removeDangling:
             return "remove the link";
         case removeEmpty:
-            return fmt::format("remove the link and move {} to the Trash", target);
+            return issue.target ? fmt::format("remove the link and move {} to the Trash", target) : "remove the link";
         case reclaimReverted:
             return fmt::format("move {} to the Trash", target);
         case reSymlinkReverted:
@@ -286,7 +334,8 @@ std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy) {
         case restoreSandboxExternal:
             return fmt::format("copy {} back to its place", target);
         case repointDangling:
-            return "let it lead to the copy that was found";
+            if (const auto copy = relocatedCopy(host, issue)) return fmt::format("let it lead to {}", copy->native());
+            return "let it lead to a copy, of which none is found";
     }
     return {};
 }

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 /// Mends what the health check has found, one finding at a time and only on a user's word.
 namespace tarvik::HealthRepair {
@@ -23,7 +24,10 @@ std::optional<HealthRepairStrategy> safeRepair(const Host& host, const HealthIss
 /// The repair that a user means who names a finding and no way to mend it: the safe one, or the only one there is.
 std::optional<HealthRepairStrategy> onlyRepair(const Host& host, const HealthIssue& issue);
 
-/// What a repair will do, for a question: "remove the link". Pure.
-std::string intent(const HealthIssue& issue, HealthRepairStrategy strategy);
+/// All repairs of a finding, in their order. Empty where nothing mends it.
+std::vector<HealthRepairStrategy> choices(const Host& host, const HealthIssue& issue);
+
+/// What a repair will do, for a question: "remove the link".
+std::string intent(const Host& host, const HealthIssue& issue, HealthRepairStrategy strategy);
 
 }  // namespace tarvik::HealthRepair

@@ -14,7 +14,7 @@ namespace {
 
 /// Not with its drive: the folder that held it is there.
 bool hasTargetGone(const HealthIssue& issue) {
-    return issue.target && !Files::itemExists(*issue.target) && Files::exists(issue.target->parent_path());
+    return issue.target && !Files::itemExists(issue.copy()) && Files::exists(issue.copy().parent_path());
 }
 
 bool isBack(const HealthIssue& issue) {
@@ -25,7 +25,15 @@ bool leadsSomewhere(const HealthIssue& issue) {
     return Files::isSymbolicLink(issue.location) && Files::exists(issue.location);
 }
 
+/// Without a known copy the application has gone to the usual place.
+bool leadsToCopy(const HealthIssue& issue) {
+    const auto copy = Files::infoFollowingLinks(issue.copy());
+    return leadsSomewhere(issue) && Files::isSameItem(Files::infoFollowingLinks(issue.location), copy);
+}
+
+/// What a link leads to is another launcher.
 bool opensSomething(const fs::path& launcher) {
+    if (Files::isSymbolicLink(launcher)) return false;
     const auto target = AppClassifier::readLauncherTarget(launcher);
     return target && Files::exists(*target);
 }
@@ -45,10 +53,11 @@ bool isMended(const Host& host, const HealthIssue& issue, HealthRepairStrategy s
         case removeOrphan:
             return !Files::itemExists(issue.location);
         case removeEmpty:
-            return !Files::itemExists(issue.location) && hasTargetGone(issue);
+            return !Files::itemExists(issue.location) && (!issue.target || hasTargetGone(issue));
         case reclaimReverted:
             return hasTargetGone(issue);
         case reSymlinkReverted:
+            return leadsToCopy(issue);
         case repointDangling:
             return leadsSomewhere(issue);
         case forgetMissingTrackedFiles:

@@ -12,8 +12,8 @@
 #include "Platform/Files/WrittenPath.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/KeptAwake.h"
-#include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/DriveGuard.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
 #include "Records/HealthManifest.h"
@@ -33,21 +33,8 @@ Failure refusal(std::string sentence) {
     return {"WayBack", 0, std::move(sentence)};
 }
 
-/// The mount path of the drive that a target lies on, by the names in its path: the drive may be gone.
-std::optional<fs::path> driveOf(const Host& host, const fs::path& target) {
-    const fs::path volumes = SystemFolders::volumes(host);
-    if (Files::isAtOrBelow(target, volumes) && target != volumes)
-        return volumes / *target.lexically_relative(volumes).begin();
-    fs::path before;
-    for (const fs::path& component : target) {
-        if (component == AppStorageNames::externalRoot) return before;
-        before /= component;
-    }
-    return std::nullopt;
-}
-
 bool leadsToOwnFolder(const Host& host, const fs::path& target) {
-    const auto drive = driveOf(host, target);
+    const auto drive = DrivePath::of(host, target);
     const auto holdsIt = [&](std::string_view root) { return Files::isAtOrBelow(target, *drive / root); };
     const auto& legacy = AppStorageNames::legacyExternalRoots;
     return drive && (holdsIt(AppStorageNames::externalRoot) || std::any_of(legacy.begin(), legacy.end(), holdsIt));
@@ -74,7 +61,7 @@ std::optional<fs::path> movedFolderOf(const fs::path& launcher, const fs::path& 
 }
 
 std::string missing(const Host& host, const fs::path& link, const fs::path& target) {
-    const auto drive = driveOf(host, target);
+    const auto drive = DrivePath::of(host, target);
     if (drive && !DriveScanner::isThere(host, *drive))
         return fmt::format("{} is on a drive that is not connected: {}. Connect it and try again.",
                            link.filename().native(), target.native());
@@ -125,8 +112,8 @@ Plan plan(const Host& host, const fs::path& path) {
     if (auto sentence = MoveRefusal::ofRestore(host, link, target)) throw refusal(*sentence);
     const bool isOwn = leadsToOwnFolder(host, target) || isRemembered(host, link, target);
     Plan plan{link, target, isOwn, dataLinksOf(host, link)};
-    if (const auto drive = driveOf(host, target)) plan.driveMark = DriveScanner::markOf(host, *drive);
-    if (plan.driveMark) plan.drive = driveOf(host, target);
+    if (const auto drive = DrivePath::of(host, target)) plan.driveMark = DriveScanner::markOf(host, *drive);
+    if (plan.driveMark) plan.drive = DrivePath::of(host, target);
     return plan;
 }
 

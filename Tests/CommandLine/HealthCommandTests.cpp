@@ -74,6 +74,8 @@ TEST(HealthCommand, ShowsFiguresSectionsAndTheLargest) {
     EXPECT_THAT(finished.output, HasSubstr("\nDangling symlinks (1)\n  Unplugged.app\n    " + world.unplugged.native() +
                                            "\n    Target does not exist. The external drive may be unmounted, or the "
                                            "file was deleted.\n    → "));
+    EXPECT_THAT(linesOf(finished.output), testing::AllOf(Contains("    Repair: removeDangling"),
+                                                         Contains("    Repair: reclaimReverted or reSymlinkReverted")));
     EXPECT_THAT(finished.output, HasSubstr("\nReverted by auto-updater (1)  Total reclaimable: "));
     EXPECT_THAT(finished.output, HasSubstr("\nTop 10 largest healthy symlinked apps\n"));
     EXPECT_EQ(test::pictureOf(world.machine.root), before) << "it only looks";
@@ -124,6 +126,7 @@ TEST(HealthRepairCommand, RepairsOnItsOwnOnlyWhatDoesNoHarm) {
 TEST(HealthRepairCommand, EndsWithStatusOneWhenARepairOnlyTellsThatItCouldNot) {
     const HealthCommandWorld world;
     const fs::path ghost = world.applications / "Ghost.app";
+    test::makeLauncher(ghost, world.machine.root / "gone/Ghost.app");
     const auto finished = world.run({"health", "repair", ghost, "--yes"});
     EXPECT_EQ(finished.status, 1);
     EXPECT_EQ(finished.output, "");
@@ -199,8 +202,8 @@ TEST(HealthRepairCommand, NeedsTheStrategyOfWhatHasTwo) {
     const HealthCommandWorld world;
     const auto unnamed = world.run({"health", "repair", world.twice, "--yes"});
     EXPECT_EQ(unnamed.status, 1);
-    EXPECT_EQ(unnamed.errors,
-              "What was found at " + world.twice.native() + " has no repair, or several: name one with --strategy.\n");
+    EXPECT_EQ(unnamed.errors, "What was found at " + world.twice.native() +
+                                  " has several repairs: name reclaimReverted or reSymlinkReverted with --strategy.\n");
     const auto named =
         world.run({"health", "repair", world.twice, "--strategy", "reclaimReverted", "--yes", "--format", "tsv"});
     EXPECT_EQ(named.status, 0) << named.errors;
@@ -233,6 +236,66 @@ TEST(HealthRepairCommand, RepairsNothingWhenOneOfItsPathsIsWrong) {
     EXPECT_EQ(finished.status, 1);
     EXPECT_EQ(finished.errors, "Nothing stands at " + nowhere.native() + ".\n");
     EXPECT_TRUE(fs::is_symlink(world.unplugged));
+}
+
+TEST(HealthRepairCommand, GoesOnBesideWhatIsHealthy) {
+    const HealthCommandWorld world;
+    const fs::path healthy = world.applications / "Faraway.app";
+    const auto finished = world.run({"health", "repair", healthy, world.unplugged, "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.output, "Removed dead symlink Unplugged.app.\n");
+    EXPECT_EQ(finished.errors,
+              "Nothing was found wrong with " + healthy.native() + ".\nThere was nothing to repair at 1 path.\n");
+    const auto both = world.run({"health", "repair", healthy, world.machine.root / "Applications", "--yes"});
+    EXPECT_EQ(both.status, 1);
+    EXPECT_EQ(both.errors, "Nothing was found wrong with " + healthy.native() + ".\nNothing was found wrong with " +
+                               (world.machine.root / "Applications").native() + ".\n");
+}
+
+TEST(HealthRepairCommand, SaysThatWhatWasFoundHasNoRepair) {
+    const BrokenCommandWorld world;
+    const fs::path altered = world.machine.root / "Applications/Altered.app";
+    EXPECT_EQ(world.run({"health", "repair", altered, "--yes"}).errors,
+              "What was found at " + altered.native() + " has no repair.\n");
+    EXPECT_THAT(world.run({"health"}).output, HasSubstr("\n    No repair\n"));
+}
+
+TEST(HealthRepairCommand, KeepsUnaskedTheLinksOfADriveThatIsOnlyAway) {
+    const HealthCommandWorld world;
+    const fs::path gone = world.applications / "Gone.app";
+    test::makeLink(gone, world.machine.drives.front() / "Gone.app");
+    const std::vector<std::string> words = {"health", "repair", "--strategy", "removeDangling", "--yes"};
+    const std::string told = world.unplugged.native() +
+                             " stays: it is right again once the drive Unplugged is connected. Name it to remove it.\n";
+    auto finished = world.run(words);
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.output, "Removed dead symlink Gone.app.\n");
+    EXPECT_EQ(finished.errors, told);
+    EXPECT_TRUE(fs::is_symlink(world.unplugged));
+    finished = world.run(words);
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.errors, told) << "and nothing else";
+    EXPECT_EQ(world.run({"health", "repair", world.unplugged, "--yes"}).output,
+              "Removed dead symlink Unplugged.app.\n");
+}
+
+TEST(HealthRepairCommand, NamesTheDrivesThatAreAwayBeforeItRemovesLinksToThem) {
+    const HealthCommandWorld world;
+    const auto run = [&](const std::string& answer) {
+        test::RunningProgram program(world.command,
+                                     world.onMachine({"health", "repair", "--strategy", "removeDangling"}),
+                                     test::RunningProgram::Streams::terminal);
+        EXPECT_TRUE(program.waitForOutput("Repair? [y/N] "));
+        program.type(answer + "\n");
+        return program.finish().output;
+    };
+    EXPECT_THAT(run("n"), HasSubstr("The drive Unplugged is not connected: links to it would be right again once it "
+                                    "is."));
+    EXPECT_TRUE(fs::is_symlink(world.unplugged));
+    test::makeLink(world.applications / "Away.app", world.machine.root / "Volumes/Away/Away.app");
+    EXPECT_THAT(run("y"), HasSubstr("The drives Away, Unplugged are not connected: links to them would be right again "
+                                    "once they are."));
+    EXPECT_FALSE(fs::is_symlink(world.unplugged));
 }
 
 TEST(HealthRepairCommand, AsksNobodyWhereNobodyIs) {

@@ -46,15 +46,6 @@ TEST_F(OrphanDetection, KnowsABundleHoweverItsFolderIsWritten) {
                 IsEmpty());
 }
 
-TEST_F(OrphanDetection, RemembersTheMovesWhoseLinksStillLeadThere) {
-    const fs::path links = world.home / "Applications";
-    for (const char* name : {"Linked.app", "Elsewhere.app", "Gone.app"})
-        world.remember(links / name, world.appsOnDrive / name);
-    test::makeLink(links / "Linked.app", (world.appsOnDrive / "Linked.app").lexically_relative(links));
-    test::makeLink(links / "Elsewhere.app", "/elsewhere/Elsewhere.app");
-    EXPECT_THAT(OrphanedBundleDetector::rememberedTargets(world.host), ElementsAre(world.appsOnDrive / "Linked.app"));
-}
-
 TEST_F(OrphanDetection, LeavesOneAloneWhoseNameARealApplicationBears) {
     test::makeBundle(bundle);
     EXPECT_THAT(found({}, {"Foo.app"}), IsEmpty());

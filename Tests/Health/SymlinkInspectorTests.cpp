@@ -41,9 +41,12 @@ TEST_F(SymlinkInspection, CallsNothingMissingThatMayNotBeLookedAt) {
     fs::permissions(world.appsOnDrive, fs::perms::none);
     {
         const test::OrdinaryUser user(world.folder.path());
-        EXPECT_EQ(inspected().kind, corrupted);
+        EXPECT_EQ(inspected().kind, healthy);
     }
     fs::permissions(world.appsOnDrive, fs::perms::owner_all);
+    fs::permissions(target / "Contents/MacOS", fs::perms::none);
+    const test::OrdinaryUser user(world.folder.path());
+    EXPECT_EQ(inspected().kind, healthy);
 }
 
 TEST_F(SymlinkInspection, CallsABundleWithoutAListEmpty) {
@@ -61,6 +64,9 @@ TEST_F(SymlinkInspection, CallsABundleWithoutAProgramCorrupted) {
     test::makeFile(target / "Contents/Info.plist");
     EXPECT_EQ(inspected().kind, corrupted);
     EXPECT_EQ(inspected().detail, "Bundle has Info.plist but no executable in Contents/MacOS/.");
+    test::makeFile(target / "Contents/MacOS");
+    EXPECT_EQ(inspected().kind, corrupted) << "that is no folder";
+    fs::remove(target / "Contents/MacOS");
     test::makeFolder(target / "Contents/MacOS");
     EXPECT_EQ(inspected().kind, corrupted);
     test::makeFile(target / "Contents/MacOS/.hidden");

@@ -4,6 +4,8 @@
 #include "Records/HealthManifest.h"
 #include "Records/InstallsDB.h"
 #include "Records/InstallsDBWriter.h"
+#include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
 #include "Support/TrackingDatabase.h"
 
 namespace tarvik {
@@ -14,6 +16,21 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using enum HealthRepairStrategy;
 using Kind = HealthIssue::Kind;
+
+/// Volumes of which one may be asked, and that all at once never are: on a Mac one that hangs would hold the answer.
+class AskedOneByOne : public test::MadeVolumes {
+public:
+    explicit AskedOneByOne(const test::MadeVolumes& volumes) : test::MadeVolumes(volumes) {}
+    std::vector<Volume> mounted() const override {
+        ADD_FAILURE() << "all were asked";
+        return list;
+    }
+    std::vector<fs::path> mountPaths() const override { return {list.front().mountPath, "/Volumes/Hangs"}; }
+    std::optional<Volume> at(const fs::path& mountPath) const override {
+        if (mountPath == list.front().mountPath) return list.front();
+        return std::nullopt;
+    }
+};
 
 class CopyRepairs : public test::HealthRepairTest {};
 
@@ -78,7 +95,9 @@ TEST_F(CopyRepairs, TrashNothingThatIsNoApplication) {
         test::makeFile(folder / "Letter.txt");
         test::makeLink(world.applications / "Docs.app", folder);
         const HealthIssue issue{.kind = Kind::empty, .location = world.applications / "Docs.app", .target = folder};
-        EXPECT_EQ(refusal(issue, removeEmpty), folder.native() + " is no application. Nothing was changed.");
+        EXPECT_EQ(refusal(issue, removeEmpty), folder.native() + " is no application, and stays: remove the link " +
+                                                   issue.location.native() +
+                                                   " if nothing needs it. Nothing was changed.");
         EXPECT_TRUE(fs::exists(folder / "Letter.txt"));
         EXPECT_TRUE(fs::is_symlink(issue.location));
         fs::remove(issue.location);
@@ -160,8 +179,51 @@ TEST_F(CopyRepairs, LeaveALauncherThatHasTakenTheApplicationsPlace) {
     const auto issue = revertedApp();
     fs::remove_all(issue.location);
     test::makeLauncher(issue.location, *issue.target);
-    expectStale(issue, reclaimReverted);
-    expectStale(issue, reSymlinkReverted);
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+        EXPECT_EQ(refusal(issue, strategy),
+                  "Foo.app is a launcher, which opens " + issue.target->native() + ". Nothing was changed.");
+}
+
+TEST_F(CopyRepairs, KeepTheCopyBesideALauncherThatOpensNothing) {
+    test::makeBundle(world.appsOnDrive / "Foo.app");
+    for (const char* text : {"/nowhere/Foo.app", " \n"}) {
+        test::makeLauncher(world.applications / "Foo.app", text);
+        const auto problems = checked().problems();
+        ASSERT_EQ(problems.front().kind, Kind::reverted);
+        for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+            EXPECT_EQ(refusal(problems.front(), strategy),
+                      "Foo.app is a launcher that opens nothing, and " + (world.appsOnDrive / "Foo.app").native() +
+                          " may be the only copy of its application: move the launcher to the Trash and check again. "
+                          "Nothing was changed.");
+    }
+    fs::remove_all(world.applications / "Foo.app");
+    EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.") << "which the user has been told of by now";
+}
+
+TEST_F(CopyRepairs, TrashAnOrphanThatIsALinkAndNotWhatItLeadsTo) {
+    const fs::path link = world.appsOnDrive / "Foo.app";
+    for (const fs::path& target : {world.folder / "elsewhere/Foo.app", world.home, fs::path("/nowhere/Foo.app")}) {
+        if (target != "/nowhere/Foo.app") test::makeBundle(target);
+        test::makeLink(link, target);
+        EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.");
+        EXPECT_FALSE(fs::is_symlink(link));
+        EXPECT_EQ(fs::read_symlink(world.trash->folder / "Foo.app"), target);
+        EXPECT_EQ(fs::exists(target / "Contents/Info.plist"), target != "/nowhere/Foo.app");
+        fs::remove_all(world.trash->folder);
+        EXPECT_THAT(checked().problems(), IsEmpty());
+    }
+}
+
+TEST_F(CopyRepairs, TrashAnOrphanThatIsALinkFromAnotherVolume) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const auto volume = test::RealVolume::memory(world.folder / "Volumes", test::megabyte);
+    world.volumes->list = {{.mountPath = volume.path()}};
+    const fs::path link = volume / "ExternalTarvik/Apps/Foo.app";
+    test::makeLink(link, world.home);
+    const auto issue = problem();
+    EXPECT_EQ(issue.drive->mountPath, volume.path());
+    world.trash->folder = volume / "Trash";
+    EXPECT_EQ(perform(issue, removeOrphan), "Trashed orphan Foo.app.");
 }
 
 TEST_F(CopyRepairs, MoveNoApplicationThatRuns) {
@@ -240,9 +302,17 @@ TEST_F(CopyRepairs, TrashNoOrphanThatALinkLeadsToByNow) {
     test::makeBundle(world.appsOnDrive / "Foo.app");
     const auto issue = problem();
     test::makeLink(world.applications / "Foo.app", issue.location);
-    expectStale(issue, removeOrphan);
+    EXPECT_EQ(refusal(issue, removeOrphan), "A link leads to " + issue.location.native() + ". Nothing was changed.");
     fs::remove_all(issue.location);
     expectStale(issue, removeOrphan);
+}
+
+TEST_F(CopyRepairs, AskNoVolumeButTheirOwn) {
+    const auto reverted = revertedApp();
+    world.host.volumes = std::make_shared<AskedOneByOne>(*world.volumes);
+    EXPECT_EQ(perform(reverted, reclaimReverted), "Reclaimed stale SSD copy of Foo.app.");
+    EXPECT_EQ(refusal({.kind = Kind::reverted, .location = reverted.location}, reSymlinkReverted),
+              "The drive Crucial X9 is not connected. Nothing was changed.");
 }
 
 TEST_F(CopyRepairs, PassOnWhatTheTrashSays) {
@@ -267,11 +337,44 @@ TEST_F(CopyRepairs, TrashNothingThatALinkElsewhereLeadsTo) {
     test::makeBundle(world.appsOnDrive / "Foo.app");
     const auto issue = problem();
     EXPECT_EQ(issue.kind, Kind::orphan);
-    const fs::path link = world.home / "Applications/Foo.app";
+    const fs::path way = world.folder / "way";
+    test::makeLink(way, world.appsOnDrive);
+    const auto expectKept = [&](const fs::path& link) {
+        SCOPED_TRACE(link);
+        EXPECT_THAT(checked().issues, IsEmpty());
+        EXPECT_EQ(refusal(issue, removeOrphan),
+                  "A link leads to " + issue.location.native() + ". Nothing was changed.");
+        fs::remove(link);
+    };
+    for (const fs::path& root : {world.applications, world.home / "Applications"})
+        for (const char* place : {"Utilities/Foo.app", "More/Utilities/Foo.app", "Utilities/Foo"}) {
+            test::makeLink(root / place, issue.location);
+            expectKept(root / place);
+            test::makeLink(root / place, way / "Foo.app");
+            expectKept(root / place);
+        }
+    const fs::path link = world.home / "Desktop/Foo.app";
     test::makeLink(link, issue.location);
     world.remember(link, issue.location);
-    expectStale(issue, removeOrphan);
-    EXPECT_THAT(checked().issues, IsEmpty());
+    expectKept(link);
+    // So deep no application is looked for, by the check neither.
+    test::makeLink(world.applications / "One/Two/Three/Foo.app", issue.location);
+    EXPECT_EQ(perform(problem(), removeOrphan), "Trashed orphan Foo.app.");
+}
+
+TEST_F(CopyRepairs, TrashNothingThatALinkMayLeadToThatCannotBeSeen) {
+    const auto reverted = revertedApp();
+    test::makeBundle(world.appsOnDrive / "Orphan.app");
+    const HealthIssue orphan{.kind = Kind::orphan, .location = world.appsOnDrive / "Orphan.app"};
+    const fs::path folder = world.applications / "Private";
+    test::makeFolder(folder);
+    fs::permissions(folder, fs::perms::none);
+    const test::OrdinaryUser user(world.folder.path());
+    EXPECT_THAT(test::kindsAndNames(checked().problems()), testing::ElementsAre("reverted Foo.app"));
+    const std::string reason = folder.native() + " cannot be read, so a link in it may lead to ";
+    EXPECT_EQ(refusal(orphan, removeOrphan), reason + "Orphan.app. Nothing was changed.");
+    for (const auto strategy : {reclaimReverted, reSymlinkReverted})
+        EXPECT_EQ(refusal(reverted, strategy), reason + "Foo.app. Nothing was changed.");
 }
 
 }  // namespace tarvik

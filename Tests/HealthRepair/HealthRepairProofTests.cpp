@@ -98,6 +98,28 @@ TEST_F(HealthRepairProofs, SeeThatOnlyRootMendsWhatBelongsToRoot) {
     sayingOf(problem(), restoreUnsafePrefs);
 }
 
+TEST_F(HealthRepairProofs, TakeNoOtherItemThatALinkLeadsToForMended) {
+    const fs::path launcher = world.applications / "Foo.app";
+    const fs::path copy = world.appsOnDrive / "Foo.app";
+    test::makeBundle(world.folder / "Real.app");
+    test::makeLauncher(world.folder / "Other.app", world.folder / "Real.app");
+    test::makeLink(launcher, world.folder / "Other.app");
+    EXPECT_FALSE(isMended({.kind = Kind::brokenLauncher, .location = launcher}, repairBrokenLauncher));
+    const HealthIssue reverted{.kind = Kind::reverted, .location = launcher, .target = copy};
+    EXPECT_FALSE(isMended(reverted, reSymlinkReverted));
+    fs::remove(launcher);
+    test::makeBundle(copy);
+    test::makeLink(launcher, copy);
+    EXPECT_TRUE(isMended(reverted, reSymlinkReverted));
+}
+
+TEST_F(HealthRepairProofs, ReadATargetFromWhereItsLinkStands) {
+    const HealthIssue empty{.kind = Kind::empty, .location = world.applications / "Foo.app", .target = "../Foo.app"};
+    EXPECT_TRUE(isMended(empty, removeEmpty));
+    test::makeFolder(world.folder / "Foo.app");
+    EXPECT_FALSE(isMended(empty, removeEmpty));
+}
+
 TEST_F(HealthRepairProofs, SeeNothingReclaimedWhereNoCopyIsKnown) {
     EXPECT_FALSE(isMended({.kind = Kind::reverted, .location = world.applications / "Foo.app"}, reclaimReverted));
 }

@@ -58,8 +58,21 @@ TEST(HealthRepairIntent, SaysWhatWillBeDone) {
         {repairBrokenLauncher, "let it open another copy of its app"},
         {restoreUnsafePrefs, "bring /drive/Foo.app back to its place"},
         {restoreSandboxExternal, "copy /drive/Foo.app back to its place"},
-        {repointDangling, "let it lead to the copy that was found"}};
-    for (const auto& [strategy, text] : intents) EXPECT_EQ(HealthRepair::intent(issue, strategy), text);
+        {repointDangling, "let it lead to a copy, of which none is found"}};
+    const test::HealthWorld world;
+    for (const auto& [strategy, text] : intents) EXPECT_EQ(HealthRepair::intent(world.host, issue, strategy), text);
+}
+
+TEST_F(HealthRepairChoice, NamesTheCopyThatALinkWillLeadTo) {
+    test::makeFolder(world.drive / "ExternalTarvik/Data/data");
+    const HealthIssue issue{.kind = Kind::dangling, .target = world.drive / "Tarvik/Data/data"};
+    EXPECT_EQ(HealthRepair::intent(world.host, issue, repointDangling),
+              "let it lead to " + (world.drive / "ExternalTarvik/Data/data").native());
+    EXPECT_THAT(HealthRepair::choices(world.host, issue), testing::ElementsAre(removeDangling, repointDangling));
+    EXPECT_THAT(HealthRepair::choices(world.host, {.kind = Kind::dangling}), testing::ElementsAre(removeDangling));
+    EXPECT_THAT(HealthRepair::choices(world.host, {.kind = Kind::reverted}),
+                testing::ElementsAre(reclaimReverted, reSymlinkReverted));
+    EXPECT_THAT(HealthRepair::choices(world.host, {.kind = Kind::signatureBroken}), testing::IsEmpty());
 }
 
 TEST(HealthRepairStrategies, AreOfferedByTheirLabels) {

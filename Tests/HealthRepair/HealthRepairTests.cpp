@@ -1,8 +1,10 @@
+#include "HealthRepair/HealthRepairProof.h"
 #include "HealthRepair/HealthRepairTest.h"
 #include "Records/InstallsDB.h"
 #include "Support/OrdinaryUser.h"
 #include "Support/TrackingDatabase.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace tarvik {
@@ -48,11 +50,14 @@ TEST_F(HealthRepairs, RemoveNoLinkThatLeadsSomewhereByNow) {
 }
 
 TEST_F(HealthRepairs, CleanUpABundleThatIsNone) {
-    for (const char* rest : {"Contents", "Contents/Info.plist", "Contents/MacOS/program"}) {
+    for (const char* rest : {"Contents", "Contents/Info.plist", "Contents/MacOS/program", "Contents/MacOS"}) {
         if (std::string_view(rest) == "Contents")
             test::makeFolder(world.appsOnDrive / "Foo.app" / rest);
         else
             test::makeFile(world.appsOnDrive / "Foo.app" / rest);
+        // The program's folder can be a file too.
+        if (std::string_view(rest) == "Contents/MacOS")
+            test::makeFile(world.appsOnDrive / "Foo.app/Contents/Info.plist");
         test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
         EXPECT_EQ(perform(problem(), removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
         EXPECT_FALSE(fs::exists(world.appsOnDrive / "Foo.app"));
@@ -68,6 +73,21 @@ TEST_F(HealthRepairs, CleanUpIsSilentWhenTheTrashRefuses) {
     world.trash->refuses = true;
     EXPECT_EQ(perform(problem(), removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
     EXPECT_TRUE(fs::exists(world.appsOnDrive / "Foo.app"));
+}
+
+TEST_F(HealthRepairs, CleanUpNothingWhereTheLinkHasToStay) {
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    const auto issue = problem();
+    fs::permissions(world.applications, fs::perms(0555));
+    {
+        const test::OrdinaryUser user(world.folder.path());
+        EXPECT_EQ(refusal(issue, removeEmpty), "Could not remove what is in " + world.applications.native() + ": " +
+                                                   test::wordsFor(EACCES) + ". Nothing was changed.");
+    }
+    fs::permissions(world.applications, fs::perms::owner_all);
+    EXPECT_TRUE(fs::exists(*issue.target));
+    EXPECT_EQ(perform(issue, removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
 }
 
 TEST_F(HealthRepairs, NeverTrashAVolumeOrTheHomeBehindALink) {
@@ -115,9 +135,45 @@ TEST_F(HealthRepairs, RetargetNoLauncherThatHasChanged) {
     test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", "/nowhere/Other.app");
     expectStale(issue, repairBrokenLauncher);
     test::makeFile(launcher / "Contents/Resources/ExternalAppTarget.txt", target.native());
-    fs::rename(launcher, world.folder / "elsewhere.app");
-    test::makeLink(launcher, world.folder / "elsewhere.app");
+    fs::remove_all(launcher);
     expectStale(issue, repairBrokenLauncher);
+}
+
+TEST_F(HealthRepairs, WriteIntoNoLauncherThatALinkLeadsTo) {
+    const fs::path launcher = world.folder / "elsewhere.app";
+    test::makeLauncher(launcher, "/nowhere/Foo.app");
+    test::makeLink(world.applications / "Foo.app", "../elsewhere.app");
+    const auto problems = checked().problems();
+    ASSERT_THAT(test::kindsAndNames(problems), testing::Contains("brokenLauncher Foo.app"));
+    const auto issue = std::find_if(problems.begin(), problems.end(),
+                                    [](const HealthIssue& each) { return each.kind == Kind::brokenLauncher; });
+    EXPECT_EQ(refusal(*issue, repairBrokenLauncher), "Foo.app is only a link to a launcher, at " + launcher.native() +
+                                                         ": remove the link, or reinstall the app. Nothing was "
+                                                         "changed.");
+}
+
+TEST_F(HealthRepairs, RemoveTheLinkToABundleThatIsNoneWhereNoneIsNamed) {
+    test::makeFolder(world.appsOnDrive / "Foo.app");
+    test::makeLink(world.applications / "Foo.app", world.appsOnDrive / "Foo.app");
+    const HealthIssue issue{.kind = Kind::empty, .location = world.applications / "Foo.app"};
+    EXPECT_EQ(HealthRepair::intent(world.host, issue, removeEmpty), "remove the link");
+    EXPECT_EQ(perform(issue, removeEmpty), "Cleaned up Foo.app. Reinstall the app.");
+    EXPECT_FALSE(fs::is_symlink(issue.location));
+    EXPECT_TRUE(fs::exists(world.appsOnDrive / "Foo.app"));
+    EXPECT_TRUE(HealthRepairProof::isMended(world.host, issue, removeEmpty));
+    world.moveApp("Bar.app");
+    expectStale({.kind = Kind::empty, .location = world.applications / "Bar.app"}, removeEmpty);
+}
+
+TEST_F(HealthRepairs, AskForTheDriveOfALauncherThatIsOnlyAway) {
+    const fs::path launcher = world.applications / "Foo.app";
+    test::makeLauncher(launcher, world.folder / "Volumes/Away/ExternalTarvik/Apps/Foo.app",
+                       {{"CFBundleIdentifier", "org.example.Foo.externallauncher"}});
+    EXPECT_EQ(refusal(problem(), repairBrokenLauncher),
+              "Foo.app opens an app on the drive Away, which is not connected: connect it, and the launcher works "
+              "again. Nothing was changed.");
+    test::makeBundle(world.home / "Applications/Foo.app", {{"CFBundleIdentifier", "org.example.Foo"}});
+    EXPECT_THAT(perform(problem(), repairBrokenLauncher), testing::StartsWith("Retargeted Foo.app"));
 }
 
 TEST_F(HealthRepairs, KeepTheMachineAwake) {
@@ -233,10 +289,11 @@ TEST_F(HealthRepairs, CallNothingMissingThatMayNotBeLookedAt) {
     fs::permissions(world.appsOnDrive / "Foo.app/Contents", fs::perms::none);
     EXPECT_THAT(checked().problems(), IsEmpty());
     const test::OrdinaryUser user(world.folder.path());
-    // Whether it holds a program cannot be seen: that is told, and nothing is done about it.
-    const auto issue = problem();
-    EXPECT_EQ(issue.kind, Kind::corrupted);
-    EXPECT_THAT(refusal(issue, removeEmpty), HasSubstr("Nothing was changed."));
+    EXPECT_THAT(checked().problems(), IsEmpty());
+    const HealthIssue issue{
+        .kind = Kind::corrupted, .location = world.applications / "Foo.app", .target = world.appsOnDrive / "Foo.app"};
+    EXPECT_EQ(refusal(issue, removeEmpty),
+              issue.target->native() + " can't be read and may be whole. Nothing was changed.");
     EXPECT_TRUE(fs::is_symlink(issue.location));
 }
 

@@ -106,17 +106,25 @@ std::vector<std::optional<FileSystemStatus>> statusOf(const std::vector<MountFac
     return result;
 }
 
+std::vector<Volume> volumesOf(const std::vector<MountFacts>& mounts) {
+    const auto statuses = statusOf(mounts);
+    std::vector<Volume> volumes;
+    for (std::size_t index = 0; index < mounts.size(); ++index)
+        if (statuses[index]) volumes.push_back(volumeOf(mounts[index], *statuses[index]));
+    return volumes;
+}
+
 class LinuxVolumeList final : public VolumeList {
 public:
     explicit LinuxVolumeList(fs::path home) : m_home(std::move(home)) {}
 
-    std::vector<Volume> mounted() const override {
-        const std::vector<MountFacts> mounts = VolumeRules::listed(readTable(), m_home);
-        const auto statuses = statusOf(mounts);
-        std::vector<Volume> volumes;
-        for (std::size_t index = 0; index < mounts.size(); ++index)
-            if (statuses[index]) volumes.push_back(volumeOf(mounts[index], *statuses[index]));
-        return volumes;
+    std::vector<Volume> mounted() const override { return volumesOf(VolumeRules::listed(readTable(), m_home)); }
+
+    std::optional<Volume> at(const fs::path& mountPath) const override {
+        std::vector<MountFacts> mounts = VolumeRules::listed(readTable(), m_home);
+        std::erase_if(mounts, [&](const MountFacts& mount) { return mount.mountPath != mountPath; });
+        auto volumes = volumesOf(mounts);
+        return volumes.empty() ? std::nullopt : std::optional(std::move(volumes.front()));
     }
 
     std::vector<fs::path> mountPaths() const override {

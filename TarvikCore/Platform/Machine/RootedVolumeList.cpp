@@ -2,11 +2,26 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/VolumeList.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarvik {
 
 namespace {
+
+std::optional<Volume> volumeAt(const fs::path& mountPath) {
+    if (!Files::isFolder(mountPath)) return std::nullopt;
+    const auto status = fileSystemStatus(mountPath);
+    if (!status) return std::nullopt;
+    return Volume{.mountPath = mountPath,
+                  .name = mountPath.filename().native(),
+                  .totalBytes = status->totalBytes,
+                  .availableBytes = status->availableBytes,
+                  .isInternal = false,
+                  .isBrowsable = true,
+                  .isReadOnly = status->isReadOnly,
+                  .formatDescription = std::nullopt};
+}
 
 class RootedVolumeList final : public VolumeList {
 public:
@@ -14,21 +29,15 @@ public:
 
     std::vector<Volume> mounted() const override {
         std::vector<Volume> volumes;
-        for (const std::string& name : Files::names(m_folder)) {
-            const fs::path mountPath = m_folder / name;
-            if (name.starts_with('.') || !Files::isFolder(mountPath)) continue;
-            const auto status = fileSystemStatus(mountPath);
-            if (!status) continue;
-            volumes.push_back({.mountPath = mountPath,
-                               .name = name,
-                               .totalBytes = status->totalBytes,
-                               .availableBytes = status->availableBytes,
-                               .isInternal = false,
-                               .isBrowsable = true,
-                               .isReadOnly = status->isReadOnly,
-                               .formatDescription = std::nullopt});
-        }
+        for (const fs::path& mountPath : mountPaths())
+            if (auto volume = volumeAt(mountPath)) volumes.push_back(*std::move(volume));
         return volumes;
+    }
+
+    std::optional<Volume> at(const fs::path& mountPath) const override {
+        const auto paths = mountPaths();
+        const bool isOne = std::find(paths.begin(), paths.end(), mountPath) != paths.end();
+        return isOne ? volumeAt(mountPath) : std::nullopt;
     }
 
     std::vector<fs::path> mountPaths() const override {

@@ -27,6 +27,14 @@ public:
         return paths;
     }
 
+    /// The volume that is mounted at exactly this path; nothing when none is, or it cannot be read. No other one is
+    /// asked where the system allows that.
+    virtual std::optional<Volume> at(const fs::path& mountPath) const {
+        for (Volume& volume : mounted())
+            if (volume.mountPath == mountPath) return std::move(volume);
+        return std::nullopt;
+    }
+
     /// What may still be written, in bytes, on the volume that holds `path`; nothing when that cannot be told.
     virtual std::optional<std::int64_t> availableBytes(const fs::path& path) const = 0;
 };

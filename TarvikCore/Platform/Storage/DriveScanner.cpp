@@ -78,12 +78,10 @@ bool isThere(const Host& host, const fs::path& mountPath) {
 std::optional<std::string> markOf(const Host& host, const fs::path& mountPath) {
     const auto before = Files::infoFollowingLinks(mountPath);
     if (!before) return std::nullopt;
-    const auto volumes = host.volumes->mounted();
-    const auto volume =
-        std::find_if(volumes.begin(), volumes.end(), [&](const Volume& each) { return each.mountPath == mountPath; });
-    // The list takes its time: the drive may have gone since it was read.
+    const auto volume = host.volumes->at(mountPath);
+    // The answer takes its time: the drive may have gone since it was given.
     const auto after = Files::infoFollowingLinks(mountPath);
-    if (volume == volumes.end() || !after || after->device != before->device) return std::nullopt;
+    if (!volume || !after || after->device != before->device) return std::nullopt;
     if (volume->identifier) return *volume->identifier;
     const auto status = fileSystemStatus(mountPath);
     return fmt::format("{}-{}-{}", after->device, status ? status->identifier : 0, after->inode);

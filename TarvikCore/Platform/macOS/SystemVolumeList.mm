@@ -2,12 +2,14 @@
 #include "Platform/Machine/VolumeList.h"
 
 #import <Foundation/Foundation.h>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <sys/mount.h>
+#include <utility>
 #include <vector>
 
 namespace tarvik {
@@ -50,35 +52,48 @@ std::optional<std::int64_t> availableBytesOf(NSDictionary<NSURLResourceKey, id>*
                                  bytes(values, NSURLVolumeAvailableCapacityKey));
 }
 
+/// What the system tells of the volume that is mounted there; nothing when it cannot be read.
+std::optional<Volume> volumeAt(NSURL* place) {
+    NSDictionary<NSURLResourceKey, id>* values = [place resourceValuesForKeys:volumeKeys() error:nil];
+    if (!values) return std::nullopt;
+    return Volume{.mountPath = place.fileSystemRepresentation,
+                  .name = text(values, NSURLVolumeNameKey),
+                  .totalBytes = bytes(values, NSURLVolumeTotalCapacityKey),
+                  .availableBytes = availableBytesOf(values),
+                  .isInternal = flag(values, NSURLVolumeIsInternalKey),
+                  .isBrowsable = flag(values, NSURLVolumeIsBrowsableKey),
+                  .isReadOnly = flag(values, NSURLVolumeIsReadOnlyKey),
+                  .formatDescription = text(values, NSURLVolumeLocalizedFormatDescriptionKey),
+                  .identifier = text(values, NSURLVolumeUUIDStringKey),
+                  .keepsLinks = flag(values, NSURLVolumeSupportsSymbolicLinksKey),
+                  .keepsPermissions = flag(values, NSURLVolumeSupportsAccessPermissionsKey),
+                  .foldsNames = opposite(flag(values, NSURLVolumeSupportsCaseSensitiveNamesKey)),
+                  .largestFile = bytes(values, NSURLVolumeMaximumFileSizeKey)};
+}
+
 /// The volumes as the file manager knows them. It asks network volumes itself and gives up on dead ones.
 class MacVolumeList final : public VolumeList {
 public:
     std::vector<Volume> mounted() const override {
         std::vector<Volume> volumes;
         @autoreleasepool {
-            NSArray<NSURLResourceKey>* keys = volumeKeys();
             NSArray<NSURL*>* places = [[NSFileManager defaultManager]
-                mountedVolumeURLsIncludingResourceValuesForKeys:keys
+                mountedVolumeURLsIncludingResourceValuesForKeys:volumeKeys()
                                                         options:NSVolumeEnumerationSkipHiddenVolumes];
-            for (NSURL* place in places) {
-                NSDictionary<NSURLResourceKey, id>* values = [place resourceValuesForKeys:keys error:nil];
-                if (!values) continue;
-                volumes.push_back({.mountPath = place.fileSystemRepresentation,
-                                   .name = text(values, NSURLVolumeNameKey),
-                                   .totalBytes = bytes(values, NSURLVolumeTotalCapacityKey),
-                                   .availableBytes = availableBytesOf(values),
-                                   .isInternal = flag(values, NSURLVolumeIsInternalKey),
-                                   .isBrowsable = flag(values, NSURLVolumeIsBrowsableKey),
-                                   .isReadOnly = flag(values, NSURLVolumeIsReadOnlyKey),
-                                   .formatDescription = text(values, NSURLVolumeLocalizedFormatDescriptionKey),
-                                   .identifier = text(values, NSURLVolumeUUIDStringKey),
-                                   .keepsLinks = flag(values, NSURLVolumeSupportsSymbolicLinksKey),
-                                   .keepsPermissions = flag(values, NSURLVolumeSupportsAccessPermissionsKey),
-                                   .foldsNames = opposite(flag(values, NSURLVolumeSupportsCaseSensitiveNamesKey)),
-                                   .largestFile = bytes(values, NSURLVolumeMaximumFileSizeKey)});
-            }
+            for (NSURL* place in places)
+                if (auto volume = volumeAt(place)) volumes.push_back(*std::move(volume));
         }
         return volumes;
+    }
+
+    std::optional<Volume> at(const fs::path& mountPath) const override {
+        const auto mounts = mountPaths();
+        if (std::find(mounts.begin(), mounts.end(), mountPath) == mounts.end()) return std::nullopt;
+        @autoreleasepool {
+            return volumeAt([NSURL fileURLWithFileSystemRepresentation:mountPath.c_str()
+                                                           isDirectory:YES
+                                                         relativeToURL:nil]);
+        }
     }
 
     std::vector<fs::path> mountPaths() const override {
