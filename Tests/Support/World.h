@@ -33,6 +33,7 @@ class MadeTrash : public TrashCan {
 public:
     explicit MadeTrash(fs::path trashFolder) : folder(std::move(trashFolder)) {}
     fs::path moveToTrash(const fs::path& item) const override;
+    std::vector<fs::path> foldersFor(const fs::path&) const override { return {folder}; }
 
     fs::path folder;
     bool refuses = false;

@@ -21,6 +21,10 @@ namespace tarvik {
 
 namespace {
 
+/// In a Trash folder: the items, and a record for each.
+constexpr const char* itemsFolder = "files";
+constexpr const char* recordsFolder = "info";
+
 /// A Trash folder that fits an item, and the item's path as its record tells it.
 struct Bin {
     fs::path folder;
@@ -62,15 +66,22 @@ bool isUsersOwnFolder(const fs::path& folder) {
     return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::getuid();
 }
 
+/// The two places of a user's Trash at the top of a volume: in the one that all users share, and by itself.
+fs::path sharedTrashOn(const fs::path& top) {
+    return top / ".Trash" / std::to_string(::getuid());
+}
+fs::path ownTrashOn(const fs::path& top) {
+    return top / (".Trash-" + std::to_string(::getuid()));
+}
+
 /// The user's own Trash folder at the top of a volume, made when it is missing.
 fs::path makeTrashOnVolume(const fs::path& top) {
-    const std::string user = std::to_string(::getuid());
-    fs::path inShared = top / ".Trash" / user;
+    fs::path inShared = sharedTrashOn(top);
     if (isSharedTrash(inShared.parent_path())) {
         ignoringFailure([&] { TrashItem::makePrivateFolder(inShared); });  // The other place is left to try.
         if (isUsersOwnFolder(inShared)) return inShared;
     }
-    fs::path folder = top / (".Trash-" + user);
+    fs::path folder = ownTrashOn(top);
     TrashItem::makePrivateFolder(folder);
     if (!isUsersOwnFolder(folder)) throw FileError("use as the Trash", folder, EPERM);
     return folder;
@@ -108,8 +119,8 @@ bool writeRecord(const fs::path& record, std::string_view text) {
 
 /// Moves the item at `place` into `bin`, its record first.
 fs::path put(const fs::path& place, const Bin& bin) {
-    const fs::path items = bin.folder / "files";
-    const fs::path records = bin.folder / "info";
+    const fs::path items = bin.folder / itemsFolder;
+    const fs::path records = bin.folder / recordsFolder;
     TrashItem::makePrivateFolder(items);
     TrashItem::makePrivateFolder(records);
 
@@ -151,6 +162,28 @@ public:
         return put(place, {.folder = makeTrashOnVolume(top), .originalPath = place.lexically_relative(top)});
     }
 
+    std::vector<fs::path> foldersFor(const fs::path& place) const override {
+        std::vector<fs::path> folders = {m_homeTrash / itemsFolder};
+        fs::path there = place.parent_path();
+        while (there.has_relative_path() && !Files::exists(there)) there = there.parent_path();
+        ignoringFailure([&] {
+            const fs::path real = Files::resolved(there).value_or(there);
+            const fs::path top = topFolderOf(real, mountOf(real));
+            folders.push_back(sharedTrashOn(top) / itemsFolder);
+            folders.push_back(ownTrashOn(top) / itemsFolder);
+        });
+        return folders;
+    }
+
+    void forget(const fs::path& trashed) const noexcept override {
+        ignoringFailure([&] {
+            if (trashed.parent_path().filename() != itemsFolder) return;
+            const fs::path record = trashed.parent_path().parent_path() / recordsFolder /
+                                    (trashed.filename().native() + std::string(TrashInfo::extension));
+            if (!Files::itemExists(trashed)) ::unlink(record.c_str());
+        });
+    }
+
 private:
     /// Whether the home's Trash, or the folder in which it would be made, stands on `mount`.
     bool isHomeTrashOn(const MountKey& mount) const {
@@ -168,9 +201,8 @@ private:
     }
 
     static void refuseTrashOnVolume(const fs::path& place, const fs::path& top) {
-        const std::string user = std::to_string(::getuid());
-        TrashItem::refuseTrashItself(place, top / ".Trash" / user);
-        TrashItem::refuseTrashItself(place, top / (".Trash-" + user));
+        TrashItem::refuseTrashItself(place, sharedTrashOn(top));
+        TrashItem::refuseTrashItself(place, ownTrashOn(top));
     }
 
     const fs::path m_homeTrash;

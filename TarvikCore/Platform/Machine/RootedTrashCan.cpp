@@ -33,6 +33,8 @@ public:
         }
     }
 
+    std::vector<fs::path> foldersFor(const fs::path& /*place*/) const override { return {m_folder}; }
+
 private:
     const fs::path m_folder;
 };

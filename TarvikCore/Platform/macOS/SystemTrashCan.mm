@@ -1,10 +1,14 @@
 #include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Machine/TrashItem.h"
 
 #import <Foundation/Foundation.h>
 #include <cerrno>
 #include <memory>
+#include <string>
+#include <sys/mount.h>
+#include <unistd.h>
 #include <utility>
 
 namespace tarvik {
@@ -55,6 +59,15 @@ public:
         }
         if (failure != 0) throw FileError("move to the Trash", item, failure);
         return there;
+    }
+
+    std::vector<fs::path> foldersFor(const fs::path& place) const override {
+        fs::path there = place.parent_path();
+        while (there.has_relative_path() && !Files::exists(there)) there = there.parent_path();
+        struct statfs volume {};
+        if (::statfs(there.c_str(), &volume) != 0) return {m_homeTrash};
+        // A volume that is not the home's has a Trash for each user.
+        return {m_homeTrash, fs::path(volume.f_mntonname) / ".Trashes" / std::to_string(::getuid())};
     }
 
 private:

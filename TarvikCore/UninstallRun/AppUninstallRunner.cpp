@@ -1,0 +1,234 @@
+#include "UninstallRun/AppUninstallRunner.h"
+
+#include "Copying/FileStash.h"
+#include "Platform/Basics/Failure.h"
+#include "Platform/Basics/Notify.h"
+#include "Platform/Files/FileError.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/KeptAwake.h"
+#include "Platform/Machine/TrashCan.h"
+#include "Platform/Processes/CommandRunner.h"
+#include "Platform/Text/Text.h"
+#include "Uninstall/AppUninstallPlanner.h"
+#include "UninstallRun/AppUninstallError.h"
+#include "UninstallRun/UninstallCheck.h"
+#include "UninstallRun/UninstallJournalFile.h"
+#include "UninstallRun/UninstallLock.h"
+#include "UninstallRun/UninstallSessionId.h"
+#include "UninstallRun/UninstallSessionStore.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <iterator>
+#include <map>
+#include <thread>
+#include <utility>
+
+namespace tarvik::AppUninstallRunner {
+
+namespace {
+
+using MovedItem = AppUninstallSession::MovedItem;
+
+std::vector<const UninstallCandidate*> chosenOf(const AppUninstallPlan& plan, const UninstallSelection& selection,
+                                                const std::optional<std::set<std::string>>& selectedPaths) {
+    std::vector<const UninstallCandidate*> chosen;
+    for (const UninstallCandidate& candidate : plan.candidates)
+        if (selectedPaths ? selectedPaths->contains(candidate.path.native())
+                          : AppUninstallPlanner::effectiveSelected(candidate, plan.app, selection))
+            chosen.push_back(&candidate);
+    return chosen;
+}
+
+MovedItem itemOf(const UninstallCandidate& candidate) {
+    return {.originalPath = candidate.path, .category = candidate.category, .sizeBytes = candidate.sizeBytes};
+}
+
+/// What became of an item, with what only the journal keeps.
+struct Handled {
+    MovedItem item;
+    std::optional<fs::path> stashPlace = {};
+
+    UninstallJournal::End end() const { return {item.succeeded, item.trashedTo, item.stashedTo, stashPlace}; }
+};
+
+/// The Trash has refused it.
+Handled setAside(const Host& host, const UninstallCandidate& candidate, const fs::path& path) {
+    Handled handled{.item = itemOf(candidate)};
+    const Disposal::Outcome outcome = FileStash::moveAside(host, path, "uninstall");
+    handled.item.stashedTo = path.parent_path() / ".TarvikTrash";
+    if (outcome.end == Disposal::Outcome::End::trashed) handled.item.trashedTo = outcome.place;
+    if (outcome.end == Disposal::Outcome::End::setAside) handled.stashPlace = outcome.place;
+    handled.item.succeeded = !Files::itemExists(path);
+    return handled;
+}
+
+Handled moved(const Host& host, const UninstallCandidate& candidate, const AppUninstallReporter& reporter) {
+    // A slash at the end of a path would lead through a link.
+    const fs::path path = Files::standardized(candidate.path);
+    const auto tell = [&](std::string_view tag) {
+        notify(reporter.log, fmt::format("{}\t{}\t{}", tag, textOf(candidate.category), candidate.path.native()));
+    };
+    try {
+        Handled handled{.item = itemOf(candidate)};
+        fs::path place = host.trash->moveToTrash(path);
+        if (!place.empty()) handled.item.trashedTo = std::move(place);
+        handled.item.succeeded = true;
+        tell("trash");
+        return handled;
+    } catch (const FileError&) {
+        Handled handled = setAside(host, candidate, path);
+        tell("stash");
+        return handled;
+    }
+}
+
+/// The items as they stand now: by that they are found again, wherever they have gone.
+UninstallJournal journalFor(const Host& host, const AppUninstallPlan& plan,
+                            const std::vector<const UninstallCandidate*>& chosen) {
+    UninstallJournal journal{.appPath = plan.app.bundlePath,
+                             .appName = plan.app.displayName,
+                             .bundleIdentifier = plan.app.bundleIdentifier,
+                             .startedAt = host.now()};
+    std::map<fs::path, fs::path> realFolders;
+    for (const UninstallCandidate* candidate : chosen) {
+        if (candidate->category == UninstallCategory::receipts) continue;
+        const fs::path path = Files::standardized(candidate->path);
+        const fs::path folder = path.parent_path();
+        auto [real, isNew] = realFolders.try_emplace(folder);
+        if (isNew) real->second = Files::resolved(folder).value_or(folder);
+        journal.items.push_back({.path = candidate->path,
+                                 .place = real->second / path.filename(),
+                                 .category = candidate->category,
+                                 .sizeBytes = candidate->sizeBytes,
+                                 .identity = ItemIdentity::of(path)});
+    }
+    return journal;
+}
+
+/// Gives the record this second's id, or that of the next one that is free. @returns its folder. @throws FileError.
+fs::path claimFolder(const Host& host, const fs::path& root, AppUninstallSession& session) {
+    constexpr auto pause = std::chrono::milliseconds(20);
+    constexpr int pausesInThreeSeconds = 150;
+    for (int turn = 0;; ++turn) {
+        session.createdAt = host.now();
+        session.id = UninstallSessionId::at(session.createdAt);
+        fs::path folder = root / session.id;
+        if (Files::createNewFolder(folder)) return folder;
+        if (turn == pausesInThreeSeconds) throw FileError("create the folder", folder, EEXIST);
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+/// Writes the record and lets the journal go.
+void record(const Host& host, const fs::path& root, AppUninstallSession& session, UninstallJournalFile& journal) {
+    const fs::path folder = claimFolder(host, root, session);
+    journal.note(UninstallJournal::lineOfSession(session.id));
+    journal.flush();
+    try {
+        UninstallSessionStore::save(session, root);
+    } catch (...) {
+        ignoringFailure([&] { Files::removeEmptyFolder(folder); });
+        throw;
+    }
+    journal.settleIn(folder);
+}
+
+[[noreturn]] void throwUnrecorded(const FileError& failure, const AppUninstallSession& session) {
+    std::int64_t count = 0;
+    for (const MovedItem& item : session.movedItems)
+        if (item.succeeded) ++count;
+    throw Failure("AppUninstall", failure.code(),
+                  fmt::format("{} went to the Trash, but there is no record of it: {}. The list of past uninstalls "
+                              "shows it as interrupted, and can put everything back.",
+                              Text::counted(count, "item"), failure.description()));
+}
+
+}  // namespace
+
+MovedItem handleFile(const Host& host, const UninstallCandidate& candidate, bool dryRun,
+                     const AppUninstallReporter& reporter) {
+    if (!dryRun) return moved(host, candidate, reporter).item;
+    notify(reporter.log, fmt::format("dry-trash\t{}\t{}", textOf(candidate.category), candidate.path.native()));
+    MovedItem item = itemOf(candidate);
+    item.succeeded = true;
+    return item;
+}
+
+void handleReceipt(const Host& host, const std::string& identifier, bool dryRun, const AppUninstallReporter& reporter,
+                   std::vector<std::string>& forgotten) {
+    if (dryRun) {
+        notify(reporter.log, "dry-forget-receipt\t" + identifier);
+        forgotten.push_back(identifier);
+        return;
+    }
+    const CommandResult result = CommandRunner::run(host.tools.pkgutil, {"--forget", identifier});
+    if (result.succeeded()) {
+        notify(reporter.log, "forget-receipt\t" + identifier);
+        forgotten.push_back(identifier);
+    } else {
+        notify(reporter.log, fmt::format("forget-receipt-fail\t{}\t{}", identifier, Text::trimmed(result.stderr)));
+    }
+}
+
+AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection, bool dryRun,
+                        const std::optional<std::set<std::string>>& selectedPaths,
+                        const AppUninstallReporter& reporter) {
+    const AppRecord& app = plan.app;
+    if (app.kind == AppRecordKind::systemRisky)
+        throw AppUninstallError::refused("Refusing to uninstall system app: " + app.bundlePath.native());
+    const auto chosen = chosenOf(plan, selection, selectedPaths);
+    const fs::path root = AppStorageNames::uninstallSessionRoot(host);
+    std::optional<UninstallLock> lock;
+    std::optional<UninstallJournalFile> journal;
+    if (!dryRun) {
+        lock.emplace(UninstallLock::take(root, app.bundlePath, app.displayName));
+        UninstallJournals::settle(root);
+        journal.emplace(UninstallJournalFile::begin(root, journalFor(host, plan, chosen)));
+    }
+    const KeptAwake awake(host, "An application is being uninstalled");
+    notify(reporter.log, fmt::format("uninstall-start\t{}\tdry={}", app.bundlePath.native(), dryRun));
+
+    AppUninstallSession session{.appPath = app.bundlePath,
+                                .appName = app.displayName,
+                                .bundleIdentifier = app.bundleIdentifier,
+                                .dryRun = dryRun};
+    for (const UninstallCandidate* candidate : chosen) {
+        if (candidate->category == UninstallCategory::receipts) {
+            const auto before = session.forgottenReceipts.size();
+            handleReceipt(host, candidate->path.native(), dryRun, reporter, session.forgottenReceipts);
+            if (journal && session.forgottenReceipts.size() > before)
+                journal->note(UninstallJournal::lineOfReceipt(candidate->path.native()));
+        } else if (dryRun) {
+            session.movedItems.push_back(handleFile(host, *candidate, dryRun, reporter));
+        } else {
+            Handled handled{.item = itemOf(*candidate)};
+            if (const auto reason = UninstallCheck::reasonToStay(host, app, *candidate))
+                notify(reporter.log, fmt::format("stays\t{}\t{}\t{}", textOf(candidate->category),
+                                                 candidate->path.native(), *reason));
+            else
+                handled = moved(host, *candidate, reporter);
+            journal->note(UninstallJournal::lineOf(session.movedItems.size(), handled.end()));
+            session.movedItems.push_back(std::move(handled.item));
+        }
+    }
+
+    if (dryRun) {
+        session.createdAt = host.now();
+        session.id = UninstallSessionId::at(session.createdAt);
+    } else {
+        try {
+            record(host, root, session, *journal);
+        } catch (const FileError& failure) {
+            throwUnrecorded(failure, session);
+        }
+        notify(reporter.log, "session\t" + session.id);
+    }
+    notify(reporter.log, fmt::format("uninstall-done\titems={}\treceipts={}", session.movedItems.size(),
+                                     session.forgottenReceipts.size()));
+    return session;
+}
+
+}  // namespace tarvik::AppUninstallRunner

@@ -1,0 +1,58 @@
+#include "UninstallRun/UninstallCheck.h"
+
+#include "Applications/LauncherLayout.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Files/SystemCalls.h"
+#include "Platform/Text/PropertyList.h"
+
+#include <fcntl.h>
+
+namespace tarvik::UninstallCheck {
+
+namespace {
+
+using Files::ItemType;
+
+/// Something is mounted there. Only a folder is asked: what a mount shows in a file's place is refused by the Trash.
+bool isMountPoint(const fs::path& folder) {
+    SystemCalls::ItemGuard guard;
+    return SystemCalls::readGuard(AT_FDCWD, folder.c_str(), guard) == 0 && guard.isMountPoint;
+}
+
+/// As the scan of applications reads it.
+std::optional<std::string> identifierOf(const fs::path& bundle) {
+    return PropertyList::dictionaryAt(bundle / "Contents/Info.plist").text("CFBundleIdentifier");
+}
+
+/// Whether another application stands in the place of the bundle, or of the copy on a drive that its link or launcher
+/// leads to. A bundle that names none, as a damaged one does, may well be the one that was planned.
+bool isAnotherApplication(const AppRecord& app, const UninstallCandidate& candidate, const fs::path& path) {
+    const bool isBundle = candidate.path == app.bundlePath;
+    const bool isTarget = candidate.path == app.externalTargetPath;
+    if (candidate.category != UninstallCategory::executable || (!isBundle && !isTarget)) return false;
+    const auto identifier = identifierOf(path);
+    if (!identifier || !app.bundleIdentifier || *identifier == *app.bundleIdentifier) return false;
+    return isBundle || *app.bundleIdentifier != *identifier + std::string(LauncherLayout::identifierSuffix);
+}
+
+}  // namespace
+
+std::optional<std::string> reasonToStay(const Host& /*host*/, const AppRecord& app,
+                                        const UninstallCandidate& candidate) {
+    const fs::path path = Files::standardized(candidate.path);
+    const auto now = Files::info(path);
+    if (!now) return std::nullopt;
+    const bool isLink = now->type == ItemType::symbolicLink;
+    if (candidate.seen) {
+        if (isLink && candidate.seen->type != ItemType::symbolicLink) return "it has become a link";
+        if (now->type != candidate.seen->type || !Files::isSameItem(now, candidate.seen))
+            return now->type == ItemType::folder && isMountPoint(path) ? "something is mounted there"
+                                                                       : "something else stands there by now";
+    }
+    if (now->type == ItemType::folder && isMountPoint(path)) return "something is mounted there";
+    // A link leads where it leads: only it goes.
+    if (!isLink && isAnotherApplication(app, candidate, path)) return "it is another application by now";
+    return std::nullopt;
+}
+
+}  // namespace tarvik::UninstallCheck

@@ -1,0 +1,89 @@
+#include "UninstallRun/UninstallHistory.h"
+
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
+#include "UninstallRun/UninstallJournalFile.h"
+#include "UninstallRun/UninstallSearch.h"
+#include "UninstallRun/UninstallSessionId.h"
+#include "UninstallRun/UninstallSessionStore.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarvik::UninstallHistory {
+
+namespace {
+
+using MovedItem = AppUninstallSession::MovedItem;
+
+/// What the disk tells of an item of which the run could not tell any more.
+void findOut(UninstallSearch& search, const UninstallJournal::Item& noted, MovedItem& item) {
+    if (!noted.identity) return;
+    const auto standing = ItemIdentity::of(noted.place);
+    if (standing && standing->isSame(*noted.identity)) return;
+    item.trashedTo = search.inTrash(noted.place, *noted.identity);
+    if (!item.trashedTo && UninstallSearch::inStash(noted.path, noted.identity, {}))
+        item.stashedTo = UninstallSearch::stashBeside(noted.path);
+    item.succeeded = item.trashedTo || item.stashedTo;
+}
+
+AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::Found& found) {
+    const UninstallJournal& journal = found.journal;
+    AppUninstallSession session{.id = UninstallSessionId::ofInterrupted(found.name),
+                                .appPath = journal.appPath,
+                                .appName = journal.appName,
+                                .bundleIdentifier = journal.bundleIdentifier,
+                                .createdAt = journal.startedAt,
+                                .forgottenReceipts = journal.forgottenReceipts};
+    for (const auto& noted : journal.items) {
+        MovedItem item{.originalPath = noted.path, .category = noted.category, .sizeBytes = noted.sizeBytes};
+        if (noted.end) {
+            item.trashedTo = noted.end->trashedTo;
+            item.stashedTo = noted.end->stashedTo;
+            item.succeeded = noted.end->succeeded;
+        } else {
+            findOut(search, noted, item);
+        }
+        session.movedItems.push_back(std::move(item));
+    }
+    return session;
+}
+
+/// A record under another name than its own is none that a run has written.
+bool isRecordOf(const AppUninstallSession& session, const std::string& id) {
+    return session.id == id && !session.dryRun;
+}
+
+}  // namespace
+
+std::vector<AppUninstallSession> list(const Host& host) {
+    const fs::path root = AppStorageNames::uninstallSessionRoot(host);
+    std::vector<AppUninstallSession> sessions;
+    for (const std::string& name : Files::names(root)) {
+        if (!UninstallSessionId::isOne(name)) continue;
+        auto session = UninstallSessionStore::load(root / name);
+        if (session && isRecordOf(*session, name)) sessions.push_back(std::move(*session));
+    }
+    UninstallSearch search(host);
+    for (const auto& found : UninstallJournals::interrupted(root)) sessions.push_back(sessionOf(search, found));
+    std::stable_sort(sessions.begin(), sessions.end(),
+                     [](const AppUninstallSession& one, const AppUninstallSession& other) {
+                         return one.createdAt > other.createdAt;
+                     });
+    return sessions;
+}
+
+std::optional<AppUninstallSession> find(const Host& host, const std::string& id) {
+    if (!UninstallSessionId::isOne(id)) return std::nullopt;
+    const fs::path root = AppStorageNames::uninstallSessionRoot(host);
+    auto session = UninstallSessionStore::find(id, root);
+    if (session && isRecordOf(*session, id)) return session;
+    const std::string name = UninstallSessionId::journalNameOf(id);
+    if (name.empty()) return std::nullopt;
+    UninstallSearch search(host);
+    for (const auto& found : UninstallJournals::interrupted(root))
+        if (found.name == name) return sessionOf(search, found);
+    return std::nullopt;
+}
+
+}  // namespace tarvik::UninstallHistory

@@ -1,0 +1,221 @@
+#include "UninstallRun/UninstallJournal.h"
+
+#include "Platform/Text/Text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <concepts>
+#include <iterator>
+
+namespace tarvik {
+
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::system_clock;
+
+constexpr std::string_view firstLine = "tarvik-uninstall-journal\t1\n";
+/// No field of that kind: a path or a name is never a lone dash here, see `written`.
+constexpr std::string_view nothing = "-";
+constexpr int lastItemType = static_cast<int>(Files::ItemType::unknown);
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (const char letter : text) {
+        switch (letter) {
+            case '\\': result += "\\\\"; break;
+            case '\t': result += "\\t"; break;
+            case '\n': result += "\\n"; break;
+            case '\r': result += "\\r"; break;
+            default: result += letter;
+        }
+    }
+    return result;
+}
+
+std::string unescaped(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        if (text[index] != '\\' || index + 1 == text.size()) {
+            result += text[index];
+            continue;
+        }
+        switch (text[++index]) {
+            case 't': result += '\t'; break;
+            case 'n': result += '\n'; break;
+            case 'r': result += '\r'; break;
+            default: result += text[index];
+        }
+    }
+    return result;
+}
+
+/// What is there has a mark before it, which tells it from nothing.
+template <typename Text>
+std::string written(const std::optional<Text>& text) {
+    if (!text) return std::string(nothing);
+    return "=" + escaped(fs::path(*text).native());
+}
+
+template <typename Text>
+std::optional<Text> readText(std::string_view field) {
+    if (!field.starts_with('=')) return std::nullopt;
+    return Text(unescaped(field.substr(1)));
+}
+
+template <std::integral Number>
+std::optional<Number> readNumber(std::string_view field) {
+    Number number = 0;
+    const auto [end, error] = std::from_chars(field.data(), field.data() + field.size(), number);
+    if (error != std::errc() || end != field.data() + field.size()) return std::nullopt;
+    return number;
+}
+
+std::string written(const std::optional<ItemIdentity>& identity) {
+    if (!identity) return std::string(nothing);
+    return fmt::format("{}:{}:{}:{}:{}:{}", static_cast<int>(identity->type), identity->device, identity->inode,
+                       identity->size, identity->changed,
+                       identity->born ? std::to_string(*identity->born) : std::string(nothing));
+}
+
+std::vector<std::string_view> fieldsOf(std::string_view line, char separator) {
+    std::vector<std::string_view> fields;
+    for (std::size_t begin = 0; begin <= line.size();) {
+        const std::size_t end = std::min(line.find(separator, begin), line.size());
+        fields.push_back(line.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return fields;
+}
+
+std::optional<ItemIdentity> readIdentity(std::string_view field) {
+    const auto parts = fieldsOf(field, ':');
+    if (parts.size() != 6) return std::nullopt;
+    const auto type = readNumber<int>(parts[0]);
+    const auto device = readNumber<std::uint64_t>(parts[1]);
+    const auto inode = readNumber<std::uint64_t>(parts[2]);
+    const auto size = readNumber<std::int64_t>(parts[3]);
+    const auto changed = readNumber<std::int64_t>(parts[4]);
+    if (!type || *type < 0 || *type > lastItemType || !device || !inode || !size || !changed) return std::nullopt;
+    return ItemIdentity{.type = static_cast<Files::ItemType>(*type),
+                        .device = *device,
+                        .inode = *inode,
+                        .size = *size,
+                        .changed = *changed,
+                        .born = readNumber<std::int64_t>(parts[5])};
+}
+
+std::optional<UninstallJournal::Item> readItem(const std::vector<std::string_view>& fields) {
+    if (fields.size() != 6) return std::nullopt;
+    const auto category = uninstallCategoryOf(fields[1]);
+    const auto size = readNumber<std::int64_t>(fields[2]);
+    auto path = readText<fs::path>(fields[4]);
+    auto place = readText<fs::path>(fields[5]);
+    if (!category || !size || !path) return std::nullopt;
+    return UninstallJournal::Item{.path = *path,
+                                  .place = place ? std::move(*place) : *path,
+                                  .category = *category,
+                                  .sizeBytes = *size,
+                                  .identity = readIdentity(fields[3])};
+}
+
+void takeEnd(UninstallJournal& journal, const std::vector<std::string_view>& fields) {
+    if (fields.size() != 6) return;
+    const auto number = readNumber<std::size_t>(fields[1]);
+    if (!number || *number >= journal.items.size()) return;
+    journal.items[*number].end = UninstallJournal::End{.succeeded = fields[2] == "true",
+                                                       .trashedTo = readText<fs::path>(fields[3]),
+                                                       .stashedTo = readText<fs::path>(fields[4]),
+                                                       .stashPlace = readText<fs::path>(fields[5])};
+}
+
+/// What a line behind the opening tells.
+void takeLater(UninstallJournal& journal, const std::vector<std::string_view>& fields) {
+    if (fields[0] == "went") takeEnd(journal, fields);
+    if (fields.size() != 2) return;
+    auto text = readText<std::string>(fields[1]);
+    if (text && fields[0] == "forgot") journal.forgottenReceipts.push_back(std::move(*text));
+    else if (text && fields[0] == "session") journal.sessionId = std::move(text);
+}
+
+/// False for a line that an opening does not have.
+bool takeOpening(UninstallJournal& journal, const std::vector<std::string_view>& fields) {
+    if (fields[0] == "item") {
+        auto item = readItem(fields);
+        if (item) journal.items.push_back(std::move(*item));
+        return item.has_value();
+    }
+    if (fields[0] != "app" || fields.size() != 5) return false;
+    const auto path = readText<fs::path>(fields[1]);
+    const auto name = readText<std::string>(fields[2]);
+    const auto started = readNumber<std::int64_t>(fields[4]);
+    if (!path || !name || !started) return false;
+    journal.appPath = *path;
+    journal.appName = *name;
+    journal.bundleIdentifier = readText<std::string>(fields[3]);
+    const auto mostMicroseconds = std::chrono::floor<microseconds>(system_clock::duration::max()).count();
+    if (*started > mostMicroseconds || *started < -mostMicroseconds) return false;
+    journal.startedAt = system_clock::time_point(std::chrono::duration_cast<system_clock::duration>(microseconds(*started)));
+    return true;
+}
+
+}  // namespace
+
+const UninstallJournal::Item* UninstallJournal::itemAt(const fs::path& path) const {
+    const auto found = std::find_if(items.begin(), items.end(), [&](const Item& item) { return item.path == path; });
+    return found == items.end() ? nullptr : &*found;
+}
+
+std::string UninstallJournal::opening() const {
+    std::string text(firstLine);
+    const auto started = std::chrono::floor<microseconds>(startedAt.time_since_epoch()).count();
+    fmt::format_to(std::back_inserter(text), "app\t{}\t{}\t{}\t{}\n", written(std::optional(appPath)),
+                   written(std::optional(appName)), written(bundleIdentifier), started);
+    for (const Item& item : items)
+        fmt::format_to(std::back_inserter(text), "item\t{}\t{}\t{}\t{}\t{}\n", textOf(item.category), item.sizeBytes,
+                       written(item.identity), written(std::optional(item.path)),
+                       item.place == item.path ? std::string(nothing) : written(std::optional(item.place)));
+    return text + "begin\n";
+}
+
+std::string UninstallJournal::lineOf(std::size_t item, const End& end) {
+    return fmt::format("went\t{}\t{}\t{}\t{}\t{}\n", item, end.succeeded, written(end.trashedTo),
+                       written(end.stashedTo), written(end.stashPlace));
+}
+
+std::string UninstallJournal::lineOfReceipt(std::string_view identifier) {
+    return fmt::format("forgot\t{}\n", written(std::optional(std::string(identifier))));
+}
+
+std::string UninstallJournal::lineOfSession(std::string_view id) {
+    return fmt::format("session\t{}\n", written(std::optional(std::string(id))));
+}
+
+std::optional<UninstallJournal> UninstallJournal::parsed(std::string_view text) {
+    if (!text.starts_with(firstLine)) return std::nullopt;
+    text.remove_prefix(firstLine.size());
+    // A line without its end was being written.
+    text = text.substr(0, text.rfind('\n') + 1);
+    UninstallJournal journal;
+    bool hasBegun = false;
+    bool hasApp = false;
+    for (const std::string_view line : Text::lines(text)) {
+        const auto fields = fieldsOf(line, '\t');
+        if (hasBegun) {
+            takeLater(journal, fields);
+        } else if (line == "begin") {
+            hasBegun = true;
+        } else if (takeOpening(journal, fields)) {
+            hasApp = hasApp || fields[0] == "app";
+        } else {
+            return std::nullopt;
+        }
+    }
+    return hasBegun && hasApp ? std::optional(std::move(journal)) : std::nullopt;
+}
+
+}  // namespace tarvik

@@ -1,0 +1,158 @@
+#include "UninstallRun/UninstallQuestions.h"
+
+#include "Platform/Bundles/RunningAppsDetector.h"
+#include "Platform/Files/Files.h"
+#include "Platform/Machine/EnclosingBundles.h"
+#include "Platform/Processes/ProcessTable.h"
+#include "Platform/Text/Text.h"
+#include "UninstallRun/AppUninstallError.h"
+#include "UninstallRun/LaunchProgram.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+#include <thread>
+
+namespace tarvik::UninstallQuestions {
+
+namespace {
+
+using std::chrono::steady_clock;
+
+/// As long as a move waits.
+constexpr std::chrono::duration<double> quitTimeout{8};
+constexpr std::chrono::milliseconds quitPause{100};
+constexpr std::size_t mostNames = 6;
+
+/// What runs on the machine, asked for once.
+struct InUse {
+    std::set<fs::path> bundles;
+    std::set<fs::path> programs;
+
+    bool holdsBundle(const fs::path& bundle) const { return RunningAppsDetector::isAmong(bundles, bundle); }
+    bool holdsProgram(const fs::path& program) const {
+        const auto real = Files::resolved(program);
+        return programs.contains(program) || (real && programs.contains(*real));
+    }
+};
+
+InUse inUseOn(const Host& host) {
+    const auto programs = ProcessTable::programs();
+    return {.bundles = RunningAppsDetector::bundlePaths(host), .programs = {programs.begin(), programs.end()}};
+}
+
+void add(std::vector<Running>& found, Running running) {
+    if (std::none_of(found.begin(), found.end(), [&](const Running& other) { return other.path == running.path; }))
+        found.push_back(std::move(running));
+}
+
+Running runningBundle(const Host& host, const fs::path& bundle, std::string name) {
+    return {.path = bundle,
+            .name = std::move(name),
+            .canQuit = !RunningAppsDetector::runningInstances(host, bundle).empty()};
+}
+
+/// The paths by which the application may run, the one at which it really stands first.
+std::vector<fs::path> placesOf(const AppRecord& app) {
+    std::vector<fs::path> places;
+    if (app.externalTargetPath && !app.externalTargetPath->empty())
+        places.push_back(Files::standardized(app.bundlePath.parent_path() / *app.externalTargetPath));
+    places.push_back(Files::standardized(app.bundlePath));
+    return places;
+}
+
+bool isChosen(const UninstallCandidate& candidate, const std::optional<std::set<std::string>>& selectedPaths) {
+    return selectedPaths ? selectedPaths->contains(candidate.path.native()) : candidate.defaultSelected;
+}
+
+/// The program that a candidate starts, or is; nothing when it is no agent's, daemon's or helper.
+std::optional<fs::path> programOf(const Host& host, const UninstallCandidate& candidate) {
+    if (candidate.category != UninstallCategory::launchAgents && candidate.category != UninstallCategory::launchDaemons)
+        return std::nullopt;
+    if (candidate.path.extension() == ".plist") return LaunchProgram::of(host, candidate.path);
+    return candidate.path;
+}
+
+void addProgram(const Host& host, const InUse& inUse, const fs::path& program, std::vector<Running>& found) {
+    const auto bundles = EnclosingBundles::of(program);
+    if (!bundles.empty() && inUse.holdsBundle(bundles.front())) {
+        add(found, runningBundle(host, bundles.front(), bundles.front().stem().native()));
+    } else if (inUse.holdsProgram(program)) {
+        add(found, {.path = program, .name = program.filename().native(), .canQuit = false});
+    }
+}
+
+std::vector<std::string> namesOf(const std::vector<Running>& running) {
+    std::vector<std::string> names;
+    for (const Running& each : running) names.push_back(each.name);
+    return names;
+}
+
+bool stillRuns(const InUse& inUse, const Running& running) {
+    return inUse.holdsBundle(running.path) || inUse.holdsProgram(running.path);
+}
+
+}  // namespace
+
+Dialog confirm(const AppUninstallPlan& plan) {
+    return {fmt::format("Uninstall {}?", plan.app.displayName),
+            fmt::format("Will move {} items to Trash. This action moves files; it does not permanently delete them.",
+                        plan.candidates.size()),
+            {"Uninstall", "Cancel"}};
+}
+
+std::vector<Running> running(const Host& host, const AppUninstallPlan& plan,
+                             const std::optional<std::set<std::string>>& selectedPaths) {
+    std::vector<Running> found;
+    const InUse inUse = inUseOn(host);
+    const bool takesApplication =
+        std::any_of(plan.candidates.begin(), plan.candidates.end(), [&](const UninstallCandidate& candidate) {
+            return candidate.category != UninstallCategory::receipts && isChosen(candidate, selectedPaths);
+        });
+    // An application that runs writes to its data, and from there to places that have gone.
+    if (takesApplication) {
+        for (const fs::path& place : placesOf(plan.app)) {
+            if (!inUse.holdsBundle(place)) continue;
+            add(found, runningBundle(host, place, plan.app.displayName));
+            break;
+        }
+    }
+    for (const UninstallCandidate& candidate : plan.candidates) {
+        if (!isChosen(candidate, selectedPaths)) continue;
+        if (const auto program = programOf(host, candidate)) addProgram(host, inUse, *program, found);
+    }
+    return found;
+}
+
+Dialog quitRunning(const std::vector<Running>& running) {
+    const auto names = namesOf(running);
+    std::vector<std::string> details;
+    for (const Running& each : running)
+        if (!each.canQuit) details.push_back(fmt::format("{} cannot be quit from here: {}", each.name, each.path.native()));
+    return {fmt::format("{} {} running", Text::counted(std::ssize(running), "item"), names.size() == 1 ? "is" : "are"),
+            fmt::format("Removing what runs can lose its data.\n\n{}\n\nQuit automatically before uninstalling?",
+                        Text::listed(names, mostNames)),
+            {"Quit & Uninstall", "Cancel"},
+            std::move(details)};
+}
+
+void quit(const Host& host, const std::vector<Running>& running) {
+    for (const Running& each : running)
+        if (each.canQuit && !RunningAppsDetector::quit(host, each.path, false, quitTimeout))
+            throw AppUninstallError::refused(fmt::format("{} still runs. Quit it first.", each.name));
+    // A helper may take a moment to follow its application.
+    const auto begin = steady_clock::now();
+    while (true) {
+        const InUse inUse = inUseOn(host);
+        const auto left = std::find_if(running.begin(), running.end(),
+                                       [&](const Running& each) { return stillRuns(inUse, each); });
+        if (left == running.end()) return;
+        if (steady_clock::now() - begin >= quitTimeout)
+            throw AppUninstallError::refused(fmt::format("{} still runs. Quit it first.", left->name));
+        std::this_thread::sleep_for(quitPause);
+    }
+}
+
+}  // namespace tarvik::UninstallQuestions
