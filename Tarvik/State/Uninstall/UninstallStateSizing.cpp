@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <coroutine>
 #include <cstddef>
 #include <exception>
 #include <unordered_map>
@@ -23,6 +24,15 @@ constexpr int walkersAtATime = 6;
 constexpr std::size_t batchSize = 8;
 /// How long small applications follow each other without a way over the UI thread, which may be drawing.
 constexpr std::chrono::milliseconds longestWalkTurn{10};
+
+/// Awaits a place in the queue of a semaphore that stays where it is: GCC 12 copies what a task awaits.
+struct PlaceInQueue {
+    AsyncSemaphore::Waiting* place;
+
+    bool await_ready() const noexcept { return place->await_ready(); }
+    void await_suspend(std::coroutine_handle<> coroutine) const noexcept { place->await_suspend(coroutine); }
+    void await_resume() const noexcept {}
+};
 
 }  // namespace
 
@@ -92,8 +102,9 @@ QCoro::Task<> UninstallState::sizeSome(std::shared_ptr<Sizing> sizing) {
         return measured;
     };
     while (!sizing->isOver()) {
-        auto permit = m_walks.wait();
-        co_await permit;
+        auto place = m_walks.wait();
+        const PlaceInQueue turn{&place};
+        co_await turn;
         std::vector<AppRecord> measured;
         std::exception_ptr failure;
         try {
