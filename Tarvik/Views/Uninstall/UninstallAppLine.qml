@@ -37,11 +37,21 @@ Item {
         ElidedLabel {
             objectName: "rowName"
             anchors.left: parent.left
-            anchors.right: size.left
-            anchors.rightMargin: Theme.small
+            width: Math.min(implicitWidth, size.x - Theme.small - (badge.visible ? badge.width + Theme.small : 0))
             fullText: app.line.name
             font.weight: Font.DemiBold
             Accessible.ignored: true
+
+            Badge {
+                id: badge
+                objectName: "rowBadge"
+                anchors.left: parent.right
+                anchors.leftMargin: Theme.small
+                anchors.verticalCenter: parent.verticalCenter
+                visible: text !== ""
+                implicitHeight: 17
+                text: app.line.badge
+            }
         }
         Figures {
             id: size
@@ -55,23 +65,13 @@ Item {
         ElidedLabel {
             objectName: "rowFacts"
             anchors.left: parent.left
-            anchors.right: badge.visible ? badge.left : parent.right
-            anchors.rightMargin: badge.visible ? Theme.small : 0
+            anchors.right: parent.right
             anchors.bottom: parent.bottom
             fullText: app.facts
             elide: Text.ElideRight
             color: Theme.textSecondary
             font.pixelSize: Theme.captionSize
             Accessible.ignored: true
-        }
-        Badge {
-            id: badge
-            objectName: "rowBadge"
-            anchors.right: parent.right
-            anchors.bottom: parent.bottom
-            visible: text !== ""
-            implicitHeight: 17
-            text: app.line.badge
         }
     }
 }

@@ -16,7 +16,7 @@ Item {
     }
     UninstallListColumn {
         id: listColumn
-        width: Math.round(Math.max(256, Math.min(380, tab.width * 0.36)))
+        width: Math.round(Math.max(300, Math.min(380, tab.width * 0.36)))
         height: parent.height
     }
     Rectangle {
