@@ -1,6 +1,6 @@
 #include "State/QmlModule.h"
 
-#include "State/Apps/AppIcons.h"
+#include "State/Lists/AppIcons.h"
 #include "State/Shared/AppState.h"
 #include "State/Shared/Desktop.h"
 #include "State/Shared/EngineObjects.h"

@@ -5,6 +5,7 @@
 #include "State/Folders/FoldersState.h"
 #include "State/Health/HealthState.h"
 #include "State/Symlinks/SymlinksState.h"
+#include "State/Uninstall/UninstallState.h"
 
 namespace tarvik::Tabs {
 
@@ -15,6 +16,7 @@ std::vector<std::unique_ptr<TabState>> all(AppState& app) {
     tabs.push_back(std::make_unique<FoldersState>(app));
     tabs.push_back(std::make_unique<SymlinksState>(app));
     tabs.push_back(std::make_unique<HealthState>(app));
+    tabs.push_back(std::make_unique<UninstallState>(app));
     tabs.push_back(std::make_unique<DedupeState>(app));
     return tabs;
 }

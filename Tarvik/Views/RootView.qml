@@ -13,6 +13,7 @@ FocusScope {
         { name: "folders", label: "Folders", icon: "folder", view: "Folders/FoldersTab.qml" },
         { name: "symlinks", label: "Symlinks", icon: "link", view: "Symlinks/SymlinksTab.qml" },
         { name: "health", label: "Health", icon: "seal", view: "Health/HealthTab.qml" },
+        { name: "uninstall", label: "Uninstall", icon: "trash", view: "Uninstall/UninstallTab.qml" },
         { name: "dedupe", label: "Dedupe", icon: "dedupe", view: "Dedupe/DedupeTab.qml" }
     ]
     property int selectedTab: 0

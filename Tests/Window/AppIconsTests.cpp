@@ -1,4 +1,4 @@
-#include "State/Apps/AppIcons.h"
+#include "State/Lists/AppIcons.h"
 #include "State/Threads/BusyThreads.h"
 #include "Support/Bundles.h"
 #include "Support/IconFiles.h"

@@ -1,7 +1,7 @@
 #include "State/Apps/AppRow.h"
 
 #include "Platform/Text/Text.h"
-#include "State/Apps/AppIcons.h"
+#include "State/Lists/AppIcons.h"
 #include "State/Lists/FilePath.h"
 #include "State/Lists/ScreenText.h"
 

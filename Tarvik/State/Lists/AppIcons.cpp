@@ -1,4 +1,4 @@
-#include "State/Apps/AppIcons.h"
+#include "State/Lists/AppIcons.h"
 
 #include "Platform/Basics/Cancellation.h"
 #include "Platform/Bundles/BundleIcon.h"

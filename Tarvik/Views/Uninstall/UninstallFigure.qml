@@ -1,0 +1,40 @@
+import QtQuick
+import Tarvik
+
+/// A figure of what is ticked.
+Column {
+    id: figure
+
+    property string value
+    property string unit
+
+    spacing: 0
+    Accessible.role: Accessible.StaticText
+    Accessible.name: value + " " + unit + " selected"
+
+    Row {
+        spacing: Theme.tiny
+        Figures {
+            id: number
+            objectName: "figureValue"
+            text: figure.value
+            size: Theme.headlineSize + 2
+            weight: Font.DemiBold
+            Accessible.ignored: true
+        }
+        Label {
+            objectName: "figureUnit"
+            anchors.bottom: number.bottom
+            anchors.bottomMargin: 2
+            text: figure.unit
+            Accessible.ignored: true
+        }
+    }
+    Label {
+        objectName: "figureCaption"
+        text: "selected"
+        color: Theme.textSecondary
+        font.pixelSize: Theme.captionSize
+        Accessible.ignored: true
+    }
+}
