@@ -46,13 +46,12 @@ TEST_F(UninstallSamples, HaveSomethingAtEveryPlace) {
     const auto plan = planOf("Loom");
     std::map<std::string, int> reasons;
     for (const auto& candidate : plan.candidates) ++reasons[candidate.reason];
-    EXPECT_THAT(reasons,
-                UnorderedElementsAre(Pair("App bundle", 1), Pair("Matches app name", 3), Pair("Matches bundle id", 7),
-                                     Pair("Preferences plist", 1), Pair("ByHost preferences", 2),
-                                     Pair("Saved application state", 1), Pair("User launch agent", 1),
-                                     Pair("Dotfile install matching app name", 5), Pair("Node CLI cache", 3),
-                                     Pair("System path matches bundle id", 4),
-                                     Pair("pkgutil receipt for bundle id", 1)));
+    EXPECT_THAT(reasons, UnorderedElementsAre(
+                             Pair("App bundle", 1), Pair("Matches app name", 3), Pair("Matches bundle id", 7),
+                             Pair("Preferences plist", 1), Pair("ByHost preferences", 2),
+                             Pair("Saved application state", 1), Pair("User launch agent", 1),
+                             Pair("Dotfile install matching app name", 5), Pair("Node CLI cache", 3),
+                             Pair("System path matches bundle id", 4), Pair("pkgutil receipt for bundle id", 1)));
     EXPECT_EQ(plan.grouped().size(), 13U) << "all sections but that of installer sessions";
     EXPECT_THAT(plan.warnings, ElementsAre("Launch daemons detected; requires admin authentication."));
     EXPECT_EQ(plan.candidates.back().path, "net.practicecraft.loom");
