@@ -42,7 +42,6 @@ inline constexpr std::chrono::seconds quitTimeout{8};
 /// Asks those to quit that can be asked, and waits up to `timeout` for each, and for the others to end by themselves: a
 /// helper may follow its application. Ends none by force. @throws AppUninstallError when one still runs then; nothing
 /// else has been touched.
-void quit(const Host& host, const std::vector<Running>& running,
-          std::chrono::duration<double> timeout = quitTimeout);
+void quit(const Host& host, const std::vector<Running>& running, std::chrono::duration<double> timeout = quitTimeout);
 
 }  // namespace tarvik::UninstallQuestions

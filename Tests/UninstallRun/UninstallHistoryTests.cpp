@@ -1,10 +1,9 @@
-#include "UninstallRun/UninstallHistory.h"
-
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 #include "UninstallRun/AppUninstallRunner.h"
+#include "UninstallRun/UninstallHistory.h"
 #include "UninstallRun/UninstallSessionStore.h"
 #include "UninstallRun/UninstallUndo.h"
 #include "UninstallRun/UninstallWorld.h"
@@ -107,7 +106,8 @@ TEST_F(UninstallHistoryTest, ShowsARecordFromTheFuture) {
 TEST_F(UninstallHistoryTest, FindsNothingByWhatIsNoId) {
     const auto session = world.run();
     makeFile(world.sessions().parent_path() / "session.json", contentOf(recordOf(session.id)));
-    for (const char* id : {"", ".", "..", "../UninstallSessions", "a/b", ".journals", "interrupted-", "interrupted-../x"})
+    for (const char* id :
+         {"", ".", "..", "../UninstallSessions", "a/b", ".journals", "interrupted-", "interrupted-../x"})
         EXPECT_EQ(UninstallHistory::find(world.host, id), std::nullopt) << id;
 }
 
@@ -133,8 +133,7 @@ TEST_F(UninstallHistoryTest, HasWhatAKilledRunTookAndPutsItBack) {
         for (const auto& item : UninstallUndo::putBack(world.host, past[0], AppUninstallReporter::silent))
             EXPECT_EQ(item.state, State::back) << item.reason;
         fs::remove_all(world.library("Application Support"));
-        EXPECT_EQ(pictureOf(world.folder / "Applications") + pictureOf(world.home / "Library"),
-                  before);
+        EXPECT_EQ(pictureOf(world.folder / "Applications") + pictureOf(world.home / "Library"), before);
     }
 }
 

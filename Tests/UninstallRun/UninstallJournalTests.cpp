@@ -1,6 +1,5 @@
-#include "UninstallRun/UninstallJournal.h"
-
 #include "Support/Mutator.h"
+#include "UninstallRun/UninstallJournal.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +39,8 @@ TEST(UninstallJournal, ComesBackAsItWasWritten) {
     UninstallJournal journal = full();
     EXPECT_EQ(UninstallJournal::parsed(journal.opening()), journal);
     std::string text = journal.opening();
-    const UninstallJournal::End trashed{.succeeded = true, .trashedTo = "/Trash/\t\n", .stashedTo = {}, .stashPlace = {}};
+    const UninstallJournal::End trashed{
+        .succeeded = true, .trashedTo = "/Trash/\t\n", .stashedTo = {}, .stashPlace = {}};
     const UninstallJournal::End stashed{
         .succeeded = false, .trashedTo = {}, .stashedTo = "/s/.TarvikTrash", .stashPlace = "/s/.TarvikTrash/b"};
     journal.items[0].end = trashed;

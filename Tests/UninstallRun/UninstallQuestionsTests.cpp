@@ -1,11 +1,10 @@
-#include "UninstallRun/UninstallQuestions.h"
-
 #include "Platform/Bundles/RunningBundle.h"
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "UninstallRun/LaunchProgram.h"
+#include "UninstallRun/UninstallQuestions.h"
 #include "UninstallRun/UninstallWorld.h"
 
 #include <gmock/gmock.h>
@@ -90,9 +89,7 @@ TEST_F(UninstallQuestionsTest, NamesTheProgramOfAnAgentThatIsInNoBundle) {
     const ChildProcess running = runTold(program, {"100"});
     agent({{"Program", "/usr/local/bin/foo-agent"}});
     EXPECT_THAT(this->running(), ElementsAre(Running{program, "foo-agent", false}));
-    EXPECT_EQ(failureOf([&] {
-                  UninstallQuestions::quit(world.host, this->running(), std::chrono::milliseconds(1));
-              }),
+    EXPECT_EQ(failureOf([&] { UninstallQuestions::quit(world.host, this->running(), std::chrono::milliseconds(1)); }),
               "foo-agent still runs. Quit it first.");
 }
 

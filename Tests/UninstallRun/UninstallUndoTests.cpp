@@ -1,11 +1,10 @@
-#include "UninstallRun/UninstallUndo.h"
-
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "UninstallRun/UninstallLock.h"
 #include "UninstallRun/UninstallSessionStore.h"
+#include "UninstallRun/UninstallUndo.h"
 #include "UninstallRun/UninstallWorld.h"
 
 #include <gmock/gmock.h>
@@ -159,10 +158,18 @@ TEST_F(UninstallUndoTest, TellsOfADriveThatIsAway) {
 TEST_F(UninstallUndoTest, RefusesPlacesThatNoRunTakesFrom) {
     const auto session = world.run();
     const fs::path wrong[] = {
-        world.home / "Documents/Foo",  world.home / "notes",         world.home / "Library/Caches/../../notes",
-        "Library/Caches/Foo",          "Foo",                        world.home / "Library/Caches/Foo/deep",
-        world.home / "Library/Caches", world.folder / "System/Foo",  world.home / "Library/Caches/",
-        world.folder / "etc/passwd",   world.home / ".Trash",        fs::path(),
+        world.home / "Documents/Foo",
+        world.home / "notes",
+        world.home / "Library/Caches/../../notes",
+        "Library/Caches/Foo",
+        "Foo",
+        world.home / "Library/Caches/Foo/deep",
+        world.home / "Library/Caches",
+        world.folder / "System/Foo",
+        world.home / "Library/Caches/",
+        world.folder / "etc/passwd",
+        world.home / ".Trash",
+        fs::path(),
     };
     for (const fs::path& path : wrong) {
         auto forged = session;
@@ -181,8 +188,8 @@ TEST_F(UninstallUndoTest, RefusesToTakeFromAnywhereButTheTrashAndTheStash) {
     for (const fs::path& path : wrong) {
         auto forged = session;
         forged.movedItems[1].trashedTo = path;
-        EXPECT_THAT(reasonOf(forged), testing::AnyOf(refused, "It is not in the Trash any more.",
-                                                     HasSubstr("its drive may be away")))
+        EXPECT_THAT(reasonOf(forged),
+                    testing::AnyOf(refused, "It is not in the Trash any more.", HasSubstr("its drive may be away")))
             << path;
         putBack(forged);
         EXPECT_FALSE(Files::itemExists(data)) << path;
@@ -242,8 +249,7 @@ TEST_F(UninstallUndoTest, LeavesNoFoldersWhereNothingCameBack) {
 
 TEST_F(UninstallUndoTest, IsRefusedWhileAnotherRunHasTheApplication) {
     const auto session = world.run();
-    const std::string refusal =
-        "Foo is being uninstalled or put back by another run. Wait until that has ended.";
+    const std::string refusal = "Foo is being uninstalled or put back by another run. Wait until that has ended.";
     {
         const auto lock = UninstallLock::take(world.sessions(), world.bundle, "Foo");
         EXPECT_EQ(failureOf([&] { putBack(session); }), refusal);

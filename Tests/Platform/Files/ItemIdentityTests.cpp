@@ -1,5 +1,4 @@
 #include "Platform/Files/ItemIdentity.h"
-
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -11,7 +10,8 @@ using test::makeFile;
 using test::makeLink;
 
 TEST(ItemIdentity, TellsAnItemFromTheNextOneOfItsNumber) {
-    const ItemIdentity item{.type = Files::ItemType::regular, .device = 1, .inode = 5, .size = 3, .changed = 10, .born = 4};
+    const ItemIdentity item{
+        .type = Files::ItemType::regular, .device = 1, .inode = 5, .size = 3, .changed = 10, .born = 4};
     const auto with = [&](const auto& change) {
         ItemIdentity other = item;
         change(other);
@@ -36,7 +36,8 @@ TEST(ItemIdentity, StaysWithAnItemThatIsRenamed) {
     ASSERT_TRUE(tree && link);
     EXPECT_EQ(tree->type, Files::ItemType::folder);
     EXPECT_EQ(link->type, Files::ItemType::symbolicLink);
-    EXPECT_TRUE(Files::isSameItem(Files::ItemInfo{.device = tree->device, .inode = tree->inode}, Files::info(folder / "a")));
+    EXPECT_TRUE(
+        Files::isSameItem(Files::ItemInfo{.device = tree->device, .inode = tree->inode}, Files::info(folder / "a")));
     fs::rename(folder / "a", folder / "b");
     makeFile(folder / "b/another");
     EXPECT_TRUE(tree->isSame(*ItemIdentity::of(folder / "b")));
