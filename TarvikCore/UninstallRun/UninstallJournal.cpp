@@ -70,9 +70,11 @@ std::string unescaped(std::string_view text) {
     return result;
 }
 
-template <typename Text>
-std::string written(const std::optional<Text>& text) {
-    return text ? marked(fs::path(*text).native()) : std::string(nothing);
+std::string written(const std::optional<std::string>& text) {
+    return text ? marked(*text) : std::string(nothing);
+}
+std::string written(const std::optional<fs::path>& path) {
+    return path ? marked(path->native()) : std::string(nothing);
 }
 
 template <typename Text>
@@ -190,12 +192,12 @@ const UninstallJournal::Item* UninstallJournal::itemAt(const fs::path& path) con
 std::string UninstallJournal::opening() const {
     std::string text(firstLine);
     const auto started = std::chrono::floor<microseconds>(startedAt.time_since_epoch()).count();
-    fmt::format_to(std::back_inserter(text), "app\t{}\t{}\t{}\t{}\n", written(std::optional(appPath)),
-                   written(std::optional(appName)), written(bundleIdentifier), started);
+    fmt::format_to(std::back_inserter(text), "app\t{}\t{}\t{}\t{}\n", marked(appPath.native()), marked(appName),
+                   written(bundleIdentifier), started);
     for (const Item& item : items)
         fmt::format_to(std::back_inserter(text), "item\t{}\t{}\t{}\t{}\t{}\n", textOf(item.category), item.sizeBytes,
-                       written(item.identity), written(std::optional(item.path)),
-                       item.place == item.path ? std::string(nothing) : written(std::optional(item.place)));
+                       written(item.identity), marked(item.path.native()),
+                       item.place.native() == item.path.native() ? std::string(nothing) : marked(item.place.native()));
     return text + "begin\n";
 }
 
@@ -205,11 +207,11 @@ std::string UninstallJournal::lineOf(std::size_t item, const End& end) {
 }
 
 std::string UninstallJournal::lineOfReceipt(std::string_view identifier) {
-    return fmt::format("forgot\t{}\n", written(std::optional(std::string(identifier))));
+    return fmt::format("forgot\t{}\n", marked(identifier));
 }
 
 std::string UninstallJournal::lineOfSession(std::string_view id) {
-    return fmt::format("session\t{}\n", written(std::optional(std::string(id))));
+    return fmt::format("session\t{}\n", marked(id));
 }
 
 std::optional<UninstallJournal> UninstallJournal::parsed(std::string_view text) {
