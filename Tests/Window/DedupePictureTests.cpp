@@ -115,6 +115,8 @@ TEST_P(DedupePicture, Failures) {
     world.trash->refuses = true;
     window.click("removeDuplicatesButton");
     EXPECT_TRUE(window.waitUntilShown("dedupeFailure-1"));
+    const auto topOf = [&](const char* name) { return window.item(name).mapToScene({0, 0}).y(); };
+    EXPECT_TRUE(window.waitUntil([&] { return topOf("dedupeFailure-0") >= topOf("dedupeList"); }));
 }
 
 TEST_P(DedupePicture, LongNames) {

@@ -11,6 +11,13 @@ Item {
         y: Theme.large
         width: parent.width - 2 * Theme.margin
     }
+    Connections {
+        target: DedupeState
+        // It comes to stand above all groups.
+        function onFailuresChanged() {
+            Qt.callLater(list.positionViewAtBeginning);
+        }
+    }
     Item {
         id: body
         anchors.top: header.bottom
@@ -43,9 +50,11 @@ Item {
             id: list
             objectName: "dedupeList"
             anchors.top: summary.bottom
-            anchors.topMargin: Theme.medium
+            anchors.topMargin: Theme.small
             anchors.bottom: parent.bottom
             width: parent.width
+            // For the ring around the first card.
+            topMargin: Theme.tiny
             visible: DedupeState.hasPlan
             leftMargin: Theme.margin
             rightMargin: Theme.margin
