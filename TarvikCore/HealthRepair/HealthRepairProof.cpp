@@ -5,6 +5,7 @@
 #include "Launchers/NestedAppLauncherService.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/SystemFolders.h"
+#include "Records/InstallsDBEntryResolver.h"
 
 #include <algorithm>
 
@@ -38,6 +39,11 @@ bool opensSomething(const fs::path& launcher) {
     return target && Files::exists(*target);
 }
 
+/// Whether the database can be asked: one that cannot be read tells of no missing file.
+bool isKnownToSetupbook(const Host& host, const HealthIssue& issue) {
+    return InstallsDBEntryResolver::resolve(host, issue.location, *issue.target).has_value();
+}
+
 bool hasAllLaunchers(const Host& host, const fs::path& folderLink) {
     const auto missing = NestedAppLauncherService::missingCandidates(host, SystemFolders::applications(host));
     return std::none_of(missing.begin(), missing.end(),
@@ -61,7 +67,8 @@ bool isMended(const Host& host, const HealthIssue& issue, HealthRepairStrategy s
         case repointDangling:
             return leadsSomewhere(issue);
         case forgetMissingTrackedFiles:
-            return issue.target && !TrackedFilesChecker::check(host, issue.location, *issue.target);
+            return issue.target && isKnownToSetupbook(host, issue) &&
+                   !TrackedFilesChecker::check(host, issue.location, *issue.target);
         case repairSpotlightLaunchers:
             return hasAllLaunchers(host, issue.location);
         case repairBrokenLauncher:

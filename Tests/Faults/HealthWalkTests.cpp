@@ -70,6 +70,22 @@ TEST_F(HealthWalks, OpenNothingBelowTheThirdLevelAndAskOfLinksAlone) {
     EXPECT_THAT(callsWith("caches/../at-the-end"), testing::SizeIs(1));
 }
 
+TEST_F(HealthWalks, TakeAFewCallsForAFolderThatIsOpenedHoweverManyThereAre) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    constexpr std::size_t each = 60;
+    constexpr std::size_t opened = 2 + each;
+    makeFolder(library / "Logs");
+    const auto data = RealVolume::memory(library / "Logs", megabyte);
+    for (std::size_t first = 0; first < each; ++first)
+        for (std::size_t second = 0; second < each; ++second)
+            makeFolder(data / std::to_string(first) / ("third" + std::to_string(second)));
+    makeLink(data / "59/last", "/nowhere");
+    EXPECT_THAT(check({"-e", "trace=%file,%desc"}), testing::HasSubstr("/59/last\t"));
+    EXPECT_THAT(callsWith("third"), testing::IsEmpty());
+    // One each to open it and to close it, two to list it, and what it takes to know it again.
+    EXPECT_THAT(callsWith("/Logs"), testing::SizeIs(testing::AllOf(testing::Gt(opened), testing::Le(6 * opened))));
+}
+
 TEST_F(HealthWalks, TellOfALinkThatCannotBeRead) {
     const fs::path file = library / "Preferences/x.plist";
     makeLink(file, "/elsewhere");

@@ -1,4 +1,5 @@
 // What can have drifted, one case for each repair that moves, removes or rewrites something.
+#include "Applications/LauncherLayout.h"
 #include "Faults/FaultTrees.h"
 #include "Faults/RepairFaultWorld.h"
 #include "Platform/Files/Files.h"
@@ -8,6 +9,8 @@
 #include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 
+#include <algorithm>
+#include <array>
 #include <stdexcept>
 
 namespace tarvik::test {
@@ -28,6 +31,9 @@ void rememberMove(const World& world, const fs::path& source, const fs::path& de
     const Host host = world.host();
     HealthManifest::record(host, {source, destination, std::nullopt, 1, host.now()});
 }
+
+/// Those of a suite.
+constexpr std::array suiteApps = {"Mixer.app", "Player.app"};
 
 /// Whether a link stands at the finding and leads to `target`.
 bool isLinkTo(const World& world, const fs::path& target) {
@@ -60,7 +66,10 @@ RepairCase emptyCase(const World& world) {
                 },
             .location = link,
             .trees = {target},
-            .isDone = isSomewhere,
+            .isDone =
+                [=](const World& here) {
+                    return isSomewhere(here) && !Files::itemExists(target) && !Files::itemExists(link);
+                },
             .isKnown = isSomewhere};
 }
 
@@ -143,7 +152,7 @@ RepairCase trackedFilesCase(const World& world) {
                 },
             .location = link,
             .trees = {target},
-            .isDone = isKnown,
+            .isDone = [=](const World& here) { return isKnown(here) && trackedFiles(here) == kept; },
             .isKnown = isKnown};
 }
 
@@ -163,9 +172,38 @@ RepairCase launcherCase(const World& world) {
                 },
             .location = launcher,
             .trees = {copy},
-            // One that cannot be written is told of in a sentence, which is no failure.
-            .isDone = [=](const World&) { return opens(copy) || opens("/nowhere/Foo.app"); },
+            .isDone = [=](const World&) { return opens(copy); },
             .isKnown = [=](const World&) { return opens("/nowhere/Foo.app"); }};
+}
+
+RepairCase missingLaunchersCase(const World& world) {
+    const fs::path link = world.applications / "Suite";
+    const fs::path suite = world.root / "Volumes/Drive/Suite";
+    // None is there, or a whole one.
+    const fs::path program = world.folder / "bin/external-app-launcher";
+    const auto opens = [program, suite, applications = world.applications](const std::string& app) {
+        const fs::path launcher = applications / app;
+        return contentOf(launcher / "Contents/Resources/ExternalAppTarget.txt") == (suite / app).native() &&
+               Files::exists(launcher / "Contents/Info.plist") &&
+               contentOf(launcher / LauncherLayout::executableFile) == contentOf(program);
+    };
+    const auto isKnown = [=](const World& here) {
+        return isLinkTo(here, suite) && isSame(suite, here.reference(0)) &&
+               std::all_of(suiteApps.begin(), suiteApps.end(),
+                           [&](const char* app) { return !Files::itemExists(here.applications / app) || opens(app); });
+    };
+    return {
+        .strategy = repairSpotlightLaunchers,
+        .drift =
+            [=](const World&) {
+                for (const char* app : suiteApps) makeApp(suite / app, "1");
+                makeLink(link, suite);
+            },
+        .location = link,
+        .trees = {suite},
+        .isDone =
+            [=](const World& here) { return isKnown(here) && std::all_of(suiteApps.begin(), suiteApps.end(), opens); },
+        .isKnown = isKnown};
 }
 
 RepairCase preferencesCase(const World& world) {
@@ -190,9 +228,8 @@ RepairCase preferencesCase(const World& world) {
 RepairCase sandboxCase(const World& world) {
     const fs::path link = world.home / "Library/Containers/org.example.Foo";
     const fs::path target = world.root / "Volumes/Drive/Data/org.example.Foo";
-    // A copy that fails leaves the link, and is told of in a sentence.
     const auto isDone = [=](const World& here) {
-        return isSame(target, here.reference(0)) && (isSame(link, here.reference(0)) || isLinkTo(here, target));
+        return isSame(target, here.reference(0)) && isSame(link, here.reference(0));
     };
     return {.strategy = restoreSandboxExternal,
             .drift =
@@ -205,7 +242,10 @@ RepairCase sandboxCase(const World& world) {
             .trees = {target},
             .isDone = isDone,
             // Where neither name can be given back, the data has come.
-            .isKnown = isDone};
+            .isKnown =
+                [=](const World& here) {
+                    return isDone(here) || (isSame(target, here.reference(0)) && isLinkTo(here, target));
+                }};
 }
 
 RepairCase repointCase(const World& world) {
@@ -248,7 +288,7 @@ RepairCase repairCase(const RepairFaultWorld& world, HealthRepairStrategy strate
         case repointDangling:
             return repointCase(world);
         case repairSpotlightLaunchers:
-            break;  // The making of launchers has tests of its own.
+            return missingLaunchersCase(world);
     }
     throw std::runtime_error("no such case");
 }

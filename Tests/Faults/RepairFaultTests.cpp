@@ -88,8 +88,8 @@ TEST_P(RepairFaults, LoseNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Of, RepairFaults,
                          testing::Values(removeDangling, removeEmpty, reclaimReverted, reSymlinkReverted, removeOrphan,
-                                         forgetMissingTrackedFiles, repairBrokenLauncher, restoreUnsafePrefs,
-                                         restoreSandboxExternal, repointDangling),
+                                         forgetMissingTrackedFiles, repairSpotlightLaunchers, repairBrokenLauncher,
+                                         restoreUnsafePrefs, restoreSandboxExternal, repointDangling),
                          [](const auto& test) { return std::string(HealthRepairStrategies::name(test.param)); });
 
 }  // namespace tarvik::test

@@ -1,10 +1,14 @@
 #include "Health/DanglingDataLinkDetector.h"
 #include "Health/HealthWorld.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <string>
+#include <sys/stat.h>
 
 namespace tarvik {
 
@@ -96,6 +100,24 @@ TEST_F(DanglingDataLinkDetection, CallsNothingMissingThatMayNotBeLookedAt) {
         EXPECT_THAT(found(), IsEmpty());
     }
     fs::permissions(closed, fs::perms::owner_all);
+}
+
+TEST_F(DanglingDataLinkDetection, FindsALinkAmongAHundredThousandFolders) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    constexpr int each = 317;
+    test::makeFolder(support);
+    const auto volume = test::RealVolume::memory(support, test::megabyte);  // A disk takes long to remove so many.
+    int count = 0;
+    const auto make = [&](const std::string& folder) { count += ::mkdir(folder.c_str(), S_IRWXU) == 0 ? 1 : 0; };
+    for (int second = 0; second < each; ++second) {
+        const std::string parent = volume.path().native() + "/" + std::to_string(second);
+        make(parent);
+        for (int third = 0; third < each; ++third) make(parent + "/" + std::to_string(third));
+    }
+    ASSERT_GT(count, 100'000);
+    test::makeLink(volume / "316/link", "/nowhere");
+    test::makeLink(volume / "316/316/below", "/nowhere");
+    EXPECT_THAT(found(), ElementsAre("dangling link"));
 }
 
 TEST_F(DanglingDataLinkDetection, EndsWhenItIsCancelled) {

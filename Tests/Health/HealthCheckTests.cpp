@@ -5,6 +5,7 @@
 #include "Records/InstallsDBConnection.h"
 #include "Support/Bundles.h"
 #include "Support/OrdinaryUser.h"
+#include "Support/RealVolume.h"
 #include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 
@@ -242,6 +243,27 @@ TEST(HealthCheck, WalksThroughNoDataOnceItIsCancelled) {
     const Cancellation cancellation;
     cancellation.cancel();
     EXPECT_THAT(checked(world, {.cancellation = cancellation}).issues, IsEmpty());
+}
+
+TEST(HealthCheck, YieldsWhatItCanOfADriveThatGoesAwayMeanwhile) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    HealthWorld world;
+    const auto volume = test::RealVolume::memory(world.folder / "Volumes", test::megabyte);
+    world.volumes->list = {{.mountPath = volume.path(), .isBrowsable = true}};
+    const fs::path apps = volume / "ExternalTarvik/Apps";
+    for (const char* name : {"A.app", "Reverted.app", "Orphan.app"}) test::makeBundle(apps / name);
+    test::makeLink(world.applications / "A.app", apps / "A.app");
+    test::makeBundle(world.applications / "Reverted.app");
+    test::makeFile(volume / "data");
+    test::makeLink(world.library / "Logs/data", volume / "data");
+    // The tool that looks at the signature of the first one pulls the plug.
+    world.host.tools.codesign = world.tool("codesign", test::RealVolume::unplugging(volume.path()) + "\nexit 1");
+    const auto report = checked(world);
+    EXPECT_THAT(test::kindsAndNames(report.issues),
+                ElementsAre("healthy A.app", "reverted Reverted.app", "dangling data"));
+    EXPECT_THAT(report.scannedDrives, testing::Contains(apps));
+    world.volumes->list.clear();
+    EXPECT_THAT(found(world), ElementsAre("dangling A.app", "dangling data"));
 }
 
 TEST(HealthCheck, FindsEveryLinkOfADriveThatIsAwayDangling) {

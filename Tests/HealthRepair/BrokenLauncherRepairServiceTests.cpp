@@ -88,4 +88,14 @@ TEST_F(BrokenLauncherRepair, GoesByTheWholeIdentifierWithoutTheSuffix) {
     EXPECT_EQ(Service::replacementTarget(world.host, plain), std::nullopt);
 }
 
+TEST_F(BrokenLauncherRepair, TakesEverySuffixOutOfTheIdentifier) {
+    const fs::path copy = world.home / "Applications/Foo.app";
+    test::makeBundle(copy, identified("org.example.foo"));
+    for (const char* identifier :
+         {"org.example.foo.externallauncher.externallauncher", "org.externallauncher.example.externallauncher.foo"}) {
+        test::makeLauncher(launcher, "/nowhere/Foo.app", identified(identifier));
+        EXPECT_EQ(Service::replacementTarget(world.host, launcher), copy) << identifier;
+    }
+}
+
 }  // namespace tarvik

@@ -3,7 +3,9 @@
 #include "HealthRepair/HealthRepair.h"
 #include "HealthRepair/HealthRepairProof.h"
 #include "Practice/PracticeMachine.h"
+#include "Records/InstallsDB.h"
 #include "Support/Bundles.h"
+#include "Support/TrackingDatabase.h"
 #include "Support/Tree.h"
 
 #include <gtest/gtest.h>
@@ -118,6 +120,19 @@ TEST_F(HealthRepairProofs, ReadATargetFromWhereItsLinkStands) {
     EXPECT_TRUE(isMended(empty, removeEmpty));
     test::makeFolder(world.folder / "Foo.app");
     EXPECT_FALSE(isMended(empty, removeEmpty));
+}
+
+TEST_F(HealthRepairProofs, SeeNothingForgottenInADatabaseThatCannotBeRead) {
+    const HealthIssue issue{.kind = Kind::missingTrackedFiles,
+                            .location = world.moveApp("Foo.app"),
+                            .target = world.appsOnDrive / "Foo.app"};
+    const fs::path database = InstallsDB::defaultPath(world.host);
+    test::makeFile(database, "no database");
+    EXPECT_FALSE(isMended(issue, forgetMissingTrackedFiles));
+    fs::remove(database);
+    test::makeTrackingDatabase(database);
+    test::askDatabase(database, "INSERT INTO installs (install_id, app_name) VALUES ('one', 'Foo.app');");
+    EXPECT_TRUE(isMended(issue, forgetMissingTrackedFiles));
 }
 
 TEST_F(HealthRepairProofs, SeeNothingReclaimedWhereNoCopyIsKnown) {

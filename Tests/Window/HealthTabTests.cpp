@@ -80,6 +80,16 @@ TEST_F(HealthTab, RepairsAtOnceAndScansAgain) {
     EXPECT_FALSE(fs::is_symlink(applications / "Lost.app"));
 }
 
+TEST_F(HealthTab, TellsOfAFailedCopyAsInformation) {
+    makeFile(backup / "Data/org.example.foo/file");
+    makeLink(world.home / "Library/Containers/org.example.foo", backup / "Data/org.example.foo");
+    world.withDitto("exit 1");
+    auto& window = scanned();
+    window.click("issue-sandboxExternalSymlink-org.example.foo/repairButton-0");
+    EXPECT_TRUE(window.waitForText("infoToast/toastText", "ditto failed restoring org.example.foo; reverted."));
+    EXPECT_FALSE(window.isShown("errorToast"));
+}
+
 TEST_F(HealthTab, OffersTwoRepairsForWhatWasReverted) {
     makeBundle(appsOnBackup / "Reverted.app");
     makeBundle(applications / "Reverted.app");

@@ -40,6 +40,12 @@ protected:
             names.push_back(model->data(model->index(row, 0), model->roleNames().key("name")).toString().toStdString());
         return names;
     }
+    void holdSignatureOf(const std::string& name) {
+        moveApp(name);
+        world.host.tools.codesign = world.tool("codesign", "touch '" + (world.folder / "asked").native() + "'\n" +
+                                                               waitFor(world.folder / "go") + "exit 1");
+        state = std::make_unique<AppState>(world.host, dialogs);
+    }
     HealthIssue problem(std::size_t index = 0) const { return healthTab().healthReport()->problems().at(index); }
 
     const fs::path applications = world.folder / "Applications";
@@ -221,14 +227,41 @@ TEST_F(HealthStateTest, GivesEachOfTwoRepairsOneOutcome) {
     EXPECT_EQ(healthTab().problemCount(), 0);
 }
 
-TEST_F(HealthStateTest, StartsARepairAtOnceDuringACheck) {
+TEST_F(HealthStateTest, StartsARepairAtOnceDuringACheckAndChecksNoSecondTime) {
     makeLink(applications / "Gone.app", "/nowhere/Gone.app");
-    scan();
+    holdSignatureOf("Foo.app");
+    const HealthIssue gone{
+        .kind = Kind::dangling, .location = applications / "Gone.app", .target = "/nowhere/Gone.app"};
+    int begun = 0;
+    int reports = 0;
+    QObject::connect(&healthTab(), &HealthState::isScanningHealthChanged,
+                     [&] { begun += healthTab().isScanningHealth() ? 1 : 0; });
+    QObject::connect(&healthTab(), &HealthState::healthReportChanged, [&] { ++reports; });
     healthTab().refreshHealth();
-    healthTab().repairHealth(problem(), removeDangling);
-    settle();
-    EXPECT_EQ(state->lastInfo(), "Removed dead symlink Gone.app.");
+    spinUntil([this] { return fs::exists(world.folder / "asked"); });
+    healthTab().repairHealth(gone, removeDangling);
+    spinUntil([this] { return state->lastInfo() == "Removed dead symlink Gone.app."; });
     EXPECT_FALSE(fs::is_symlink(applications / "Gone.app"));
+    spinOnce();
+    EXPECT_TRUE(healthTab().isScanningHealth());
+    makeFile(world.folder / "go");
+    settle();
+    EXPECT_EQ(begun, 1) << "the check after the repair is dropped";
+    EXPECT_EQ(reports, 1);
+    EXPECT_EQ(healthTab().problemCount(), 1) << "the report is older than the repair";
+}
+
+TEST_F(HealthStateTest, TellsOfAFailedCopyAsInformation) {
+    const fs::path link = world.home / "Library/Containers/org.example.foo";
+    makeFile(world.drive / "Data/org.example.foo/file");
+    makeLink(link, world.drive / "Data/org.example.foo");
+    world.withDitto("exit 1");
+    scan();
+    healthTab().repairHealth(problem(), restoreSandboxExternal);
+    settle();
+    EXPECT_EQ(state->lastInfo(), "ditto failed restoring org.example.foo; reverted.");
+    EXPECT_EQ(state->lastError(), "");
+    EXPECT_TRUE(fs::is_symlink(link));
 }
 
 TEST_F(HealthStateTest, PassesOverAFindingThatIsNotThereAnyMore) {
