@@ -21,9 +21,11 @@
 #include <fmt/format.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <iterator>
-#include <map>
+#include <string_view>
 #include <thread>
+#include <unordered_map>
 #include <utility>
 
 namespace tarvik::AppUninstallRunner {
@@ -85,6 +87,15 @@ Handled moved(const Host& host, const UninstallCandidate& candidate, const AppUn
     }
 }
 
+Handled movedUnlessChanged(const Host& host, const AppRecord& app, const UninstallCandidate& candidate,
+                           const AppUninstallReporter& reporter) {
+    const auto reason = UninstallCheck::reasonToStay(host, app, candidate);
+    if (!reason) return moved(host, candidate, reporter);
+    notify(reporter.log,
+           fmt::format("stays\t{}\t{}\t{}", textOf(candidate.category), candidate.path.native(), *reason));
+    return {.item = itemOf(candidate)};
+}
+
 /// The items as they stand now: by that they are found again, wherever they have gone.
 UninstallJournal journalFor(const Host& host, const AppUninstallPlan& plan,
                             const std::vector<const UninstallCandidate*>& chosen) {
@@ -92,18 +103,26 @@ UninstallJournal journalFor(const Host& host, const AppUninstallPlan& plan,
                              .appName = plan.app.displayName,
                              .bundleIdentifier = plan.app.bundleIdentifier,
                              .startedAt = host.now()};
-    std::map<fs::path, fs::path> realFolders;
+    journal.items.reserve(chosen.size());
+    // Most items share a few folders; texts are compared much faster than paths.
+    std::unordered_map<std::string, std::string> realFolders;
     for (const UninstallCandidate* candidate : chosen) {
         if (candidate->category == UninstallCategory::receipts) continue;
         const fs::path path = Files::standardized(candidate->path);
-        const fs::path folder = path.parent_path();
+        const std::string& text = path.native();
+        const std::size_t slash = text.rfind('/');
+        const std::string folder = text.substr(0, slash);
         auto [real, isNew] = realFolders.try_emplace(folder);
-        if (isNew) real->second = Files::resolved(folder).value_or(folder);
-        journal.items.push_back({.path = candidate->path,
-                                 .place = real->second / path.filename(),
-                                 .category = candidate->category,
-                                 .sizeBytes = candidate->sizeBytes,
-                                 .identity = ItemIdentity::of(path)});
+        if (isNew) real->second = Files::resolved(folder + "/").value_or(folder).native();
+        UninstallJournal::Item& item = journal.items.emplace_back();
+        item.path = candidate->path;
+        if (real->second == folder)
+            item.place = path;
+        else
+            item.place = fs::path(real->second) / text.substr(slash + 1);
+        item.category = candidate->category;
+        item.sizeBytes = candidate->sizeBytes;
+        item.identity = ItemIdentity::of(path);
     }
     return journal;
 }
@@ -173,8 +192,8 @@ void handleReceipt(const Host& host, const std::string& identifier, bool dryRun,
     }
 }
 
-AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection, bool dryRun,
-                        const std::optional<std::set<std::string>>& selectedPaths,
+AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection,
+                        bool dryRun, const std::optional<std::set<std::string>>& selectedPaths,
                         const AppUninstallReporter& reporter) {
     const AppRecord& app = plan.app;
     if (app.kind == AppRecordKind::systemRisky)
@@ -204,12 +223,7 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
         } else if (dryRun) {
             session.movedItems.push_back(handleFile(host, *candidate, dryRun, reporter));
         } else {
-            Handled handled{.item = itemOf(*candidate)};
-            if (const auto reason = UninstallCheck::reasonToStay(host, app, *candidate))
-                notify(reporter.log, fmt::format("stays\t{}\t{}\t{}", textOf(candidate->category),
-                                                 candidate->path.native(), *reason));
-            else
-                handled = moved(host, *candidate, reporter);
+            Handled handled = movedUnlessChanged(host, app, *candidate, reporter);
             journal->note(UninstallJournal::lineOf(session.movedItems.size(), handled.end()));
             session.movedItems.push_back(std::move(handled.item));
         }

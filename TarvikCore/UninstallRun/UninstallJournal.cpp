@@ -17,20 +17,29 @@ using std::chrono::microseconds;
 using std::chrono::system_clock;
 
 constexpr std::string_view firstLine = "tarvik-uninstall-journal\t1\n";
-/// No field of that kind: a path or a name is never a lone dash here, see `written`.
 constexpr std::string_view nothing = "-";
 constexpr int lastItemType = static_cast<int>(Files::ItemType::unknown);
 
-std::string escaped(std::string_view text) {
-    std::string result;
-    result.reserve(text.size());
+/// What is there has a mark before it, which tells it from nothing.
+std::string marked(std::string_view text) {
+    std::string result(1, '=');
+    result.reserve(text.size() + 1);
     for (const char letter : text) {
         switch (letter) {
-            case '\\': result += "\\\\"; break;
-            case '\t': result += "\\t"; break;
-            case '\n': result += "\\n"; break;
-            case '\r': result += "\\r"; break;
-            default: result += letter;
+            case '\\':
+                result += "\\\\";
+                break;
+            case '\t':
+                result += "\\t";
+                break;
+            case '\n':
+                result += "\\n";
+                break;
+            case '\r':
+                result += "\\r";
+                break;
+            default:
+                result += letter;
         }
     }
     return result;
@@ -45,20 +54,27 @@ std::string unescaped(std::string_view text) {
             continue;
         }
         switch (text[++index]) {
-            case 't': result += '\t'; break;
-            case 'n': result += '\n'; break;
-            case 'r': result += '\r'; break;
-            default: result += text[index];
+            case 't':
+                result += '\t';
+                break;
+            case 'n':
+                result += '\n';
+                break;
+            case 'r':
+                result += '\r';
+                break;
+            default:
+                result += text[index];
         }
     }
     return result;
 }
 
-/// What is there has a mark before it, which tells it from nothing.
-template <typename Text>
-std::string written(const std::optional<Text>& text) {
-    if (!text) return std::string(nothing);
-    return "=" + escaped(fs::path(*text).native());
+std::string written(const std::optional<std::string>& text) {
+    return text ? marked(*text) : std::string(nothing);
+}
+std::string written(const std::optional<fs::path>& path) {
+    return path ? marked(path->native()) : std::string(nothing);
 }
 
 template <typename Text>
@@ -138,8 +154,10 @@ void takeLater(UninstallJournal& journal, const std::vector<std::string_view>& f
     if (fields[0] == "went") takeEnd(journal, fields);
     if (fields.size() != 2) return;
     auto text = readText<std::string>(fields[1]);
-    if (text && fields[0] == "forgot") journal.forgottenReceipts.push_back(std::move(*text));
-    else if (text && fields[0] == "session") journal.sessionId = std::move(text);
+    if (text && fields[0] == "forgot")
+        journal.forgottenReceipts.push_back(std::move(*text));
+    else if (text && fields[0] == "session")
+        journal.sessionId = std::move(text);
 }
 
 /// False for a line that an opening does not have.
@@ -159,7 +177,8 @@ bool takeOpening(UninstallJournal& journal, const std::vector<std::string_view>&
     journal.bundleIdentifier = readText<std::string>(fields[3]);
     const auto mostMicroseconds = std::chrono::floor<microseconds>(system_clock::duration::max()).count();
     if (*started > mostMicroseconds || *started < -mostMicroseconds) return false;
-    journal.startedAt = system_clock::time_point(std::chrono::duration_cast<system_clock::duration>(microseconds(*started)));
+    journal.startedAt =
+        system_clock::time_point(std::chrono::duration_cast<system_clock::duration>(microseconds(*started)));
     return true;
 }
 
@@ -173,12 +192,12 @@ const UninstallJournal::Item* UninstallJournal::itemAt(const fs::path& path) con
 std::string UninstallJournal::opening() const {
     std::string text(firstLine);
     const auto started = std::chrono::floor<microseconds>(startedAt.time_since_epoch()).count();
-    fmt::format_to(std::back_inserter(text), "app\t{}\t{}\t{}\t{}\n", written(std::optional(appPath)),
-                   written(std::optional(appName)), written(bundleIdentifier), started);
+    fmt::format_to(std::back_inserter(text), "app\t{}\t{}\t{}\t{}\n", marked(appPath.native()), marked(appName),
+                   written(bundleIdentifier), started);
     for (const Item& item : items)
         fmt::format_to(std::back_inserter(text), "item\t{}\t{}\t{}\t{}\t{}\n", textOf(item.category), item.sizeBytes,
-                       written(item.identity), written(std::optional(item.path)),
-                       item.place == item.path ? std::string(nothing) : written(std::optional(item.place)));
+                       written(item.identity), marked(item.path.native()),
+                       item.place.native() == item.path.native() ? std::string(nothing) : marked(item.place.native()));
     return text + "begin\n";
 }
 
@@ -188,11 +207,11 @@ std::string UninstallJournal::lineOf(std::size_t item, const End& end) {
 }
 
 std::string UninstallJournal::lineOfReceipt(std::string_view identifier) {
-    return fmt::format("forgot\t{}\n", written(std::optional(std::string(identifier))));
+    return fmt::format("forgot\t{}\n", marked(identifier));
 }
 
 std::string UninstallJournal::lineOfSession(std::string_view id) {
-    return fmt::format("session\t{}\n", written(std::optional(std::string(id))));
+    return fmt::format("session\t{}\n", marked(id));
 }
 
 std::optional<UninstallJournal> UninstallJournal::parsed(std::string_view text) {

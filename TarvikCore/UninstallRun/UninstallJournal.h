@@ -15,8 +15,8 @@
 namespace tarvik {
 
 /// What an uninstall notes while it runs: first all that is to go, then what became of each thing. Its text is a line
-/// for each of these, with tabs between the fields; in paths and names `\t`, `\n`, `\r` and `\\` stand for a tab, a line
-/// break, a carriage return and a backslash.
+/// for each of these, with tabs between the fields; in paths and names `\t`, `\n`, `\r` and `\\` stand for a tab, a
+/// line break, a carriage return and a backslash.
 struct UninstallJournal {
     /// What became of an item.
     struct End {

@@ -15,8 +15,8 @@ namespace tarvik {
 /// ones. Other processes see that it is under way by the lock that the file bears.
 ///
 /// What is to go is written and flushed to the disk before `begin` returns, so it outlives a power cut. What became of
-/// each thing is handed to the kernel at once, so it outlives the end of this process; a power cut may take it, and each
-/// thing is then found by its identity. So nothing needs to be flushed between two items.
+/// each thing is handed to the kernel at once, so it outlives the end of this process; a power cut may take it, and
+/// each thing is then found by its identity. So nothing needs to be flushed between two items.
 class UninstallJournalFile {
 public:
     /// @throws FileError when the journal cannot be written: nothing may be touched then.

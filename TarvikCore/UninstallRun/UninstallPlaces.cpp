@@ -13,8 +13,9 @@ namespace tarvik::UninstallPlaces {
 namespace {
 
 constexpr std::string_view homeFolders[] = {
-    "Application Support", "Caches",       "Logs",   "Preferences",           "Preferences/ByHost", "Containers",
-    "Group Containers",    "HTTPStorages", "WebKit", "Saved Application State", "LaunchAgents",
+    "Application Support", "Caches",           "Logs",         "Preferences", "Preferences/ByHost",
+    "Containers",          "Group Containers", "HTTPStorages", "WebKit",      "Saved Application State",
+    "LaunchAgents",
 };
 constexpr std::string_view libraryFolders[] = {
     "LaunchDaemons",
@@ -29,7 +30,7 @@ bool isDirectlyIn(const fs::path& path, const fs::path& library, const auto& fol
 }
 
 bool isHiddenInHome(const Host& host, const fs::path& path) {
-    const std::string& name = path.filename().native();
+    const std::string name = path.filename().native();
     return path.parent_path() == host.home && name.starts_with('.') && name != ".Trash" && name != ".TarvikTrash";
 }
 

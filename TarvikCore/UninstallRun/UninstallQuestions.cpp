@@ -21,8 +21,6 @@ namespace {
 
 using std::chrono::steady_clock;
 
-/// As long as a move waits.
-constexpr std::chrono::duration<double> quitTimeout{8};
 constexpr std::chrono::milliseconds quitPause{100};
 constexpr std::size_t mostNames = 6;
 
@@ -36,6 +34,7 @@ struct InUse {
         const auto real = Files::resolved(program);
         return programs.contains(program) || (real && programs.contains(*real));
     }
+    bool holds(const fs::path& path) const { return holdsBundle(path) || holdsProgram(path); }
 };
 
 InUse inUseOn(const Host& host) {
@@ -90,8 +89,8 @@ std::vector<std::string> namesOf(const std::vector<Running>& running) {
     return names;
 }
 
-bool stillRuns(const InUse& inUse, const Running& running) {
-    return inUse.holdsBundle(running.path) || inUse.holdsProgram(running.path);
+AppUninstallError stillRunning(const Running& running) {
+    return AppUninstallError::refused(fmt::format("{} still runs. Quit it first.", running.name));
 }
 
 }  // namespace
@@ -130,7 +129,8 @@ Dialog quitRunning(const std::vector<Running>& running) {
     const auto names = namesOf(running);
     std::vector<std::string> details;
     for (const Running& each : running)
-        if (!each.canQuit) details.push_back(fmt::format("{} cannot be quit from here: {}", each.name, each.path.native()));
+        if (!each.canQuit)
+            details.push_back(fmt::format("{} cannot be quit from here: {}", each.name, each.path.native()));
     return {fmt::format("{} {} running", Text::counted(std::ssize(running), "item"), names.size() == 1 ? "is" : "are"),
             fmt::format("Removing what runs can lose its data.\n\n{}\n\nQuit automatically before uninstalling?",
                         Text::listed(names, mostNames)),
@@ -138,19 +138,17 @@ Dialog quitRunning(const std::vector<Running>& running) {
             std::move(details)};
 }
 
-void quit(const Host& host, const std::vector<Running>& running) {
+void quit(const Host& host, const std::vector<Running>& running, std::chrono::duration<double> timeout) {
     for (const Running& each : running)
-        if (each.canQuit && !RunningAppsDetector::quit(host, each.path, false, quitTimeout))
-            throw AppUninstallError::refused(fmt::format("{} still runs. Quit it first.", each.name));
-    // A helper may take a moment to follow its application.
+        if (each.canQuit && !RunningAppsDetector::quit(host, each.path, false, timeout)) throw stillRunning(each);
+    std::vector<Running> others = running;
+    std::erase_if(others, [](const Running& each) { return each.canQuit; });
     const auto begin = steady_clock::now();
-    while (true) {
+    while (!others.empty()) {
         const InUse inUse = inUseOn(host);
-        const auto left = std::find_if(running.begin(), running.end(),
-                                       [&](const Running& each) { return stillRuns(inUse, each); });
-        if (left == running.end()) return;
-        if (steady_clock::now() - begin >= quitTimeout)
-            throw AppUninstallError::refused(fmt::format("{} still runs. Quit it first.", left->name));
+        std::erase_if(others, [&](const Running& each) { return !inUse.holds(each.path); });
+        if (others.empty()) return;
+        if (steady_clock::now() - begin >= timeout) throw stillRunning(others.front());
         std::this_thread::sleep_for(quitPause);
     }
 }

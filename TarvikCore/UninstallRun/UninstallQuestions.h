@@ -5,6 +5,7 @@
 #include "Platform/Machine/Host.h"
 #include "Uninstall/AppUninstallPlan.h"
 
+#include <chrono>
 #include <optional>
 #include <set>
 #include <string>
@@ -35,8 +36,12 @@ std::vector<Running> running(const Host& host, const AppUninstallPlan& plan,
 /// What shall happen to them: the first button quits them and goes ahead, the second cancels. Pure.
 Dialog quitRunning(const std::vector<Running>& running);
 
-/// Asks them to quit and waits, as a move does. @throws AppUninstallError when one still runs then; nothing else has
-/// been touched.
-void quit(const Host& host, const std::vector<Running>& running);
+/// How long a program that was asked to quit may take: as long as for a move.
+inline constexpr std::chrono::seconds quitTimeout{8};
+
+/// Asks those to quit that can be asked, and waits up to `timeout` for each, and for the others to end by themselves: a
+/// helper may follow its application. Ends none by force. @throws AppUninstallError when one still runs then; nothing
+/// else has been touched.
+void quit(const Host& host, const std::vector<Running>& running, std::chrono::duration<double> timeout = quitTimeout);
 
 }  // namespace tarvik::UninstallQuestions

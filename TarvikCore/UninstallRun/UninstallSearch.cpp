@@ -41,7 +41,8 @@ const UninstallSearch::Folder& UninstallSearch::read(const fs::path& folder) {
     const auto [found, isNew] = m_folders.try_emplace(folder);
     if (isNew)
         for (const std::string& name : Files::names(folder))
-            if (const auto identity = ItemIdentity::of(folder / name)) found->second.emplace_back(folder / name, *identity);
+            if (const auto identity = ItemIdentity::of(folder / name))
+                found->second.emplace_back(folder / name, *identity);
     return found->second;
 }
 

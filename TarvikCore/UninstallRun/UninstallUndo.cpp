@@ -257,8 +257,10 @@ std::string summary(const std::vector<Item>& before, const std::vector<Item>& af
     std::int64_t back = 0;
     std::int64_t stuck = 0;
     for (std::size_t number = 0; number < after.size(); ++number) {
-        if (after[number].state != State::back) ++stuck;
-        else if (number >= before.size() || before[number].state != State::back) ++back;
+        if (after[number].state != State::back)
+            ++stuck;
+        else if (number >= before.size() || before[number].state != State::back)
+            ++back;
     }
     if (back == 0 && stuck == 0) return "Everything is back already.";
     std::string text = back > 0 ? fmt::format("Put back {}.", Text::counted(back, "item")) : "Nothing was put back.";

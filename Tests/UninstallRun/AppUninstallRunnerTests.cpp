@@ -1,10 +1,9 @@
-#include "UninstallRun/AppUninstallRunner.h"
-
 #include "Platform/Files/Files.h"
 #include "Platform/Text/LocalTime.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
+#include "UninstallRun/AppUninstallRunner.h"
 #include "UninstallRun/UninstallSessionId.h"
 #include "UninstallRun/UninstallSessionStore.h"
 #include "UninstallRun/UninstallWorld.h"

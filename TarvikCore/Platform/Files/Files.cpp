@@ -35,6 +35,19 @@ int writeAll(int descriptor, std::string_view bytes) {
     return 0;
 }
 
+/// Whether there is nothing to take out of the text of an absolute path: most paths are so, and putting one together
+/// again takes longer than a status call.
+bool isStandardized(std::string_view text) {
+    if (!text.starts_with('/') || text.size() == 1 || text.ends_with('/')) return text == "/";
+    for (std::size_t slash = 0; slash != std::string_view::npos; slash = text.find('/', slash + 1)) {
+        const std::string_view rest = text.substr(slash + 1);
+        if (rest.starts_with('/')) return false;
+        if (rest.starts_with('.') && (rest == "." || rest == ".." || rest.starts_with("./") || rest.starts_with("../")))
+            return false;
+    }
+    return true;
+}
+
 /// False when something stands there already.
 bool makeFolder(const fs::path& folder, mode_t mode) {
     if (::mkdir(folder.c_str(), mode) == 0) return true;
@@ -76,7 +89,7 @@ bool isSameItem(const std::optional<ItemInfo>& one, const std::optional<ItemInfo
 }
 
 fs::path standardized(const fs::path& path) {
-    if (path.empty()) return path;
+    if (path.empty() || isStandardized(path.native())) return path;
     fs::path absolute = path;
     if (path.is_relative()) {
         std::error_code error;

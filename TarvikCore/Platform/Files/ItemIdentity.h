@@ -21,7 +21,8 @@ struct ItemIdentity {
     /// When it was made; nothing where the volume does not tell.
     std::optional<std::int64_t> born = {};
 
-    /// The item itself, a link not followed; nothing when none can be looked at. One status call; any thread.
+    /// The item itself, a link not followed; nothing, and errno tells why, when none can be looked at. One status call;
+    /// any thread.
     static std::optional<ItemIdentity> of(const fs::path& path);
 
     /// Whether both tell of one item. A number alone does not: the number of an item that was removed goes to the next

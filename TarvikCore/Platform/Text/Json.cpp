@@ -108,6 +108,8 @@ std::string Json::compact(const nlohmann::json& json) {
 std::string Json::textOfPath(const fs::path& path) {
     std::string_view bytes = path.native();
     if (bytes.find(escape) != bytes.npos) fail("A path holds a NUL character.");
+    const auto isAscii = [](char letter) { return static_cast<unsigned char>(letter) < 0x80; };
+    if (std::all_of(bytes.begin(), bytes.end(), isAscii)) return std::string(bytes);
     std::string text;
     text.reserve(bytes.size());
     while (!bytes.empty()) {

@@ -124,6 +124,26 @@ TEST_F(SystemTrashCan, PassesOverANameWhoseItemOrRecordAloneIsTaken) {
     EXPECT_FALSE(fs::exists(m_trash / "info/notes.trashinfo"));
 }
 
+TEST_F(SystemTrashCan, KeepsTheRecordOfWhatItStillHolds) {
+    makeFile(m_home / "notes");
+    const fs::path there = trashed(m_home / "notes");
+    const auto trash = makeSystemTrashCan(m_home);
+    trash->forget(there);
+    EXPECT_TRUE(fs::exists(recordOf(there)));
+    fs::rename(there, m_home / "notes");
+    trash->forget(there);
+    EXPECT_FALSE(fs::exists(recordOf(there)));
+}
+
+TEST_F(SystemTrashCan, TellsTheFoldersOfAnotherVolume) {
+    TARVIK_NEEDS_MEMORY_VOLUMES();
+    const RealVolume volume = RealVolume::memory(m_world.path(), 1 << 20);
+    makeFile(volume / "deep/file");
+    const fs::path there = trashed(volume / "deep/file");
+    fs::remove(volume / "deep");
+    EXPECT_THAT(makeSystemTrashCan(m_home)->foldersFor(volume / "deep/file"), testing::Contains(there.parent_path()));
+}
+
 TEST_F(SystemTrashCan, StandsWhereTheEnvironmentPutsTheUsersData) {
     const EnvironmentVariable home("HOME", m_home.native());
     const EnvironmentVariable data("XDG_DATA_HOME", (m_world / "data").native());

@@ -4,6 +4,7 @@
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -152,6 +153,24 @@ TEST_P(TrashCanContract, RefusesTheTopFolderOfAVolume) {
     makeFile(volume.path() / "file");
     EXPECT_NE(refusalOf(volume.path()), 0);
     EXPECT_TRUE(fs::exists(volume.path() / "file"));
+}
+
+TEST_P(TrashCanContract, TellsTheFolderThatAnItemIsIn) {
+    makeFile(m_home / "folder/notes.txt");
+    const fs::path place = m_home / "folder/notes.txt";
+    EXPECT_THAT(m_trash->foldersFor(place), testing::Contains(m_folder));
+    const fs::path there = trashed(place);
+    fs::remove(m_home / "folder");
+    EXPECT_THAT(m_trash->foldersFor(place), testing::Contains(there.parent_path()));
+}
+
+TEST_P(TrashCanContract, ForgetsWhatWasTakenOut) {
+    makeFile(m_home / "notes.txt", "first");
+    const fs::path there = trashed(m_home / "notes.txt");
+    fs::rename(there, m_home / "notes.txt");
+    m_trash->forget(there);
+    EXPECT_EQ(trashed(m_home / "notes.txt"), there);
+    m_trash->forget(m_home / "gone");
 }
 
 TEST_P(TrashCanContract, SaysInOneSentenceWhatItRefused) {
