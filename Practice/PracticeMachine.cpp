@@ -8,6 +8,7 @@
 #include "Practice/Records.h"
 #include "Practice/SpecialApps.h"
 #include "Practice/TreeWriter.h"
+#include "Practice/UninstallSamples.h"
 
 #include <fmt/format.h>
 
@@ -194,6 +195,7 @@ Machine build(const fs::path& folder, const Options& options) {
     if (options.specialApps || options.broken) {
         Records records;
         addSpecialApps(writer, machine, records);
+        addUninstallSamples(writer, machine);
         if (options.broken) addDriftedItems(writer, machine, records);
         records.write(writer, machine);
     }

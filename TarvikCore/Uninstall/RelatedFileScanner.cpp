@@ -47,7 +47,8 @@ private:
 /// path is read, and may be none that the system needs where it is.
 bool isCopyOfApplication(const Host& host, const AppRecord& app, const fs::path& target) {
     const auto resolved = Files::resolved(target);
-    if (!resolved || target.extension() != ".app" || SystemFolders::isImmovable(host, *resolved)) return false;
+    if (!resolved || target.extension() != ".app" || SystemFolders::isImmovable(host, StoredSpelling::of(*resolved)))
+        return false;
     return Files::isSameItem(Files::info(target),
                              Files::info(app.bundlePath.parent_path() / app.externalTargetPath.value_or("")));
 }
@@ -81,9 +82,10 @@ void addFrom(Findings& findings, const Host& host, const Place& place) {
         return;
     }
     if (!Files::exists(place.folder / place.name)) return;
+    // Directly in the home stand also the Trash and what every program reads.
+    if (place.folder == host.home && SystemFolders::isImmovable(host, place.folder / place.name)) return;
     // Where the volume folds names, the application finds its thing under another spelling too, and so does the user.
     const fs::path path = place.folder / StoredSpelling::nameIn(place.folder, place.name);
-    // Directly in the home stand also the Trash and what every program reads.
     if (place.folder == host.home && SystemFolders::isImmovable(host, path)) return;
     findings.add(foundAt(path, place));
 }

@@ -27,5 +27,14 @@ TEST(DataName, IsNoLongerThanAPath) {
     EXPECT_FALSE(DataName::isUsable(std::string(4097, 'x')));
 }
 
+TEST(DataName, IsOneComponentWithoutControlCharacters) {
+    for (const auto name : {"Editor"sv, "com.acme.editor"sv, "Two Words"sv, " "sv, "..x"sv, "Wait..."sv, "What?*"sv,
+                            "Größe"sv, "\xFF\xFE"sv, ".hidden"sv})
+        EXPECT_TRUE(DataName::isOneComponent(name)) << name;
+    for (const auto name : {""sv, "."sv, ".."sv, "/"sv, "a/b"sv, "a\0b"sv, "a\nb"sv, "\r"sv, "a\tb"sv, "a\x7F"sv,
+                            "a\u0085"sv, "\u2028"sv, "a\u2029b"sv})
+        EXPECT_FALSE(DataName::isOneComponent(name)) << name;
+}
+
 }  // namespace
 }  // namespace tarvik
