@@ -1,4 +1,4 @@
-#include "State/Threads/BusyThreads.h"
+#include "Platform/Machine/TrashCan.h"
 #include "Window/UninstallWindowTest.h"
 
 #include <QDragEnterEvent>
@@ -16,7 +16,10 @@ std::string nameOfUninstallPicture(QSize size, const char* more = "") {
 /// The Uninstall tab in each of its states, in the smallest and in a comfortable size, for people to look at.
 class UninstallPicture : public UninstallWindowTest, public testing::WithParamInterface<QSize> {
 protected:
-    UninstallPicture() { addVolume("/", "Macintosh HD").isInternal = true; }
+    UninstallPicture() {
+        addVolume("/", "Macintosh HD").isInternal = true;
+        world.host.trash = makeRootedTrashCan(world.home);
+    }
     void TearDown() override {
         if (opened) opened->savePicture(nameOfUninstallPicture(GetParam()));
         opened.reset();
@@ -65,7 +68,7 @@ TEST_P(UninstallPicture, Scanning) {
     makeApps();
     world.host.tools.pkgutil = world.tool("pkgutil", waitFor(world.folder / "go on"));
     auto& window = openHere();
-    window.click("app-Atlas");
+    press("Atlas");
     EXPECT_TRUE(window.waitUntilShown("scanningServiceFiles"));
     window.savePicture(nameOfUninstallPicture(GetParam(), "-now"));
     makeFile(world.folder / "go on");

@@ -11,7 +11,7 @@ class UninstallTab : public UninstallWindowTest {
 protected:
     UninstallTab() { world.host.trash = makeRootedTrashCan(world.home); }
 
-    void drop(const std::function<void(QMimeData&)>& fill) const {
+    void drop(const std::function<void(QMimeData&)>& fill) {
         QMimeData data;
         fill(data);
         const QPoint place(900, 500);
@@ -19,9 +19,9 @@ protected:
         QCoreApplication::sendEvent(&opened->window(), &enter);
         QDropEvent event(place, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
         QCoreApplication::sendEvent(&opened->window(), &event);
-        if (event.isAccepted()) EXPECT_EQ(event.dropAction(), Qt::CopyAction) << "the sender keeps what it drops";
+        EXPECT_TRUE(!event.isAccepted() || event.dropAction() == Qt::CopyAction) << "the sender keeps what it drops";
     }
-    void expectError(const QString& text) const {
+    void expectError(const QString& text) {
         EXPECT_TRUE(opened->waitForText("errorToast/toastText", text)) << opened->state().lastError().toStdString();
         opened->state().clearError();
     }
@@ -285,12 +285,6 @@ TEST_F(UninstallTab, IsWalkedWithKeysAlone) {
     EXPECT_TRUE(window.waitUntilShown("uninstallPlan"));
     settle();
     window.press(Qt::Key_Tab);
-    EXPECT_TRUE(window.hasFocus("closePlanButton"));
-    window.press(Qt::Key_Tab);
-    EXPECT_TRUE(window.hasFocus("planMoreInfoButton"));
-    window.press(Qt::Key_Return);
-    EXPECT_TRUE(window.waitUntilShown("planVersion"));
-    window.press(Qt::Key_Tab);
     EXPECT_TRUE(window.item("planList").hasActiveFocus());
     window.press(Qt::Key_Down);
     window.press(Qt::Key_Right);
@@ -299,6 +293,12 @@ TEST_F(UninstallTab, IsWalkedWithKeysAlone) {
     EXPECT_EQ(window.text("checkedCountFigure/figureValue"), "5");
     window.press(Qt::Key_Left);
     EXPECT_TRUE(window.waitUntilHidden("candidate-Atlas"));
+    window.press(Qt::Key_Tab);
+    EXPECT_TRUE(window.hasFocus("closePlanButton"));
+    window.press(Qt::Key_Tab);
+    EXPECT_TRUE(window.hasFocus("planMoreInfoButton"));
+    window.press(Qt::Key_Return);
+    EXPECT_TRUE(window.waitUntilShown("planVersion"));
     window.press(Qt::Key_Tab);
     EXPECT_TRUE(window.hasFocus("dryRunButton"));
     window.press(Qt::Key_Tab);

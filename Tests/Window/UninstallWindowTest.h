@@ -46,7 +46,8 @@ protected:
         for (const char* list : {"uninstallList", "planList", "uninstallHero"})
             if (QQuickItem* shown = opened->find(list)) QMetaObject::invokeMethod(shown, "forceLayout");
     }
-    WindowUnderTest& choose(const std::string& name) {
+    /// Presses the row of the application, wherever in the list that is.
+    void press(const std::string& name) {
         const auto& rows = tab().list()->rows();
         const auto row = std::find_if(rows.begin(), rows.end(), [&](const UninstallListRow& each) {
             return each.app() && each.app()->displayName == name;
@@ -54,6 +55,9 @@ protected:
         QMetaObject::invokeMethod(&opened->item("uninstallList"), "positionViewAtIndex",
                                   Q_ARG(int, static_cast<int>(row - rows.begin())), Q_ARG(int, 4));
         opened->click(QString::fromStdString("app-" + name));
+    }
+    WindowUnderTest& choose(const std::string& name) {
+        press(name);
         EXPECT_TRUE(opened->waitUntilShown("uninstallPlan"));
         settle();
         return *opened;

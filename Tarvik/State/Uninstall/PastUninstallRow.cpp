@@ -96,7 +96,6 @@ PastRow wentRow(const std::string& sessionId, std::size_t position, const Uninst
     row.detail = screenText(SizeCalculator::format(item.sizeBytes));
     switch (item.state) {
         case ItemState::waiting:
-            row.state = QStringLiteral("can come back");
             row.path = item.place;
             break;
         case ItemState::back:
@@ -122,7 +121,7 @@ void appendItems(std::vector<PastRow>& rows, const PastUninstall& past, const fs
         PastRow row = itemRow(id, position++, item.originalPath, home);
         row.state = QStringLiteral("not removed");
         row.tone = QStringLiteral("warning");
-        row.note = screenText(item.error.value_or(""));
+        row.note = screenText(item.error.value_or("It was left as it is."));
         rows.push_back(std::move(row));
     }
     for (const std::string& receipt : past.session.forgottenReceipts) {

@@ -14,6 +14,9 @@ T.ItemDelegate {
     /// Whether the right arrow opens the row and the left one closes it.
     property bool turns: false
     signal turned(bool isOpen)
+    /// Whether Space ticks the row, where a press does something else.
+    property bool ticks: false
+    signal ticked
     /// The path of what the row stands for, for its menu; nothing where there is none.
     property var item
     readonly property RowList list: ListView.view as RowList
@@ -28,7 +31,7 @@ T.ItemDelegate {
     Accessible.selectable: true
     Accessible.selected: highlighted
     // On its own it would take each repetition of the key for a press.
-    Keys.onSpacePressed: event => list.pressCurrent(event)
+    Keys.onSpacePressed: event => list.tickCurrent(event)
 
     // A row that waits to be used again is not drawn, but what moves in it would go on.
     ListView.onPooled: visible = false

@@ -16,6 +16,15 @@ ListView {
             (currentItem as ListRow)?.clicked();
     }
 
+    /// Space ticks a row that has a tick beside what a press does.
+    function tickCurrent(event) {
+        const row = currentItem as ListRow;
+        if (!row?.ticks)
+            return pressCurrent(event);
+        if (!event.isAutoRepeat)
+            row.ticked();
+    }
+
     /// Arrows that are pressed in a control within a row belong there.
     function turnCurrent(event, isOpen) {
         const row = currentItem as ListRow;
@@ -87,7 +96,7 @@ ListView {
     T.ScrollBar.vertical: ScrollBar {}
 
     Accessible.role: Accessible.List
-    Keys.onSpacePressed: event => pressCurrent(event)
+    Keys.onSpacePressed: event => tickCurrent(event)
     Keys.onReturnPressed: event => pressCurrent(event)
     Keys.onEnterPressed: event => pressCurrent(event)
     Keys.onRightPressed: event => turnCurrent(event, true)

@@ -23,7 +23,7 @@ ListRow {
 
     objectName: (isSession ? "past-" : "pastItem-") + (isSession ? name : name.split("/").pop())
     implicitHeight: content.implicitHeight + 2 * Theme.small
-    leftPadding: isSession ? Theme.tiny : 30
+    leftPadding: Theme.tiny + (isSession ? 0 : 22 + Theme.small)
     rightPadding: Theme.tiny
     Accessible.name: [name, detail, stateText].filter(part => part !== "").join(", ")
     Accessible.description: note
@@ -59,7 +59,7 @@ ListRow {
                 objectName: "pastDetail"
                 width: parent.width
                 visible: text !== ""
-                elide: Text.ElideRight
+                wrapMode: Text.Wrap
                 text: row.detail
                 color: Theme.textSecondary
                 font.pixelSize: Theme.captionSize

@@ -17,7 +17,7 @@ Item {
         focusPolicy: Qt.NoFocus
         name: "Select " + app.line.name
         checkState: app.line.checkState
-        onClicked: app.line.tick()
+        onClicked: app.line.ticked()
     }
     AppIcon {
         id: picture

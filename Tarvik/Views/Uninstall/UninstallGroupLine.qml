@@ -16,7 +16,7 @@ Item {
         focusPolicy: Qt.NoFocus
         name: "Select " + group.line.name
         checkState: group.line.checkState
-        onClicked: group.line.tick()
+        onClicked: group.line.ticked()
     }
     Rectangle {
         id: picture

@@ -20,6 +20,8 @@ RowList {
 
     header: Column {
         width: list.contentWidth
+        // It grows upwards, out of sight.
+        onImplicitHeightChanged: if (list.currentIndex < 0) Qt.callLater(list.positionViewAtBeginning)
         topPadding: Theme.huge
         bottomPadding: Theme.small
         spacing: Theme.large

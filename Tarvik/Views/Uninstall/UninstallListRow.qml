@@ -26,10 +26,6 @@ ListRow {
     /// The header of the whole list can be closed, those of ranges of sizes cannot.
     readonly property bool isClosable: kind === "header" && UninstallState.list.sortShortLabel !== "Size"
 
-    function tick() {
-        UninstallState.toggleRowMark(index);
-    }
-
     objectName: kind + "-" + name
     implicitHeight: kind === "header" ? Theme.rowHeight : lineHeight
     leftPadding: Theme.large + (isMember ? 20 : 0)
@@ -41,6 +37,8 @@ ListRow {
     Accessible.checkable: kind !== "header"
     Accessible.checked: checkState === Qt.Checked
     item: isApp ? bundlePath : undefined
+    ticks: kind !== "header"
+    onTicked: UninstallState.toggleRowMark(index)
     turns: kind === "group" || isClosable
     onTurned: isOpen => UninstallState.setRowOpen(index, isOpen)
     onClicked: UninstallState.pressRow(index)

@@ -20,6 +20,8 @@ Item {
         header: UninstallPlanHeader {
             width: list.width
             onClosed: UninstallState.clearSelection()
+            // It grows upwards, out of sight.
+            onImplicitHeightChanged: Qt.callLater(list.positionViewAtBeginning)
         }
         delegate: UninstallPlanRow {}
         // Above the first row is what is known of the application.
@@ -27,7 +29,7 @@ Item {
 
         Connections {
             target: UninstallState.planned
-            function onAppChanged() {
+            function onPlanChanged() {
                 list.currentIndex = -1;
                 Qt.callLater(list.positionViewAtBeginning);
             }

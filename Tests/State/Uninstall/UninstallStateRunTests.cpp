@@ -253,7 +253,7 @@ TEST_F(UninstallRunTest, ListsThePastTheNewestFirst) {
     remove();
     EXPECT_THAT(past(), ElementsAre("Brush", "Atlas"));
     tab().past()->setRowOpen(1, true);
-    EXPECT_THAT(past(), ElementsAre("Brush", "Atlas", "  Atlas.app: can come back", "  Atlas: can come back"));
+    EXPECT_THAT(past(), ElementsAre("Brush", "Atlas", "  Atlas.app", "  Atlas"));
     tab().past()->setRowOpen(1, false);
     EXPECT_THAT(past(), ElementsAre("Brush", "Atlas"));
 }
@@ -269,7 +269,7 @@ TEST_F(UninstallRunTest, TellsWhatCouldNotBeRemoved) {
     EXPECT_EQ(error(), "1 item could not be removed. See past uninstalls.");
     ASSERT_EQ(past().size(), 3U);
     EXPECT_EQ(past()[0], "Atlas (1 item could not be removed)");
-    EXPECT_THAT(past()[2], HasSubstr("  Atlas: not removed"));
+    EXPECT_EQ(past()[2], "  Atlas: not removed (It was left as it is.)");
     EXPECT_TRUE(fs::exists(cacheOf("Atlas")));
 }
 
