@@ -11,10 +11,10 @@ FocusScope {
     readonly property var tabs: [
         { name: "apps", label: "Apps", icon: "apps", view: "Apps/AppsTab.qml" },
         { name: "folders", label: "Folders", icon: "folder", view: "Folders/FoldersTab.qml" },
-        { name: "symlinks", label: "Symlinks", icon: "link", view: "Symlinks/SymlinksTab.qml" },
-        { name: "health", label: "Health", icon: "seal", view: "Health/HealthTab.qml" },
         { name: "uninstall", label: "Uninstall", icon: "trash", view: "Uninstall/UninstallTab.qml" },
-        { name: "dedupe", label: "Dedupe", icon: "dedupe", view: "Dedupe/DedupeTab.qml" }
+        { name: "dedupe", label: "Dedupe", icon: "dedupe", view: "Dedupe/DedupeTab.qml" },
+        { name: "symlinks", label: "Symlinks", icon: "link", view: "Symlinks/SymlinksTab.qml" },
+        { name: "health", label: "Health", icon: "seal", view: "Health/HealthTab.qml" }
     ]
     property int selectedTab: 0
     property int toastDuration: Theme.toastDuration

@@ -6,7 +6,7 @@
 #include "UninstallRun/AppUninstallRunner.h"
 #include "UninstallRun/UninstallSessionId.h"
 #include "UninstallRun/UninstallSessionStore.h"
-#include "UninstallRun/UninstallWorld.h"
+#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ protected:
         return {.path = identifier, .category = UninstallCategory::receipts, .isPrivileged = true};
     }
 
-    UninstallWorld world;
+    UninstallRunWorld world;
     const fs::path data = world.library("Caches/Foo");
 };
 

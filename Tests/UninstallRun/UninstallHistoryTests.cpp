@@ -6,7 +6,7 @@
 #include "UninstallRun/UninstallHistory.h"
 #include "UninstallRun/UninstallSessionStore.h"
 #include "UninstallRun/UninstallUndo.h"
-#include "UninstallRun/UninstallWorld.h"
+#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -65,7 +65,7 @@ protected:
     }
     fs::path recordOf(const std::string& id) const { return world.sessions() / id / "session.json"; }
 
-    UninstallWorld world;
+    UninstallRunWorld world;
 };
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
 #include "UninstallRun/UninstallUndo.h"
-#include "UninstallRun/UninstallWorld.h"
+#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -44,7 +44,7 @@ protected:
         return UninstallUndo::putBack(world.host, session, world.reporter());
     }
 
-    UninstallWorld world;
+    UninstallRunWorld world;
     std::optional<RealVolume> m_volume;
     fs::path copy;
 };

@@ -5,7 +5,7 @@
 #include "Support/Tree.h"
 #include "UninstallRun/LaunchProgram.h"
 #include "UninstallRun/UninstallQuestions.h"
-#include "UninstallRun/UninstallWorld.h"
+#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ protected:
         return plist;
     }
 
-    UninstallWorld world;
+    UninstallRunWorld world;
 };
 
 }  // namespace
@@ -128,7 +128,7 @@ TEST_F(UninstallQuestionsTest, RefusesWhenSomethingStillRuns) {
 }
 
 TEST(LaunchProgram, IsWhatTheJobNames) {
-    UninstallWorld world;
+    UninstallRunWorld world;
     const fs::path plist = world.library("LaunchAgents/a.plist");
     const auto programOf = [&](const PropertyList::Dictionary& job) {
         makeFile(plist, PropertyList(job).xml());

@@ -5,7 +5,7 @@
 #include "UninstallRun/UninstallLock.h"
 #include "UninstallRun/UninstallSessionStore.h"
 #include "UninstallRun/UninstallUndo.h"
-#include "UninstallRun/UninstallWorld.h"
+#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ protected:
         return pictureOf(world.folder / "Applications") + pictureOf(world.home / "Library/Caches");
     }
 
-    UninstallWorld world;
+    UninstallRunWorld world;
     const fs::path data = world.library("Caches/Foo");
 };
 

@@ -16,10 +16,10 @@ namespace tarvik::test {
 
 /// A machine with the application Foo and data of it, and a plan that takes them all. Its Trash is the one of a machine
 /// in a folder. The clock goes on by a second at each look at a second that has a record already.
-class UninstallWorld : public World {
+class UninstallRunWorld : public World {
 public:
-    UninstallWorld();
-    explicit UninstallWorld(const fs::path& drivePath);
+    UninstallRunWorld();
+    explicit UninstallRunWorld(const fs::path& drivePath);
 
     /// What stands at the path as a candidate that goes by default.
     UninstallCandidate candidate(const fs::path& path,

@@ -1,4 +1,4 @@
-#include "UninstallRun/UninstallWorld.h"
+#include "UninstallRun/UninstallRunWorld.h"
 
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
@@ -10,9 +10,9 @@
 
 namespace tarvik::test {
 
-UninstallWorld::UninstallWorld() : UninstallWorld(fs::path()) {}
+UninstallRunWorld::UninstallRunWorld() : UninstallRunWorld(fs::path()) {}
 
-UninstallWorld::UninstallWorld(const fs::path& drivePath) : World(drivePath) {
+UninstallRunWorld::UninstallRunWorld(const fs::path& drivePath) : World(drivePath) {
     host.trash = makeRootedTrashCan(home);
     // A clock that stands still would never come to the next second.
     host.now = [looks = std::make_shared<std::atomic<int>>(0)] {
@@ -23,7 +23,7 @@ UninstallWorld::UninstallWorld(const fs::path& drivePath) : World(drivePath) {
     plan = planWith({});
 }
 
-UninstallCandidate UninstallWorld::candidate(const fs::path& path, UninstallCategory category) const {
+UninstallCandidate UninstallRunWorld::candidate(const fs::path& path, UninstallCategory category) const {
     return {.path = path,
             .category = category,
             .sizeBytes = 7,
@@ -32,7 +32,7 @@ UninstallCandidate UninstallWorld::candidate(const fs::path& path, UninstallCate
             .seen = Files::info(path)};
 }
 
-AppUninstallPlan UninstallWorld::planWith(const std::vector<fs::path>& data) const {
+AppUninstallPlan UninstallRunWorld::planWith(const std::vector<fs::path>& data) const {
     AppUninstallPlan made;
     made.app.id = bundle.native();
     made.app.bundlePath = bundle;
@@ -44,24 +44,24 @@ AppUninstallPlan UninstallWorld::planWith(const std::vector<fs::path>& data) con
     return made;
 }
 
-void UninstallWorld::addData(const fs::path& path, const std::string& text) {
+void UninstallRunWorld::addData(const fs::path& path, const std::string& text) {
     makeFile(path, text);
     plan.candidates.push_back(candidate(path));
 }
 
-AppUninstallReporter UninstallWorld::reporter() {
+AppUninstallReporter UninstallRunWorld::reporter() {
     return {[this](const std::string& line) { lines.push_back(line); }};
 }
 
-AppUninstallSession UninstallWorld::run(bool dryRun, const std::optional<std::set<std::string>>& selectedPaths) {
+AppUninstallSession UninstallRunWorld::run(bool dryRun, const std::optional<std::set<std::string>>& selectedPaths) {
     return AppUninstallRunner::run(host, plan, UninstallSelection::everything, dryRun, selectedPaths, reporter());
 }
 
-std::vector<std::string> UninstallWorld::journals() const {
+std::vector<std::string> UninstallRunWorld::journals() const {
     return Files::names(sessions() / ".journals");
 }
 
-void UninstallWorld::refuseAllTrash() {
+void UninstallRunWorld::refuseAllTrash() {
     trash->refuses = true;
     host.trash = trash;
 }
