@@ -11,7 +11,6 @@
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 #include "Table.h"
-#include "Uninstall/AppGrouper.h"
 #include "Uninstall/AppUninstallPlanner.h"
 #include "UninstallRun/AppUninstallRunner.h"
 
@@ -146,11 +145,6 @@ void measure(int rounds) {
     Table::milliseconds(
         "the same without sizes", [&] { plan(app, RelatedFileScanner::Sizes::leftOut); }, rounds, "20 ms");
     measureTrash(app, rounds);
-
-    const ManyApps apps;
-    const auto records = InstalledAppsScanner::discover(apps.host());
-    Table::milliseconds(
-        fmt::format("grouping {} applications", records.size()), [&] { AppGrouper::group(records); }, rounds, "5 ms");
 }
 
 }  // namespace tarvik::UninstallSpeed

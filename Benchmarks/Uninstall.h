@@ -1,6 +1,6 @@
 #pragma once
 
-/// How long it takes to plan an uninstall, to group what can be uninstalled, and to move much to the Trash.
+/// How long it takes to plan an uninstall, and to move much to the Trash.
 namespace tarvik::UninstallSpeed {
 
 /// Prints its figures, of `rounds` rounds each, for applications on a volume of its own. @throws std::exception

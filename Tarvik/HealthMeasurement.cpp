@@ -1,10 +1,10 @@
 #include "HealthMeasurement.h"
 
+#include "ShownTab.h"
 #include "State/Health/HealthState.h"
 #include "State/Shared/AppState.h"
 
 #include <QCoreApplication>
-#include <QQuickItem>
 #include <QQuickWindow>
 
 #include <cstdio>
@@ -13,8 +13,6 @@ namespace tarvik {
 
 namespace {
 
-constexpr int glanceMilliseconds = 10;
-constexpr int placeOfTheTab = 3;
 /// The report's way into the view is watched too.
 constexpr int restAfterReport = 500;
 
@@ -28,17 +26,11 @@ HealthMeasurement::HealthMeasurement(AppState& state) : m_state(state) {
 }
 
 void HealthMeasurement::watch(QQuickWindow& window) {
-    auto* timer = new QTimer(&window);
-    connect(timer, &QTimer::timeout, &window, [this, timer, &window] {
-        if (!m_state.isIdle()) return;
-        timer->stop();
-        begin(window);
-    });
-    timer->start(glanceMilliseconds);
+    ShownTab::whenIdle(window, m_state, [this, &window] { begin(window); });
 }
 
 void HealthMeasurement::begin(QQuickWindow& window) {
-    window.findChild<QQuickItem*>(QStringLiteral("rootView"))->setProperty("selectedTab", placeOfTheTab);
+    ShownTab::show(window, "health");
     m_sinceBegin.start();
     m_loop.start();
     m_state.tab<HealthState>().refreshHealth();

@@ -6,6 +6,7 @@
 #include "Platform/Processes/StandardStreams.h"
 #include "ProcessAge.h"
 #include "RefreshMeasurement.h"
+#include "ShownTab.h"
 #include "State/Apps/AppsState.h"
 #include "State/Folders/FoldersState.h"
 #include "State/Folders/GivenFolder.h"
@@ -43,17 +44,13 @@ void prepareToolkit(const Options& options) {
 
 /// Saves a picture once the first refresh is over and what moves in the window has come to rest, then quits.
 void savePictureWhenReady(QQuickWindow& window, const AppState& state, const fs::path& file) {
-    auto* timer = new QTimer(&window);
-    QObject::connect(timer, &QTimer::timeout, &window, [timer, &window, &state, file] {
-        if (!state.isIdle()) return;
-        timer->stop();
+    ShownTab::whenIdle(window, state, [&window, file] {
         QTimer::singleShot(300, &window, [&window, file] {
             const bool isSaved = window.grabWindow().save(QString::fromStdString(file.native()), "PNG");
             if (!isSaved) std::fprintf(stderr, "The picture could not be saved as %s.\n", file.c_str());
             QCoreApplication::exit(isSaved ? EXIT_SUCCESS : EXIT_FAILURE);
         });
     });
-    timer->start(10);
 }
 
 void printTimeOfFirstFrame(QQuickWindow& window) {

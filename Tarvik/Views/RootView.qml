@@ -25,6 +25,10 @@ FocusScope {
         AppState.refreshAll();
     }
 
+    function showTab(name) {
+        selectedTab = tabs.findIndex(tab => tab.name === name);
+    }
+
     /// By its address: where there are no menus, what they are made of need not be installed.
     function makeMenuBar() {
         const bar = Qt.createComponent("MenuBar.qml").createObject(root, { acts: acts, tabs: tabs });
@@ -48,7 +52,7 @@ FocusScope {
     Connections {
         target: FoldersState
         function onTaken() {
-            root.selectedTab = root.tabs.findIndex(tab => tab.name === "folders");
+            root.showTab("folders");
         }
     }
 

@@ -4,9 +4,9 @@
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "UninstallRun/AppUninstallRunner.h"
+#include "UninstallRun/UninstallRunWorld.h"
 #include "UninstallRun/UninstallSessionId.h"
 #include "UninstallRun/UninstallSessionStore.h"
-#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,9 +4,9 @@
 #include "Support/Tree.h"
 #include "UninstallRun/AppUninstallRunner.h"
 #include "UninstallRun/UninstallHistory.h"
+#include "UninstallRun/UninstallRunWorld.h"
 #include "UninstallRun/UninstallSessionStore.h"
 #include "UninstallRun/UninstallUndo.h"
-#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

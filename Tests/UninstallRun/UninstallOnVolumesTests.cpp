@@ -3,8 +3,8 @@
 #include "Support/Bundles.h"
 #include "Support/RealVolume.h"
 #include "Support/Tree.h"
-#include "UninstallRun/UninstallUndo.h"
 #include "UninstallRun/UninstallRunWorld.h"
+#include "UninstallRun/UninstallUndo.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

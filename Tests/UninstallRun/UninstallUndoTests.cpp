@@ -3,9 +3,9 @@
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "UninstallRun/UninstallLock.h"
+#include "UninstallRun/UninstallRunWorld.h"
 #include "UninstallRun/UninstallSessionStore.h"
 #include "UninstallRun/UninstallUndo.h"
-#include "UninstallRun/UninstallRunWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

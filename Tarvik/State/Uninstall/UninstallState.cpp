@@ -12,6 +12,7 @@
 #include "State/Threads/Background.h"
 #include "Uninstall/AppGrouper.h"
 #include "Uninstall/AppUninstallPlanner.h"
+#include "Uninstall/UninstallTarget.h"
 #include "UninstallRun/UninstallHistory.h"
 
 #include <QScopeGuard>
@@ -27,21 +28,20 @@ constexpr int mostWalksAtATime = 6;
 
 using PastItems = std::vector<std::pair<std::string, std::vector<UninstallUndo::Item>>>;
 
-/// What stands at the path, when it is an application: anything else that a user drops is nothing to be removed.
+/// What a user drops is looked for as it is stored.
 std::optional<AppRecord> appAt(const Host& host, const fs::path& written) {
     if (!written.is_absolute()) return std::nullopt;
-    const fs::path path = WrittenPath::meant(written);
-    if (path.extension() != ".app") return std::nullopt;
-    const auto info = Files::info(path);
-    if (!info || (info->type != Files::ItemType::folder && info->type != Files::ItemType::symbolicLink))
-        return std::nullopt;
-    return InstalledAppsScanner::inspect(host, path);
+    return UninstallTarget::atPath(host, WrittenPath::meant(written));
 }
 
 }  // namespace
 
 UninstallState::UninstallState(AppState& app)
-    : TabState(app), m_list(app.host().now), m_planned(app.host().home), m_past(app.host().home), m_walks(mostWalksAtATime) {}
+    : TabState(app),
+      m_list(app.host().now),
+      m_planned(app.host().home),
+      m_past(app.host().home),
+      m_walks(mostWalksAtATime) {}
 
 UninstallState::~UninstallState() = default;
 
