@@ -104,6 +104,17 @@ TEST_F(UninstallPlan, WarnsInOneOrder) {
                 ElementsAre("Tarvik launcher: external target will only be removed if explicitly included.", ofSearch));
 }
 
+TEST_F(UninstallPlan, WarnsOfEachThingForItself) {
+    world.app.hasSystemExtension = true;
+    EXPECT_THAT(plan().warnings, ElementsAre("App declares a system extension; review carefully."));
+    world.app.hasSystemExtension = false;
+    world.app.isMacAppStore = true;
+    EXPECT_THAT(plan().warnings, ElementsAre("Mac App Store app; receipt may also need to be forgotten."));
+    world.app.isMacAppStore = false;
+    test::makeFile(world.systemLibrary / "LaunchAgents/com.acme.editor.plist");
+    EXPECT_THAT(plan().warnings, IsEmpty()) << "an agent is no daemon";
+}
+
 TEST_F(UninstallPlan, WarnsOfNoTargetThatALauncherDoesNotName) {
     world.app.kind = AppRecordKind::tarvikLauncher;
     EXPECT_THAT(plan().warnings, IsEmpty());

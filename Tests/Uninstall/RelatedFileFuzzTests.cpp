@@ -118,6 +118,8 @@ TEST_F(RelatedFileFuzz, NamesOfEveryKindLeadToNothingElse) {
                                              "\u2028",
                                              " ",
                                              "ByHost",
+                                             "data",
+                                             "/data",
                                              "Keychains",
                                              ".plist",
                                              "login.keychain-db",
