@@ -1,5 +1,6 @@
 #include "Discovery.h"
 
+#include "Dedupe/AppDedupeService.h"
 #include "Discovery/AppScanner.h"
 #include "Discovery/InstalledAppsScanner.h"
 #include "Discovery/SymlinkScanner.h"
@@ -44,6 +45,9 @@ void measure(int rounds) {
         "applications for the uninstaller", [&] { InstalledAppsScanner::discover(host); }, rounds, "150 ms");
     Table::milliseconds(
         "applications to move", [&] { AppScanner::discoverMetadata(host); }, rounds, "150 ms");
+    const auto folders = AppDedupeService::applicationRoots(host);
+    Table::milliseconds(
+        "duplicate launchers", [&] { AppDedupeService::plan(host, folders); }, rounds, "150 ms");
 
     const auto roots = SymlinkScanner::defaultRoots(host);
     const auto ls = ManyApps::command({"ls"}, roots);
