@@ -4,8 +4,12 @@
 #include "State/Shared/AppState.h"
 
 #include <QCoreApplication>
+#include <QJSValue>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <QString>
+#include <QVariantList>
+#include <QVariantMap>
 
 #include <cstdio>
 
@@ -14,9 +18,16 @@ namespace tarvik {
 namespace {
 
 constexpr int glanceMilliseconds = 10;
-constexpr int placeOfTheTab = 3;
 /// The report's way into the view is watched too.
 constexpr int restAfterReport = 500;
+
+/// Where the tab stands among those of the root view. Without it there is nothing to measure.
+int placeOf(const QString& tab, const QQuickItem& rootView) {
+    const QVariantList tabs = rootView.property("tabs").value<QJSValue>().toVariant().toList();
+    for (int place = 0; place < tabs.size(); ++place)
+        if (tabs.at(place).toMap().value(QStringLiteral("name")) == tab) return place;
+    qFatal("There is no tab of that name.");
+}
 
 }  // namespace
 
@@ -38,7 +49,8 @@ void HealthMeasurement::watch(QQuickWindow& window) {
 }
 
 void HealthMeasurement::begin(QQuickWindow& window) {
-    window.findChild<QQuickItem*>(QStringLiteral("rootView"))->setProperty("selectedTab", placeOfTheTab);
+    auto* const rootView = window.findChild<QQuickItem*>(QStringLiteral("rootView"));
+    rootView->setProperty("selectedTab", placeOf(QStringLiteral("health"), *rootView));
     m_sinceBegin.start();
     m_loop.start();
     m_state.tab<HealthState>().refreshHealth();
