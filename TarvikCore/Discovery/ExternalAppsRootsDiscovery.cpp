@@ -20,9 +20,20 @@ namespace tarvik {
 
 namespace {
 
-/// Where drives are mounted. Beside one that is silent the others are not asked what they are.
+/// The same as a scan gives, but that each volume is asked alone, and one that is silent not at all.
+std::vector<fs::path> answeringDrives(const Host& host) {
+    std::vector<fs::path> found;
+    for (fs::path& mountPath : host.volumes->mountPaths()) {
+        if (SilentVolumes::hold(host, mountPath)) continue;
+        const auto volume = host.volumes->at(mountPath);
+        if (volume && volume->isBrowsable.value_or(false)) found.push_back(std::move(mountPath));
+    }
+    return found;
+}
+
+/// Where drives are mounted that a user sees.
 std::vector<fs::path> drives(const Host& host) {
-    if (!host.silentVolumes.empty()) return host.volumes->mountPaths();
+    if (!host.silentVolumes.empty()) return answeringDrives(host);
     std::vector<fs::path> found;
     for (DriveInfo& drive : DriveScanner::scan(host)) found.push_back(std::move(drive.mountPath));
     return found;

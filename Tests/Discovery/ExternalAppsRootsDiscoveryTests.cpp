@@ -39,6 +39,19 @@ TEST(ExternalAppsRootsDiscovery, FindsDrivesThatAreMountedElsewhereOnce) {
                             media / "Stick/ExternalTarvik/Apps"));
 }
 
+TEST(ExternalAppsRootsDiscovery, FindsBesideASilentVolumeWhatItFindsWithoutOne) {
+    test::World world;
+    const fs::path silent = world.folder / "media/Silent";
+    const fs::path shown = world.folder / "media/Shown";
+    const fs::path hidden = world.folder / "media/Hidden";
+    for (const fs::path& drive : {silent, shown, hidden}) {
+        test::makeFolder(drive / "ExternalTarvik/Apps");
+        world.volumes->list.push_back({.mountPath = drive, .isBrowsable = drive != hidden});
+    }
+    world.host.silentVolumes = {silent};
+    EXPECT_THAT(ExternalAppsRootsDiscovery::roots(world.host, {}), ElementsAre(shown / "ExternalTarvik/Apps"));
+}
+
 TEST(ExternalAppsRootsDiscovery, GivesTheExtrasAlsoWithoutVolumes) {
     const test::World world;
     fs::remove_all(world.folder / "Volumes");

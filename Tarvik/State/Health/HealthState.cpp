@@ -2,6 +2,7 @@
 
 #include "Health/HealthCheck.h"
 #include "HealthRepair/HealthRepair.h"
+#include "Platform/Basics/Failure.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "State/Lists/ScreenText.h"
 #include "State/Shared/AppState.h"
@@ -45,7 +46,7 @@ int HealthState::healthyCount() const {
 }
 
 int HealthState::problemCount() const {
-    return m_problems.count();
+    return m_report ? static_cast<int>(m_report->problems().size()) : 0;
 }
 
 int HealthState::scannedSymlinks() const {
@@ -141,10 +142,15 @@ QCoro::Task<> HealthState::repair(HealthIssue issue, HealthRepairStrategy strate
     const auto held = app().actBeside({"Quit while something is being repaired?",
                                        "It will be repaired before the window closes.",
                                        {"Finish and Quit", "Cancel"}});
-    const auto act = [host = host(), issue = std::move(issue), strategy] {
-        return HealthRepair::perform(host, issue, strategy);
-    };
-    app().setInfo(screenText(co_await inBackground(Priority::userInitiated, act)));
+    const auto act = [host = host(), issue, strategy] { return HealthRepair::perform(host, issue, strategy); };
+    try {
+        app().setInfo(screenText(co_await inBackground(Priority::userInitiated, act)));
+    } catch (const Failure& failure) {
+        // It moves an application, as a move does.
+        if (strategy == HealthRepairStrategy::reSymlinkReverted)
+            app().keptApplications()->add({{issue.location, failure.description()}});
+        throw;
+    }
 }
 
 }  // namespace tarvik

@@ -4,7 +4,7 @@
 #include "State/Lists/ScreenText.h"
 #include "State/Threads/Background.h"
 
-#include <iterator>
+#include <algorithm>
 #include <utility>
 
 namespace tarvik {
@@ -39,7 +39,14 @@ QCoro::Task<> KeptApplications::take(std::vector<Failed> failed) {
     if (found.empty()) co_return;
     ++m_round;
     std::vector<Failed> kept = m_kept;
-    kept.insert(kept.end(), found.begin(), found.end());
+    for (const Failed& each : found) {
+        const auto before =
+            std::find_if(kept.begin(), kept.end(), [&](const Failed& one) { return one.item == each.item; });
+        if (before == kept.end())
+            kept.push_back(each);
+        else
+            *before = each;
+    }
     setKept(std::move(kept));
 }
 

@@ -24,7 +24,7 @@ class KeptApplications : public QObject {
     Q_PROPERTY(QString settingsPage READ settingsPage CONSTANT)
 
 public:
-    /// A move, or a way back, that has failed.
+    /// A move, a way back or a repair that has failed.
     struct Failed {
         fs::path item;
         /// What the user has read.
@@ -34,6 +34,8 @@ public:
     /// `follow` takes over a flow that has been started.
     explicit KeptApplications(std::function<void(QCoro::Task<>)> follow) : m_follow(std::move(follow)) {}
 
+    /// Those that are kept, each once, however often it has failed.
+    const std::vector<Failed>& applications() const { return m_kept; }
     QString text() const;
     QString settingsPage() const;
 

@@ -1,6 +1,7 @@
 #include "Platform/Files/PatientStatus.h"
 
 #include "Platform/Files/FileDescriptor.h"
+#include "Platform/Files/Pipe.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -14,6 +15,7 @@
 #include <sys/wait.h>
 #include <type_traits>
 #include <unistd.h>
+#include <utility>
 
 namespace tarvik::PatientStatus {
 
@@ -39,8 +41,9 @@ void closeAllBut(int kept) {
         if (descriptor != kept && !isFile(descriptor)) ::close(descriptor);
 }
 
-/// In a process of its own, where only calls that are safe after `fork` may be made.
-[[noreturn]] void answer(const char* path, int output, std::chrono::milliseconds patience) {
+/// In a process of its own, where only calls that are safe after `fork` may be made: no memory is asked for, since
+/// another thread may have held its lock.
+[[noreturn]] void answer(const fs::path& path, int output, std::chrono::milliseconds patience) {
     closeAllBut(output);
     ::signal(SIGALRM, SIG_DFL);
     sigset_t none;
@@ -53,27 +56,23 @@ void closeAllBut(int kept) {
 
     struct stat status {};
     Answer result;
-    if (::stat(path, &status) == 0 && S_ISDIR(status.st_mode)) result = fileSystemStatus(path);
+    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) result = fileSystemStatus(path);
     static_cast<void>(!::write(output, &result, sizeof result));
     ::_exit(0);
 }
 
 /// The reading end of a pipe from a process that asks. It is nobody's child, so that nobody has to wait for its end.
 FileDescriptor ask(const fs::path& path, std::chrono::milliseconds patience) {
-    int ends[2];
-    if (::pipe(ends) != 0) return FileDescriptor{};
-    FileDescriptor input(ends[0]);
-    const FileDescriptor output(ends[1]);
-    for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
-
+    Pipe pipe = Pipe::make();
+    if (!pipe.readEnd) return FileDescriptor{};
     const pid_t child = ::fork();
     if (child == 0) {
-        if (::fork() == 0) answer(path.c_str(), output.get(), patience);
+        if (::fork() == 0) answer(path, pipe.writeEnd.get(), patience);
         ::_exit(0);
     }
     if (child < 0) return FileDescriptor{};
     while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
-    return input;
+    return std::move(pipe.readEnd);
 }
 
 /// Waits until there is something to read, or the other end is closed. @returns whether that was in time.

@@ -1,9 +1,9 @@
 #include "Platform/Processes/ChildProcess.h"
 
 #include "Platform/Files/FileError.h"
+#include "Platform/Files/Pipe.h"
 #include "Platform/Processes/DescriptorInheritance.h"
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -35,11 +35,6 @@ private:
     const fs::path& m_program;
 };
 
-struct Pipe {
-    FileDescriptor readEnd;
-    FileDescriptor writeEnd;
-};
-
 /// Moves a descriptor above the standard streams. Where this process has none of its own, a pipe would take their
 /// place, and the child would find its own output at its standard input.
 FileDescriptor aboveStandardStreams(FileDescriptor descriptor, const Check& check) {
@@ -49,11 +44,10 @@ FileDescriptor aboveStandardStreams(FileDescriptor descriptor, const Check& chec
 }
 
 Pipe makePipe(const Check& check) {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) check(errno);
-    FileDescriptor readEnd(ends[0]);
-    FileDescriptor writeEnd(ends[1]);
-    return {aboveStandardStreams(std::move(readEnd), check), aboveStandardStreams(std::move(writeEnd), check)};
+    Pipe pipe = Pipe::make();
+    if (!pipe.readEnd) check(errno);
+    return {aboveStandardStreams(std::move(pipe.readEnd), check),
+            aboveStandardStreams(std::move(pipe.writeEnd), check)};
 }
 
 class FileActions {

@@ -66,7 +66,8 @@ std::optional<DriveInfo> holding(const Host& host, const fs::path& item) {
         if (!mountPath || !Files::isAtOrBelow(*folder, *mountPath)) continue;
         const auto top = Files::info(*mountPath);
         if (!top || top->device != place->device) continue;
-        if (!deepest || deepest->id.size() < volume.mountPath.native().size()) deepest = driveOf(volume);
+        if (!deepest || deepest->mountPath.native().size() < volume.mountPath.native().size())
+            deepest = driveOf(volume);
     }
     return deepest;
 }

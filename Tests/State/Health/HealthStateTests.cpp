@@ -1,9 +1,11 @@
+#include "Records/HealthManifest.h"
 #include "State/EventLoop.h"
 #include "State/StateWorld.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <vector>
 
@@ -92,6 +94,15 @@ TEST_F(HealthStateTest, PutsProblemsIntoTheOrderOfTheirSections) {
     scan();
     EXPECT_THAT(names(healthTab().problemsModel()),
                 ElementsAre("Gone.app", "Launcher.app", "Reverted.app", "Orphan.app"));
+}
+
+TEST_F(HealthStateTest, CountsEachProblemOfTheReport) {
+    makeBundle(applications / "Foo.app");
+    const HealthManifestEntry entry{applications / "Foo.app", "/nowhere/Foo.app", std::nullopt, 1, world.host.now()};
+    makeFile(HealthManifest::file(world.host), nlohmann::json({entry, entry}).dump());
+    scan();
+    EXPECT_EQ(healthTab().healthReport()->problems().size(), 2U);
+    EXPECT_EQ(healthTab().problemCount(), 2) << "though they are one row";
 }
 
 TEST_F(HealthStateTest, HeadsASectionWithItsCountAndTheSumOfWhatWasReverted) {

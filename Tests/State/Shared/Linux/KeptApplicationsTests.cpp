@@ -70,6 +70,16 @@ TEST_F(KeptApplicationsTest, AreForgottenOnlyWhenTheyMayBeChanged) {
     EXPECT_EQ(told(), "");
 }
 
+TEST_F(KeptApplicationsTest, AreKeptOnceEachHoweverOftenTheyFail) {
+    keep({editor, player});
+    kept.add({{editor, reasonFor(editor)}});
+    waitForAll();
+    kept.add({{editor, reasonFor(editor)}, {player, reasonFor(player)}});
+    waitForAll();
+    ASSERT_EQ(kept.applications().size(), 2U);
+    EXPECT_EQ(kept.applications().front().item, editor);
+}
+
 TEST_F(KeptApplicationsTest, DoNotComeBackByALookThatWasUnderWay) {
     keep({editor});
     kept.add({{editor, reasonFor(editor)}});
