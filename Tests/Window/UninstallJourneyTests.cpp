@@ -48,8 +48,7 @@ protected:
 
     /// An application with data at many places, one of them with an attribute of its own.
     void makeApp() const {
-        makeBundle(atlas,
-                   {{"CFBundleIdentifier", id}, {"CFBundleName", "Atlas"}, {"CFBundleExecutable", "program"}});
+        makeBundle(atlas, {{"CFBundleIdentifier", id}, {"CFBundleName", "Atlas"}, {"CFBundleExecutable", "program"}});
         makeFileOfSize(atlas / "Contents/Resources/Assets.car", 50'000, 3);
         makeFileOfSize(library / "Application Support/Atlas/maps", 300'000, 4);
         makeLink(library / "Application Support/Atlas/latest", "maps");
@@ -118,10 +117,11 @@ protected:
     }
     /// What still bears its name or its identifier.
     std::string left() const {
-        return printed("find \"$1\" \"$2\" -mindepth 1 \\( -name '.Trash*' -o -path '*/Application Support/Tarvik' -o "
-                       "-path '*/.local/share' \\) -prune -o \\( -name '*Atlas*' -o -name '*" +
-                           id + "*' \\) -prune -print | sort -u",
-                       {machine.root, drive->path()});
+        return printed(
+            "find \"$1\" \"$2\" -mindepth 1 \\( -name '.Trash*' -o -path '*/Application Support/Tarvik' -o "
+            "-path '*/.local/share' \\) -prune -o \\( -name '*Atlas*' -o -name '*" +
+                id + "*' \\) -prune -print | sort -u",
+            {machine.root, drive->path()});
     }
 
     const std::string id = "org.atlas.viewer";

@@ -120,7 +120,8 @@ TEST_P(UninstallPicture, HeldOverIt) {
 
 TEST_P(UninstallPicture, LongNames) {
     const std::string name =
-        "An application whose name\nhas a line break and is far longer than any column is wide, whatever the size may be";
+        "An application whose name\nhas a line break and is far longer than any column is wide, whatever the size may "
+        "be";
     app(name, 3'000'000);
     makeFileOfSize(world.home / "Library/Caches" / name / "cache", 20'000);
     makeFile(applications / (name + ".app") / "Contents/_MASReceipt/receipt");
@@ -133,7 +134,8 @@ TEST_P(UninstallPicture, Hundreds) {
     for (int number = 100; number < 400; ++number) app("App " + std::to_string(number));
     const std::string id = identifierOf("App 100");
     for (int number = 0; number < 1000; ++number)
-        makeFile(world.home / "Library/Preferences/ByHost" / (id + "." + std::to_string(number) + ".plist"), "<plist/>");
+        makeFile(world.home / "Library/Preferences/ByHost" / (id + "." + std::to_string(number) + ".plist"),
+                 "<plist/>");
     auto& window = openHere();
     window.item("uninstallSearch").forceActiveFocus();
     window.type("app 100");

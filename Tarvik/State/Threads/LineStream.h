@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-
 namespace tarvik {
 
 /// Carries lines to the UI thread in their order and loses none. Those that come while others are still on their way

@@ -49,15 +49,14 @@ QString wordsOfSession(const AppUninstallSession& session) {
         ++gone;
         bytes += item.sizeBytes;
     }
-    return joined(
-        {timeText(session.createdAt), countedText(gone, "item"), screenText(SizeCalculator::format(bytes))});
+    return joined({timeText(session.createdAt), countedText(gone, "item"), screenText(SizeCalculator::format(bytes))});
 }
 
 QString noteOf(const PastUninstall& past) {
     QStringList notes;
     const auto& moved = past.session.movedItems;
-    const auto stayed =
-        static_cast<std::size_t>(std::count_if(moved.begin(), moved.end(), [](const auto& item) { return !item.succeeded; }));
+    const auto stayed = static_cast<std::size_t>(
+        std::count_if(moved.begin(), moved.end(), [](const auto& item) { return !item.succeeded; }));
     if (stayed > 0) notes.push_back(countedText(stayed, "item") + QStringLiteral(" could not be removed"));
     const std::size_t stuck = countOf(past, ItemState::stuck);
     if (stuck > 0) notes.push_back(countedText(stuck, "item") + QStringLiteral(" cannot come back"));

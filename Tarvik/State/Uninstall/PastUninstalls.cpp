@@ -39,9 +39,8 @@ void PastUninstalls::setItems(std::vector<std::pair<std::string, std::vector<Uni
 }
 
 const AppUninstallSession* PastUninstalls::find(const QString& id) const {
-    const auto found = std::find_if(m_sessions.begin(), m_sessions.end(), [&](const AppUninstallSession& session) {
-        return uniqueText(session.id) == id;
-    });
+    const auto found = std::find_if(m_sessions.begin(), m_sessions.end(),
+                                    [&](const AppUninstallSession& session) { return uniqueText(session.id) == id; });
     return found == m_sessions.end() ? nullptr : &*found;
 }
 

@@ -113,12 +113,12 @@ std::vector<UninstallListRow> UninstallListRow::list(const std::vector<AppRecord
 
     std::unordered_map<const UninstallGroup*, std::vector<AppRecord>> members;
     for (const AppRecord& record : shown)
-        if (const auto found = groupOf.find(record.id); found != groupOf.end()) members[found->second].push_back(record);
+        if (const auto found = groupOf.find(record.id); found != groupOf.end())
+            members[found->second].push_back(record);
 
     std::vector<UninstallListRow> rows;
     const bool bySize = isSizeSort(choice.sort);
-    if (!bySize && !shown.empty())
-        rows.push_back({.content = listHeaderOf(choice.sort), .isOpen = choice.isListOpen});
+    if (!bySize && !shown.empty()) rows.push_back({.content = listHeaderOf(choice.sort), .isOpen = choice.isListOpen});
     if (!bySize && !choice.isListOpen) return rows;
 
     std::string range;
@@ -161,7 +161,9 @@ std::vector<Role<UninstallListRow>> UninstallListRow::roles() {
         {"name", [](const Row& row) -> QVariant { return nameOf(row); }},
         {"rowId", [](const Row& row) -> QVariant { return uniqueText(key(row)); }},
         {"bundlePath",
-         [](const Row& row) { return ofApp(row, [](const AppRecord& record) { return FilePath(record.bundlePath); }); }},
+         [](const Row& row) {
+             return ofApp(row, [](const AppRecord& record) { return FilePath(record.bundlePath); });
+         }},
         {"iconSource",
          [](const Row& row) {
              return ofApp(row, [](const AppRecord& record) { return AppIcons::source(record.bundlePath); });

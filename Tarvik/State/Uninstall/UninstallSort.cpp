@@ -84,9 +84,8 @@ bool isSizeSort(UninstallSort sort) {
 }
 
 std::vector<AppRecord> sorted(std::vector<AppRecord> records, UninstallSort sort) {
-    std::stable_sort(
-        records.begin(), records.end(),
-        [sort](const AppRecord& left, const AppRecord& right) { return standsBefore(left, right, sort); });
+    std::stable_sort(records.begin(), records.end(),
+                     [sort](const AppRecord& left, const AppRecord& right) { return standsBefore(left, right, sort); });
     return records;
 }
 

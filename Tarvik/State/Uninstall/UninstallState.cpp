@@ -41,7 +41,11 @@ std::optional<AppRecord> appAt(const Host& host, const fs::path& written) {
 }  // namespace
 
 UninstallState::UninstallState(AppState& app)
-    : TabState(app), m_list(app.host().now), m_planned(app.host().home), m_past(app.host().home), m_walks(mostWalksAtATime) {}
+    : TabState(app),
+      m_list(app.host().now),
+      m_planned(app.host().home),
+      m_past(app.host().home),
+      m_walks(mostWalksAtATime) {}
 
 UninstallState::~UninstallState() = default;
 

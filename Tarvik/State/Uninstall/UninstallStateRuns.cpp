@@ -38,8 +38,7 @@ Dialog askToPutBack(const AppUninstallSession& session, const PutBackItems& item
                     "Will bring " + Text::counted(waiting, "item") +
                         " back to their old places. Nothing that stands there is replaced.",
                     {"Put Back", "Cancel"}};
-    if (waiting == 1)
-        question.text = "Will bring 1 item back to its old place. Nothing that stands there is replaced.";
+    if (waiting == 1) question.text = "Will bring 1 item back to its old place. Nothing that stands there is replaced.";
     for (const UninstallUndo::Item& item : items)
         if (item.state == UninstallUndo::Item::State::stuck)
             question.details.push_back(Text::displayable(item.originalPath.native()) + ": " + item.reason);
@@ -166,9 +165,8 @@ QCoro::Task<> UninstallState::bringBack(AppUninstallSession session) {
     };
     PutBackItems after = co_await inBackground(Priority::userInitiated, act);
     const QString outcome = screenText(UninstallUndo::summary(before, after));
-    const bool isWhole = std::none_of(after.begin(), after.end(), [](const auto& item) {
-        return item.state != UninstallUndo::Item::State::back;
-    });
+    const bool isWhole = std::none_of(after.begin(), after.end(),
+                                      [](const auto& item) { return item.state != UninstallUndo::Item::State::back; });
     if (isWhole) {
         app().setInfo(outcome);
     } else {

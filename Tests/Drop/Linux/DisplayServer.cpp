@@ -26,9 +26,10 @@ DisplayServer::DisplayServer() {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0) return;
     const std::string number = std::to_string(ends[1]);
-    const char* arguments[] = {"Xvfb",       "-displayfd", number.c_str(), "-screen",    "0",
+    const char* arguments[] = {"Xvfb",        "-displayfd", number.c_str(), "-screen",    "0",
                                "1400x900x24", "-nolisten",  "tcp",          "-terminate", nullptr};
-    const int error = ::posix_spawnp(&m_process, arguments[0], nullptr, nullptr, const_cast<char**>(arguments), environ);
+    const int error =
+        ::posix_spawnp(&m_process, arguments[0], nullptr, nullptr, const_cast<char**>(arguments), environ);
     ::close(ends[1]);
     if (error == 0) m_display = lineFrom(ends[0]);
     ::close(ends[0]);

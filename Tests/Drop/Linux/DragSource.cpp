@@ -33,7 +33,10 @@ protected:
         auto* drag = new QDrag(this);
         drag->setMimeData(dragged());
         const Qt::DropAction end = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
-        say(end == Qt::CopyAction ? "copy" : end == Qt::MoveAction ? "move" : end == Qt::LinkAction ? "link" : "nothing");
+        say(end == Qt::CopyAction   ? "copy"
+            : end == Qt::MoveAction ? "move"
+            : end == Qt::LinkAction ? "link"
+                                    : "nothing");
     }
 
 private:

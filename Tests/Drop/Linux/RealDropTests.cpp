@@ -29,7 +29,8 @@ class RealDrop : public testing::Test {
 protected:
     void SetUp() override {
         if (QGuiApplication::platformName() != "xcb") TARVIK_SKIP_BECAUSE("There is no Xvfb.");
-        if (CommandRunner::run("/usr/bin/xdotool", {"version"}).status != 0) TARVIK_SKIP_BECAUSE("There is no xdotool.");
+        if (CommandRunner::run("/usr/bin/xdotool", {"version"}).status != 0)
+            TARVIK_SKIP_BECAUSE("There is no xdotool.");
         makeBundle(atlas, {{"CFBundleIdentifier", "org.atlas.viewer"}});
         window = std::make_unique<WindowUnderTest>(world.host, windowSize);
         window->window().setPosition(windowPlace);

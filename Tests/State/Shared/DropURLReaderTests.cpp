@@ -75,11 +75,11 @@ TEST(DropURLReader, KeepsTheBytesOfAPath) {
 
 TEST(DropURLReader, GoesOnWithTheNextTypeWhenOneHoldsNothing) {
     std::vector<QString> asked;
-    const DropURLReader::Item item{{"public.data", "NSFilenamesPboardType", "unknown", "public.file-url"},
-                                   [&](const QString& type) {
-                                       asked.push_back(type);
-                                       return type == "NSFilenamesPboardType" ? QVariant(QStringList{"/a"}) : QVariant();
-                                   }};
+    const DropURLReader::Item item{
+        {"public.data", "NSFilenamesPboardType", "unknown", "public.file-url"}, [&](const QString& type) {
+            asked.push_back(type);
+            return type == "NSFilenamesPboardType" ? QVariant(QStringList{"/a"}) : QVariant();
+        }};
     EXPECT_EQ(load(item), QUrl("file:///a"));
     EXPECT_THAT(asked, testing::ElementsAre("public.file-url", "public.data", "NSFilenamesPboardType"));
 }

@@ -82,7 +82,8 @@ TEST_F(PlannedUninstallTest, TellsOfTheApplication) {
 }
 
 TEST_F(PlannedUninstallTest, TicksWhatGoesByDefault) {
-    plan({candidate(atlas.bundlePath, executable, 3'000'000), candidate("/Library/LaunchDaemons/a.plist", launchDaemons, 1, false)});
+    plan({candidate(atlas.bundlePath, executable, 3'000'000),
+          candidate("/Library/LaunchDaemons/a.plist", launchDaemons, 1, false)});
     EXPECT_THAT(planned.checked(), ElementsAre(atlas.bundlePath.native()));
     EXPECT_EQ(planned.checkedBytes(), 3'000'000);
     EXPECT_EQ(planned.checkedSize() + " " + planned.checkedSizeUnit(), "3 MB");
@@ -96,8 +97,10 @@ TEST_F(PlannedUninstallTest, TicksWhatGoesByDefault) {
 TEST_F(PlannedUninstallTest, ShowsSectionsAndBelowOpenOnesTheirCandidates) {
     auto daemon = candidate("/Library/LaunchDaemons/a.plist", launchDaemons, 500, false);
     daemon.isPrivileged = true;
-    plan({candidate(atlas.bundlePath, executable, 3'000'000), candidate("/Users/me/Library/Caches/a", caches, 1'000'000),
-          candidate("/Users/me/Library/Caches/b", caches, 0, false), daemon, candidate("org.atlas.pkg", receipts, 0, false)});
+    plan({candidate(atlas.bundlePath, executable, 3'000'000),
+          candidate("/Users/me/Library/Caches/a", caches, 1'000'000),
+          candidate("/Users/me/Library/Caches/b", caches, 0, false), daemon,
+          candidate("org.atlas.pkg", receipts, 0, false)});
     EXPECT_THAT(lines(), ElementsAre("Executables [x] 1 item · 3 MB", "Caches [-] 2 items · 1 MB",
                                      "Launch Daemons [ ] 1 item · 1 KB", "Receipts [ ] 1 item · Zero KB"));
     planned.toggleSection(caches);

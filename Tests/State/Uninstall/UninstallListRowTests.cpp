@@ -134,11 +134,13 @@ TEST(UninstallListRow, ShowsTicksAndThoseOfGroupsByTheirMembers) {
 }
 
 TEST(UninstallListRow, BearsABadgeByItsKind) {
-    const std::pair<AppRecordKind, const char*> badges[] = {
-        {AppRecordKind::normal, ""},           {AppRecordKind::userApplications, "~/Apps"},
-        {AppRecordKind::symlink, "symlink"},   {AppRecordKind::systemRisky, "system"},
-        {AppRecordKind::macAppStore, ""},      {AppRecordKind::externalTarget, "external"},
-        {AppRecordKind::tarvikLauncher, "launcher"}};
+    const std::pair<AppRecordKind, const char*> badges[] = {{AppRecordKind::normal, ""},
+                                                            {AppRecordKind::userApplications, "~/Apps"},
+                                                            {AppRecordKind::symlink, "symlink"},
+                                                            {AppRecordKind::systemRisky, "system"},
+                                                            {AppRecordKind::macAppStore, ""},
+                                                            {AppRecordKind::externalTarget, "external"},
+                                                            {AppRecordKind::tarvikLauncher, "launcher"}};
     for (const auto& [kind, badge] : badges) {
         AppRecord record = appRecord("Atlas");
         record.kind = kind;

@@ -16,8 +16,8 @@ protected:
     std::vector<std::string> past() const {
         std::vector<std::string> lines;
         for (const PastUninstallRow& row : tab().past()->rows()) {
-            std::string line = row.kind == Kind::item ? "  " + row.name.section('/', -1).toStdString()
-                                                      : row.name.toStdString();
+            std::string line =
+                row.kind == Kind::item ? "  " + row.name.section('/', -1).toStdString() : row.name.toStdString();
             if (!row.state.isEmpty()) line += ": " + row.state.toStdString();
             if (!row.note.isEmpty()) line += " (" + row.note.toStdString() + ")";
             lines.push_back(line);
@@ -235,7 +235,8 @@ TEST_F(UninstallRunTest, NeverPutsAnythingBackOverWhatStandsThere) {
     makeFile(cacheOf("Atlas") / "new", "new");
     putBack();
     EXPECT_THAT(dialogs.asked.back().text, HasSubstr("1 item back to its old place"));
-    EXPECT_THAT(dialogs.asked.back().details, ElementsAre(cacheOf("Atlas").native() + ": Something stands at its old place."));
+    EXPECT_THAT(dialogs.asked.back().details,
+                ElementsAre(cacheOf("Atlas").native() + ": Something stands at its old place."));
     EXPECT_TRUE(fs::exists(bundle));
     EXPECT_TRUE(fs::exists(cacheOf("Atlas") / "new"));
     EXPECT_FALSE(fs::exists(cacheOf("Atlas") / "cached"));
