@@ -4,6 +4,7 @@
 #include "Measure.h"
 #include "Platform/Processes/ProgramLocation.h"
 #include "Table.h"
+#include "UninstallTab.h"
 
 #include <fmt/format.h>
 
@@ -108,6 +109,7 @@ void measure(int rounds) {
         "peak memory of the window",
         fmt::format("{:.0f} MB", static_cast<double>(std::max(still.peakMemory(), scrolling.peakMemory())) / 1e6), "",
         "", "", "200 MB");
+    UninstallTab::measure(apps, rounds);
 }
 
 }  // namespace tarvik::WindowSpeed

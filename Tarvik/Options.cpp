@@ -55,6 +55,8 @@ Options Options::parse(const std::vector<std::string>& arguments) {
             options.measuresRefresh = options.measuresScrolling = true;
         } else if (argument == "--measure-health") {
             options.measuresHealth = true;
+        } else if (argument == "--measure-uninstall") {
+            options.measuresUninstall = true;
         } else if (argument == "--version") {
             options.wantsVersion = true;
         } else if (argument == "--help" || argument == "-h") {
@@ -77,6 +79,7 @@ std::string Options::help() {
            "  --measure-refresh      print what the first refresh takes and quit\n"
            "  --measure-scrolling    the same while the list is scrolled\n"
            "  --measure-health       print what the check of everything that was moved takes and quit\n"
+           "  --measure-uninstall    print what the list of applications to uninstall takes and quit\n"
            "  --version, --help\n";
 }
 

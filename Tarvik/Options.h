@@ -23,6 +23,8 @@ struct Options {
     bool measuresScrolling = false;
     /// See `HealthMeasurement`.
     bool measuresHealth = false;
+    /// See `UninstallMeasurement`.
+    bool measuresUninstall = false;
     bool wantsVersion = false;
     bool wantsHelp = false;
 

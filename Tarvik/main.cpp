@@ -15,6 +15,7 @@
 #include "State/Shared/Desktop.h"
 #include "State/Shared/WindowDialogs.h"
 #include "State/Threads/Background.h"
+#include "UninstallMeasurement.h"
 
 #include <QGuiApplication>
 #include <QImage>
@@ -76,6 +77,8 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     if (options.measuresRefresh) measurement.emplace(state.tab<AppsState>(), options.measuresScrolling);
     std::optional<HealthMeasurement> healthMeasurement;
     if (options.measuresHealth) healthMeasurement.emplace(state);
+    std::optional<UninstallMeasurement> uninstallMeasurement;
+    if (options.measuresUninstall) uninstallMeasurement.emplace(state);
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Tarvik/Views/MainWindow.qml")));
     if (engine.rootObjects().isEmpty()) return EXIT_FAILURE;
 
@@ -86,6 +89,7 @@ int runWindow(QGuiApplication& application, const Options& options, const Host& 
     if (options.wantsTimeToFirstFrame) printTimeOfFirstFrame(window);
     if (measurement) measurement->watch(window);
     if (healthMeasurement) healthMeasurement->watch(window);
+    if (uninstallMeasurement) uninstallMeasurement->watch(window);
     return application.exec();
 }
 

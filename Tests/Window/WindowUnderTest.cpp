@@ -50,6 +50,7 @@ WindowUnderTest::WindowUnderTest(const Host& host, QSize size, bool hasMenus, Fi
     if (m_engine->rootObjects().isEmpty()) throw std::runtime_error("The window does not load.");
     m_window = qobject_cast<QQuickWindow*>(m_engine->rootObjects().constFirst());
     m_window->resize(size);
+    m_window->requestActivate();
     if (!QTest::qWaitForWindowActive(m_window)) throw std::runtime_error("The window does not become active.");
     if (firstLook == FirstLook::hasEnded && !waitUntil([this] { return m_state->isIdle(); }))
         throw std::runtime_error("The first refresh does not end.");
