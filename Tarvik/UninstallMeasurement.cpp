@@ -1,13 +1,12 @@
 #include "UninstallMeasurement.h"
 
+#include "ShownTab.h"
 #include "State/Shared/AppState.h"
 #include "State/Uninstall/UninstallState.h"
 
 #include <QCoreApplication>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QVariantList>
-#include <QVariantMap>
 
 #include <algorithm>
 #include <cstdio>
@@ -16,17 +15,8 @@ namespace tarvik {
 
 namespace {
 
-constexpr int lookMilliseconds = 10;
 /// What comes after the sizes, such as the last rows taking their places, is watched too.
 constexpr int restAfterSizes = 500;
-
-int placeOfTab(const QQuickItem& root, const QString& name) {
-    const auto tabs = root.property("tabs").toList();
-    const auto found = std::find_if(tabs.begin(), tabs.end(), [&](const QVariant& tab) {
-        return tab.toMap().value(QStringLiteral("name")) == name;
-    });
-    return static_cast<int>(found - tabs.begin());
-}
 
 bool hasRowsIn(const QQuickWindow& window) {
     const auto* list = window.findChild<QQuickItem*>(QStringLiteral("uninstallList"));
@@ -45,23 +35,15 @@ UninstallMeasurement::UninstallMeasurement(AppState& state) : m_state(state) {
 
 void UninstallMeasurement::watch(QQuickWindow& window) {
     m_window = &window;
-    auto* timer = new QTimer(&window);
-    connect(timer, &QTimer::timeout, this, [this, timer] {
-        if (!m_state.isIdle()) return;
-        timer->stop();
-        begin();
-    });
-    timer->start(lookMilliseconds);
+    ShownTab::whenIdle(window, m_state, [this] { begin(); });
 }
 
 void UninstallMeasurement::begin() {
     connect(m_window, &QQuickWindow::afterAnimating, this, [this] { m_hasPolishedRows = hasRowsIn(*m_window); });
     connect(m_window, &QQuickWindow::frameSwapped, this, &UninstallMeasurement::takeFrame);
-    auto* root = m_window->findChild<QQuickItem*>(QStringLiteral("rootView"));
-    const int place = placeOfTab(*root, QStringLiteral("uninstall"));
     m_sinceBegin.start();
     m_loop.start();
-    root->setProperty("selectedTab", place);
+    ShownTab::show(*m_window, "uninstall");
 }
 
 void UninstallMeasurement::takeFrame() {
