@@ -1,7 +1,7 @@
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 #include "Uninstall/AppUninstallPlanner.h"
-#include "Uninstall/UninstallWorld.h"
+#include "Uninstall/ScanWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ protected:
         return bytes;
     }
 
-    test::UninstallWorld world;
+    test::ScanWorld world;
 };
 
 TEST_F(UninstallPlan, OfTheBundleAloneCountsTheBundleAlone) {
