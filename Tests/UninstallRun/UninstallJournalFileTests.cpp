@@ -1,9 +1,8 @@
-#include "UninstallRun/UninstallJournalFile.h"
-
 #include "Platform/Files/Files.h"
 #include "Support/FailureOf.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
+#include "UninstallRun/UninstallJournalFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
-#include "UninstallRun/UninstallPlaces.h"
-
 #include "Support/HostOf.h"
+#include "UninstallRun/UninstallPlaces.h"
 
 #include <gtest/gtest.h>
 
