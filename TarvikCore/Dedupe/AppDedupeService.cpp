@@ -159,7 +159,8 @@ AppUninstallSession::MovedItem trash(const Host& host, const AppDedupeItem& item
                                      const Cancellation& cancellation) {
     AppUninstallSession::MovedItem moved{.originalPath = item.path, .sizeBytes = item.sizeBytes};
     try {
-        if (cancellation.isCancelled()) refuse(fmt::format("{} stays: the run was stopped before.", item.path.native()));
+        if (cancellation.isCancelled())
+            refuse(fmt::format("{} stays: the run was stopped before.", item.path.native()));
         // Of one that is not there at all, the Trash says so.
         if (Files::itemExists(item.path)) refuseWhenChanged(host, item, keep);
         moved.trashedTo = host.trash->moveToTrash(item.path);
