@@ -69,7 +69,7 @@ std::optional<AppDedupeItem> itemAt(const Host& host, const fs::path& bundle) {
     item.effectiveBundleIdentifier = Text::replacing(*identifier, LauncherLayout::identifierSuffix, "");
     auto name = nonEmptyText(info, "CFBundleDisplayName");
     if (!name) name = nonEmptyText(info, "CFBundleName");
-    item.displayName = name ? std::move(*name) : bundle.stem().native();
+    item.displayName = name.value_or(bundle.stem().native());
     item.kind = kindOf(bundle, isLauncher);
     item.insideSymlinkedFolder = isInsideSymlinkedFolder(host, bundle);
     return item;

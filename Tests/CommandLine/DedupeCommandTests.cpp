@@ -226,8 +226,8 @@ TEST(DedupeCommand, CannotBeUsedWrongly) {
 
 TEST(DedupeCommand, WritesNamesThatCanSteerNoTerminal) {
     const PlainWorld world;
-    test::makeBundle(world.compass,
-                     {{"CFBundleIdentifier", "org.example.compass"}, {"CFBundleName", "Com\npass\x1b[2J"}});
+    test::makeBundle(world.compass, {{"CFBundleIdentifier", "org.example.compass"},
+                                     {"CFBundleName", "Compass\nRemoved 9 launchers."}});
     test::makeLauncher(world.launchers / "New\nline\x1b[2J.app", "/gone\nRemoved 9 launchers.",
                        {{"CFBundleIdentifier", "org.example.compass"}});
     for (const auto& arguments : std::vector<std::vector<std::string>>{{"dedupe"}, {"dedupe", "--remove", "--yes"}}) {
