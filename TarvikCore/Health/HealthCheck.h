@@ -25,9 +25,9 @@ std::vector<fs::path> applicationRoots(const Host& host);
 /// findings come in one order all the same. Any thread but the window's; never fails: what cannot be read gives fewer
 /// findings. What is on a volume that does not answer counts as away, also when it falls silent meanwhile: the check
 /// then begins anew without it, and leaves behind the thread that is stuck there until the volume answers or goes. No
-/// system ends a thread in such a call: the report comes, but a program that ends meanwhile is there as long, to whoever
-/// waits for its end. A check in a process of its own could be left behind instead, but that would have to be another
-/// program: in a copy of this one a Mac's libraries must not be used (fork(2)).
+/// system ends a thread in such a call: the report comes, but a program that ends meanwhile is there as long, to
+/// whoever waits for its end. A check in a process of its own could be left behind instead, but that would have to be
+/// another program: in a copy of this one a Mac's libraries must not be used (fork(2)).
 HealthReport run(const Host& host, const std::vector<fs::path>& applicationRoots, const Options& options = {});
 
 }  // namespace tarvik::HealthCheck

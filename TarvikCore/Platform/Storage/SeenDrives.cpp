@@ -1,6 +1,7 @@
 #include "Platform/Storage/SeenDrives.h"
 
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/VolumeList.h"
 #include "Platform/Storage/DriveScanner.h"
 
@@ -9,7 +10,7 @@
 
 namespace tarvik {
 
-SeenDrives::SeenDrives(const Host& host) {
+SeenDrives::SeenDrives(const Host& host) : m_host(host) {
     for (const fs::path& mountPath : host.volumes->mountPaths()) {
         if (std::find(host.silentVolumes.begin(), host.silentVolumes.end(), mountPath) != host.silentVolumes.end())
             continue;
@@ -24,6 +25,7 @@ SeenDrives::SeenDrives(const Host& host) {
 }
 
 SeenDrive SeenDrives::of(const fs::path& place) const {
+    if (SilentVolumes::hold(m_host, place)) return {};
     fs::path present = Files::isSymbolicLink(place) ? place.parent_path() : place;
     while (!Files::exists(present) && present != present.parent_path()) present = present.parent_path();
     const auto folder = Files::resolved(present);

@@ -16,7 +16,7 @@ public:
     explicit SeenDrives(const Host& host);
 
     /// The volume of that moment which holds `place`, an absolute path that need not be there; of a link, the one that
-    /// the link itself is on. A few status calls; never fails.
+    /// the link itself is on; of what is on a silent volume, none. A few status calls; never fails.
     SeenDrive of(const fs::path& place) const;
 
 private:
@@ -27,6 +27,7 @@ private:
         std::uint64_t device;
     };
 
+    Host m_host;
     /// The deepest first.
     std::vector<Mounted> m_volumes;
 };
