@@ -110,6 +110,17 @@ TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
     HealthRows::scan(window);
     expectNames(window.window(), 17, "health");
     EXPECT_TRUE(window.isShown("issue-dangling-Far.app/repairButton-0"));
+    window.openTab("uninstall");
+    ASSERT_TRUE(window.waitUntilShown("app-Editor"));
+    expectNames(window.window(), 18, "uninstall");
+    window.click("app-Editor");
+    ASSERT_TRUE(window.waitUntilShown("section-Executables"));
+    window.click("section-Executables/sectionChevron");
+    expectNames(window.window(), 25, "a plan");
+    window.click("uninstallSort");
+    ASSERT_TRUE(window.waitUntilShown("choice-0"));
+    expectNames(window.window(), 33, "a menu of choices");
+    window.press(Qt::Key_Escape);
     window.openTab("apps");
     window.click("viewPicker-all");
     window.click("app-Editor/appChevron");
