@@ -118,7 +118,8 @@ std::vector<UninstallListRow> UninstallListRow::list(const std::vector<AppRecord
 
     std::vector<UninstallListRow> rows;
     const bool bySize = isSizeSort(choice.sort);
-    if (!bySize && !shown.empty()) rows.push_back({.content = listHeaderOf(choice.sort), .canClose = true, .isOpen = choice.isListOpen});
+    if (!bySize && !shown.empty())
+        rows.push_back({.content = listHeaderOf(choice.sort), .canClose = true, .isOpen = choice.isListOpen});
     if (!bySize && !choice.isListOpen) return rows;
 
     std::string range;
