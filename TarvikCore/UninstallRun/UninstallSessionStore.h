@@ -11,7 +11,9 @@
 /// blocks; any thread.
 namespace tarvik::UninstallSessionStore {
 
-/// @throws FileError when the folder or the file cannot be made.
+/// Flushed when it returns, but not written in one step: a reader may find no record meanwhile, or a part of one, which
+/// it takes for none. What stood there under that id is replaced. @throws FileError when the folder or the file cannot
+/// be made.
 void save(const AppUninstallSession& session, const fs::path& root);
 /// The newest first. What cannot be read as a record is left out.
 std::vector<AppUninstallSession> list(const fs::path& root);

@@ -1,11 +1,14 @@
+#include "Health/ManifestRevertDetector.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Text/LocalTime.h"
+#include "Records/HealthManifest.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "UninstallRun/AppUninstallRunner.h"
 #include "UninstallRun/UninstallSessionId.h"
 #include "UninstallRun/UninstallSessionStore.h"
+#include "UninstallRun/UninstallUndo.h"
 #include "UninstallRun/UninstallWorld.h"
 
 #include <gmock/gmock.h>
@@ -237,6 +240,43 @@ TEST_F(AppUninstallRunnerTest, GivesTwoRunsInOneSecondARecordEach) {
     const auto second = world.run();
     EXPECT_NE(first.id, second.id);
     EXPECT_EQ(UninstallSessionStore::list(world.sessions()).size(), 2U);
+}
+
+TEST_F(AppUninstallRunnerTest, IsRefusedWhileTheSameApplicationIsBeingUninstalled) {
+    world.addData(data);
+    std::string ofTheSame;
+    std::string ofAnother;
+    AppUninstallRunner::run(
+        world.host, world.plan, UninstallSelection::everything, false, std::nullopt, {[&](const std::string& line) {
+            if (!line.starts_with("trash\texecutable")) return;
+            ofTheSame = failureOf([&] { world.run(); });
+            auto another = world.plan;
+            another.app.bundlePath = world.bundle.parent_path() / "Bar.app";
+            another.app.displayName = "Bar";
+            ofAnother = failureOf([&] {
+                AppUninstallRunner::run(world.host, another, UninstallSelection::executableOnly, false,
+                                        std::set<std::string>{}, AppUninstallReporter::silent);
+            });
+        }});
+    EXPECT_EQ(ofTheSame, "Foo is being uninstalled or put back by another run. Wait until that has ended.");
+    EXPECT_EQ(ofAnother, "done");
+    EXPECT_THAT(world.lines, IsEmpty());
+    EXPECT_EQ(UninstallSessionStore::list(world.sessions()).size(), 2U);
+}
+
+TEST_F(AppUninstallRunnerTest, LeavesTheMemoryOfMovesToTheHealthCheck) {
+    const fs::path copy = world.drive / "ExternalTarvik/Apps/Foo.app";
+    makeBundle(copy, {{"CFBundleIdentifier", "org.example.Foo"}});
+    fs::remove_all(world.bundle);
+    makeLink(world.bundle, copy);
+    world.plan = world.planWith({});
+    HealthManifest::record(world.host, {world.bundle, copy, "org.example.Foo", 1, world.host.now()});
+    const std::string memory = contentOf(HealthManifest::file(world.host));
+    const auto session = world.run();
+    EXPECT_THAT(ManifestRevertDetector::detect(world.host, {}, {}, HealthSizes(world.host)), IsEmpty());
+    UninstallUndo::putBack(world.host, session, AppUninstallReporter::silent);
+    EXPECT_THAT(ManifestRevertDetector::detect(world.host, {}, {}, HealthSizes(world.host)), IsEmpty());
+    EXPECT_EQ(contentOf(HealthManifest::file(world.host)), memory);
 }
 
 TEST_F(AppUninstallRunnerTest, LeavesNoJournalBehindItsRecord) {

@@ -60,12 +60,12 @@ TEST(UninstallSessionStore, WritesSortedKeysForPeople) {
 TEST(UninstallSessionStore, ListsTheNewestFirstWithoutWhatCannotBeRead) {
     const TemporaryFolder root;
     EXPECT_THAT(idsIn(root / "missing"), IsEmpty());
-    for (const auto& [id, second] : {std::pair("b", 2), std::pair("c", 1), std::pair("a", 3)})
+    for (const auto& [id, second] : {std::pair("b", 3), std::pair("c", 2), std::pair("a", 1)})
         UninstallSessionStore::save(sessionOf(id, second), root.path());
     makeFile(root / "damaged/session.json", "{}");
     makeFolder(root / "empty");
     makeFile(root / ".hidden/session.json", contentOf(root / "a/session.json"));
-    EXPECT_THAT(idsIn(root.path()), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(idsIn(root.path()), ElementsAre("b", "c", "a"));
 }
 
 TEST(UninstallSessionStore, LoadsAndFinds) {

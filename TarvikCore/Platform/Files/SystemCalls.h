@@ -37,6 +37,9 @@ int deletionDenied(int folderHandle, const char* name);
 /// 0, or the errno value of reading the content of a regular file whose guard was read: its permissions or an access
 /// control list deny it. 0 too when it has gone.
 int readingDenied(int folderHandle, const char* name, const ItemGuard& guard);
+/// Whether it is certain that no link is met on the way to `path`, which is standardized, nor at it, and that the text
+/// of it is the one that resolving it would give. Far faster than that, where the system knows such a question.
+bool leadsThroughNoLink(const fs::path& path);
 /// Whether it is certain that the volume of `path` takes names that differ in case alone for one.
 bool foldsNames(const fs::path& path);
 /// Whether the calling thread may remove what belongs to others even from a folder with the sticky bit.

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <linux/capability.h>
+#include <linux/openat2.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -84,6 +85,15 @@ int readingDenied(int folderHandle, const char* name, const ItemGuard& guard) {
     if (guard.owner == ::geteuid() && (guard.mode & S_IRUSR) != 0) return 0;
     if (::faccessat(folderHandle, name, R_OK, AT_EACCESS) == 0) return 0;
     return errno == EACCES || errno == EPERM ? errno : 0;
+}
+
+bool leadsThroughNoLink(const fs::path& path) {
+    open_how how{};
+    how.flags = O_PATH | O_CLOEXEC;
+    how.resolve = RESOLVE_NO_SYMLINKS;
+    // openat2(2) has no wrapper in the C library.
+    const FileDescriptor item(static_cast<int>(::syscall(SYS_openat2, AT_FDCWD, path.c_str(), &how, sizeof how)));
+    return static_cast<bool>(item);
 }
 
 bool foldsNames(const fs::path&) {

@@ -5,6 +5,7 @@
 #include "Platform/Machine/TrashItem.h"
 
 #include <cerrno>
+#include <string>
 #include <utility>
 
 namespace tarvik {
@@ -22,8 +23,10 @@ public:
         TrashItem::refuseTrashItself(place, m_folder);
         TrashItem::makePrivateFolder(m_folder);
 
+        const std::string own = place.filename();
         for (int number = 1;; ++number) {
-            fs::path goal = m_folder / ClashNames::numbered(place.filename().native(), number, ' ', longestName);
+            const std::string name = ClashNames::numbered(own, number, ' ', longestName);
+            fs::path goal = m_folder.native() + "/" + name;
             try {
                 Files::rename(place, goal);
                 return goal;

@@ -2,8 +2,10 @@
 
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Files/SystemCalls.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -11,14 +13,17 @@
 namespace tarvik::TrashItem {
 
 fs::path place(const fs::path& item) {
-    const fs::path standardized = Files::standardized(item);
-    const auto parent = Files::resolved(standardized.parent_path());
-    if (!parent || !Files::itemExists(standardized)) throw FileError("move to the Trash", item, ENOENT);
-    const std::string& text = standardized.native();
-    const std::string_view name = std::string_view(text).substr(text.rfind('/') + 1);
-    if (name.empty()) return *parent;
-    // Put together as text: that takes a fraction of the time.
-    return parent->native() + (parent->has_relative_path() ? "/" : "") + std::string(name);
+    fs::path standardized = Files::standardized(item);
+    if (!Files::itemExists(standardized)) throw FileError("move to the Trash", item, ENOENT);
+    // Texts are put together in a fraction of the time that paths take.
+    const std::string_view text = standardized.native();
+    const std::size_t slash = text.rfind('/');
+    const fs::path folder = text.substr(0, slash + 1);
+    if (SystemCalls::leadsThroughNoLink(folder)) return standardized;
+    const auto real = Files::resolved(folder);
+    if (!real) throw FileError("move to the Trash", item, ENOENT);
+    const std::string_view name = text.substr(slash + 1);
+    return name.empty() ? *real : fs::path(real->native() + (real->has_relative_path() ? "/" : "") + std::string(name));
 }
 
 void refuseTrashItself(const fs::path& place, const fs::path& trashFolder) {

@@ -87,6 +87,10 @@ int readingDenied(int folderHandle, const char* name, const ItemGuard&) {
     return errno == EACCES || errno == EPERM ? errno : 0;
 }
 
+bool leadsThroughNoLink(const fs::path&) {
+    return false;  // realpath(3) also gives the spelling that listings give.
+}
+
 bool foldsNames(const fs::path& path) {
     return ::pathconf(path.c_str(), _PC_CASE_SENSITIVE) == 0;
 }

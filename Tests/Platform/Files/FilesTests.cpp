@@ -22,6 +22,9 @@ TEST(Files, StandardizesTheTextOfAPath) {
     EXPECT_EQ(Files::standardized("/.."), "/");
     EXPECT_EQ(Files::standardized("name"), fs::current_path() / "name");
     EXPECT_EQ(Files::standardized("/a/b/."), "/a/b");
+    for (const char* path : {"/a//b", "/a/./b", "/./a/b", "/c/../a/b", "/../a/b", "/a/b/", "/a/b/c/..", "//a/b"})
+        EXPECT_EQ(Files::standardized(path).native(), "/a/b") << path;
+    for (const char* path : {"/.a/..b/...", "/a./b..", "/a"}) EXPECT_EQ(Files::standardized(path).native(), path);
 }
 
 TEST(Files, KnowsWhatLiesBelowAFolder) {

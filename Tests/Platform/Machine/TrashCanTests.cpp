@@ -138,6 +138,14 @@ TEST_P(TrashCanContract, RefusesWhatItHoldsAlready) {
     EXPECT_EQ(pictureOf(m_home), before);
 }
 
+TEST_P(TrashCanContract, RefusesWhatItHoldsByAnotherWayToo) {
+    makeFile(m_home / "file");
+    const fs::path there = trashed(m_home / "file");
+    makeLink(m_world / "way", there.parent_path());
+    EXPECT_EQ(refusalOf(m_world / "way/file"), EPERM);
+    EXPECT_TRUE(fs::exists(there));
+}
+
 TEST_P(TrashCanContract, RefusesItselfAndTheFoldersAboveIt) {
     makeFile(m_home / "file");
     trashed(m_home / "file");
