@@ -16,13 +16,13 @@ namespace {
 std::optional<fs::path> folderOf(const std::optional<fs::path>& root) {
     const auto machine = root ? Files::resolved(*root) : std::nullopt;
     if (!machine || *machine == "/") return std::nullopt;
-    const auto folder = Files::resolved(*machine / "private/var/db/receipts");
+    auto folder = Files::resolved(*machine / "private/var/db/receipts");
     if (!folder || !Files::isAtOrBelow(*folder, *machine)) return std::nullopt;
     return folder;
 }
 
 /// In bytes.
-constexpr std::int64_t largestBill = 64 * 1024 * 1024;
+constexpr std::int64_t largestBill = 64'000'000;
 
 std::string contentOfBill(const fs::path& bill) {
     try {

@@ -1,7 +1,7 @@
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 #include "Uninstall/AppUninstallPlanner.h"
-#include "Uninstall/UninstallWorld.h"
+#include "Uninstall/ScanWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ protected:
         return bytes;
     }
 
-    test::UninstallWorld world;
+    test::ScanWorld world;
 };
 
 TEST_F(UninstallPlan, OfTheBundleAloneCountsTheBundleAlone) {
@@ -102,6 +102,17 @@ TEST_F(UninstallPlan, WarnsInOneOrder) {
                  .externalTargetPath = world.drive / "Gone.app"};
     EXPECT_THAT(plan().warnings,
                 ElementsAre("Tarvik launcher: external target will only be removed if explicitly included.", ofSearch));
+}
+
+TEST_F(UninstallPlan, WarnsOfEachThingForItself) {
+    world.app.hasSystemExtension = true;
+    EXPECT_THAT(plan().warnings, ElementsAre("App declares a system extension; review carefully."));
+    world.app.hasSystemExtension = false;
+    world.app.isMacAppStore = true;
+    EXPECT_THAT(plan().warnings, ElementsAre("Mac App Store app; receipt may also need to be forgotten."));
+    world.app.isMacAppStore = false;
+    test::makeFile(world.systemLibrary / "LaunchAgents/com.acme.editor.plist");
+    EXPECT_THAT(plan().warnings, IsEmpty()) << "an agent is no daemon";
 }
 
 TEST_F(UninstallPlan, WarnsOfNoTargetThatALauncherDoesNotName) {

@@ -1,5 +1,5 @@
 #include "Uninstall/PackageReceipts.h"
-#include "Uninstall/UninstallWorld.h"
+#include "Uninstall/ScanWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ class Receipts : public testing::Test {
 protected:
     std::vector<std::string> named() const { return PackageReceipts::named(world.host, "com.acme.editor"); }
 
-    test::UninstallWorld world;
+    test::ScanWorld world;
 };
 
 TEST_F(Receipts, AreTheLinesThatTheToolPrints) {

@@ -4,7 +4,7 @@
 #include "Support/Mutator.h"
 #include "Support/Tree.h"
 #include "Uninstall/RelatedFileScanner.h"
-#include "Uninstall/UninstallWorld.h"
+#include "Uninstall/ScanWorld.h"
 
 #include <gtest/gtest.h>
 
@@ -77,7 +77,7 @@ protected:
         return isNamed(identifier) || isNamed(app.displayName) || name == "editor-cli" || name == "editor-nodejs";
     }
 
-    test::UninstallWorld world;
+    test::ScanWorld world;
     int m_tried = 0;
     int m_offered = 0;
 
@@ -118,6 +118,8 @@ TEST_F(RelatedFileFuzz, NamesOfEveryKindLeadToNothingElse) {
                                              "\u2028",
                                              " ",
                                              "ByHost",
+                                             "data",
+                                             "/data",
                                              "Keychains",
                                              ".plist",
                                              "login.keychain-db",

@@ -4,7 +4,7 @@
 #include "Support/Tree.h"
 #include "Uninstall/AppFootprintCalculator.h"
 #include "Uninstall/RelatedFileScanner.h"
-#include "Uninstall/UninstallWorld.h"
+#include "Uninstall/ScanWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ protected:
         auto all = world.scan();
         EXPECT_EQ(all.front().path, world.app.bundlePath);
         all.erase(all.begin());
-        return test::linesOf(all, world.folder.path());
+        return test::candidateLines(all, world.folder.path());
     }
     std::vector<std::string> pathsBesideBundle() const {
         std::vector<std::string> paths;
@@ -42,7 +42,7 @@ protected:
             test::makeFile(path.front() == '/' ? world.folder / path.substr(1) : world.home / path);
     }
 
-    test::UninstallWorld world;
+    test::ScanWorld world;
 };
 
 TEST_F(RelatedFileScan, FindsAThingInEveryPlaceInOrder) {
@@ -74,7 +74,7 @@ TEST_F(RelatedFileScan, FindsAThingInEveryPlaceInOrder) {
           "/Library/PrivilegedHelperTools/com.acme.editor"});
     world.answerOfPkgutil("com.acme.editor\\n");
     EXPECT_THAT(
-        test::linesOf(world.scan(), world.folder.path()),
+        test::candidateLines(world.scan(), world.folder.path()),
         ElementsAre(
             "executable high Applications/Editor.app: App bundle; selected",
             "applicationSupport medium Users/ada/Library/Application Support/Editor: Matches app name; selected",
@@ -166,7 +166,7 @@ TEST_F(RelatedFileScan, TellsALinkFromTheCopyThatItLeadsTo) {
     world.app.isSymlink = true;
     world.app.externalTargetPath = copy;
     const auto all = world.scan();
-    EXPECT_THAT(test::linesOf(all, world.folder.path()),
+    EXPECT_THAT(test::candidateLines(all, world.folder.path()),
                 ElementsAre("executable high Applications/Editor.app: App bundle symlink; selected; link",
                             "executable high Volumes/Backup/ExternalTarvik/Apps/Editor.app: External target app"));
     EXPECT_EQ(all[0].seen->type, Files::ItemType::symbolicLink);

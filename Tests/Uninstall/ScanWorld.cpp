@@ -1,4 +1,4 @@
-#include "Uninstall/UninstallWorld.h"
+#include "Uninstall/ScanWorld.h"
 
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
@@ -12,7 +12,7 @@
 
 namespace tarvik::test {
 
-UninstallWorld::UninstallWorld() {
+ScanWorld::ScanWorld() {
     const fs::path bundle = applications / "Editor.app";
     makeBundle(bundle);
     app = {.id = bundle,
@@ -22,27 +22,27 @@ UninstallWorld::UninstallWorld() {
            .executableName = "acmeedit"};
 }
 
-void UninstallWorld::answerOfPkgutil(const std::string& output, int status) {
+void ScanWorld::answerOfPkgutil(const std::string& output, int status) {
     host.tools.pkgutil = tool("pkgutil", fmt::format("printf '%s\\n' \"$@\" >> '{}'\nprintf '{}'\nexit {}",
                                                      (folder / "asked").native(), output, status));
 }
 
-std::string UninstallWorld::askedOfPkgutil() const {
+std::string ScanWorld::askedOfPkgutil() const {
     return Files::itemExists(folder / "asked") ? contentOf(folder / "asked") : "";
 }
 
-std::vector<UninstallCandidate> UninstallWorld::scan() const {
+std::vector<UninstallCandidate> ScanWorld::scan() const {
     return RelatedFileScanner::scan(host, app);
 }
 
-UninstallCandidate UninstallWorld::candidateAt(const fs::path& path) const {
+UninstallCandidate ScanWorld::candidateAt(const fs::path& path) const {
     const auto all = scan();
     const auto found = std::find_if(all.begin(), all.end(), [&](const auto& each) { return each.path == path; });
     if (found == all.end()) throw std::runtime_error("No candidate " + path.native());
     return *found;
 }
 
-std::vector<std::string> linesOf(const std::vector<UninstallCandidate>& candidates, const fs::path& root) {
+std::vector<std::string> candidateLines(const std::vector<UninstallCandidate>& candidates, const fs::path& root) {
     std::vector<std::string> lines;
     for (const UninstallCandidate& candidate : candidates) {
         const std::string path =

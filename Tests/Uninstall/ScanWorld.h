@@ -10,9 +10,9 @@
 namespace tarvik::test {
 
 /// A machine with one application, `Editor.app` of `com.acme.editor`, and a receipt tool that knows what it is told.
-class UninstallWorld : public World {
+class ScanWorld : public World {
 public:
-    UninstallWorld();
+    ScanWorld();
 
     /// The tool prints this for every question, and notes its arguments in the file `asked`.
     void answerOfPkgutil(const std::string& output, int status = 0);
@@ -30,6 +30,6 @@ public:
 
 /// "category confidence path reason" with the flags that are set, of each candidate; paths below `root` are shown
 /// without it.
-std::vector<std::string> linesOf(const std::vector<UninstallCandidate>& candidates, const fs::path& root);
+std::vector<std::string> candidateLines(const std::vector<UninstallCandidate>& candidates, const fs::path& root);
 
 }  // namespace tarvik::test
