@@ -48,7 +48,7 @@ TEST_F(Keyboard, MovesAFolderWithoutThePointer) {
 
 TEST_F(Keyboard, PicksATabByItsNumber) {
     auto& window = open();
-    window.press(Qt::Key_3, Qt::ControlModifier);
+    window.press(Qt::Key_5, Qt::ControlModifier);
     EXPECT_TRUE(window.isShown("symlinksTab"));
     window.press(Qt::Key_2, Qt::ControlModifier);
     EXPECT_TRUE(window.isShown("foldersTab"));
@@ -110,6 +110,17 @@ TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
     HealthRows::scan(window);
     expectNames(window.window(), 17, "health");
     EXPECT_TRUE(window.isShown("issue-dangling-Far.app/repairButton-0"));
+    window.openTab("uninstall");
+    ASSERT_TRUE(window.waitUntilShown("app-Editor"));
+    expectNames(window.window(), 18, "uninstall");
+    window.click("app-Editor");
+    ASSERT_TRUE(window.waitUntilShown("section-Executables"));
+    window.click("section-Executables/sectionChevron");
+    expectNames(window.window(), 25, "a plan");
+    window.click("uninstallSort");
+    ASSERT_TRUE(window.waitUntilShown("choice-0"));
+    expectNames(window.window(), 33, "a menu of choices");
+    window.press(Qt::Key_Escape);
     window.openTab("apps");
     window.click("viewPicker-all");
     window.click("app-Editor/appChevron");
@@ -137,7 +148,7 @@ TEST_F(Keyboard, MendsFindingsWithoutThePointer) {
     makeBundle(backup / "ExternalTarvik/Apps/Far.app");
     makeLink(applications / "Far.app", backup / "ExternalTarvik/Apps/Far.app");
     auto& window = open(small);
-    window.press(Qt::Key_4, Qt::ControlModifier);
+    window.press(Qt::Key_6, Qt::ControlModifier);
     tabTo("scanButton");
     window.press(Qt::Key_Space);
     ASSERT_TRUE(window.waitUntilShown("issue-reverted-Reverted.app"));

@@ -13,12 +13,15 @@ class Shell : public WindowTest {};
 
 TEST_F(Shell, ListsTheTabsThatExist) {
     auto& window = open();
-    EXPECT_EQ(window.item("tabList").property("count").toInt(), 5);
+    EXPECT_EQ(window.item("tabList").property("count").toInt(), 6);
     EXPECT_EQ(window.text("toolbarTitle"), "Apps");
     EXPECT_TRUE(window.item("tab-apps").property("isSelected").toBool());
     EXPECT_TRUE(window.isShown("appsTab"));
-    const std::pair<const char*, const char*> others[] = {
-        {"folders", "Folders"}, {"symlinks", "Symlinks"}, {"health", "Health"}, {"dedupe", "Dedupe"}};
+    const std::pair<const char*, const char*> others[] = {{"folders", "Folders"},
+                                                          {"uninstall", "Uninstall"},
+                                                          {"dedupe", "Dedupe"},
+                                                          {"symlinks", "Symlinks"},
+                                                          {"health", "Health"}};
     for (const auto& [name, label] : others) {
         window.openTab(name);
         EXPECT_EQ(window.text("toolbarTitle"), label);

@@ -82,9 +82,10 @@ TEST_P(UninstallPicture, Plan) {
     world.host.tools.mdutil = world.tool("mdutil", "echo 'Indexing disabled.'");
     auto& window = openHere();
     choose("Atlas");
-    for (const char* section : {"Application Support", "Caches", "Launch Daemons"})
-        tab().setPlanRowOpen(window.item(QString("section-") + section).property("index").toInt(), true);
-    window.click("section-Launch Agents");
+    for (const auto category :
+         {UninstallCategory::applicationSupport, UninstallCategory::caches, UninstallCategory::launchDaemons})
+        tab().toggleSection(category);
+    tab().toggleCategoryChecked(UninstallCategory::launchAgents);
     settle();
     window.savePicture(nameOfUninstallPicture(GetParam(), "-open"));
     window.click("planMoreInfoButton");

@@ -118,7 +118,8 @@ std::vector<UninstallListRow> UninstallListRow::list(const std::vector<AppRecord
 
     std::vector<UninstallListRow> rows;
     const bool bySize = isSizeSort(choice.sort);
-    if (!bySize && !shown.empty()) rows.push_back({.content = listHeaderOf(choice.sort), .isOpen = choice.isListOpen});
+    if (!bySize && !shown.empty())
+        rows.push_back({.content = listHeaderOf(choice.sort), .canClose = true, .isOpen = choice.isListOpen});
     if (!bySize && !choice.isListOpen) return rows;
 
     std::string range;
@@ -128,7 +129,7 @@ std::vector<UninstallListRow> UninstallListRow::list(const std::vector<AppRecord
         if (found != groupOf.end() && inGroup == members.end()) continue;  // The group stands further up.
         if (bySize) {
             std::string itsRange = sizeRange(record.displaySizeBytes());
-            if (itsRange != range) rows.push_back({.content = itsRange, .isOpen = true});
+            if (itsRange != range) rows.push_back({.content = itsRange});
             range = std::move(itsRange);
         }
         if (inGroup == members.end()) {
@@ -140,7 +141,7 @@ std::vector<UninstallListRow> UninstallListRow::list(const std::vector<AppRecord
         members.erase(inGroup);
         const bool isOpen = choice.openGroups.contains(group.key);
         const auto marked = markedOf(group, choice.markedIds);
-        rows.push_back({.content = group, .marked = marked, .isOpen = isOpen});
+        rows.push_back({.content = group, .marked = marked, .canClose = true, .isOpen = isOpen});
         if (!isOpen) continue;
         for (AppRecord& member : group.apps) rows.push_back(appRow(std::move(member), choice, true));
     }
@@ -184,6 +185,7 @@ std::vector<Role<UninstallListRow>> UninstallListRow::roles() {
              if (row.marked == Marked::none) return static_cast<int>(Qt::Unchecked);
              return static_cast<int>(row.marked == Marked::all ? Qt::Checked : Qt::PartiallyChecked);
          }},
+        {"canClose", [](const Row& row) -> QVariant { return row.canClose; }},
         {"isOpen", [](const Row& row) -> QVariant { return row.isOpen; }},
         {"isMember", [](const Row& row) -> QVariant { return row.isMember; }},
     };

@@ -30,7 +30,8 @@ struct UninstallListRow {
 
     std::variant<std::string, UninstallGroup, AppRecord> content;
     Marked marked = Marked::none;
-    /// Of a group, and of the header that can be closed: its lines are below it.
+    /// A group, and the header of the whole list: what is below it can be closed, and is to be seen while it is open.
+    bool canClose = false;
     bool isOpen = false;
     /// An application below its group.
     bool isMember = false;

@@ -162,10 +162,10 @@ void UninstallState::pressRow(int row) {
 
 void UninstallState::setRowOpen(int row, bool isOpen) {
     const UninstallListRow* line = rowAt(row);
-    if (!line || line->app() || line->isOpen == isOpen) return;
+    if (!line || !line->canClose || line->isOpen == isOpen) return;
     if (line->group()) {
         m_list.toggleGroup(std::string(line->group()->key));
-    } else if (!isSizeSort(m_list.sort())) {
+    } else {
         m_list.toggleWholeList();
     }
 }

@@ -9,10 +9,10 @@ RowList {
     /// Whether something is held over the tab, to be dropped.
     property bool isTarget: false
 
-    leftMargin: Theme.huge
-    rightMargin: Theme.huge
+    leftMargin: Theme.large
+    rightMargin: Theme.large
     bottomMargin: Theme.huge
-    contentWidth: width - 2 * Theme.huge
+    contentWidth: width - 2 * Theme.large
     clip: true
     currentIndex: -1
     Accessible.name: "Past uninstalls"

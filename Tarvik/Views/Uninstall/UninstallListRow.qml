@@ -17,14 +17,12 @@ ListRow {
     required property string dateText
     required property string countText
     required property int checkState
+    required property bool canClose
     required property bool isOpen
     required property bool isMember
     readonly property bool isApp: kind === "app"
     readonly property bool isChosen: isApp && rowId === "app:" + UninstallState.planned.appId
     readonly property int lineHeight: 50
-
-    /// The header of the whole list can be closed, those of ranges of sizes cannot.
-    readonly property bool isClosable: kind === "header" && UninstallState.list.sortShortLabel !== "Size"
 
     objectName: kind + "-" + name
     implicitHeight: kind === "header" ? Theme.rowHeight : lineHeight
@@ -39,7 +37,7 @@ ListRow {
     item: isApp ? bundlePath : undefined
     ticks: kind !== "header"
     onTicked: UninstallState.toggleRowMark(index)
-    turns: kind === "group" || isClosable
+    turns: canClose
     onTurned: isOpen => UninstallState.setRowOpen(index, isOpen)
     onClicked: UninstallState.pressRow(index)
 
@@ -62,7 +60,7 @@ ListRow {
                 anchors.right: parent.right
                 anchors.rightMargin: 6
                 anchors.verticalCenter: parent.verticalCenter
-                visible: row.isClosable
+                visible: row.canClose
                 name: row.isOpen ? "chevronDown" : "chevronRight"
                 size: 12
             }

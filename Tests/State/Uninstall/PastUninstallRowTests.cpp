@@ -77,10 +77,10 @@ TEST(PastUninstallRow, ListsItemsBelowTheOnesThatAreOpen) {
     std::vector<std::string> lines;
     for (const auto& row : rows)
         lines.push_back(row.name.toStdString() + "|" + row.state.toStdString() + "|" + row.note.toStdString());
-    EXPECT_THAT(lines, ElementsAre("Atlas|partly put back|1 item could not be removed · 1 item cannot come back",
-                                   "~/item||", "~/item|put back|",
-                                   "~/item|cannot come back|It is not in the Trash any more.", "~/3|not removed|No.",
-                                   "org.atlas.pkg|forgotten|Receipts do not come back.", "Atlas||"));
+    EXPECT_THAT(lines,
+                ElementsAre("Atlas|partly put back|1 item could not be removed · 1 item cannot come back", "~/item||",
+                            "~/item|put back|", "~/item|cannot come back|It is not in the Trash any more.",
+                            "~/3|not removed|No.", "org.atlas.pkg|forgotten|Receipts do not come back.", "Atlas||"));
     EXPECT_EQ(rows[1].path, "/Users/me/.Trash/item") << "where it is now";
     EXPECT_EQ(rows[2].path, "/Users/me/item");
     std::set<std::string> keys;
