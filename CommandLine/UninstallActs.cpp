@@ -9,10 +9,10 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Files/WrittenPath.h"
-#include "Platform/Storage/SizingService.h"
 #include "Platform/Text/Text.h"
 #include "Reports/UninstallTOMLFormatter.h"
 #include "Reports/UninstallTSVFormatter.h"
+#include "Uninstall/AppFootprintCalculator.h"
 #include "Uninstall/AppUninstallPlanner.h"
 #include "Uninstall/UninstallTarget.h"
 #include "UninstallRun/AppUninstallError.h"
@@ -26,7 +26,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -56,9 +55,8 @@ std::vector<AppRecord> listedApplications(const Host& host, Format format) {
     auto apps = InstalledAppsScanner::discover(host);
     std::erase_if(apps, [](const AppRecord& app) { return app.kind == AppRecordKind::systemRisky; });
     if (format != Format::human) return apps;  // The forms for programs have no sizes.
-    measureEach(apps.size(), "applications", format, [&](std::size_t index) {
-        apps[index].bundleSizeBytes = SizingService::size(host, apps[index].bundlePath);
-    });
+    measureEach(apps.size(), "applications", format,
+                [&](std::size_t index) { apps[index] = AppFootprintCalculator::measured(host, apps[index]); });
     return apps;
 }
 
@@ -128,7 +126,12 @@ std::string sessionText(const AppUninstallSession& session, Format format) {
 
 /// What runs is quit on the user's word, or nothing goes.
 void quitRunning(const Host& host, const Choice& choice, const Options& options) {
-    const auto running = UninstallQuestions::running(host, choice.plan, choice.paths);
+    auto running = UninstallQuestions::running(host, choice.plan, choice.paths);
+    if (running.empty()) return;
+    if (options.yes || options.quitsRunning)
+        for (const auto& each : running)
+            if (each.isBareProgram) Terminal::say(UninstallQuestions::goesOn(each));
+    if (options.yes) std::erase_if(running, [](const auto& each) { return each.isBareProgram; });
     if (running.empty()) return;
     if (options.yes && !options.quitsRunning) {
         std::vector<std::string> names;
@@ -140,32 +143,28 @@ void quitRunning(const Host& host, const Choice& choice, const Options& options)
     UninstallQuestions::quit(host, running);
 }
 
-/// The fields of a line of the run's log.
-std::vector<std::string> fieldsOf(const std::string& line) {
-    std::vector<std::string> fields(1);
-    for (const char each : line) {
-        if (each == '\t')
-            fields.emplace_back();
-        else
-            fields.back() += each;
-    }
-    return fields;
-}
-
-/// Why items have stayed and receipts were not forgotten, as the run tells it.
+/// Why items have stayed and receipts were not forgotten, as the run tells it. Paths may hold tabs: a line is known by
+/// the path that it must have.
 struct Complaints {
-    std::map<std::string, std::string> ofItems;
-    std::vector<std::string> ofReceipts;
+    std::vector<std::string> lines;
 
-    void take(const std::string& line) {
-        const auto fields = fieldsOf(line);
-        if (fields.front() == "stays" && fields.size() > 3) ofItems[fields[2]] = fields[3];
-        if (fields.front() == "forget-receipt-fail" && fields.size() > 2)
-            ofReceipts.push_back(fmt::format("{} was not forgotten: {}", fields[1], fields[2]));
+    /// What a line tells behind this beginning.
+    std::optional<std::string> behind(const std::string& beginning) const {
+        for (const std::string& line : lines)
+            if (line.starts_with(beginning)) return line.substr(beginning.size());
+        return std::nullopt;
     }
 };
 
-void tellEnd(const AppUninstallSession& session, const Complaints& complaints, Format format) {
+/// Why the item is where it was.
+std::string reasonOf(const AppUninstallSession::MovedItem& item, const Complaints& complaints) {
+    const auto why =
+        complaints.behind(fmt::format("stays\t{}\t{}\t", textOf(item.category), item.originalPath.native()));
+    return why ? fmt::format("{} stays: {}.", item.originalPath.native(), *why)
+               : fmt::format("{} could not be moved and stays.", item.originalPath.native());
+}
+
+void tellEnd(const AppUninstallSession& session, const Choice& choice, const Complaints& complaints, Format format) {
     if (format == Format::human) {
         Terminal::writeLine(fmt::format("Uninstalled {} — {}.", session.appName,
                                         Text::counted(std::ssize(session.movedItems), "item")));
@@ -177,14 +176,17 @@ void tellEnd(const AppUninstallSession& session, const Complaints& complaints, F
     for (const auto& item : session.movedItems) {
         if (item.succeeded) continue;
         ++stayed;
-        const auto why = complaints.ofItems.find(item.originalPath.native());
-        Terminal::say(why == complaints.ofItems.end()
-                          ? fmt::format("{} could not be moved and stays.", item.originalPath.native())
-                          : fmt::format("{} stays: {}", item.originalPath.native(), why->second));
+        Terminal::say(reasonOf(item, complaints));
     }
-    for (const std::string& complaint : complaints.ofReceipts) Terminal::say(complaint);
-    const auto failed = stayed + std::ssize(complaints.ofReceipts);
-    if (failed > 0) failWith(fmt::format("{} stayed.", Text::counted(failed, "item")));
+    for (const UninstallCandidate& candidate : choice.plan.candidates) {
+        if (candidate.category != UninstallCategory::receipts) continue;
+        const auto why = complaints.behind(fmt::format("forget-receipt-fail\t{}\t", candidate.path.native()));
+        if (!why) continue;
+        ++stayed;
+        Terminal::say(fmt::format("The receipt {} was not forgotten{}{}", candidate.path.native(),
+                                  why->empty() ? "." : ": ", *why));
+    }
+    if (stayed > 0) failWith(fmt::format("{} stayed.", Text::counted(stayed, "item")));
 }
 
 AppUninstallSession chosenSession(const Host& host, const Options& options) {
@@ -288,13 +290,17 @@ void uninstall(const Host& host, const Options& options) {
     const Choice choice = chosen(host, options);
     rehearse(host, choice);
     Terminal::writeMessage(UninstallTexts::plan(choice.plan, choice.paths, host.home) + "\n");
-    Terminal::confirm(UninstallQuestions::confirm(choice.plan), options.yes);
+    Dialog question = UninstallQuestions::confirm(choice.plan);
+    question.details = UninstallQuestions::leftBehind(choice.plan, choice.paths);
+    if (options.yes)
+        for (const std::string& sentence : question.details) Terminal::say(sentence);
+    Terminal::confirm(question, options.yes);
     quitRunning(host, choice, options);
     Complaints complaints;
     const SignalGuard guard;
     const auto session = AppUninstallRunner::run(host, choice.plan, choice.selection, false, choice.paths,
-                                                 {[&](const std::string& line) { complaints.take(line); }});
-    tellEnd(session, complaints, options.format);
+                                                 {[&](const std::string& line) { complaints.lines.push_back(line); }});
+    tellEnd(session, choice, complaints, options.format);
 }
 
 void list(const Host& host, const Options& options) {

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "Reports/InstallOutputFormat.h"
+
 namespace tarvik::CommandLine {
 
 /// How results are written to standard output.
-enum class Format {
-    human,  ///< for eyes: aligned, rounded, sentences
-    tsv,    ///< a header line, then a line for each record
-    toml,   ///< a document
-};
+using Format = InstallOutputFormat;
 
 }  // namespace tarvik::CommandLine

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <utility>
 
@@ -20,8 +19,6 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 using Verb = Options::Verb;
-
-const std::map<std::string, Format> formats = {{"human", Format::human}, {"tsv", Format::tsv}, {"toml", Format::toml}};
 
 /// The options that take a value, and what it is.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 6> valued = {{{"--root", "DIR"},
@@ -402,10 +399,9 @@ private:
     }
 
     void takeGlobalOptions() {
-        const auto known = formats.find(m_format);
-        if (known == formats.end())
-            throw wrong(fmt::format("\"{}\" is no format. There is: human, tsv, toml.", m_format));
-        m_options.format = known->second;
+        const auto known = installOutputFormatOf(m_format);
+        if (!known) throw wrong(fmt::format("\"{}\" is no format. There is: human, tsv, toml.", m_format));
+        m_options.format = *known;
         m_options.root = pathOption("--root", m_root);
         m_options.home = pathOption("--home", m_home);
     }

@@ -163,7 +163,8 @@ AppUninstallSession::MovedItem trash(const Host& host, const AppDedupeItem& item
             refuse(fmt::format("{} stays: the run was stopped before.", item.path.native()));
         // Of one that is not there at all, the Trash says so.
         if (Files::itemExists(item.path)) refuseWhenChanged(host, item, keep);
-        moved.trashedTo = host.trash->moveToTrash(item.path);
+        // A Mac may not tell where it has put the item.
+        if (fs::path place = host.trash->moveToTrash(item.path); !place.empty()) moved.trashedTo = std::move(place);
         moved.succeeded = true;
     } catch (const Failure& failure) {
         moved.error = failure.description();

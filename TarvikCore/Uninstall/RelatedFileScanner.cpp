@@ -4,6 +4,7 @@
 #include "Platform/Basics/Parallel.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/StoredSpelling.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/SizingService.h"
 #include "Uninstall/ExternalTarget.h"
@@ -43,11 +44,18 @@ private:
     std::unordered_set<std::string> m_paths;
 };
 
+/// Whether this program keeps its own records there: what has gone could never come back without them.
+bool holdsRecords(const Host& host, const fs::path& path) {
+    const fs::path records = AppStorageNames::supportRoot(host);
+    return Files::isItemAtOrBelow(records, path) || Files::isItemAtOrBelow(path, records);
+}
+
 /// Links and launchers can name anything. What is offered must look like an application, must be one item however the
 /// path is read, and may be none that the system needs where it is.
 bool isCopyOfApplication(const Host& host, const AppRecord& app, const fs::path& target) {
     const auto resolved = Files::resolved(target);
-    if (!resolved || target.extension() != ".app" || SystemFolders::isImmovable(host, StoredSpelling::of(*resolved)))
+    if (!resolved || target.extension() != ".app" || SystemFolders::isImmovable(host, StoredSpelling::of(*resolved)) ||
+        holdsRecords(host, *resolved))
         return false;
     return Files::isSameItem(Files::info(target),
                              Files::info(app.bundlePath.parent_path() / app.externalTargetPath.value_or("")));
@@ -82,6 +90,7 @@ void addFrom(Findings& findings, const Host& host, const Place& place) {
         return;
     }
     if (!Files::exists(place.folder / place.name)) return;
+    if (holdsRecords(host, place.folder / place.name)) return;
     // Directly in the home stand also the Trash and what every program reads.
     if (place.folder == host.home && SystemFolders::isImmovable(host, place.folder / place.name)) return;
     // Where the volume folds names, the application finds its thing under another spelling too, and so does the user.

@@ -44,7 +44,29 @@ std::vector<AppEntry> namedApplications(const Host& host) {
     return entries;
 }
 
+bool isAmongApplications(const Host& host, const fs::path& path) {
+    const auto roots = AppScanner::scanRoots(host);
+    return std::any_of(roots.begin(), roots.end(),
+                       [&](const fs::path& root) { return Files::isAtOrBelow(path, root); });
+}
+
+/// Whether the link or the launcher at the path leads to the bundle.
+bool leadsTo(const fs::path& path, const std::optional<Files::ItemInfo>& bundle) {
+    if (Files::isSymbolicLink(path)) return Files::isSameItem(Files::infoFollowingLinks(path), bundle);
+    const auto target = AppScanner::launcherShimTarget(path);
+    return target && Files::isSameItem(Files::infoFollowingLinks(*target), bundle);
+}
+
 }  // namespace
+
+AppRecord entryFor(const Host& host, const AppRecord& record) {
+    if (record.isSymlink || record.isTarvikLauncher || isAmongApplications(host, record.bundlePath)) return record;
+    const auto bundle = Files::info(record.bundlePath);
+    for (const fs::path& root : AppScanner::scanRoots(host))
+        for (const fs::path& path : AppBundleEnumerator::bundles(root))
+            if (leadsTo(path, bundle)) return InstalledAppsScanner::inspect(host, path).value_or(record);
+    return record;
+}
 
 std::optional<AppRecord> atPath(const Host& host, const fs::path& path) {
     const fs::path place = Files::standardized(path);

@@ -79,7 +79,7 @@ void addProgram(const Host& host, const InUse& inUse, const fs::path& program, s
     if (!bundles.empty() && inUse.holdsBundle(bundles.front())) {
         add(found, runningBundle(host, bundles.front(), bundles.front().stem().native()));
     } else if (inUse.holdsProgram(program)) {
-        add(found, {.path = program, .name = program.filename().native(), .canQuit = false});
+        add(found, {.path = program, .name = program.filename().native(), .isBareProgram = true});
     }
 }
 
@@ -100,6 +100,21 @@ Dialog confirm(const AppUninstallPlan& plan) {
             fmt::format("Will move {} items to Trash. This action moves files; it does not permanently delete them.",
                         plan.candidates.size()),
             {"Uninstall", "Cancel"}};
+}
+
+std::vector<std::string> leftBehind(const AppUninstallPlan& plan, const std::set<std::string>& selectedPaths) {
+    const auto goes = [&](const fs::path& path) { return selectedPaths.contains(path.native()); };
+    std::vector<std::string> sentences;
+    for (const UninstallCandidate& candidate : plan.candidates) {
+        if (candidate.category == UninstallCategory::receipts || !goes(candidate.path)) continue;
+        const auto text = Files::linkText(candidate.path);
+        if (!text) continue;
+        const fs::path target = Files::standardized(candidate.path.parent_path() / *text);
+        if (!goes(target))
+            sentences.push_back(fmt::format("Only the link {} goes. What it leads to stays: {}",
+                                            candidate.path.native(), target.native()));
+    }
+    return sentences;
 }
 
 std::vector<Running> running(const Host& host, const AppUninstallPlan& plan,
@@ -129,7 +144,9 @@ Dialog quitRunning(const std::vector<Running>& running) {
     const auto names = namesOf(running);
     std::vector<std::string> details;
     for (const Running& each : running)
-        if (!each.canQuit)
+        if (each.isBareProgram)
+            details.push_back(goesOn(each));
+        else if (!each.canQuit)
             details.push_back(fmt::format("{} cannot be quit from here: {}", each.name, each.path.native()));
     return {fmt::format("{} {} running", Text::counted(std::ssize(running), "item"), names.size() == 1 ? "is" : "are"),
             fmt::format("Removing what runs can lose its data.\n\n{}\n\nQuit automatically before uninstalling?",
@@ -138,11 +155,16 @@ Dialog quitRunning(const std::vector<Running>& running) {
             std::move(details)};
 }
 
+std::string goesOn(const Running& running) {
+    return fmt::format("{} is started by the system and goes on until you log out: {}", running.name,
+                       running.path.native());
+}
+
 void quit(const Host& host, const std::vector<Running>& running, std::chrono::duration<double> timeout) {
     for (const Running& each : running)
         if (each.canQuit && !RunningAppsDetector::quit(host, each.path, false, timeout)) throw stillRunning(each);
     std::vector<Running> others = running;
-    std::erase_if(others, [](const Running& each) { return each.canQuit; });
+    std::erase_if(others, [](const Running& each) { return each.canQuit || each.isBareProgram; });
     const auto begin = steady_clock::now();
     while (!others.empty()) {
         const InUse inUse = inUseOn(host);

@@ -17,6 +17,9 @@ namespace tarvik::UninstallQuestions {
 /// Whether the plan shall be carried out. Pure.
 Dialog confirm(const AppUninstallPlan& plan);
 
+/// What of that which is to go is only a link, and what it leads to: that stays. A sentence each. Looks at the disk.
+std::vector<std::string> leftBehind(const AppUninstallPlan& plan, const std::set<std::string>& selectedPaths);
+
 /// One thing of a plan that is in use.
 struct Running {
     fs::path path;
@@ -24,6 +27,8 @@ struct Running {
     std::string name;
     /// Whether the machine can be asked to quit it.
     bool canQuit = false;
+    /// It stands in no bundle: nothing can ask it to quit, and it keeps no uninstall from going ahead.
+    bool isBareProgram = false;
 
     bool operator==(const Running&) const = default;
 };
@@ -36,12 +41,15 @@ std::vector<Running> running(const Host& host, const AppUninstallPlan& plan,
 /// What shall happen to them: the first button quits them and goes ahead, the second cancels. Pure.
 Dialog quitRunning(const std::vector<Running>& running);
 
+/// What is told of a bare program. Pure.
+std::string goesOn(const Running& running);
+
 /// How long a program that was asked to quit may take: as long as for a move.
 inline constexpr std::chrono::seconds quitTimeout{8};
 
-/// Asks those to quit that can be asked, and waits up to `timeout` for each, and for the others to end by themselves: a
-/// helper may follow its application. Ends none by force. @throws AppUninstallError when one still runs then; nothing
-/// else has been touched.
+/// Asks those to quit that can be asked, and waits up to `timeout` for each, and for the other bundles to end by
+/// themselves: a helper may follow its application. Ends none by force, and waits for no bare program. @throws
+/// AppUninstallError when one still runs then; nothing else has been touched.
 void quit(const Host& host, const std::vector<Running>& running, std::chrono::duration<double> timeout = quitTimeout);
 
 }  // namespace tarvik::UninstallQuestions

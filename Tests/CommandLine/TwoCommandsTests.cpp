@@ -99,12 +99,12 @@ TEST(TwoCommands, MoveAnApplicationOnce) {
     RunningProgram first(world.command, world.move());
     world.waitForCopies(1);
     RunningProgram second(world.command, world.move());
-    // It cannot have the bundle, and goes on with the data.
+    // It cannot have the bundle, which the copy tool of the first has in its arguments, and goes on with the data.
     world.waitForCopies(2);
     world.letGo();
     const auto other = second.finish();
     EXPECT_EQ(other.status, 1);
-    EXPECT_THAT(other.errors, HasSubstr("Full House: Destination already exists.\n"));
+    EXPECT_THAT(other.errors, HasSubstr("Full House: App is running: Full House.app."));
     first.finish();
     world.expectAt(true);
 }

@@ -88,7 +88,7 @@ TEST_F(UninstallQuestionsTest, NamesTheProgramOfAnAgentThatIsInNoBundle) {
     makeSleeper(program);
     const ChildProcess running = runTold(program, {"100"});
     agent({{"Program", "/usr/local/bin/foo-agent"}});
-    EXPECT_THAT(this->running(), ElementsAre(Running{program, "foo-agent", false}));
+    EXPECT_THAT(this->running(), ElementsAre(Running{program, "foo-agent", false, true}));
     EXPECT_EQ(failureOf([&] { UninstallQuestions::quit(world.host, this->running(), std::chrono::milliseconds(1)); }),
               "foo-agent still runs. Quit it first.");
 }

@@ -110,7 +110,8 @@ void UninstallState::selectUninstallApp(std::optional<AppRecord> record) {
 
 QCoro::Task<> UninstallState::plan(AppRecord record, Cancellation stop) {
     const auto look = [host = host(), record = std::move(record), selection = m_selection, stop] {
-        return AppUninstallPlanner::plan(host, record, selection, RelatedFileScanner::Sizes::measured, stop);
+        return AppUninstallPlanner::plan(host, UninstallTarget::entryFor(host, record), selection,
+                                         RelatedFileScanner::Sizes::measured, stop);
     };
     AppUninstallPlan plan = co_await inBackground(Priority::userInitiated, look);
     if (stop.isCancelled()) co_return;

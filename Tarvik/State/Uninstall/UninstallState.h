@@ -130,7 +130,7 @@ private:
     QCoro::Task<> removeChecked(Run run);
     QCoro::Task<> carryOut(Run run, bool dryRun);
     /// Whether the user agrees to the plan.
-    QCoro::Task<bool> confirmDestructive(AppUninstallPlan plan);
+    QCoro::Task<bool> confirmDestructive(AppUninstallPlan plan, std::set<std::string> checked);
     QCoro::Task<> bringBack(AppUninstallSession session);
 
     void takeOutcome(const Run& run, const AppUninstallSession& session);

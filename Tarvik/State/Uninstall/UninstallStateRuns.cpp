@@ -50,6 +50,8 @@ Dialog askToPutBack(const AppUninstallSession& session, const PutBackItems& item
 struct UninstallState::Run {
     AppUninstallPlan plan;
     std::set<std::string> checked;
+    /// The application in the list, which a link may stand for in the plan.
+    std::string appId;
     std::vector<UninstallQuestions::Running> running = {};
 };
 
@@ -57,12 +59,14 @@ void UninstallState::runUninstall(bool dryRun) {
     if (m_isUninstalling || app().isClosing()) return;
     if (!m_planned.plan()) return app().setError(QStringLiteral("Select an app first."));
     if (m_planned.checked().empty()) return app().setError(QStringLiteral("Nothing checked to remove."));
-    Run run{*m_planned.plan(), m_planned.checked()};
+    Run run{*m_planned.plan(), m_planned.checked(), m_planned.app()->id};
     follow(dryRun ? carryOut(std::move(run), true) : removeChecked(std::move(run)));
 }
 
-QCoro::Task<bool> UninstallState::confirmDestructive(AppUninstallPlan plan) {
-    const Dialog question = UninstallQuestions::confirm(plan);
+QCoro::Task<bool> UninstallState::confirmDestructive(AppUninstallPlan plan, std::set<std::string> checked) {
+    const auto look = [plan, checked = std::move(checked)] { return UninstallQuestions::leftBehind(plan, checked); };
+    Dialog question = UninstallQuestions::confirm(plan);
+    question.details = co_await inBackground(Priority::userInitiated, look);
     const int answer = co_await app().dialogs().ask(question);
     co_return answer == 0 && !app().isClosing();
 }
@@ -70,7 +74,7 @@ QCoro::Task<bool> UninstallState::confirmDestructive(AppUninstallPlan plan) {
 QCoro::Task<> UninstallState::removeChecked(Run run) {
     {
         const auto preparing = app().prepare();
-        const bool hasAgreed = co_await confirmDestructive(run.plan);
+        const bool hasAgreed = co_await confirmDestructive(run.plan, run.checked);
         if (!hasAgreed) co_return;
         const auto look = [host = host(), run] { return UninstallQuestions::running(host, run.plan, run.checked); };
         run.running = co_await inBackground(Priority::userInitiated, look);
@@ -125,7 +129,7 @@ void UninstallState::takeOutcome(const Run& run, const AppUninstallSession& sess
         m_past.open(session.id);
     }
     // The user may have gone on to another application.
-    if (m_planned.app() && m_planned.app()->id == run.plan.app.id) selectUninstallApp(std::nullopt);
+    if (m_planned.app() && m_planned.app()->id == run.appId) selectUninstallApp(std::nullopt);
 }
 
 void UninstallState::putBack(const QString& sessionId) {

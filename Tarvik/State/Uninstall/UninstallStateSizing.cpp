@@ -54,13 +54,7 @@ struct UninstallState::Sizing {
 };
 
 AppRecord UninstallState::measureBundle(const Host& host, const AppRecord& record, const Cancellation& cancellation) {
-    const bool standsForAnother =
-        record.isTarvikLauncher && record.externalTargetPath && Files::exists(*record.externalTargetPath);
-    const fs::path& measured = standsForAnother ? *record.externalTargetPath : record.bundlePath;
-    AppRecord sized = record.withBundleSize(SizingService::size(host, measured, cancellation));
-    if (SupplementalInstall::matches(host, record.bundlePath))
-        sized = sized.withFootprint(AppFootprintCalculator::footprint(host, record, cancellation));
-    return sized;
+    return AppFootprintCalculator::measured(host, record, cancellation);
 }
 
 void UninstallState::startUninstallSizing(std::vector<AppRecord> apps) {
