@@ -11,6 +11,7 @@
 #include "Uninstall/RelatedPlaces.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <unordered_set>
 #include <utility>
