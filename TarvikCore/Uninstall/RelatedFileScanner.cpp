@@ -12,6 +12,7 @@
 #include "Uninstall/RelatedPlaces.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <unordered_set>
 #include <utility>

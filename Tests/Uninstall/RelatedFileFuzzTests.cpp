@@ -8,9 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,7 +40,7 @@ protected:
 
     /// Things of the application, of its neighbours, and some that only a pattern would find.
     void fill(const fs::path& place) {
-        m_places.insert({place.native(), {}});
+        m_places.insert(place.native());
         for (const char* name : {"Editor", "com.acme.editor", "com.acme.editor2", "com.acme", "Other", "*", "?", "..x",
                                  " ", "editor-cli", "editor-nodejs"})
             test::makeFile(place / name / "data");
@@ -82,7 +81,7 @@ protected:
     int m_offered = 0;
 
 private:
-    std::map<std::string, int> m_places;
+    std::set<std::string> m_places;
 };
 
 TEST_F(RelatedFileFuzz, NamesOfEveryKindLeadToNothingElse) {
