@@ -69,7 +69,7 @@ Item itemOf(const QMimeData& data) {
 std::optional<QUrl> load(const Item& item) {
     for (const QString& type : supportedTypes()) {
         if (!item.types.contains(type)) continue;
-        if (const auto url = decode(item.form(type))) return url;
+        if (auto url = decode(item.form(type))) return url;
     }
     return std::nullopt;
 }
@@ -90,7 +90,7 @@ std::optional<QUrl> decode(const QVariant& form) {
         case QMetaType::QStringList: {
             const auto elements = form.toList();
             for (const QVariant& element : elements)
-                if (const auto url = decode(element)) return url;
+                if (auto url = decode(element)) return url;
             return std::nullopt;
         }
         default:

@@ -30,9 +30,9 @@ void PastUninstalls::setSessions(std::vector<AppUninstallSession> sessions) {
     updateRows();
 }
 
-void PastUninstalls::setItems(std::vector<std::pair<std::string, std::vector<UninstallUndo::Item>>> items) {
+void PastUninstalls::setItems(const std::vector<std::pair<std::string, std::vector<UninstallUndo::Item>>>& items) {
     std::unordered_map<std::string, std::vector<UninstallUndo::Item>> found;
-    for (auto& [id, ofSession] : items) found.insert_or_assign(id, std::move(ofSession));
+    for (const auto& [id, ofSession] : items) found.insert_or_assign(id, ofSession);
     for (PastUninstall& past : m_past)
         if (const auto known = found.find(past.session.id); known != found.end()) past.items = known->second;
     updateRows();

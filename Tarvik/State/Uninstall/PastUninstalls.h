@@ -42,7 +42,7 @@ public:
     /// Takes what is remembered. How it stands with the items stays as it was known, until it is told anew.
     void setSessions(std::vector<AppUninstallSession> sessions);
     /// How it stands with the items of sessions, by their ids.
-    void setItems(std::vector<std::pair<std::string, std::vector<UninstallUndo::Item>>> items);
+    void setItems(const std::vector<std::pair<std::string, std::vector<UninstallUndo::Item>>>& items);
     /// Null when there is none with this id.
     const AppUninstallSession* find(const QString& id) const;
     /// Closes or opens what is below the line of a session; other lines have nothing below.

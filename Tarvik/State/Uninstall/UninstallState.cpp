@@ -94,8 +94,8 @@ QCoro::Task<> UninstallState::readPast() {
         }
         return items;
     };
-    PastItems items = co_await inBackground(Priority::userInitiated, lookAtItems);
-    if (look == m_looksAtPast) m_past.setItems(std::move(items));
+    const PastItems items = co_await inBackground(Priority::userInitiated, lookAtItems);
+    if (look == m_looksAtPast) m_past.setItems(items);
 }
 
 void UninstallState::selectUninstallApp(std::optional<AppRecord> record) {
