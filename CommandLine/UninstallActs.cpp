@@ -1,5 +1,6 @@
 #include "CommandLine/UninstallActs.h"
 
+#include "CommandLine/Columns.h"
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Records.h"
 #include "CommandLine/Signals.h"
@@ -60,8 +61,15 @@ std::vector<AppRecord> listedApplications(const Host& host, Format format) {
     return apps;
 }
 
+/// What one of the words behind --with stands for, in a sentence.
+std::string_view namedFor(std::string_view word) {
+    if (word == "launch-daemons") return "launch daemons";
+    if (word == "external-target") return "copy on a drive";
+    return word;
+}
+
 /// The candidates that one word behind --with means.
-std::set<std::string> wanted(const AppUninstallPlan& plan, const std::string& word, Verb verb) {
+std::set<std::string> wanted(const Host& host, const AppUninstallPlan& plan, const std::string& word, Verb verb) {
     const auto those = [&](const auto& fits) {
         std::set<std::string> paths;
         for (const UninstallCandidate& candidate : plan.candidates)
@@ -80,8 +88,15 @@ std::set<std::string> wanted(const AppUninstallPlan& plan, const std::string& wo
         paths = those([&](const UninstallCandidate& candidate) {
             return candidate.category == UninstallCategory::executable && candidate.path != plan.app.bundlePath;
         });
+    } else if (word.find('/') == std::string::npos) {
+        throw WrongUse(
+            fmt::format("There is no \"{}\" to take with it: receipts, launch-daemons, external-target, or a "
+                        "path that the plan shows.",
+                        word),
+            std::string(usageOf(verb)));
     } else {
-        const fs::path path = WrittenPath::meant(word);
+        // The plan shows the home folder as "~", which is another one to a shell where a machine in a folder is meant.
+        const fs::path path = word.starts_with("~/") ? host.home / word.substr(2) : WrittenPath::meant(word);
         paths = those([&](const UninstallCandidate& candidate) { return candidate.path == path; });
         if (paths.empty())
             throw WrongUse(
@@ -107,10 +122,13 @@ Choice chosen(const Host& host, const Options& options) {
         if (AppUninstallPlanner::effectiveSelected(candidate, plan.app, choice.selection))
             choice.paths.insert(candidate.path.native());
     for (const std::string& word : options.with) {
-        const auto paths = wanted(plan, word, options.verb);
-        if (paths.empty()) Terminal::say(fmt::format("{} has no {}.", plan.app.displayName, word));
+        const auto paths = wanted(host, plan, word, options.verb);
+        if (paths.empty()) Terminal::say(fmt::format("{} has no {}.", plan.app.displayName, namedFor(word)));
         choice.paths.insert(paths.begin(), paths.end());
     }
+    choice.plan.selectedBytes = 0;
+    for (const UninstallCandidate& candidate : plan.candidates)
+        if (choice.paths.contains(candidate.path.native())) choice.plan.selectedBytes += candidate.sizeBytes;
     return choice;
 }
 
@@ -136,7 +154,7 @@ void quitRunning(const Host& host, const Choice& choice, const Options& options)
     if (options.yes && !options.quitsRunning) {
         std::vector<std::string> names;
         for (const auto& each : running) names.push_back(each.name);
-        failWith(fmt::format("{} {} running: quit {} first, or use --quit-running.", fmt::join(names, ", "),
+        failWith(fmt::format("{} {} running: quit {} first, or use --quit-running.", Text::listed(names, names.size()),
                              names.size() == 1 ? "is" : "are", names.size() == 1 ? "it" : "them"));
     }
     Terminal::confirm(UninstallQuestions::quitRunning(running), options.quitsRunning);
@@ -164,14 +182,25 @@ std::string reasonOf(const AppUninstallSession::MovedItem& item, const Complaint
                : fmt::format("{} could not be moved and stays.", item.originalPath.native());
 }
 
+std::string endSentence(const AppUninstallSession& session) {
+    const auto all = std::ssize(session.movedItems);
+    const auto gone = std::count_if(session.movedItems.begin(), session.movedItems.end(),
+                                    [](const auto& item) { return item.succeeded; });
+    auto text = gone == all ? fmt::format("Uninstalled {} — {}.", session.appName, Text::counted(all, "item"))
+                            : fmt::format("Moved {} of {} of {} to the Trash.", gone, Text::counted(all, "item"),
+                                          session.appName);
+    if (!session.forgottenReceipts.empty())
+        text += fmt::format(" {} forgotten.", session.forgottenReceipts.size() == 1
+                                                  ? "1 receipt was"
+                                                  : fmt::format("{} receipts were", session.forgottenReceipts.size()));
+    return text;
+}
+
 void tellEnd(const AppUninstallSession& session, const Choice& choice, const Complaints& complaints, Format format) {
-    if (format == Format::human) {
-        Terminal::writeLine(fmt::format("Uninstalled {} — {}.", session.appName,
-                                        Text::counted(std::ssize(session.movedItems), "item")));
-        Terminal::say(fmt::format("To have it back: tarvik uninstall undo {}", session.id));
-    } else {
-        Terminal::writeResult(sessionText(session, format));
-    }
+    // Before the result, which may find no room.
+    if (format == Format::human) Terminal::say(fmt::format("To have it back: tarvik uninstall undo {}", session.id));
+    Terminal::writeResult(format == Format::human ? Columns::oneLine(endSentence(session)) + "\n"
+                                                  : sessionText(session, format));
     std::int64_t stayed = 0;
     for (const auto& item : session.movedItems) {
         if (item.succeeded) continue;
@@ -222,10 +251,11 @@ Dialog undoQuestion(const AppUninstallSession& session, const std::vector<UndoIt
             ++waiting;
             question.details.push_back(item.originalPath.native());
         } else if (item.state == UndoItem::State::stuck) {
-            question.details.push_back(fmt::format("Cannot come back: {}", item.reason));
+            question.details.push_back(fmt::format("{} cannot come back: {}", item.originalPath.native(), item.reason));
         }
     }
-    question.text = fmt::format("{} will be moved back from the Trash.", Text::counted(waiting, "item"));
+    question.text = fmt::format("{} will be moved back to {}. Nothing that stands there is replaced.",
+                                Text::counted(waiting, "item"), waiting == 1 ? "its old place" : "their old places");
     return question;
 }
 
@@ -339,7 +369,10 @@ void undo(const Host& host, const Options& options) {
     }
     printUndo(before, after, options.format);
     for (const UndoItem& item : after)
-        if (item.state == UndoItem::State::stuck) Terminal::say(item.reason);
+        if (item.state == UndoItem::State::stuck)
+            Terminal::say(fmt::format("{}: {}", item.originalPath.native(), item.reason));
+    for (const std::string& receipt : session.forgottenReceipts)
+        Terminal::say(fmt::format("The receipt {} does not come back.", receipt));
     const auto stuck = std::count_if(after.begin(), after.end(), isIn(UndoItem::State::stuck));
     if (stuck > 0) failWith(fmt::format("{} could not be put back.", Text::counted(stuck, "item")));
 }

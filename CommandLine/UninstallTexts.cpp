@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <limits>
 #include <optional>
 
 namespace tarvik::CommandLine::UninstallTexts {
@@ -19,6 +20,10 @@ namespace {
 
 using Columns::Align;
 using Rows = std::vector<std::vector<std::string>>;
+
+constexpr std::size_t widestName = 40;
+/// A record can hold any number.
+constexpr std::int64_t mostBytes = std::numeric_limits<std::int64_t>::max();
 
 std::string shown(const fs::path& path, const fs::path& home) {
     return Columns::oneLine(DataPathSize{path}.displayPath(home));
@@ -29,7 +34,7 @@ std::string dayOf(const std::optional<std::chrono::system_clock::time_point>& in
 }
 
 std::vector<std::string> rowOf(const AppRecord& app, std::string_view indent, const fs::path& home) {
-    return {Columns::oneLine(fmt::format("{}{}", indent, app.displayName)),
+    return {Columns::cut(Columns::oneLine(fmt::format("{}{}", indent, app.displayName)), widestName),
             app.displaySizeBytes() > 0 ? SizeCalculator::format(app.displaySizeBytes()) : std::string(),
             std::string(textOf(app.kind)), dayOf(app.modifiedAt), shown(app.bundlePath, home)};
 }
@@ -76,7 +81,7 @@ std::int64_t countOf(const std::vector<UninstallUndo::Item>& items, UninstallUnd
 std::int64_t bytesOf(const AppUninstallSession& session) {
     std::int64_t bytes = 0;
     for (const auto& item : session.movedItems)
-        if (item.succeeded) bytes += item.sizeBytes;
+        if (item.succeeded) bytes += std::clamp(item.sizeBytes, std::int64_t{0}, mostBytes - bytes);
     return bytes;
 }
 
@@ -86,6 +91,9 @@ std::string stateOf(const std::vector<UninstallUndo::Item>& items) {
     if (waiting > 0) return fmt::format("{} can be put back", Text::counted(waiting, "item"));
     const auto back = countOf(items, State::back);
     if (back > 0 && back == std::ssize(items)) return "put back";
+    if (back > 0)
+        return fmt::format("{} of {} are back, the others cannot come back", back,
+                           Text::counted(std::ssize(items), "item"));
     return "nothing can be put back";
 }
 
@@ -138,8 +146,8 @@ std::string app(const AppRecord& app) {
 std::string plan(const AppUninstallPlan& plan, const std::set<std::string>& selectedPaths, const fs::path& home) {
     const AppRecord& app = plan.app;
     auto text = app.displayName;
-    if (app.version) text += " " + *app.version;
-    if (app.bundleIdentifier) text += fmt::format(" ({})", *app.bundleIdentifier);
+    if (app.version && !app.version->empty()) text += " " + *app.version;
+    if (app.bundleIdentifier && !app.bundleIdentifier->empty()) text += fmt::format(" ({})", *app.bundleIdentifier);
     text = Columns::oneLine(text) + "\n";
     for (const auto& [category, candidates] : plan.grouped())
         text += sectionOf(category, candidates, selectedPaths, home);
@@ -153,9 +161,10 @@ std::string sessions(const std::vector<Past>& sessions) {
     for (const auto& [session, items] : sessions) {
         const auto gone = std::count_if(session.movedItems.begin(), session.movedItems.end(),
                                         [](const auto& item) { return item.succeeded; });
-        rows.push_back({Columns::oneLine(session.id), Text::date(session.createdAt), Columns::oneLine(session.appName),
-                        fmt::to_string(gone), SizeCalculator::format(bytesOf(session)),
-                        fmt::to_string(std::ssize(session.movedItems) - gone), stateOf(items)});
+        rows.push_back({Columns::oneLine(session.id), Text::date(session.createdAt),
+                        Columns::cut(Columns::oneLine(session.appName), widestName), fmt::to_string(gone),
+                        SizeCalculator::format(bytesOf(session)), fmt::to_string(std::ssize(session.movedItems) - gone),
+                        stateOf(items)});
     }
     return Columns::table({{"ID"},
                            {"When"},

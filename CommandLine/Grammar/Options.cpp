@@ -279,9 +279,12 @@ private:
             m_options.onlyApp || m_options.isDryRun || m_options.quitsRunning || !m_options.with.empty();
         if (m_uninstall->parsed() && verb != Verb::uninstall && m_uninstall->count("NAME") > 0 && !names.empty())
             refuseSurplus(m_uninstalledName);
-        if (m_uninstall->parsed() && verb != Verb::uninstall && (hasWishes || m_uninstall->count("NAME") > 0))
-            throw wrong(
-                fmt::format("{} takes no application that shall go, and none of its options.", wordsOf(meant())));
+        if (m_uninstall->parsed() && verb != Verb::uninstall && m_uninstall->count("NAME") > 0)
+            throw wrong(fmt::format("\"{}\" stands before the verb {}.", m_uninstalledName, wordsOf(meant())));
+        if (m_uninstall->parsed() && verb != Verb::uninstall && hasWishes)
+            for (const char* const name : {"--only-app", "--with", "--quit-running", "--dry-run"})
+                if (m_uninstall->count(name) > 0)
+                    throw wrong(fmt::format("{} does not belong to {}.", name, wordsOf(meant())));
         if (verb == Verb::uninstall && names.empty())
             throw wrong("Name the application that shall go: a NAME is missing.");
         if (verb == Verb::uninstallUndo && names.empty())

@@ -12,7 +12,7 @@ BundleState bundleState(const fs::path& bundle) {
     const auto info = Files::infoFollowingLinks(programs);
     if (!info) return BundleState::unreadable;
     if (info->type != Files::ItemType::folder) return BundleState::withoutPrograms;
-    if (!ListedFolder::at(programs)) return BundleState::unreadable;
+    if (!ListedFolder::at(programs)) return BundleState::unlistable;
     return Files::names(programs).empty() ? BundleState::withoutPrograms : BundleState::whole;
 }
 

@@ -10,6 +10,7 @@ enum class BundleState {
     withoutList,      ///< it has no Contents/Info.plist
     withoutPrograms,  ///< nothing stands in Contents/MacOS
     unreadable,       ///< it may be whole: permissions keep it from being looked at
+    unlistable,       ///< the same of Contents/MacOS alone
 };
 
 /// Looks at the bundle; it must be there, and links to it and in it are followed. A hidden program counts. A few status

@@ -19,8 +19,9 @@ HealthIssue inspect(const Host& host, const fs::path& location, const fs::path& 
         case BundleState::withoutList:
             return issue(empty, "Bundle directory exists but has no Contents/Info.plist. App is unlaunchable.");
         case BundleState::withoutPrograms:
-        case BundleState::unreadable:  // Nobody can start what cannot be listed; its repair tells that it may be whole.
+        case BundleState::unlistable:  // Nobody can start what cannot be listed; its repair tells that it may be whole.
             return issue(corrupted, "Bundle has Info.plist but no executable in Contents/MacOS/.");
+        case BundleState::unreadable:  // What may not be looked at is not broken.
         case BundleState::whole:
             break;
     }

@@ -137,7 +137,8 @@ void requireNoLauncher(const HealthIssue& issue) {
 
 /// Refuses to trash what may be whole.
 void requireReadable(const HealthIssue& issue) {
-    if (bundleState(issue.copy()) == BundleState::unreadable)
+    const BundleState state = bundleState(issue.copy());
+    if (state == BundleState::unreadable || state == BundleState::unlistable)
         refuse(EACCES, fmt::format("{} can't be read and may be whole. Nothing was changed.", issue.copy().native()));
 }
 

@@ -174,6 +174,10 @@ std::optional<std::string> ofFolder(const Host& host, const fs::path& folder, co
     return byContents(host, folder, TreeObstacle::toMove(folder));
 }
 
+std::optional<std::string> ofPlace(const Host& host, const fs::path& resolvedItem) {
+    return byMachine(host, resolvedItem);
+}
+
 std::optional<std::string> ofContents(const Host& host, const fs::path& item) {
     if (!Files::exists(item)) return std::nullopt;
     if (auto refusal = byOwnVolume(host, item)) return refusal;

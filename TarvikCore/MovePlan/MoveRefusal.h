@@ -29,6 +29,10 @@ std::optional<std::string> ofBackup(const Host& host, const fs::path& item, std:
 /// whole, a folder of the system, a folder that holds the link, a place outside of the machine. Nothing when it may.
 std::optional<std::string> ofRestore(const Host& host, const fs::path& link, const fs::path& target);
 
+/// Why an item, whose path has its links resolved, is none of a rooted machine's: it stands neither on it nor on one of
+/// its volumes.
+std::optional<std::string> ofPlace(const Host& host, const fs::path& resolvedItem);
+
 /// Why the jobs may not be run to the drive: it is read-only, or a folder on their way leads off it. Nothing for a
 /// drive that is not there: the run itself finds that out. Blocks; any thread.
 std::optional<std::string> ofDriveForJobs(const DriveInfo& drive, const std::vector<MoveJob>& jobs);

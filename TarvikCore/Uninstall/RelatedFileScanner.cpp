@@ -7,9 +7,11 @@
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/SizingService.h"
+#include "Platform/Text/PropertyList.h"
 #include "Uninstall/ExternalTarget.h"
 #include "Uninstall/PackageReceipts.h"
 #include "Uninstall/RelatedPlaces.h"
+#include "Uninstall/UninstallRefusal.h"
 
 #include <cstddef>
 #include <functional>
@@ -56,7 +58,7 @@ bool holdsRecords(const Host& host, const fs::path& path) {
 bool isCopyOfApplication(const Host& host, const AppRecord& app, const fs::path& target) {
     const auto resolved = Files::resolved(target);
     if (!resolved || target.extension() != ".app" || SystemFolders::isImmovable(host, StoredSpelling::of(*resolved)) ||
-        holdsRecords(host, *resolved))
+        holdsRecords(host, *resolved) || UninstallRefusal::of(host, target))
         return false;
     return Files::isSameItem(Files::info(target),
                              Files::info(app.bundlePath.parent_path() / app.externalTargetPath.value_or("")));
@@ -70,7 +72,11 @@ void addExecutables(Findings& findings, const Host& host, const AppRecord& app) 
                    .isSymlink = app.isSymlink}});
     const auto target = ExternalTarget::of(app);
     if (target && isCopyOfApplication(host, app, *target))
-        findings.add({{.path = *target, .category = UninstallCategory::executable, .reason = "External target app"}});
+        findings.add({{.path = *target,
+                       .category = UninstallCategory::executable,
+                       .reason = "External target app",
+                       .seenIdentifier =
+                           PropertyList::dictionaryAt(*target / "Contents/Info.plist").text("CFBundleIdentifier")}});
 }
 
 Finding foundAt(const fs::path& path, const Place& place) {

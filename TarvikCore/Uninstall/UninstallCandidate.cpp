@@ -29,6 +29,7 @@ void from_json(const nlohmann::json& json, UninstallCandidate& candidate) {
     Json::read(json, "isPrivileged", candidate.isPrivileged);
     Json::read(json, "isSymlink", candidate.isSymlink);
     candidate.seen.reset();
+    candidate.seenIdentifier.reset();
 }
 
 }  // namespace tarvik

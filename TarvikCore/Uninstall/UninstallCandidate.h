@@ -31,6 +31,8 @@ struct UninstallCandidate {
     /// What stood at the path when it was found, links not followed: whoever removes it later looks whether it is still
     /// that. It is no part of the record that is written.
     std::optional<Files::ItemInfo> seen = {};
+    /// The same for the identifier of a copy on a drive: that of its launcher may be another one.
+    std::optional<std::string> seenIdentifier = {};
 
     bool operator==(const UninstallCandidate&) const = default;
 };

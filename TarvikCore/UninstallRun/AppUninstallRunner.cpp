@@ -11,6 +11,7 @@
 #include "Platform/Processes/CommandRunner.h"
 #include "Platform/Text/Text.h"
 #include "Uninstall/AppUninstallPlanner.h"
+#include "Uninstall/UninstallRefusal.h"
 #include "UninstallRun/AppUninstallError.h"
 #include "UninstallRun/UninstallCheck.h"
 #include "UninstallRun/UninstallJournalFile.h"
@@ -198,6 +199,8 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
     const AppRecord& app = plan.app;
     if (app.kind == AppRecordKind::systemRisky)
         throw AppUninstallError::refused("Refusing to uninstall system app: " + app.bundlePath.native());
+    if (auto refusal = UninstallRefusal::of(host, app.bundlePath))
+        throw AppUninstallError::refused(*std::move(refusal));
     const auto chosen = chosenOf(plan, selection, selectedPaths);
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
     std::optional<UninstallLock> lock;

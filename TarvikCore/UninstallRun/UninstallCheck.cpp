@@ -1,6 +1,5 @@
 #include "UninstallRun/UninstallCheck.h"
 
-#include "Applications/LauncherLayout.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/SystemCalls.h"
 #include "Platform/Text/PropertyList.h"
@@ -27,12 +26,10 @@ std::optional<std::string> identifierOf(const fs::path& bundle) {
 /// Whether another application stands in the place of the bundle, or of the copy on a drive that its link or launcher
 /// leads to. A bundle that names none, as a damaged one does, may well be the one that was planned.
 bool isAnotherApplication(const AppRecord& app, const UninstallCandidate& candidate, const fs::path& path) {
-    const bool isBundle = candidate.path == app.bundlePath;
-    const bool isTarget = candidate.path == app.externalTargetPath;
-    if (candidate.category != UninstallCategory::executable || (!isBundle && !isTarget)) return false;
+    if (candidate.category != UninstallCategory::executable) return false;
+    const auto& planned = candidate.path == app.bundlePath ? app.bundleIdentifier : candidate.seenIdentifier;
     const auto identifier = identifierOf(path);
-    if (!identifier || !app.bundleIdentifier || *identifier == *app.bundleIdentifier) return false;
-    return isBundle || *app.bundleIdentifier != *identifier + std::string(LauncherLayout::identifierSuffix);
+    return identifier && planned && *identifier != *planned;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "CommandLine/CommandWorld.h"
 #include "CommandLine/Lines.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Text/PropertyList.h"
 #include "Support/Bundles.h"
 #include "Support/Tree.h"
 
@@ -117,11 +118,63 @@ TEST(UninstallCommand, RefusesAPathThatBelongsToSomethingElse) {
     EXPECT_TRUE(fs::exists(world.sweeper));
 }
 
+TEST(UninstallCommand, TakesAPathAsThePlanShowsIt) {
+    const UninstallCommandWorld world;
+    const auto misspelt = world.run({"uninstall", "Sweeper", "--with", "reciepts", "--yes"});
+    EXPECT_EQ(misspelt.status, 2);
+    EXPECT_THAT(misspelt.errors, HasSubstr("There is no \"reciepts\" to take with it: receipts, launch-daemons, "
+                                           "external-target, or a path that the plan shows."));
+    EXPECT_EQ(
+        world.run({"uninstall", "Sweeper", "--only-app", "--with", "~/Library/Caches/org.example.sweeper", "--yes"})
+            .status,
+        0);
+    EXPECT_FALSE(fs::exists(world.cache));
+}
+
+TEST(UninstallCommand, LeavesWhatIsOfAnotherMachineOrOfTheTrash) {
+    const UninstallCommandWorld world;
+    const auto foreign = world.folder / "elsewhere/Foreign.app";
+    test::makeBundle(foreign, {{"CFBundleIdentifier", "org.example.foreign"}});
+    const auto refused = world.run({"uninstall", foreign, "--yes"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.errors, foreign.native() + " is not on the machine in " + world.machine.root.native() + ".\n");
+    test::makeLink(world.machine.root / "Applications/Out.app", foreign);
+    EXPECT_EQ(world.run({"uninstall", "Out", "--with", "external-target", "--yes"}).status, 0);
+    EXPECT_TRUE(fs::exists(foreign)) << "only the link went";
+
+    ASSERT_EQ(world.run({"uninstall", "Sweeper", "--yes"}).status, 0);
+    const auto again = world.run({"uninstall", world.trash / "Sweeper.app", "--yes"});
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.errors, "Sweeper.app is in the Trash already.\n");
+}
+
+TEST(UninstallCommand, RefusesAnApplicationOfTheSystemByEveryWay) {
+    const UninstallCommandWorld world;
+    const auto chess = world.machine.root / "System/Applications/Chess.app";
+    test::makeBundle(chess, {{"CFBundleIdentifier", "org.example.chess"}});
+    test::makeLink(world.machine.root / "Applications/Sys", chess.parent_path());
+    const auto refused = world.run({"uninstall", world.machine.root / "Applications/Sys/Chess.app", "--yes"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.errors, testing::StartsWith("Refusing to uninstall system app: "));
+    EXPECT_TRUE(fs::exists(chess));
+}
+
+TEST(UninstallCommand, TakesTheCopyOfALauncherWithAnotherIdentifier) {
+    const UninstallCommandWorld world;
+    const auto copy = world.drive / "ExternalTarvik/Apps/Opened.app";
+    test::makeBundle(copy, {{"CFBundleIdentifier", "org.example.opened"}});
+    test::makeLauncher(world.machine.root / "Applications/Opened.app", copy,
+                       {{"CFBundleIdentifier", "org.example.Other.externallauncher"}});
+    const auto gone = world.run({"uninstall", "Opened", "--with", "external-target", "--yes"});
+    EXPECT_EQ(gone.status, 0) << gone.errors;
+    EXPECT_FALSE(fs::exists(copy));
+}
+
 TEST(UninstallCommand, SaysWhatAnApplicationDoesNotHave) {
     const UninstallCommandWorld world;
     const auto finished = world.run({"uninstall", "Sweeper", "--with", "external-target", "--dry-run"});
     EXPECT_EQ(finished.status, 0);
-    EXPECT_EQ(finished.errors, "Sweeper has no external-target.\n");
+    EXPECT_EQ(finished.errors, "Sweeper has no copy on a drive.\n");
 }
 
 TEST(UninstallCommand, RefusesWhereNobodyCanBeAsked) {
@@ -238,11 +291,50 @@ TEST(UninstallCommand, TellsWhatCannotComeBack) {
     const auto back = world.run({"uninstall", "undo", id, "--yes"});
     EXPECT_EQ(back.status, 1);
     EXPECT_THAT(back.errors, HasSubstr("2 items could not be put back."));
+    EXPECT_THAT(linesOf(back.errors), Contains(testing::StartsWith(world.preferences.native() + ": ")));
     EXPECT_TRUE(fs::exists(world.sweeper));
     EXPECT_EQ(test::contentOf(world.preferences), "new");
     const auto unknown = world.run({"uninstall", "undo", "20200101_000000", "--yes"});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_THAT(unknown.errors, HasSubstr("There is no uninstall \"20200101_000000\"."));
+}
+
+TEST(UninstallCommand, ForgetsReceiptsWhenToldTo) {
+    const UninstallCommandWorld world;
+    const auto receipts = world.machine.root / "private/var/db/receipts";
+    test::makeFile(receipts / "org.example.sweeper.plist",
+                   PropertyList(PropertyList::Dictionary{{"PackageIdentifier", "org.example.sweeper"}}).xml());
+    test::makeFile(receipts / "org.example.sweeper.bom", "");
+    EXPECT_THAT(world.run({"uninstall", "Sweeper", "--dry-run"}).output, HasSubstr("pkgutil receipt for bundle id"));
+    const auto gone = world.run({"uninstall", "Sweeper", "--with", "receipts", "--yes", "--format", "toml"});
+    EXPECT_EQ(gone.status, 0) << gone.errors;
+    EXPECT_THAT(gone.output, HasSubstr("forgottenReceipts = [\"org.example.sweeper\"]\n"));
+    EXPECT_FALSE(fs::exists(receipts / "org.example.sweeper.plist"));
+}
+
+TEST(UninstallCommand, TellsOfAReceiptThatStays) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    UninstallCommandWorld world;
+    world.replaceTool("pkgutil",
+                      "case $1 in --forget) echo 'No permission.' >&2; exit 1;; *) echo org.example.sweeper;; esac");
+    const auto gone = world.run({"uninstall", "Sweeper", "--with", "receipts", "--yes"});
+    EXPECT_EQ(gone.status, 1);
+    EXPECT_THAT(linesOf(gone.errors), Contains("The receipt org.example.sweeper was not forgotten: No permission."));
+    EXPECT_FALSE(fs::exists(world.sweeper)) << "the rest went";
+}
+
+TEST(UninstallCommand, TellsWhatOnlyALinkLeavesBehind) {
+    const UninstallCommandWorld world;
+    const auto moved = world.drive / "ExternalTarvik/Data/Sweeper";
+    fs::create_directories(moved.parent_path());
+    fs::remove_all(world.support);
+    test::makeFile(moved / "data");
+    test::makeLink(world.support, moved);
+    const auto gone = world.run({"uninstall", "Sweeper", "--yes"});
+    EXPECT_EQ(gone.status, 0) << gone.errors;
+    EXPECT_THAT(gone.errors, HasSubstr("Only the link " + world.support.native() +
+                                       " goes. What it leads to stays: " + moved.native() + "\n"));
+    EXPECT_TRUE(fs::exists(moved / "data"));
 }
 
 TEST(UninstallCommand, SurvivesHostileNames) {

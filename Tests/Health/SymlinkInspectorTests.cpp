@@ -43,7 +43,7 @@ TEST_F(SymlinkInspection, CallsNothingMissingThatMayNotBeLookedAt) {
         const test::OrdinaryUser user(world.folder.path());
         EXPECT_EQ(inspected().kind, healthy);
     }
-    fs::permissions(world.appsOnDrive, fs::perms::owner_all);
+    fs::permissions(world.appsOnDrive, fs::perms{0755});
     fs::permissions(target / "Contents/MacOS", fs::perms::none);
     const test::OrdinaryUser user(world.folder.path());
     EXPECT_EQ(inspected().kind, corrupted) << "nothing in it can be listed";

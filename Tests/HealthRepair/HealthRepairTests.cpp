@@ -297,4 +297,15 @@ TEST_F(HealthRepairs, CallNothingMissingThatMayNotBeLookedAt) {
     EXPECT_TRUE(fs::is_symlink(issue.location));
 }
 
+TEST_F(HealthRepairs, TrashNoBundleWhoseProgramsCannotBeListed) {
+    world.moveApp("Foo.app");
+    fs::permissions(world.appsOnDrive / "Foo.app/Contents/MacOS", fs::perms::none);
+    const test::OrdinaryUser user(world.folder.path());
+    const auto problems = checked().problems();
+    ASSERT_EQ(problems.size(), 1U);
+    EXPECT_EQ(problems.front().kind, Kind::corrupted);
+    EXPECT_EQ(refusal(problems.front(), removeEmpty),
+              problems.front().target->native() + " can't be read and may be whole. Nothing was changed.");
+}
+
 }  // namespace tarvik

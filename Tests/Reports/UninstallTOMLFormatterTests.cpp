@@ -2,6 +2,7 @@
 #include "Reports/ReportRecords.h"
 #include "Reports/UninstallTOMLFormatter.h"
 #include "Support/OtherReaders.h"
+#include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -123,7 +124,7 @@ forgottenReceipts = []
 
 TEST(UninstallTOML, IsReadByOthers) {
     if (!CommandRunner::run("/usr/bin/python3", {"-c", "import tomllib"}).succeeded())
-        GTEST_SKIP() << "This system's python3 reads no TOML: it has none, or is older than 3.11.";
+        TARVIK_SKIP_BECAUSE("This system's python3 reads no TOML: it has none, or is older than 3.11.");
     const test::TemporaryFolder folder;
     const auto read = [&](const std::string& text) {
         test::makeFile(folder / "report.toml", text);

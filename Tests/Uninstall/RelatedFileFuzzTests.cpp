@@ -3,6 +3,7 @@
 #include "Support/Bundles.h"
 #include "Support/Mutator.h"
 #include "Support/Tree.h"
+#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/RelatedFileScanner.h"
 #include "Uninstall/ScanWorld.h"
 
@@ -64,7 +65,7 @@ protected:
     bool isOwnThing(const fs::path& path, const AppRecord& app) const {
         const std::string name = path.filename();
         if (name.empty() || name == "." || name == "..") return false;
-        if (path.extension() == ".app") return app.externalTargetPath.has_value();
+        if (path.extension() == ".app") return path == ExternalTarget::of(app);
         const std::string identifier = app.bundleIdentifier.value_or("");
         const auto isNamed = [&](const std::string& own) {
             return !own.empty() && (name == own || name == own + ".plist" || name == own + ".savedState");
@@ -122,7 +123,9 @@ TEST_F(RelatedFileFuzz, NamesOfEveryKindLeadToNothingElse) {
                                              "Keychains",
                                              ".plist",
                                              "login.keychain-db",
-                                             "zsh"};
+                                             "zsh",
+                                             ".app",
+                                             "/Documents/a.app"};
     std::mt19937 random(47);
     const auto name = [&] {
         std::string made;

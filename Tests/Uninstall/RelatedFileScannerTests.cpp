@@ -45,6 +45,15 @@ protected:
     test::ScanWorld world;
 };
 
+TEST_F(RelatedFileScan, NeverOffersTheRecordsOfThisProgram) {
+    make({"Library/Application Support/Tarvik/UninstallSessions/one/session.json", "Library/Caches/Tarvik/data"});
+    world.app.displayName = "Tarvik";
+    EXPECT_THAT(pathsBesideBundle(), ElementsAre("Users/ada/Library/Caches/Tarvik"));
+    world.app.displayName = "Editor";
+    world.app.bundleIdentifier = "Tarvik";
+    EXPECT_THAT(pathsBesideBundle(), ElementsAre("Users/ada/Library/Caches/Tarvik"));
+}
+
 TEST_F(RelatedFileScan, FindsAThingInEveryPlaceInOrder) {
     make({"Library/Application Support/Editor/data",
           "Library/Application Support/com.acme.editor/data",

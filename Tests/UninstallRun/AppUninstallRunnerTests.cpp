@@ -227,6 +227,8 @@ TEST_F(AppUninstallRunnerTest, TakesTheCopyThatALauncherLeadsToUnlessItIsAnother
         world.plan.app.bundleIdentifier = "org.example.Foo.externallauncher";
         world.plan.app.externalTargetPath = copy;
         world.plan.candidates.push_back(world.candidate(copy, UninstallCategory::executable));
+        // A launcher may bear another identifier: what counts is what the plan has seen.
+        world.plan.candidates.back().seenIdentifier = "org.example.Foo";
         const bool isOwn = std::string(identifier) == "org.example.Foo";
         EXPECT_EQ(world.run(false, std::set<std::string>{copy.native()}).movedItems[0].succeeded, isOwn);
         EXPECT_NE(Files::itemExists(copy), isOwn);

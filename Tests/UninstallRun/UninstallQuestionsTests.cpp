@@ -50,6 +50,26 @@ TEST_F(UninstallQuestionsTest, AsksInFixedWords) {
     EXPECT_THAT(question.buttons, ElementsAre("Uninstall", "Cancel"));
 }
 
+TEST_F(UninstallQuestionsTest, TellsWhatALinkLeavesBehind) {
+    const fs::path moved = world.drive / "ExternalTarvik/Data/Foo";
+    const fs::path link = world.library("Caches/Foo");
+    makeFolder(moved);
+    makeLink(link, moved);
+    world.plan.candidates.push_back(world.candidate(link, UninstallCategory::caches));
+    EXPECT_THAT(UninstallQuestions::leftBehind(world.plan, {world.bundle.native()}), IsEmpty());
+    EXPECT_THAT(UninstallQuestions::leftBehind(world.plan, {link.native()}),
+                ElementsAre("Only the link " + link.native() + " goes. What it leads to stays: " + moved.native()));
+    EXPECT_THAT(UninstallQuestions::leftBehind(world.plan, {link.native(), moved.native()}), IsEmpty());
+}
+
+TEST_F(UninstallQuestionsTest, WaitsForNoProgramThatNothingCanQuit) {
+    const Running agent{"/a/foo-agent", "foo-agent", false, true};
+    UninstallQuestions::quit(world.host, {agent});
+    EXPECT_EQ(UninstallQuestions::goesOn(agent),
+              "foo-agent is started by the system and goes on until you log out: /a/foo-agent");
+    EXPECT_THAT(UninstallQuestions::quitRunning({agent}).details, ElementsAre(UninstallQuestions::goesOn(agent)));
+}
+
 TEST_F(UninstallQuestionsTest, NamesAnApplicationThatRuns) {
     EXPECT_THAT(running(), IsEmpty());
     start(world.bundle);
@@ -89,8 +109,8 @@ TEST_F(UninstallQuestionsTest, NamesTheProgramOfAnAgentThatIsInNoBundle) {
     const ChildProcess running = runTold(program, {"100"});
     agent({{"Program", "/usr/local/bin/foo-agent"}});
     EXPECT_THAT(this->running(), ElementsAre(Running{program, "foo-agent", false, true}));
-    EXPECT_EQ(failureOf([&] { UninstallQuestions::quit(world.host, this->running(), std::chrono::milliseconds(1)); }),
-              "foo-agent still runs. Quit it first.");
+    // Nothing can quit it, and it does not keep the uninstall.
+    UninstallQuestions::quit(world.host, this->running(), std::chrono::milliseconds(1));
 }
 
 TEST_F(UninstallQuestionsTest, NamesThatItIsOneProgramOnce) {

@@ -76,10 +76,9 @@ TEST(UninstallOptions, SayWhatIsWrong) {
               "\"B\" is one word too many: one NAME at a time, and in quotes when it holds a space.");
     EXPECT_EQ(refusalOf({"uninstall", "undo", "A", "B"}),
               "\"B\" is one word too many: one ID at a time, and in quotes when it holds a space.");
-    EXPECT_EQ(refusalOf({"uninstall", "--dry-run", "undo", "A"}),
-              "uninstall undo takes no application that shall go, and none of its options.");
-    EXPECT_EQ(refusalOf({"uninstall", "A", "list"}),
-              "uninstall list takes no application that shall go, and none of its options.");
+    EXPECT_EQ(refusalOf({"uninstall", "--dry-run", "undo", "A"}), "--dry-run does not belong to uninstall undo.");
+    EXPECT_EQ(refusalOf({"uninstall", "A", "list"}), "\"A\" stands before the verb uninstall list.");
+    EXPECT_EQ(refusalOf({"uninstall", "list", "--with", "x"}), "--with does not belong to uninstall list.");
     EXPECT_EQ(refusalOf({"links", "--only-app"}), "--only-app belongs to uninstall alone.");
     EXPECT_EQ(refusalOf({"links", "--with", "x"}), "--with belongs to uninstall alone.");
 }
