@@ -91,7 +91,7 @@ std::string toml(const AppDedupePlan& plan) {
     return CommandLine::toml(Record{{"groups", std::ssize(plan.groups)},
                                     {"remove", std::ssize(plan.removableItems())},
                                     {"bytes", plan.removableBytes()},
-                                    {"scanned_at", Text::isoDate(plan.scannedAt)}}) +
+                                    {"scannedAt", Text::isoDate(plan.scannedAt)}}) +
            "\n" + CommandLine::toml("items", recordsOf(plan));
 }
 

@@ -136,8 +136,10 @@ std::optional<fs::path> missedDrive(const Host& host, const Repair& repair) {
 Wanted all(const Host& host, const HealthReport& report, const Options& options) {
     const auto strategy = strategyOf(options);
     Wanted wanted;
+    std::int64_t unrepaired = 0;
     for (const HealthIssue& issue : report.problems()) {
         const auto fitting = repairOf(host, issue, strategy, false);
+        if (!fitting && !strategy) ++unrepaired;
         if (!fitting) continue;
         Repair repair{issue, *fitting};
         const auto drive = options.yes ? missedDrive(host, repair) : std::nullopt;
@@ -148,6 +150,10 @@ Wanted all(const Host& host, const HealthReport& report, const Options& options)
         else
             wanted.repairs.push_back(std::move(repair));
     }
+    if (unrepaired > 0 && !wanted.repairs.empty())
+        wanted.passedOver.push_back(fmt::format("{} {} untouched: name each by its path to repair it.",
+                                                Text::counted(unrepaired, "finding"),
+                                                unrepaired == 1 ? "stays" : "stay"));
     return wanted;
 }
 

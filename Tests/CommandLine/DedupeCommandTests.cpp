@@ -92,7 +92,7 @@ TEST(DedupeCommand, TellsProgramsEveryField) {
     const auto toml = toml::parse(world.run({"dedupe", "--format", "toml"}).output);
     EXPECT_EQ(toml["groups"].value<int>(), 2);
     EXPECT_EQ(toml["remove"].value<int>(), 3);
-    EXPECT_TRUE(toml["scanned_at"].is_string());
+    EXPECT_TRUE(toml["scannedAt"].is_string());
     ASSERT_EQ(toml["items"].as_array()->size(), 5U);
     std::int64_t bytes = 0;
     for (const int item : {1, 2, 4}) bytes += toml["items"][item]["bytes"].value<std::int64_t>().value_or(0);

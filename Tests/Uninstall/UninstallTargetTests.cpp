@@ -1,9 +1,9 @@
+#include "Discovery/InstalledAppsScanner.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
 #include "Support/HostOf.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
-#include "Discovery/InstalledAppsScanner.h"
 #include "Uninstall/UninstallTarget.h"
 
 #include <gtest/gtest.h>
