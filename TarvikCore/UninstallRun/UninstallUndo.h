@@ -12,6 +12,10 @@
 
 /// Takes an uninstall back: brings its items from the Trash, or from where they were set aside, to their old places,
 /// and never over something that stands there.
+///
+/// The journal beside a record tells what each item is, and only that comes back. Of a record without a journal, one
+/// that was damaged or written by hand, is believed where an item stood and where in the Trash it lies, as far as the
+/// place is one that uninstalls take from, the folder is a Trash and the name there is one that a Trash gives it.
 namespace tarvik::UninstallUndo {
 
 /// How it stands with one item of a past uninstall. The disk alone tells: records are not changed.
