@@ -202,6 +202,7 @@ void tellEnd(const AppUninstallSession& session, const Choice& choice, const Com
     Terminal::writeResult(format == Format::human ? Columns::oneLine(endSentence(session)) + "\n"
                                                   : sessionText(session, format));
     std::int64_t stayed = 0;
+    std::size_t failedReceipts = 0;
     for (const auto& item : session.movedItems) {
         if (item.succeeded) continue;
         ++stayed;
@@ -212,9 +213,14 @@ void tellEnd(const AppUninstallSession& session, const Choice& choice, const Com
         const auto why = complaints.behind(fmt::format("forget-receipt-fail\t{}\t", candidate.path.native()));
         if (!why) continue;
         ++stayed;
+        ++failedReceipts;
         Terminal::say(fmt::format("The receipt {} was not forgotten{}{}", candidate.path.native(),
                                   why->empty() ? "." : ": ", *why));
     }
+    const auto handled = session.movedItems.size() + session.forgottenReceipts.size() + failedReceipts;
+    if (handled < choice.paths.size())
+        failWith(
+            fmt::format("Stopped: {} of {} were handled.", handled, Text::counted(std::ssize(choice.paths), "item")));
     if (stayed > 0) failWith(fmt::format("{} stayed.", Text::counted(stayed, "item")));
 }
 
@@ -329,7 +335,8 @@ void uninstall(const Host& host, const Options& options) {
     Complaints complaints;
     const SignalGuard guard;
     const auto session = AppUninstallRunner::run(host, choice.plan, choice.selection, false, choice.paths,
-                                                 {[&](const std::string& line) { complaints.lines.push_back(line); }});
+                                                 {[&](const std::string& line) { complaints.lines.push_back(line); }},
+                                                 SignalGuard::request());
     tellEnd(session, choice, complaints, options.format);
 }
 
@@ -365,7 +372,7 @@ void undo(const Host& host, const Options& options) {
     if (std::any_of(before.begin(), before.end(), isIn(UndoItem::State::waiting))) {
         Terminal::confirm(undoQuestion(session, before), options.yes);
         const SignalGuard guard;
-        after = UninstallUndo::putBack(host, session, AppUninstallReporter::silent);
+        after = UninstallUndo::putBack(host, session, AppUninstallReporter::silent, SignalGuard::request());
     }
     printUndo(before, after, options.format);
     for (const UndoItem& item : after)
@@ -374,6 +381,8 @@ void undo(const Host& host, const Options& options) {
     for (const std::string& receipt : session.forgottenReceipts)
         Terminal::say(fmt::format("The receipt {} does not come back.", receipt));
     const auto stuck = std::count_if(after.begin(), after.end(), isIn(UndoItem::State::stuck));
+    const auto waiting = std::count_if(after.begin(), after.end(), isIn(UndoItem::State::waiting));
+    if (waiting > 0) failWith(fmt::format("Stopped: {} can still be put back.", Text::counted(waiting, "item")));
     if (stuck > 0) failWith(fmt::format("{} could not be put back.", Text::counted(stuck, "item")));
 }
 

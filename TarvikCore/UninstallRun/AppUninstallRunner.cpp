@@ -9,8 +9,10 @@
 #include "Platform/Machine/KeptAwake.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Processes/CommandRunner.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 #include "Uninstall/AppUninstallPlanner.h"
+#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/UninstallRefusal.h"
 #include "UninstallRun/AppUninstallError.h"
 #include "UninstallRun/UninstallCheck.h"
@@ -21,6 +23,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <iterator>
@@ -49,52 +52,66 @@ MovedItem itemOf(const UninstallCandidate& candidate) {
     return {.originalPath = candidate.path, .category = candidate.category, .sizeBytes = candidate.sizeBytes};
 }
 
-/// What became of an item, with what only the journal keeps.
-struct Handled {
-    MovedItem item;
-    std::optional<fs::path> stashPlace = {};
-
-    UninstallJournal::End end() const { return {item.succeeded, item.trashedTo, item.stashedTo, stashPlace}; }
-};
-
-/// The Trash has refused it.
-Handled setAside(const Host& host, const UninstallCandidate& candidate, const fs::path& path) {
-    Handled handled{.item = itemOf(candidate)};
-    const Disposal::Outcome outcome = FileStash::moveAside(host, path, "uninstall");
-    handled.item.stashedTo = path.parent_path() / ".TarvikTrash";
-    if (outcome.end == Disposal::Outcome::End::trashed) handled.item.trashedTo = outcome.place;
-    if (outcome.end == Disposal::Outcome::End::setAside) handled.stashPlace = outcome.place;
-    handled.item.succeeded = !Files::itemExists(path);
-    return handled;
+/// Whether it is certain that nothing stands there: what is on a drive that is away may come back with it.
+bool isCertainlyGone(const Host& host, const fs::path& path) {
+    if (ItemIdentity::of(path) || (errno != ENOENT && errno != ENOTDIR)) return false;
+    const auto folder = Files::resolved(path.parent_path());
+    return folder && !DrivePath::absent(host, *folder / path.filename());
 }
 
-Handled moved(const Host& host, const UninstallCandidate& candidate, const AppUninstallReporter& reporter) {
+/// The Trash has refused it.
+MovedItem setAside(const Host& host, const UninstallCandidate& candidate, const fs::path& path) {
+    using End = Disposal::Outcome::End;
+    MovedItem item = itemOf(candidate);
+    const Disposal::Outcome outcome = FileStash::moveAside(host, path, "uninstall");
+    item.stashedTo = path.parent_path() / ".TarvikTrash";
+    if (outcome.end == End::trashed) item.trashedTo = outcome.place;
+    item.succeeded = outcome.end == End::trashed || outcome.end == End::setAside || isCertainlyGone(host, path);
+    return item;
+}
+
+/// Nothing when the Trash refuses it; an empty path when the Trash does not tell where it stands.
+std::optional<fs::path> trashed(const Host& host, const fs::path& path) {
+    try {
+        return host.trash->moveToTrash(path);
+    } catch (const FileError&) {
+        return std::nullopt;
+    }
+}
+
+MovedItem moved(const Host& host, const UninstallCandidate& candidate, const AppUninstallReporter& reporter) {
     // A slash at the end of a path would lead through a link.
     const fs::path path = Files::standardized(candidate.path);
     const auto tell = [&](std::string_view tag) {
         notify(reporter.log, fmt::format("{}\t{}\t{}", tag, textOf(candidate.category), candidate.path.native()));
     };
-    try {
-        Handled handled{.item = itemOf(candidate)};
-        fs::path place = host.trash->moveToTrash(path);
-        if (!place.empty()) handled.item.trashedTo = std::move(place);
-        handled.item.succeeded = true;
-        tell("trash");
-        return handled;
-    } catch (const FileError&) {
-        Handled handled = setAside(host, candidate, path);
+    auto place = trashed(host, path);
+    if (!place) {
+        MovedItem item = setAside(host, candidate, path);
         tell("stash");
-        return handled;
+        return item;
     }
+    MovedItem item = itemOf(candidate);
+    item.succeeded = true;
+    if (!place->empty()) item.trashedTo = std::move(*place);
+    tell("trash");
+    return item;
 }
 
-Handled movedUnlessChanged(const Host& host, const AppRecord& app, const UninstallCandidate& candidate,
-                           const AppUninstallReporter& reporter) {
+MovedItem movedUnlessChanged(const Host& host, const AppRecord& app, const UninstallCandidate& candidate,
+                             const AppUninstallReporter& reporter) {
     const auto reason = UninstallCheck::reasonToStay(host, app, candidate);
     if (!reason) return moved(host, candidate, reporter);
     notify(reporter.log,
            fmt::format("stays\t{}\t{}\t{}", textOf(candidate.category), candidate.path.native(), *reason));
-    return {.item = itemOf(candidate)};
+    return itemOf(candidate);
+}
+
+/// An application by its link and by its copy on a drive is one application.
+std::vector<fs::path> pathsToLock(const AppRecord& app) {
+    std::vector<fs::path> places = {app.bundlePath};
+    if (auto target = ExternalTarget::of(app)) places.push_back(std::move(*target));
+    return places;
 }
 
 /// The items as they stand now: by that they are found again, wherever they have gone.
@@ -116,7 +133,7 @@ UninstallJournal journalFor(const Host& host, const AppUninstallPlan& plan,
         auto [real, isNew] = realFolders.try_emplace(folder);
         if (isNew) real->second = Files::resolved(folder + "/").value_or(folder).native();
         UninstallJournal::Item& item = journal.items.emplace_back();
-        item.path = candidate->path;
+        item.path = path;
         if (real->second == folder)
             item.place = path;
         else
@@ -156,21 +173,22 @@ void record(const Host& host, const fs::path& root, AppUninstallSession& session
     journal.settleIn(folder);
 }
 
-[[noreturn]] void throwUnrecorded(const FileError& failure, const AppUninstallSession& session) {
-    std::int64_t count = 0;
-    for (const MovedItem& item : session.movedItems)
-        if (item.succeeded) ++count;
-    throw Failure("AppUninstall", failure.code(),
-                  fmt::format("{} went to the Trash, but there is no record of it: {}. The list of past uninstalls "
-                              "shows it as interrupted, and can put everything back.",
-                              Text::counted(count, "item"), failure.description()));
+[[noreturn]] void throwUnrecorded(const FileError& failure, const AppUninstallSession& session,
+                                  const UninstallJournalFile& journal) {
+    const auto count = std::count_if(session.movedItems.begin(), session.movedItems.end(),
+                                     [](const MovedItem& item) { return item.succeeded; });
+    std::string text = fmt::format("{} {} removed, but there is no record of it: {}.", Text::counted(count, "item"),
+                                   count == 1 ? "was" : "were", failure.description());
+    if (journal.isFound())
+        text += " The list of past uninstalls shows it as interrupted, and what went can be put back.";
+    throw Failure("AppUninstall", failure.code(), std::move(text));
 }
 
 }  // namespace
 
 MovedItem handleFile(const Host& host, const UninstallCandidate& candidate, bool dryRun,
                      const AppUninstallReporter& reporter) {
-    if (!dryRun) return moved(host, candidate, reporter).item;
+    if (!dryRun) return moved(host, candidate, reporter);
     notify(reporter.log, fmt::format("dry-trash\t{}\t{}", textOf(candidate.category), candidate.path.native()));
     MovedItem item = itemOf(candidate);
     item.succeeded = true;
@@ -195,7 +213,7 @@ void handleReceipt(const Host& host, const std::string& identifier, bool dryRun,
 
 AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const UninstallSelection& selection,
                         bool dryRun, const std::optional<std::set<std::string>>& selectedPaths,
-                        const AppUninstallReporter& reporter) {
+                        const AppUninstallReporter& reporter, const Cancellation& stop) {
     const AppRecord& app = plan.app;
     if (app.kind == AppRecordKind::systemRisky)
         throw AppUninstallError::refused("Refusing to uninstall system app: " + app.bundlePath.native());
@@ -203,14 +221,15 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
         throw AppUninstallError::refused(*std::move(refusal));
     const auto chosen = chosenOf(plan, selection, selectedPaths);
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
-    std::optional<UninstallLock> lock;
+    std::vector<UninstallLock> locks;
     std::optional<UninstallJournalFile> journal;
+    std::optional<KeptAwake> awake;
     if (!dryRun) {
-        lock.emplace(UninstallLock::take(root, app.bundlePath, app.displayName));
+        locks = UninstallLock::takeAll(root, pathsToLock(app), app.displayName);
         UninstallJournals::settle(root);
         journal.emplace(UninstallJournalFile::begin(root, journalFor(host, plan, chosen)));
+        awake.emplace(host, "An application is being uninstalled");
     }
-    const KeptAwake awake(host, "An application is being uninstalled");
     notify(reporter.log, fmt::format("uninstall-start\t{}\tdry={}", app.bundlePath.native(), dryRun));
 
     AppUninstallSession session{.appPath = app.bundlePath,
@@ -218,6 +237,7 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
                                 .bundleIdentifier = app.bundleIdentifier,
                                 .dryRun = dryRun};
     for (const UninstallCandidate* candidate : chosen) {
+        if (stop.isCancelled()) break;
         if (candidate->category == UninstallCategory::receipts) {
             const auto before = session.forgottenReceipts.size();
             handleReceipt(host, candidate->path.native(), dryRun, reporter, session.forgottenReceipts);
@@ -226,9 +246,10 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
         } else if (dryRun) {
             session.movedItems.push_back(handleFile(host, *candidate, dryRun, reporter));
         } else {
-            Handled handled = movedUnlessChanged(host, app, *candidate, reporter);
-            journal->note(UninstallJournal::lineOf(session.movedItems.size(), handled.end()));
-            session.movedItems.push_back(std::move(handled.item));
+            MovedItem item = movedUnlessChanged(host, app, *candidate, reporter);
+            journal->note(
+                UninstallJournal::lineOf(session.movedItems.size(), {item.succeeded, item.trashedTo, item.stashedTo}));
+            session.movedItems.push_back(std::move(item));
         }
     }
 
@@ -239,7 +260,7 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
         try {
             record(host, root, session, *journal);
         } catch (const FileError& failure) {
-            throwUnrecorded(failure, session);
+            throwUnrecorded(failure, session, *journal);
         }
         notify(reporter.log, "session\t" + session.id);
     }

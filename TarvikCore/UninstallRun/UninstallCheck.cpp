@@ -2,6 +2,7 @@
 
 #include "Platform/Files/Files.h"
 #include "Platform/Files/SystemCalls.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Text/PropertyList.h"
 
 #include <fcntl.h>
@@ -32,10 +33,18 @@ bool isAnotherApplication(const AppRecord& app, const UninstallCandidate& candid
     return identifier && planned && *identifier != *planned;
 }
 
+/// Whether the records of this program are in it, or it in them, by whatever spelling. What an installer has recorded
+/// of an application goes with that.
+bool holdsRecords(const Host& host, const fs::path& path, ItemType type) {
+    const fs::path records = AppStorageNames::supportRoot(host);
+    if (type == ItemType::folder && Files::isItemAtOrBelow(records, path)) return true;
+    return Files::isItemAtOrBelow(path, records) &&
+           !Files::isSameItem(Files::info(path.parent_path()), Files::info(AppStorageNames::sessionRoot(host)));
+}
+
 }  // namespace
 
-std::optional<std::string> reasonToStay(const Host& /*host*/, const AppRecord& app,
-                                        const UninstallCandidate& candidate) {
+std::optional<std::string> reasonToStay(const Host& host, const AppRecord& app, const UninstallCandidate& candidate) {
     const fs::path path = Files::standardized(candidate.path);
     const auto now = Files::info(path);
     if (!now) return std::nullopt;
@@ -47,6 +56,7 @@ std::optional<std::string> reasonToStay(const Host& /*host*/, const AppRecord& a
                                                                        : "something else stands there by now";
     }
     if (now->type == ItemType::folder && isMountPoint(path)) return "something is mounted there";
+    if (holdsRecords(host, path, now->type)) return "it holds the records of this program";
     // A link leads where it leads: only it goes.
     if (!isLink && isAnotherApplication(app, candidate, path)) return "it is another application by now";
     return std::nullopt;

@@ -16,15 +16,15 @@ namespace {
 
 using MovedItem = AppUninstallSession::MovedItem;
 
-/// What the disk tells of an item of which the run could not tell any more.
+/// What the disk tells of an item of which the run could not tell any more. Only what stands at its place has stayed:
+/// what is found nowhere may be on a drive that is away, or may have been removed since.
 void findOut(UninstallSearch& search, const UninstallJournal::Item& noted, MovedItem& item) {
-    if (!noted.identity) return;
     const auto standing = ItemIdentity::of(noted.place);
-    if (standing && standing->isSame(*noted.identity)) return;
+    item.succeeded = !standing || !noted.identity || !standing->isSame(*noted.identity);
+    if (!item.succeeded || !noted.identity) return;
     item.trashedTo = search.inTrash(noted.place, *noted.identity);
     if (!item.trashedTo && UninstallSearch::inStash(noted.path, noted.identity, {}))
         item.stashedTo = UninstallSearch::stashBeside(noted.path);
-    item.succeeded = item.trashedTo || item.stashedTo;
 }
 
 AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::Found& found) {
@@ -49,23 +49,31 @@ AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::
     return session;
 }
 
-/// A record under another name than its own is none that a run has written.
+/// A record under another name than its own is none that a run has written, nor is one that bears the name of an
+/// interrupted run.
 bool isRecordOf(const AppUninstallSession& session, const std::string& id) {
-    return session.id == id && !session.dryRun;
+    return session.id == id && !session.dryRun && UninstallSessionId::journalNameOf(id).empty();
 }
 
 }  // namespace
 
 std::vector<AppUninstallSession> list(const Host& host) {
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
+    // The journals before the records: a run that ends meanwhile is among these.
+    auto interrupted = UninstallJournals::interrupted(root);
     std::vector<AppUninstallSession> sessions;
     for (const std::string& name : Files::names(root)) {
         if (!UninstallSessionId::isOne(name)) continue;
         auto session = UninstallSessionStore::load(root / name);
         if (session && isRecordOf(*session, name)) sessions.push_back(std::move(*session));
     }
+    std::erase_if(interrupted, [&](const UninstallJournals::Found& found) {
+        return std::any_of(sessions.begin(), sessions.end(), [&](const AppUninstallSession& session) {
+            return UninstallJournals::isRecordOf(session, found.journal);
+        });
+    });
     UninstallSearch search(host);
-    for (const auto& found : UninstallJournals::interrupted(root)) sessions.push_back(sessionOf(search, found));
+    for (const auto& found : interrupted) sessions.push_back(sessionOf(search, found));
     std::stable_sort(sessions.begin(), sessions.end(),
                      [](const AppUninstallSession& one, const AppUninstallSession& other) {
                          return one.createdAt > other.createdAt;

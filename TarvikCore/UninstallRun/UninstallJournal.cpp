@@ -1,10 +1,9 @@
 #include "UninstallRun/UninstallJournal.h"
 
-#include "Platform/Text/Text.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <concepts>
 #include <iterator>
@@ -77,9 +76,10 @@ std::string written(const std::optional<fs::path>& path) {
     return path ? marked(path->native()) : std::string(nothing);
 }
 
+/// A text with a NUL is none: a system call sees another path than the one that was looked at.
 template <typename Text>
 std::optional<Text> readText(std::string_view field) {
-    if (!field.starts_with('=')) return std::nullopt;
+    if (!field.starts_with('=') || field.find('\0') != std::string_view::npos) return std::nullopt;
     return Text(unescaped(field.substr(1)));
 }
 
@@ -98,18 +98,27 @@ std::string written(const std::optional<ItemIdentity>& identity) {
                        identity->born ? std::to_string(*identity->born) : std::string(nothing));
 }
 
-std::vector<std::string_view> fieldsOf(std::string_view line, char separator) {
-    std::vector<std::string_view> fields;
-    for (std::size_t begin = 0; begin <= line.size();) {
-        const std::size_t end = std::min(line.find(separator, begin), line.size());
-        fields.push_back(line.substr(begin, end - begin));
-        begin = end + 1;
+/// The first fields of a line. No line has as many as can be held: of one that has, the rest does not matter.
+class Fields {
+public:
+    Fields(std::string_view line, char separator) {
+        for (std::size_t begin = 0; begin <= line.size() && m_count < m_fields.size();) {
+            const std::size_t end = std::min(line.find(separator, begin), line.size());
+            m_fields[m_count++] = line.substr(begin, end - begin);
+            begin = end + 1;
+        }
     }
-    return fields;
-}
+
+    std::size_t size() const { return m_count; }
+    std::string_view operator[](std::size_t number) const { return m_fields[number]; }
+
+private:
+    std::array<std::string_view, 7> m_fields;
+    std::size_t m_count = 0;
+};
 
 std::optional<ItemIdentity> readIdentity(std::string_view field) {
-    const auto parts = fieldsOf(field, ':');
+    const Fields parts(field, ':');
     if (parts.size() != 6) return std::nullopt;
     const auto type = readNumber<int>(parts[0]);
     const auto device = readNumber<std::uint64_t>(parts[1]);
@@ -125,32 +134,35 @@ std::optional<ItemIdentity> readIdentity(std::string_view field) {
                         .born = readNumber<std::int64_t>(parts[5])};
 }
 
-std::optional<UninstallJournal::Item> readItem(const std::vector<std::string_view>& fields) {
+bool isItemPath(const fs::path& path) {
+    return path.is_absolute() && path.has_filename() && Files::standardized(path).native() == path.native();
+}
+
+std::optional<UninstallJournal::Item> readItem(const Fields& fields) {
     if (fields.size() != 6) return std::nullopt;
     const auto category = uninstallCategoryOf(fields[1]);
     const auto size = readNumber<std::int64_t>(fields[2]);
-    auto path = readText<fs::path>(fields[4]);
-    auto place = readText<fs::path>(fields[5]);
-    if (!category || !size || !path) return std::nullopt;
-    return UninstallJournal::Item{.path = *path,
-                                  .place = place ? std::move(*place) : *path,
-                                  .category = *category,
-                                  .sizeBytes = *size,
-                                  .identity = readIdentity(fields[3])};
+    const auto identity = readIdentity(fields[3]);
+    const auto path = readText<fs::path>(fields[4]);
+    const auto place = fields[5] == nothing ? path : readText<fs::path>(fields[5]);
+    if (!category || !size || !path || !place || (!identity && fields[3] != nothing)) return std::nullopt;
+    // Links on the way change everything but the name.
+    if (!isItemPath(*path) || !isItemPath(*place) || path->filename() != place->filename()) return std::nullopt;
+    return UninstallJournal::Item{
+        .path = *path, .place = *place, .category = *category, .sizeBytes = *size, .identity = identity};
 }
 
-void takeEnd(UninstallJournal& journal, const std::vector<std::string_view>& fields) {
-    if (fields.size() != 6) return;
+void takeEnd(UninstallJournal& journal, const Fields& fields) {
+    if (fields.size() != 5) return;
     const auto number = readNumber<std::size_t>(fields[1]);
     if (!number || *number >= journal.items.size()) return;
     journal.items[*number].end = UninstallJournal::End{.succeeded = fields[2] == "true",
                                                        .trashedTo = readText<fs::path>(fields[3]),
-                                                       .stashedTo = readText<fs::path>(fields[4]),
-                                                       .stashPlace = readText<fs::path>(fields[5])};
+                                                       .stashedTo = readText<fs::path>(fields[4])};
 }
 
 /// What a line behind the opening tells.
-void takeLater(UninstallJournal& journal, const std::vector<std::string_view>& fields) {
+void takeLater(UninstallJournal& journal, const Fields& fields) {
     if (fields[0] == "went") takeEnd(journal, fields);
     if (fields.size() != 2) return;
     auto text = readText<std::string>(fields[1]);
@@ -161,9 +173,9 @@ void takeLater(UninstallJournal& journal, const std::vector<std::string_view>& f
 }
 
 /// False for a line that an opening does not have.
-bool takeOpening(UninstallJournal& journal, const std::vector<std::string_view>& fields) {
+bool takeOpening(UninstallJournal& journal, const Fields& fields) {
     if (fields[0] == "item") {
-        auto item = readItem(fields);
+        auto item = journal.items.size() < UninstallJournal::mostItems ? readItem(fields) : std::nullopt;
         if (item) journal.items.push_back(std::move(*item));
         return item.has_value();
     }
@@ -202,8 +214,7 @@ std::string UninstallJournal::opening() const {
 }
 
 std::string UninstallJournal::lineOf(std::size_t item, const End& end) {
-    return fmt::format("went\t{}\t{}\t{}\t{}\t{}\n", item, end.succeeded, written(end.trashedTo),
-                       written(end.stashedTo), written(end.stashPlace));
+    return fmt::format("went\t{}\t{}\t{}\t{}\n", item, end.succeeded, written(end.trashedTo), written(end.stashedTo));
 }
 
 std::string UninstallJournal::lineOfReceipt(std::string_view identifier) {
@@ -217,13 +228,14 @@ std::string UninstallJournal::lineOfSession(std::string_view id) {
 std::optional<UninstallJournal> UninstallJournal::parsed(std::string_view text) {
     if (!text.starts_with(firstLine)) return std::nullopt;
     text.remove_prefix(firstLine.size());
-    // A line without its end was being written.
-    text = text.substr(0, text.rfind('\n') + 1);
     UninstallJournal journal;
     bool hasBegun = false;
     bool hasApp = false;
-    for (const std::string_view line : Text::lines(text)) {
-        const auto fields = fieldsOf(line, '\t');
+    // A line without its end was being written.
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        const std::string_view line = text.substr(0, end);
+        text.remove_prefix(end + 1);
+        const Fields fields(line, '\t');
         if (hasBegun) {
             takeLater(journal, fields);
         } else if (line == "begin") {

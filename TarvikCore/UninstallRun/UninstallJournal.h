@@ -23,12 +23,12 @@ struct UninstallJournal {
         bool succeeded = false;
         /// Where it stands in the Trash, if the Trash told.
         std::optional<fs::path> trashedTo;
-        /// The folder beside its place, once the Trash had refused it, and where it stands in there, if it got there.
+        /// The folder beside its place, once the Trash had refused it, whether it got there or not.
         std::optional<fs::path> stashedTo;
-        std::optional<fs::path> stashPlace;
 
         bool operator==(const End&) const = default;
     };
+    /// Both paths are absolute and standardized.
     struct Item {
         fs::path path;
         /// The same without links on the way.
@@ -54,6 +54,9 @@ struct UninstallJournal {
     /// The record that was to take the journal's place.
     std::optional<std::string> sessionId;
 
+    /// More than any application has, so that a forged journal takes no memory to speak of.
+    static constexpr std::size_t mostItems = 100'000;
+
     const Item* itemAt(const fs::path& path) const;
 
     /// What is written before the first item goes, and the lines that follow it.
@@ -62,8 +65,12 @@ struct UninstallJournal {
     static std::string lineOfReceipt(std::string_view identifier);
     static std::string lineOfSession(std::string_view id);
 
-    /// Nothing when the opening is not whole. What follows is read as far as it goes: a line that was cut, or makes no
-    /// sense, is passed over.
+    /// Ends a line that could only be written in part, so that it is passed over, and the next one is not.
+    static constexpr std::string_view endOfCutLine = "\t\t\t\t\t\t\n";
+
+    /// Nothing when the opening is not whole, or names what no run writes: too many items, a path that is not
+    /// standardized or has a NUL in it. What follows is read as far as it goes: a line that was cut, or makes no sense,
+    /// is passed over.
     static std::optional<UninstallJournal> parsed(std::string_view text);
 
     bool operator==(const UninstallJournal&) const = default;

@@ -25,7 +25,10 @@ constexpr const char* journalsFolder = ".journals";
 constexpr std::string_view journalExtension = ".tsv";
 /// Beside the record: what tells each item from others that come to its place.
 constexpr const char* settledName = "items.tsv";
-constexpr std::int64_t largestJournal = std::int64_t{64} * 1024 * 1024;
+/// In bytes.
+constexpr std::int64_t largestJournal = std::int64_t{8} * 1024 * 1024;
+/// What is added for an item takes no more than what tells of it in the opening.
+constexpr std::size_t largestOpening = largestJournal / 2;
 constexpr int mostJournalsInASecond = 1000;
 
 fs::path journalAt(const fs::path& root, std::string_view name) {
@@ -65,12 +68,17 @@ bool isUnderWay(const fs::path& file) {
     return !ItemLock::hold(file) && ItemLock::isHeld(file);
 }
 
-std::optional<UninstallJournal> readJournal(const fs::path& file) {
+/// Empty when there is none.
+std::string textOfJournal(const fs::path& file) {
     try {
-        return UninstallJournal::parsed(Files::read(file, largestJournal));
+        return Files::read(file, largestJournal);
     } catch (const FileError&) {
-        return std::nullopt;
+        return {};
     }
+}
+
+std::optional<UninstallJournal> readJournal(const fs::path& file) {
+    return UninstallJournal::parsed(textOfJournal(file));
 }
 
 /// The names of all journals, without their extension.
@@ -82,13 +90,15 @@ std::vector<std::string> journalNames(const fs::path& root) {
 }
 
 bool hasRecord(const fs::path& root, const UninstallJournal& journal) {
-    return journal.sessionId && UninstallSessionStore::find(*journal.sessionId, root).has_value();
+    const auto session = journal.sessionId ? UninstallSessionStore::find(*journal.sessionId, root) : std::nullopt;
+    return session && UninstallJournals::isRecordOf(*session, journal);
 }
 
 }  // namespace
 
 UninstallJournalFile UninstallJournalFile::begin(const fs::path& root, const UninstallJournal& journal) {
     Files::createFolder(root / journalsFolder);
+    const std::string opening = journal.opening();
     UninstallJournalFile file;
     const std::string base = UninstallSessionId::at(journal.startedAt);
     for (int number = 1; !file.m_file; ++number) {
@@ -98,8 +108,9 @@ UninstallJournalFile UninstallJournalFile::begin(const fs::path& root, const Uni
         if (!file.m_file && (errno != EEXIST || number == mostJournalsInASecond))
             throw FileError("create", file.m_path, errno);
     }
+    const bool isTooLarge = opening.size() > largestOpening || journal.items.size() > UninstallJournal::mostItems;
     file.m_lock = lockOf(file.m_path);
-    int error = writeTo(file.m_file.get(), journal.opening());
+    int error = isTooLarge ? EFBIG : writeTo(file.m_file.get(), opening);
     if (!error) error = SystemCalls::flushFile(file.m_file.get());
     if (error) {
         ::unlink(file.m_path.c_str());
@@ -110,11 +121,18 @@ UninstallJournalFile UninstallJournalFile::begin(const fs::path& root, const Uni
 }
 
 void UninstallJournalFile::note(std::string_view lines) noexcept {
-    ignoringFailure([&] { writeTo(m_file.get(), lines); });
+    ignoringFailure([&] {
+        if (m_isLineCut && writeTo(m_file.get(), UninstallJournal::endOfCutLine) != 0) return;
+        m_isLineCut = writeTo(m_file.get(), lines) != 0;
+    });
 }
 
 void UninstallJournalFile::flush() noexcept {
     ignoringFailure([&] { SystemCalls::flushFile(m_file.get()); });
+}
+
+bool UninstallJournalFile::isFound() const {
+    return ItemLock::isHeldAt(m_path, m_file);
 }
 
 void UninstallJournalFile::settleIn(const fs::path& sessionFolder) noexcept {
@@ -134,6 +152,13 @@ std::vector<Found> interrupted(const fs::path& root) {
     return found;
 }
 
+bool isRecordOf(const AppUninstallSession& session, const UninstallJournal& journal) {
+    using Seconds = std::chrono::duration<double>;
+    constexpr Seconds rounding(1);  // Records and journals do not tell the time with the same precision.
+    return journal.sessionId == session.id && session.appPath == journal.appPath &&
+           Seconds(session.createdAt.time_since_epoch()) + rounding >= Seconds(journal.startedAt.time_since_epoch());
+}
+
 std::optional<UninstallJournal> ofSession(const fs::path& root, const std::string& id) {
     if (!UninstallSessionId::isOne(id)) return std::nullopt;
     if (const std::string name = UninstallSessionId::journalNameOf(id); !name.empty()) {
@@ -141,9 +166,12 @@ std::optional<UninstallJournal> ofSession(const fs::path& root, const std::strin
         return isUnderWay(file) ? std::nullopt : readJournal(file);
     }
     if (auto journal = readJournal(root / id / settledName)) return journal;
+    const std::string line = UninstallJournal::lineOfSession(id);
     for (const std::string& name : journalNames(root)) {
-        auto journal = readJournal(journalAt(root, name));
-        if (journal && journal->sessionId == id) return journal;
+        const std::string text = textOfJournal(journalAt(root, name));
+        if (text.find(line) == std::string::npos) continue;
+        auto journal = UninstallJournal::parsed(text);
+        if (journal && journal->sessionId == id && hasRecord(root, *journal)) return journal;
     }
     return std::nullopt;
 }

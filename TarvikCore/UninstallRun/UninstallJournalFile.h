@@ -2,6 +2,7 @@
 
 #include "Platform/Basics/Path.h"
 #include "Platform/Files/FileDescriptor.h"
+#include "UninstallRun/AppUninstallSession.h"
 #include "UninstallRun/UninstallJournal.h"
 
 #include <optional>
@@ -19,7 +20,8 @@ namespace tarvik {
 /// each thing is then found by its identity. So nothing needs to be flushed between two items.
 class UninstallJournalFile {
 public:
-    /// @throws FileError when the journal cannot be written: nothing may be touched then.
+    /// @throws FileError when the journal cannot be written, and for one that would be too large to be read again:
+    /// nothing may be touched then.
     static UninstallJournalFile begin(const fs::path& root, const UninstallJournal& journal);
 
     /// Adds lines. What cannot be written is missing, and found out as after a power cut.
@@ -30,6 +32,8 @@ public:
     void settleIn(const fs::path& sessionFolder) noexcept;
 
     const fs::path& path() const { return m_path; }
+    /// Whether it still stands at its path, so that others find it.
+    bool isFound() const;
 
 private:
     UninstallJournalFile() = default;
@@ -37,6 +41,8 @@ private:
     fs::path m_path;
     FileDescriptor m_file;
     FileDescriptor m_lock;
+    /// The last line may have been written in part.
+    bool m_isLineCut = false;
 };
 
 /// The journals that runs have left. Every operation blocks; any thread; nothing fails.
@@ -50,6 +56,8 @@ struct Found {
 
 /// Those of runs that have ended without a record.
 std::vector<Found> interrupted(const fs::path& root);
+/// Whether the run that wrote the journal has ended with this record.
+bool isRecordOf(const AppUninstallSession& session, const UninstallJournal& journal);
 /// What the run of a past uninstall has noted, interrupted or not; nothing when it is not known, or under way.
 std::optional<UninstallJournal> ofSession(const fs::path& root, const std::string& id);
 /// Gives those of runs that were killed at their very end to their records.

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <fcntl.h>
+#include <set>
 #include <unistd.h>
 #include <utility>
 
@@ -47,7 +48,19 @@ UninstallLock::~UninstallLock() {
 }
 
 UninstallLock UninstallLock::take(const fs::path& root, const fs::path& appPath, const std::string& appName) {
-    const fs::path file = lockFileFor(root, appPath);
+    return takeFile(lockFileFor(root, appPath), appName);
+}
+
+std::vector<UninstallLock> UninstallLock::takeAll(const fs::path& root, const std::vector<fs::path>& appPaths,
+                                                  const std::string& appName) {
+    std::set<fs::path> files;
+    for (const fs::path& path : appPaths) files.insert(lockFileFor(root, path));
+    std::vector<UninstallLock> locks;
+    for (const fs::path& file : files) locks.push_back(takeFile(file, appName));
+    return locks;
+}
+
+UninstallLock UninstallLock::takeFile(const fs::path& file, const std::string& appName) {
     Files::createFolder(file.parent_path());
     for (int turn = 0; turn < mostLockTurns; ++turn) {
         makeLockFile(file);

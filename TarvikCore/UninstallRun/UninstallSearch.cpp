@@ -47,10 +47,38 @@ const UninstallSearch::Folder& UninstallSearch::read(const fs::path& folder) {
 }
 
 std::optional<fs::path> UninstallSearch::inTrash(const fs::path& place, const ItemIdentity& identity) {
-    for (const fs::path& folder : m_host.trash->foldersFor(place))
-        for (const auto& [path, other] : read(folder))
-            if (identity.isSame(other)) return path;
-    return std::nullopt;
+    // On some volumes an item has another number after a rename, and its other marks are those of each copy of it.
+    std::optional<fs::path> renumbered;
+    for (const fs::path& folder : m_host.trash->foldersFor(place)) {
+        for (const auto& [path, other] : read(folder)) {
+            if (!identity.isSame(other)) continue;
+            if (identity.inode == other.inode) return path;
+            if (!renumbered && isTrashName(path.filename().native(), place.filename().native())) renumbered = path;
+        }
+    }
+    return renumbered;
+}
+
+bool UninstallSearch::isTrashName(std::string_view name, std::string_view own) {
+    if (name == own) return true;
+    // A long name is cut for its mark, to what a Trash can keep a record of.
+    constexpr std::size_t shortestCut = NAME_MAX - 16;
+    // No name holds a NUL: it tells where marks stand.
+    const std::string_view stem = own.substr(0, ClashNames::numbered(own, 2, '\0', own.size() + 2).find('\0'));
+    const std::string_view extension = own.substr(stem.size());
+    if (!name.ends_with(extension)) return false;
+    const std::string_view before = name.substr(0, name.size() - extension.size());
+    for (const char separator : {' ', '.'}) {
+        const auto isMark = [&](std::string_view text) {
+            return text.size() > 1 && text[0] == separator && text[1] >= '0' && text[1] <= '9';
+        };
+        if (before.starts_with(stem) && isMark(before.substr(stem.size()))) return true;
+        const std::size_t mark = before.rfind(separator);
+        if (name.size() >= shortestCut && mark != std::string_view::npos && isMark(before.substr(mark)) &&
+            stem.starts_with(before.substr(0, mark)))
+            return true;
+    }
+    return false;
 }
 
 std::optional<fs::path> UninstallSearch::inStash(const fs::path& place, const std::optional<ItemIdentity>& identity,

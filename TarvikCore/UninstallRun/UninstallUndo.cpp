@@ -6,8 +6,8 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/KeptAwake.h"
-#include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/TrashCan.h"
+#include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 #include "UninstallRun/UninstallJournalFile.h"
 #include "UninstallRun/UninstallLock.h"
@@ -48,6 +48,7 @@ std::optional<ItemIdentity> looked(const fs::path& path) {
 }
 
 /// The folder that the way to `path` leads to, with all links on it resolved; what is missing is taken as written.
+/// Empty when it leads nowhere.
 fs::path realFolderOf(const fs::path& path) {
     fs::path there = path.parent_path();
     while (there.has_relative_path() && !Files::itemExists(there)) there = there.parent_path();
@@ -56,21 +57,18 @@ fs::path realFolderOf(const fs::path& path) {
     return real.empty() || rest == "." ? real : real / rest;
 }
 
-/// The drive on which the path is, when it is away.
-std::optional<std::string> absentDrive(const Host& host, const fs::path& path) {
-    const fs::path volumes = SystemFolders::volumes(host);
-    if (!Files::isAtOrBelow(path, volumes)) return std::nullopt;
-    const fs::path below = path.lexically_relative(volumes);
-    const fs::path drive = *below.begin();
-    return Files::exists(volumes / drive) ? std::nullopt : std::optional(drive.native());
+/// @throws Stuck when the drive is away on which the path is.
+void requireDrive(const Host& host, const fs::path& path) {
+    if (const auto drive = DrivePath::absent(host, path))
+        throw Stuck(fmt::format("The drive {} is away.", drive->filename().native()));
 }
 
 /// The look at one item of a session.
 class Look {
 public:
-    Look(const Host& host, const AppUninstallSession& session, const MovedItem& moved,
+    Look(const Host& host, UninstallSearch& search, const AppUninstallSession& session, const MovedItem& moved,
          const UninstallJournal::Item* noted)
-        : m_host(host), m_session(session), m_moved(moved), m_noted(noted) {}
+        : m_host(host), m_search(search), m_session(session), m_moved(moved), m_noted(noted) {}
 
     Item item() {
         Item item{.originalPath = m_moved.originalPath, .category = m_moved.category, .sizeBytes = m_moved.sizeBytes};
@@ -86,6 +84,7 @@ public:
 private:
     void take(Item& item) const {
         requirePlace();
+        if (m_noted && !m_noted->identity) throw Stuck("Nothing stood there when the uninstall began.");
         const auto standing = looked(m_moved.originalPath);
         if (standing && identity() && standing->isSame(*identity())) return setBack(item);
         const auto place = waitingPlace();
@@ -97,8 +96,6 @@ private:
             throw Stuck(fmt::format("{} is not what was moved there.", place->native()));
         item.place = *place;
         if (standing) throw Stuck(placeIsTaken);
-        if (const auto drive = absentDrive(m_host, m_moved.originalPath))
-            throw Stuck(fmt::format("The drive {} is away.", *drive));
         item.state = State::waiting;
     }
 
@@ -115,7 +112,7 @@ private:
             if (*m_moved.stashedTo != UninstallSearch::stashBeside(m_moved.originalPath)) refuse();
             return UninstallSearch::inStash(m_moved.originalPath, identity(), m_session.createdAt);
         }
-        return identity() ? UninstallSearch(m_host).inTrash(m_moved.originalPath, *identity()) : std::nullopt;
+        return identity() ? m_search.inTrash(m_moved.originalPath, *identity()) : std::nullopt;
     }
 
     [[noreturn]] static void refuse() { throw Stuck("Its record names a place that no uninstall writes to."); }
@@ -124,13 +121,17 @@ private:
     void requirePlace() const {
         const fs::path& path = m_moved.originalPath;
         if (!UninstallPlaces::isOne(m_host, m_moved.category, path)) refuse();
-        const fs::path expected = m_noted ? m_noted->place.parent_path() : path.parent_path();
-        if (realFolderOf(path) != expected)
+        const fs::path& place = m_noted ? m_noted->place : path;
+        requireDrive(m_host, place);
+        const fs::path folder = realFolderOf(path);
+        if (folder.empty()) throw Stuck(fmt::format("The way to {} leads nowhere at the moment.", path.native()));
+        if (folder != place.parent_path())
             throw Stuck(fmt::format("The way to {} leads somewhere else by now.", path.native()));
     }
 
     void requireWaitingPlace(const fs::path& place) const {
-        if (Files::standardized(place) != place || !place.has_filename()) refuse();
+        const bool hasNul = place.native().find('\0') != std::string::npos;
+        if (hasNul || !place.is_absolute() || Files::standardized(place) != place || !place.has_filename()) refuse();
         if (!m_moved.trashedTo && m_moved.stashedTo) return;  // It was found in there.
         const auto folders = m_host.trash->foldersFor(m_moved.originalPath);
         const fs::path folder = place.parent_path();
@@ -138,11 +139,14 @@ private:
             return folder == trash || Files::isSameItem(Files::info(folder), Files::info(trash));
         });
         if (!isTrash) refuse();
+        // Nothing else tells that it is the item that went.
+        if (!identity() &&
+            !UninstallSearch::isTrashName(place.filename().native(), m_moved.originalPath.filename().native()))
+            throw Stuck(fmt::format("Nothing tells that {} is what was moved there.", place.native()));
     }
 
     std::string reasonForNothing(const std::optional<fs::path>& place, bool isPlaceTaken) const {
-        if (const auto drive = absentDrive(m_host, place.value_or(m_moved.originalPath)))
-            return fmt::format("The drive {} is away.", *drive);
+        if (place) requireDrive(m_host, *place);
         const std::string also = isPlaceTaken ? ", and something else stands at its old place" : "";
         if (!m_moved.trashedTo && m_moved.stashedTo)
             return fmt::format("It is not in {} any more{}.", m_moved.stashedTo->native(), also);
@@ -152,6 +156,7 @@ private:
     }
 
     const Host& m_host;
+    UninstallSearch& m_search;
     const AppUninstallSession& m_session;
     const MovedItem& m_moved;
     const UninstallJournal::Item* m_noted;
@@ -168,13 +173,7 @@ const UninstallJournal::Item* notedOf(const std::optional<UninstallJournal>& jou
 /// Makes what is missing of a folder, and takes it away again at the end unless it is kept.
 class MadeFolders {
 public:
-    explicit MadeFolders(const fs::path& folder) {
-        std::vector<fs::path> missing;
-        for (fs::path each = folder; each.has_relative_path() && !Files::itemExists(each); each = each.parent_path())
-            missing.push_back(each);
-        for (auto each = missing.rbegin(); each != missing.rend(); ++each)
-            if (Files::createNewFolder(*each)) m_made.push_back(*each);
-    }
+    MadeFolders() = default;
     MadeFolders(const MadeFolders&) = delete;
     MadeFolders& operator=(const MadeFolders&) = delete;
     ~MadeFolders() {
@@ -182,6 +181,14 @@ public:
             ignoringFailure([&] { Files::removeEmptyFolder(*each); });
     }
 
+    /// @throws FileError in its middle, too.
+    void make(const fs::path& folder) {
+        std::vector<fs::path> missing;
+        for (fs::path each = folder; each.has_relative_path() && !Files::itemExists(each); each = each.parent_path())
+            missing.push_back(each);
+        for (auto each = missing.rbegin(); each != missing.rend(); ++each)
+            if (Files::createNewFolder(*each)) m_made.push_back(*each);
+    }
     void keep() { m_made.clear(); }
 
 private:
@@ -189,7 +196,8 @@ private:
 };
 
 void bringBack(const Host& host, const Item& item) {
-    MadeFolders folders(item.originalPath.parent_path());
+    MadeFolders folders;
+    folders.make(item.originalPath.parent_path());
     Files::rename(item.place, item.originalPath);
     folders.keep();
     host.trash->forget(item.place);
@@ -203,27 +211,38 @@ std::string reasonOf(const FileError& error) {
     return error.description() + ".";
 }
 
+/// The paths at which the application stood: a link may have gone with the copy on a drive that it leads to.
+std::vector<fs::path> lockedPathsOf(const AppUninstallSession& session) {
+    std::vector<fs::path> places = {session.appPath};
+    for (const MovedItem& moved : session.movedItems)
+        if (moved.category == UninstallCategory::executable) places.push_back(moved.originalPath);
+    return places;
+}
+
 }  // namespace
 
 std::vector<Item> look(const Host& host, const AppUninstallSession& session) {
     const auto journal = UninstallJournals::ofSession(AppStorageNames::uninstallSessionRoot(host), session.id);
+    UninstallSearch search(host);
     std::vector<Item> items;
     for (std::size_t number = 0; number < session.movedItems.size(); ++number) {
         const MovedItem& moved = session.movedItems[number];
-        if (moved.succeeded) items.push_back(Look(host, session, moved, notedOf(journal, moved, number)).item());
+        if (moved.succeeded)
+            items.push_back(Look(host, search, session, moved, notedOf(journal, moved, number)).item());
     }
     return items;
 }
 
-std::vector<Item> putBack(const Host& host, const AppUninstallSession& session, const AppUninstallReporter& reporter) {
+std::vector<Item> putBack(const Host& host, const AppUninstallSession& session, const AppUninstallReporter& reporter,
+                          const Cancellation& stop) {
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
-    const auto lock = UninstallLock::take(root, session.appPath, session.appName);
+    const auto locks = UninstallLock::takeAll(root, lockedPathsOf(session), session.appName);
     const KeptAwake awake(host, "An uninstall is being taken back");
     notify(reporter.log, "undo-start\t" + session.id);
     const auto before = look(host, session);
     std::map<std::size_t, std::string> failures;
     std::size_t count = 0;
-    for (std::size_t number = before.size(); number-- > 0;) {
+    for (std::size_t number = before.size(); number-- > 0 && !stop.isCancelled();) {
         const Item& item = before[number];
         if (item.state == State::back) continue;
         const auto tell = [&](std::string_view tag, const std::string& more) {

@@ -1,4 +1,5 @@
 #include "Health/ManifestRevertDetector.h"
+#include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Text/LocalTime.h"
 #include "Records/HealthManifest.h"
@@ -6,6 +7,7 @@
 #include "Support/FailureOf.h"
 #include "Support/Tree.h"
 #include "UninstallRun/AppUninstallRunner.h"
+#include "UninstallRun/UninstallLock.h"
 #include "UninstallRun/UninstallRunWorld.h"
 #include "UninstallRun/UninstallSessionId.h"
 #include "UninstallRun/UninstallSessionStore.h"
@@ -150,6 +152,67 @@ TEST_F(AppUninstallRunnerTest, CountsWhatHasGoneByItselfAsGone) {
     EXPECT_TRUE(session.movedItems[1].succeeded);
     EXPECT_EQ(session.movedItems[1].stashedTo, data.parent_path() / ".TarvikTrash");
     EXPECT_FALSE(Files::itemExists(data.parent_path() / ".TarvikTrash"));
+}
+
+TEST_F(AppUninstallRunnerTest, CountsNothingAsGoneOfWhichThatIsNotCertain) {
+    const fs::path copy = world.drive / "ExternalTarvik/Apps/Foo.app";
+    makeBundle(copy, {{"CFBundleIdentifier", "org.example.Foo"}});
+    world.plan.candidates.push_back(world.candidate(copy, UninstallCategory::executable));
+    world.addData(data);
+    fs::remove_all(data.parent_path());
+    // The drive is away, and has left folders behind.
+    fs::remove_all(copy);
+    world.volumes->list.clear();
+    const auto session = world.run();
+    EXPECT_TRUE(session.movedItems[0].succeeded);
+    EXPECT_FALSE(session.movedItems[1].succeeded);
+    EXPECT_FALSE(session.movedItems[2].succeeded);
+}
+
+TEST_F(AppUninstallRunnerTest, SetsNothingAsideWhenOnlyItsReporterFails) {
+    const AppUninstallReporter reporter{[&](const std::string& line) {
+        world.lines.push_back(line);
+        if (line.starts_with("trash\t")) throw FileError("write", "log", ENOSPC);
+    }};
+    EXPECT_THROW(
+        AppUninstallRunner::run(world.host, world.plan, UninstallSelection::everything, false, std::nullopt, reporter),
+        FileError);
+    EXPECT_THAT(world.lines.back(), testing::StartsWith("trash\t"));
+}
+
+TEST_F(AppUninstallRunnerTest, LeavesTheRecordsOfThisProgram) {
+    const fs::path own = AppStorageNames::supportRoot(world.host);
+    const fs::path session = AppStorageNames::sessionRoot(world.host) / "20261115_174543";
+    makeFile(session / "session.json");
+    world.plan = world.planWith({own.parent_path(), own, AppStorageNames::sessionRoot(world.host), session});
+    const auto past = world.run();
+    for (const std::size_t number : {1U, 2U, 3U}) {
+        EXPECT_FALSE(past.movedItems[number].succeeded);
+        EXPECT_EQ(world.lines[number + 1], "stays\tapplicationSupport\t" +
+                                               past.movedItems[number].originalPath.native() +
+                                               "\tit holds the records of this program");
+    }
+    EXPECT_TRUE(past.movedItems[4].succeeded);
+}
+
+TEST_F(AppUninstallRunnerTest, KeepsNoMachineAwakeForARehearsal) {
+    world.run(true);
+    EXPECT_THAT(world.sleepBlocker->reasons, IsEmpty());
+    world.run();
+    EXPECT_THAT(world.sleepBlocker->reasons, ElementsAre("An application is being uninstalled"));
+}
+
+TEST_F(AppUninstallRunnerTest, IsRefusedWhileTheCopyThatItLeadsToIsBeingUninstalled) {
+    const fs::path copy = world.drive / "ExternalTarvik/Apps/Foo.app";
+    world.plan.app.externalTargetPath = copy;
+    {
+        const auto lock = UninstallLock::take(world.sessions(), copy, "Foo");
+        EXPECT_THAT(failureOf([&] { world.run(); }), HasSubstr(" by another run."));
+    }
+    EXPECT_TRUE(Files::itemExists(world.bundle));
+    // Both ways to the application may be one.
+    world.plan.app.externalTargetPath = world.bundle / "";
+    EXPECT_EQ(failureOf([&] { world.run(); }), "done");
 }
 
 TEST_F(AppUninstallRunnerTest, ForgetsReceiptsAndTellsWhyNot) {
@@ -299,9 +362,24 @@ TEST_F(AppUninstallRunnerTest, TellsWhereTheItemsAreWhenTheRecordCannotBeWritten
     world.host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(madeNow)); };
     makeFile(world.sessions() / UninstallSessionId::at(world.host.now()), "in the way");
     const std::string failure = failureOf([&] { world.run(); });
-    EXPECT_THAT(failure, HasSubstr("1 item went to the Trash, but there is no record of it: Could not create "));
+    EXPECT_THAT(failure, HasSubstr("1 item was removed, but there is no record of it: Could not create "));
+    EXPECT_THAT(failure, testing::EndsWith(" shows it as interrupted, and what went can be put back."));
     EXPECT_FALSE(Files::itemExists(world.bundle));
     EXPECT_EQ(world.journals().size(), 1U);
+}
+
+TEST_F(AppUninstallRunnerTest, PromisesNothingWithoutAJournal) {
+    world.host.now = [] { return std::chrono::system_clock::time_point(std::chrono::seconds(madeNow)); };
+    const std::string failure = failureOf([&] {
+        AppUninstallRunner::run(world.host, world.plan, UninstallSelection::everything, false, std::nullopt,
+                                {[&](const std::string& line) {
+                                    if (!line.starts_with("trash\t")) return;
+                                    fs::remove_all(world.sessions());
+                                    makeFile(world.sessions(), "in the way");
+                                }});
+    });
+    EXPECT_THAT(failure, HasSubstr("1 item was removed, but there is no record of it: "));
+    EXPECT_THAT(failure, testing::Not(HasSubstr("interrupted")));
 }
 
 }  // namespace tarvik::test

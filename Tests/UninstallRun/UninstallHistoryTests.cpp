@@ -172,6 +172,42 @@ TEST_F(UninstallHistoryTest, HasARunThatWasKilledBeforeItsRecordWasWhole) {
     EXPECT_EQ(UninstallHistory::list(world.host)[0].movedItems, session.movedItems);
 }
 
+TEST_F(UninstallHistoryTest, HidesNoInterruptedRunBehindARecord) {
+    const auto session = world.run();
+    const std::string id = "interrupted-20261115_174543";
+    const fs::path journal = world.sessions() / ".journals/20261115_174543.tsv";
+    fs::rename(world.sessions() / session.id / "items.tsv", journal);
+    auto forged = session;
+    fs::remove_all(world.sessions() / session.id);
+    // A record of that name, one of another application, and one of an earlier run.
+    forged.id = id;
+    UninstallSessionStore::save(forged, world.sessions());
+    EXPECT_THAT(ids(), ElementsAre(id));
+    EXPECT_EQ(UninstallHistory::find(world.host, id)->createdAt, UninstallHistory::list(world.host)[0].createdAt);
+    EXPECT_LT(UninstallHistory::find(world.host, id)->createdAt, session.createdAt);
+    forged = session;
+    forged.appPath = "/Applications/Other.app";
+    UninstallSessionStore::save(forged, world.sessions());
+    EXPECT_THAT(ids(), testing::Contains(id));
+    forged = session;
+    forged.createdAt -= std::chrono::hours(1);
+    UninstallSessionStore::save(forged, world.sessions());
+    EXPECT_THAT(ids(), testing::Contains(id));
+    UninstallSessionStore::save(session, world.sessions());
+    EXPECT_THAT(ids(), ElementsAre(session.id));
+}
+
+TEST_F(UninstallHistoryTest, TellsWhatAKilledRunTookThatIsFoundNowhere) {
+    runKilledAt(world.bundle, DeadlyTrash::When::after);
+    fs::remove_all(world.home / ".Trash/Foo.app");
+    const auto past = UninstallHistory::list(world.host);
+    ASSERT_THAT(past, SizeIs(1));
+    EXPECT_TRUE(past[0].movedItems[0].succeeded);
+    const auto items = UninstallUndo::look(world.host, past[0]);
+    ASSERT_THAT(items, SizeIs(1));
+    EXPECT_EQ(items[0].reason, "It is not in the Trash any more.");
+}
+
 TEST_F(UninstallHistoryTest, FindsWhatWasSetAsideByAKilledRun) {
     world.refuseAllTrash();
     const auto session = world.run();

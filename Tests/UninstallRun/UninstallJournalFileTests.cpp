@@ -7,6 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace tarvik::test {
 
 namespace {
@@ -22,6 +25,27 @@ UninstallJournal journalOf(const std::string& name) {
             .startedAt = std::chrono::system_clock::time_point(std::chrono::seconds(1'794'764'743)),
             .items = {}};
 }
+
+/// No file of this process grows beyond `bytes` while it lives.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(std::uintmax_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        ::rlimit limit = m_before;
+        limit.rlim_cur = static_cast<::rlim_t>(bytes);
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    ::rlimit m_before{};
+    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
 
 }  // namespace
 
@@ -61,6 +85,33 @@ TEST(UninstallJournalFile, StaysBesideTheRecord) {
     EXPECT_THAT(Files::names(root / ".journals"), IsEmpty());
     EXPECT_EQ(UninstallJournals::ofSession(root.path(), "20261115_174543"), journalOf("Foo"));
     EXPECT_EQ(UninstallJournals::ofSession(root.path(), "../20261115_174543"), std::nullopt);
+}
+
+TEST(UninstallJournalFile, GluesNoLineToOneThatWasCut) {
+    const TemporaryFolder root;
+    auto journal = journalOf("Foo");
+    for (const char* path : {"/a/one", "/a/two"})
+        journal.items.push_back({.path = path, .place = path, .category = UninstallCategory::caches});
+    auto file = UninstallJournalFile::begin(root.path(), journal);
+    const UninstallJournal::End end{.succeeded = true, .trashedTo = "/t/one"};
+    {
+        // The disk is full after a few letters.
+        const FileSizeLimit limit(fs::file_size(file.path()) + 10);
+        file.note(UninstallJournal::lineOf(0, end));
+        file.note(UninstallJournal::lineOf(0, end));
+    }
+    file.note(UninstallJournal::lineOf(1, end));
+    journal.items[1].end = end;
+    EXPECT_EQ(UninstallJournal::parsed(contentOf(file.path())), journal);
+}
+
+TEST(UninstallJournalFile, RefusesToBeTooLargeToBeRead) {
+    const TemporaryFolder root;
+    auto journal = journalOf("Foo");
+    const fs::path path = "/" + std::string(200, 'x');
+    journal.items.resize(30'000, {.path = path, .place = path, .category = UninstallCategory::caches});
+    EXPECT_THAT(failureOf([&] { UninstallJournalFile::begin(root.path(), journal); }), HasSubstr("Could not write "));
+    EXPECT_THAT(Files::names(root / ".journals"), IsEmpty());
 }
 
 TEST(UninstallJournalFile, SaysWhenItCannotBeWritten) {

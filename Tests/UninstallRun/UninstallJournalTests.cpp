@@ -22,14 +22,14 @@ UninstallJournal full() {
     ItemIdentity unborn = identity;
     unborn.born.reset();
     journal.items.push_back({.path = "/a\xff\\t\r",
-                             .place = "/real/a",
+                             .place = "/real/a\xff\\t\r",
                              .category = UninstallCategory::executable,
                              .sizeBytes = 1,
                              .identity = identity});
     journal.items.push_back(
         {.path = "/b", .place = "/b", .category = UninstallCategory::caches, .sizeBytes = 0, .identity = unborn});
     journal.items.push_back(
-        {.path = "-", .place = "-", .category = UninstallCategory::logs, .sizeBytes = 0, .identity = {}});
+        {.path = "/-", .place = "/-", .category = UninstallCategory::logs, .sizeBytes = 0, .identity = {}});
     return journal;
 }
 
@@ -39,10 +39,8 @@ TEST(UninstallJournal, ComesBackAsItWasWritten) {
     UninstallJournal journal = full();
     EXPECT_EQ(UninstallJournal::parsed(journal.opening()), journal);
     std::string text = journal.opening();
-    const UninstallJournal::End trashed{
-        .succeeded = true, .trashedTo = "/Trash/\t\n", .stashedTo = {}, .stashPlace = {}};
-    const UninstallJournal::End stashed{
-        .succeeded = false, .trashedTo = {}, .stashedTo = "/s/.TarvikTrash", .stashPlace = "/s/.TarvikTrash/b"};
+    const UninstallJournal::End trashed{.succeeded = true, .trashedTo = "/Trash/\t\n", .stashedTo = {}};
+    const UninstallJournal::End stashed{.succeeded = false, .trashedTo = {}, .stashedTo = "/s/.TarvikTrash"};
     journal.items[0].end = trashed;
     journal.items[2].end = stashed;
     journal.forgottenReceipts = {"org.example.pkg"};
@@ -60,13 +58,51 @@ TEST(UninstallJournal, IsReadAsFarAsItGoes) {
         EXPECT_EQ(UninstallJournal::parsed(opening.substr(0, length)), std::nullopt) << length;
     for (std::size_t length = 0; length < line.size(); ++length)
         EXPECT_EQ(UninstallJournal::parsed(opening + line.substr(0, length)), journal) << length;
-    EXPECT_EQ(UninstallJournal::parsed(opening + "went\t99\ttrue\t-\t-\t-\nwhatever\n" + line)->items[1].end->trashedTo,
+    EXPECT_EQ(UninstallJournal::parsed(opening + "went\t99\ttrue\t-\t-\nwhatever\n" + line)->items[1].end->trashedTo,
               "/t/b");
+}
+
+TEST(UninstallJournal, NamesNoPathThatNoRunWrites) {
+    const auto isRead = [](const fs::path& path, const fs::path& place) {
+        UninstallJournal journal = full();
+        journal.items.push_back({.path = path, .place = place});
+        return UninstallJournal::parsed(journal.opening()).has_value();
+    };
+    const std::string nul(1, '\0');
+    EXPECT_TRUE(isRead("/a/Foo.app", "/b/Foo.app"));
+    for (const std::string& path : {"/a/Foo.desktop" + nul + ".app", std::string("a/Foo.app"), std::string(""),
+                                    std::string("/a/../Foo.app"), std::string("/a/Foo.app/"), std::string("/")}) {
+        EXPECT_FALSE(isRead(path, path)) << path;
+        EXPECT_FALSE(isRead("/a/Foo.app", path)) << path;
+    }
+    EXPECT_FALSE(isRead("/a/Foo.app", "/a/Bar.app"));
+    const std::string line = UninstallJournal::lineOf(0, {.succeeded = true, .trashedTo = "/t/a" + nul + "b"});
+    EXPECT_EQ(UninstallJournal::parsed(full().opening() + line)->items[0].end->trashedTo, std::nullopt);
+}
+
+TEST(UninstallJournal, HoldsNoMoreThanAnyApplicationHas) {
+    UninstallJournal journal = full();
+    journal.items.resize(UninstallJournal::mostItems, journal.items[1]);
+    EXPECT_TRUE(UninstallJournal::parsed(journal.opening()).has_value());
+    journal.items.push_back(journal.items[1]);
+    EXPECT_EQ(UninstallJournal::parsed(journal.opening()), std::nullopt);
+}
+
+TEST(UninstallJournal, PassesOverALineThatCouldOnlyBeWrittenInPart) {
+    const std::string whole = UninstallJournal::lineOf(0, {.succeeded = true, .trashedTo = "/t/a", .stashedTo = "/s"});
+    const std::string next = UninstallJournal::lineOf(1, {.succeeded = true, .trashedTo = "/t/b"});
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const std::string text = whole.substr(0, length) + std::string(UninstallJournal::endOfCutLine) + next;
+        const auto journal = UninstallJournal::parsed(full().opening() + text);
+        ASSERT_TRUE(journal.has_value());
+        EXPECT_EQ(journal->items[0].end, std::nullopt) << text;
+        EXPECT_EQ(journal->items[1].end->trashedTo, "/t/b") << text;
+    }
 }
 
 TEST(UninstallJournal, IsNeverReadWrongly) {
     const std::string good = full().opening() + UninstallJournal::lineOf(0, {.succeeded = true, .trashedTo = "/t/a"});
-    Mutator mutator(12, {"\t", "\n", "begin\n", "item\t", "went\t0\ttrue\t=/\t-\t-\n", "999999999999999999999"});
+    Mutator mutator(12, {"\t", "\n", "begin\n", "item\t", "went\t0\ttrue\t=/\t-\n", "999999999999999999999"});
     for (int turn = 0; turn < 20'000; ++turn) {
         const auto journal = UninstallJournal::parsed(mutator.mutated(good));
         if (journal && !journal->items.empty()) {

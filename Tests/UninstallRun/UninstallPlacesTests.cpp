@@ -27,6 +27,28 @@ TEST(UninstallPlaces, AreThoseThatPlansNameThingsOf) {
         EXPECT_TRUE(isPlace(path)) << path;
 }
 
+TEST(UninstallPlaces, AreNotWhatEveryProgramHasItsThingsIn) {
+    for (const char* path :
+         {"/Users/ada/.ssh", "/Users/ada/.config", "/Users/ada/.local", "/Users/ada/.Trash", "/Users/ada/.TarvikTrash",
+          "/Users/ada/Library/Preferences/ByHost", "/Users/ada/Library/Application Support"})
+        EXPECT_FALSE(isPlace(path)) << path;
+}
+
+TEST(UninstallPlaces, AreNotWhatThisProgramKeeps) {
+    using enum UninstallCategory;
+    const fs::path own = "/Users/ada/Library/Application Support/Tarvik";
+    for (const char* below : {"", "UninstallSessions", "InstallerSessions", "InstallerSessions/1/session.json"})
+        EXPECT_FALSE(isPlace(below[0] ? own / below : own)) << below;
+    EXPECT_FALSE(isPlace(own / "UninstallSessions/Foo.app", executable));
+    EXPECT_FALSE(isPlace(own / "InstallerSessions/Foo.app", executable));
+}
+
+TEST(UninstallPlaces, AreNoPathWithANul) {
+    const std::string nul(1, '\0');
+    EXPECT_FALSE(isPlace("/Users/ada/.config/evil.desktop" + nul + ".app", UninstallCategory::executable));
+    EXPECT_FALSE(isPlace("/Users/ada/Library/Caches/Foo" + nul));
+}
+
 TEST(UninstallPlaces, OfApplicationsAreAnywhereButInTheSystem) {
     using enum UninstallCategory;
     for (const char* path : {"/Applications/Foo.app", "/Applications/Suite/Foo.app", "/Users/ada/Applications/Foo.app",

@@ -10,6 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace tarvik::test {
 
 namespace {
@@ -147,10 +149,16 @@ TEST_F(UninstallUndoTest, TellsOfADriveThatIsAway) {
     world.plan.candidates.push_back(world.candidate(copy, UninstallCategory::executable));
     const auto session = world.run();
     fs::rename(world.drive, world.folder / "unplugged");
+    const auto mounted = std::exchange(world.volumes->list, {});
     EXPECT_EQ(reasonOf(session), "The drive Backup is away.");
     putBack(session);
     EXPECT_FALSE(Files::itemExists(world.drive));
+    // What a drive has left behind at its path is not the drive.
+    makeFolder(world.drive);
+    EXPECT_EQ(reasonOf(session), "The drive Backup is away.");
+    fs::remove(world.drive);
     fs::rename(world.folder / "unplugged", world.drive);
+    world.volumes->list = mounted;
     EXPECT_EQ(putBack(session).back().state, State::back);
     EXPECT_TRUE(Files::itemExists(copy));
 }
@@ -225,6 +233,51 @@ TEST_F(UninstallUndoTest, FollowsALinkThatWasOnTheWayBefore) {
     EXPECT_EQ(contentOf(moved / "Foo"), "log");
 }
 
+TEST_F(UninstallUndoTest, TellsOfAWayThatLeadsNowhere) {
+    const fs::path logs = world.library("Logs");
+    for (const fs::path& moved : {world.drive / "Logs", world.home / "Logs"}) {
+        world.plan = world.planWith({});
+        makeFile(moved / "Foo", "log");
+        makeLink(logs, moved);
+        world.plan.candidates = {world.candidate(logs / "Foo")};
+        const auto session = world.run();
+        fs::rename(moved, world.folder / "away");
+        const auto mounted = std::exchange(world.volumes->list, {});
+        EXPECT_EQ(reasonOf(session), moved.parent_path() == world.drive
+                                         ? "The drive Backup is away."
+                                         : "The way to " + (logs / "Foo").native() + " leads nowhere at the moment.");
+        fs::rename(world.folder / "away", moved);
+        world.volumes->list = mounted;
+        EXPECT_EQ(putBack(session).back().state, State::back);
+        fs::remove(logs);
+    }
+}
+
+TEST_F(UninstallUndoTest, LooksForNothingWhereNothingStood) {
+    fs::remove(data);
+    const auto session = world.run();
+    const std::string reason = "Nothing stood there when the uninstall began.";
+    EXPECT_EQ(reasonOf(session), reason);
+    // Nor does it take what an earlier uninstall has set aside.
+    makeFile(data.parent_path() / ".TarvikTrash/Foo-uninstall-2026-11-15T174540Z", "older");
+    EXPECT_EQ(reasonOf(session), reason);
+    putBack(session);
+    EXPECT_FALSE(Files::itemExists(data));
+}
+
+TEST_F(UninstallUndoTest, TakesOnlyWhatBearsItsNameWithoutAJournal) {
+    auto session = world.run();
+    makeFile(inTrash("letter"), "letter");
+    fs::remove(world.sessions() / session.id / "items.tsv");
+    EXPECT_EQ(look(session).state, State::waiting);
+    session.movedItems[1].trashedTo = inTrash("letter");
+    EXPECT_EQ(reasonOf(session), "Nothing tells that " + inTrash("letter").native() + " is what was moved there.");
+    session.movedItems[1].trashedTo = inTrash(std::string("Foo") + '\0' + "x");
+    EXPECT_EQ(reasonOf(session), refused);
+    putBack(session);
+    EXPECT_FALSE(Files::itemExists(data));
+}
+
 TEST_F(UninstallUndoTest, TakesNoStashThatIsALink) {
     world.refuseAllTrash();
     const auto session = world.run();
@@ -255,6 +308,13 @@ TEST_F(UninstallUndoTest, IsRefusedWhileAnotherRunHasTheApplication) {
         EXPECT_EQ(failureOf([&] { putBack(session); }), refusal);
         EXPECT_EQ(failureOf([&] { world.run(); }), refusal);
         EXPECT_FALSE(Files::itemExists(data));
+    }
+    {
+        // By the copy on a drive that its link led to.
+        auto withCopy = session;
+        withCopy.movedItems[0].originalPath = world.drive / "Foo.app";
+        const auto lock = UninstallLock::take(world.sessions(), world.drive / "Foo.app", "Foo");
+        EXPECT_EQ(failureOf([&] { putBack(withCopy); }), refusal);
     }
     EXPECT_EQ(failureOf([&] { putBack(session); }), "done");
     EXPECT_TRUE(Files::itemExists(data));

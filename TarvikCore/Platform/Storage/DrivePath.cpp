@@ -10,12 +10,16 @@
 namespace tarvik::DrivePath {
 
 std::optional<fs::path> of(const Host& host, const fs::path& item) {
+    if (!item.is_absolute()) return std::nullopt;
     const fs::path volumes = SystemFolders::volumes(host);
-    if (Files::isAtOrBelow(item, volumes) && item != volumes)
-        return volumes / *item.lexically_relative(volumes).begin();
+    if (Files::isAtOrBelow(item, volumes)) {
+        const fs::path name = *item.lexically_relative(volumes).begin();
+        if (name.empty() || name == ".") return std::nullopt;
+        return volumes / name;
+    }
     fs::path before;
     for (const fs::path& component : item) {
-        if (component == AppStorageNames::externalRoot) return before;
+        if (component == AppStorageNames::externalRoot && before.has_filename()) return before;
         before /= component;
     }
     return std::nullopt;

@@ -9,7 +9,7 @@
 namespace tarvik::DrivePath {
 
 /// The mount path of the drive that `item` lies on: the folder in that of volumes, or the one above our folder on
-/// drives. Nothing for a path on no drive.
+/// drives. Nothing for a path on no drive, and for a relative one.
 std::optional<fs::path> of(const Host& host, const fs::path& item);
 
 /// The same when nothing is mounted there: a folder that a drive has left behind at its path is on the internal disk.

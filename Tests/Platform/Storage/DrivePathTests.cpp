@@ -13,6 +13,10 @@ TEST(DrivePath, IsTheFolderInThatOfVolumesOrTheOneAboveOurs) {
     EXPECT_EQ(DrivePath::of(world.host, volumes / "Backup/Some/Folder"), volumes / "Backup");
     EXPECT_EQ(DrivePath::of(world.host, "/media/ada/Stick/ExternalTarvik/Apps"), "/media/ada/Stick");
     EXPECT_EQ(DrivePath::of(world.host, volumes), std::nullopt);
+    EXPECT_EQ(DrivePath::of(world.host, volumes / ""), std::nullopt);
+    EXPECT_EQ(DrivePath::of(world.host, "/ExternalTarvik/Apps"), std::nullopt);
+    EXPECT_EQ(DrivePath::of(world.host, "ExternalTarvik/Apps"), std::nullopt);
+    EXPECT_EQ(DrivePath::of(world.host, "Stick/ExternalTarvik/Apps"), std::nullopt);
     EXPECT_EQ(DrivePath::of(world.host, world.home / "Music"), std::nullopt);
 }
 
