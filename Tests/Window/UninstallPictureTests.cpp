@@ -1,4 +1,5 @@
 #include "Platform/Machine/TrashCan.h"
+#include "State/Threads/BusyThreads.h"
 #include "Window/UninstallWindowTest.h"
 
 #include <QDragEnterEvent>
@@ -143,6 +144,9 @@ TEST_P(UninstallPicture, Hundreds) {
     choose("App 100");
     for (int row = 3; row >= 0; --row) tab().setPlanRowOpen(row, true);
     EXPECT_EQ(window.text("planItems"), "1001 items");
+    settle();
+    const auto& remove = window.item("removeButton");
+    EXPECT_LE(remove.mapToScene({remove.width(), 0}).x(), GetParam().width() - 8) << "all of it is to be seen";
 }
 
 }  // namespace

@@ -25,7 +25,8 @@ Rectangle {
 
         UninstallFigure {
             objectName: "checkedSizeFigure"
-            Layout.minimumWidth: 84
+            // Wide enough that the next figure seldom moves.
+            Layout.preferredWidth: Math.max(implicitWidth, Math.min(84, bar.width / 5))
             value: bar.planned.checkedSize
             unit: bar.planned.checkedSizeUnit
         }
