@@ -203,6 +203,22 @@ TEST_F(UninstallTab, RemovesAndPutsBack) {
     EXPECT_TRUE(window.isShown("app-Atlas"));
 }
 
+TEST_F(UninstallTab, KeepsTheTopOfAPlanInSightHoweverLateItIsLaidOut) {
+    app("Atlas");
+    makeServiceFiles("Atlas");
+    auto& window = openTab(small);
+    choose("Atlas");
+    QQuickItem& list = window.item("planList");
+    auto* header = list.property("headerItem").value<QQuickItem*>();
+    for (int growth = 1; growth <= 3; ++growth) {
+        header->setImplicitHeight(header->implicitHeight() + 100);
+        // What follows at once is done before the next frame lays the list out.
+        QCoreApplication::sendPostedEvents();
+        EXPECT_TRUE(window.waitUntil([&] { return list.property("originY").toDouble() == -header->height(); }));
+        EXPECT_TRUE(window.waitUntil([&] { return list.property("contentY") == list.property("originY"); })) << growth;
+    }
+}
+
 TEST_F(UninstallTab, RehearsesAndShowsTheLog) {
     app("Atlas");
     auto& window = openTab();
