@@ -100,6 +100,8 @@ TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
     for (const char* name : {"Editor", "Player"}) makeBundle(applications / (std::string(name) + ".app"));
     makeFile(world.home / "Library/Caches/Editor/cache");
     makeLink(applications / "Far.app", backup / "ExternalTarvik/Apps/Far.app");
+    makeBundle(applications / "Twice.app", {{"CFBundleIdentifier", "org.example.Twice"}});
+    makeLauncher(world.home / "Applications/Twice.app", "/gone", {{"CFBundleIdentifier", "org.example.Twice"}});
     auto& window = open();
     move(makePhotos());
     ASSERT_TRUE(window.waitUntilShown("job-Photos/moveBackButton"));
@@ -110,6 +112,9 @@ TEST_F(Keyboard, FindsANameOnEveryControlOfEveryTab) {
     HealthRows::scan(window);
     expectNames(window.window(), 17, "health");
     EXPECT_TRUE(window.isShown("issue-dangling-Far.app/repairButton-0"));
+    window.openTab("dedupe");
+    ASSERT_TRUE(window.waitUntilShown("dedupeGroup-Twice"));
+    expectNames(window.window(), 16, "dedupe");
     window.openTab("uninstall");
     ASSERT_TRUE(window.waitUntilShown("app-Editor"));
     expectNames(window.window(), 18, "uninstall");

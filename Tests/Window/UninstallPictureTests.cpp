@@ -1,4 +1,5 @@
 #include "Platform/Machine/TrashCan.h"
+#include "State/Threads/BusyThreads.h"
 #include "Window/UninstallWindowTest.h"
 
 #include <QDragEnterEvent>
@@ -88,6 +89,8 @@ TEST_P(UninstallPicture, Plan) {
     tab().toggleCategoryChecked(UninstallCategory::launchAgents);
     settle();
     window.savePicture(nameOfUninstallPicture(GetParam(), "-open"));
+    const auto& list = window.item("planList");
+    EXPECT_EQ(list.property("contentY"), list.property("originY")) << "it begins at its top";
     window.click("planMoreInfoButton");
 }
 
@@ -107,6 +110,32 @@ TEST_P(UninstallPicture, AfterARun) {
     window.click("alertButton-0");
     EXPECT_TRUE(window.waitUntilShown("past-Atlas"));
     settle();
+}
+
+TEST_P(UninstallPicture, Interrupted) {
+    makeApps();
+    openHere();
+    AppUninstallSession session;
+    session.id = "interrupted-20261115_174540";
+    session.appName = "Cadence";
+    session.createdAt = world.host.now();
+    std::vector<UninstallUndo::Item> items;
+    for (const char* name : {"Cadence.app", "Cadence", "org.Cadence.app.plist"}) {
+        session.movedItems.push_back({.originalPath = applications / name, .sizeBytes = 900'000});
+        session.movedItems.back().succeeded = items.empty();
+        if (!items.empty()) continue;
+        items.push_back({.originalPath = applications / name, .sizeBytes = 900'000});
+        items.back().state = UninstallUndo::Item::State::waiting;
+    }
+    tab().past()->setSessions({session});
+    tab().past()->setItems({{session.id, items}});
+    tab().past()->open(session.id);
+    EXPECT_EQ(opened->text("past-Cadence/pastNote"), "2 items were not reached");
+    EXPECT_TRUE(opened->isShown("past-Cadence/putBackButton"));
+    settle();
+    const auto& badge = opened->item("past-Cadence/pastState");
+    EXPECT_EQ(badge.property("text").toString(), "interrupted");
+    EXPECT_FALSE(opened->item("past-Cadence/pastName").property("truncated").toBool()) << "there is room for both";
 }
 
 TEST_P(UninstallPicture, HeldOverIt) {
@@ -143,6 +172,9 @@ TEST_P(UninstallPicture, Hundreds) {
     choose("App 100");
     for (int row = 3; row >= 0; --row) tab().setPlanRowOpen(row, true);
     EXPECT_EQ(window.text("planItems"), "1001 items");
+    settle();
+    const auto& remove = window.item("removeButton");
+    EXPECT_LE(remove.mapToScene({remove.width(), 0}).x(), GetParam().width() - 8) << "all of it is to be seen";
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "Platform/Machine/TrashCan.h"
+#include "State/Threads/BusyThreads.h"
 #include "Window/UninstallWindowTest.h"
 
 #include <QMimeData>
@@ -51,6 +52,21 @@ TEST_F(UninstallTab, ListsApplicationsWhenItIsFirstSeen) {
     EXPECT_EQ(window.text("uninstallSort"), "Date");
     EXPECT_EQ(window.text("app-Atlas/rowSize"), "12 KB");
     EXPECT_FALSE(window.isShown("app-Atlas/rowBadge"));
+}
+
+TEST_F(UninstallTab, SaysThatItScansWhileNothingIsListedYet) {
+    app("Atlas");
+    auto& window = open();
+    BusyThreads busyThreads(BusyThreads::all(), Priority::userInitiated);
+    window.openTab("uninstall");
+    EXPECT_EQ(window.text("scanningApps"), "Scanning apps…");
+    EXPECT_TRUE(window.isShown("uninstallSpinner"));
+    EXPECT_FALSE(window.isShown("noUninstallApps"));
+    EXPECT_FALSE(window.isShown("refreshUninstallButton"));
+    busyThreads.end();
+    EXPECT_TRUE(window.waitUntilShown("app-Atlas"));
+    EXPECT_FALSE(window.isShown("scanningApps"));
+    settle();
 }
 
 TEST_F(UninstallTab, SaysThatThereAreNone) {
@@ -187,6 +203,22 @@ TEST_F(UninstallTab, RemovesAndPutsBack) {
     EXPECT_TRUE(window.isShown("app-Atlas"));
 }
 
+TEST_F(UninstallTab, KeepsTheTopOfAPlanInSightHoweverLateItIsLaidOut) {
+    app("Atlas");
+    makeServiceFiles("Atlas");
+    auto& window = openTab(small);
+    choose("Atlas");
+    QQuickItem& list = window.item("planList");
+    auto* header = list.property("headerItem").value<QQuickItem*>();
+    for (int growth = 1; growth <= 3; ++growth) {
+        header->setImplicitHeight(header->implicitHeight() + 100);
+        // What follows at once is done before the next frame lays the list out.
+        QCoreApplication::sendPostedEvents();
+        EXPECT_TRUE(window.waitUntil([&] { return list.property("originY").toDouble() == -header->height(); }));
+        EXPECT_TRUE(window.waitUntil([&] { return list.property("contentY") == list.property("originY"); })) << growth;
+    }
+}
+
 TEST_F(UninstallTab, RehearsesAndShowsTheLog) {
     app("Atlas");
     auto& window = openTab();
@@ -227,6 +259,22 @@ TEST_F(UninstallTab, RestsWhileSomethingElseIsUnderWay) {
     EXPECT_TRUE(window.isEnabled("removeButton"));
 }
 
+TEST_F(UninstallTab, RestsWhileARunIsUnderWay) {
+    app("Atlas");
+    auto& window = openTab();
+    choose("Atlas");
+    BusyThreads busyThreads(BusyThreads::all(), Priority::userInitiated);
+    window.click("dryRunButton");
+    EXPECT_TRUE(window.waitUntilShown("uninstallingSpinner"));
+    EXPECT_FALSE(window.state().isBusy()) << "a rehearsal touches nothing";
+    EXPECT_FALSE(window.isEnabled("dryRunButton"));
+    EXPECT_FALSE(window.isEnabled("removeButton"));
+    busyThreads.end();
+    EXPECT_TRUE(window.waitUntilHidden("uninstallingSpinner"));
+    EXPECT_TRUE(window.isEnabled("dryRunButton"));
+    EXPECT_TRUE(window.isEnabled("removeButton"));
+}
+
 TEST_F(UninstallTab, TakesADropInEveryForm) {
     const fs::path bundle = app("Atlas");
     const QString path = QString::fromStdString(bundle.native());
@@ -259,6 +307,8 @@ TEST_F(UninstallTab, SaysThatWhatWasDroppedIsNoApplication) {
     expectError("Not an app bundle: Letter.txt");
     drop([&](QMimeData& data) { data.setUrls({QUrl("https://example.org/Atlas.app")}); });
     expectError("Not an app bundle: Atlas.app");
+    drop([&](QMimeData& data) { data.setUrls({QUrl(urlTo(vanished).toString() + "%00.txt")}); });
+    expectError("Not an app bundle: Vanished.app%00.txt");
     drop([&](QMimeData& data) { data.setText("just a text"); });
     expectError("Not an app bundle: just a text");
     fs::remove_all(vanished);

@@ -85,7 +85,8 @@ void WindowUnderTest::click(const QString& name, Qt::MouseButton button) {
     QTest::qWait(0);  // What has just come is laid out first.
     // A row whose list has been put in another order may still be on its way.
     const QRectF window(QPointF(), m_window->size());
-    (void)waitUntil([&] { return window.contains(centreOf(item(name))); });
+    if (!waitUntil([&] { return window.contains(centreOf(item(name))); }))
+        throw std::runtime_error("Out of sight: " + name.toStdString());
     QTest::mouseClick(m_window, button, {}, centreOf(item(name)).toPoint());
 }
 

@@ -41,6 +41,11 @@ void DedupeState::refreshDedupe() {
     beginScan();
 }
 
+void DedupeState::refresh() {
+    m_isScanOutdated = m_isScanning;
+    beginScan();
+}
+
 void DedupeState::beginScan() {
     if (m_isScanning || app().isClosing()) return;
     setScanning(true);
@@ -73,7 +78,6 @@ QCoro::Task<> DedupeState::removeDuplicates(AppDedupePlan plan) {
     setRunning(true);
     const auto end = qScopeGuard([this] {
         setRunning(false);
-        m_isScanOutdated = m_isScanning;
         app().lookAgain();
     });
     setFailures({});

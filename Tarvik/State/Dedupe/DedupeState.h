@@ -61,9 +61,10 @@ public:
     /// the Trash can be put back.
     Q_INVOKABLE void runDedupe();
 
-    void refresh() override { beginScan(); }
+    /// Also while a scan is under way: it is made anew then.
+    void refresh() override;
     /// A move may have brought an application or a launcher, or taken one.
-    void linksChanged() override { beginScan(); }
+    void linksChanged() override { refresh(); }
     void stop() override { m_stopScanning.cancel(); }
 
 signals:
@@ -85,7 +86,7 @@ private:
     RecordListModel<AppDedupeGroup> m_groups{DedupeGroupRow::roles(), DedupeGroupRow::key};
     bool m_isScanning = false;
     bool m_isRunning = false;
-    /// A run has ended since the scan that is under way began: what it finds may be gone.
+    /// The disk may have changed since the scan that is under way began: what it finds may be gone.
     bool m_isScanOutdated = false;
     QStringList m_failures;
     /// Cancelled when the window goes: nobody waits for the scan any more.

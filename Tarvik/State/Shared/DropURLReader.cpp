@@ -108,7 +108,10 @@ QUrl urlOf(const QByteArray& path) {
 std::optional<fs::path> pathOf(const QUrl& url) {
     if (!url.isLocalFile()) return std::nullopt;
     // Through the encoded bytes of the address, as a name need not be valid UTF-8.
-    return fs::path(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString());
+    const QByteArray path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    // The system reads a path up to its first NUL: that would be another one.
+    if (path.contains('\0')) return std::nullopt;
+    return fs::path(path.toStdString());
 }
 
 }  // namespace tarvik::DropURLReader

@@ -35,7 +35,7 @@ std::optional<QUrl> load(const Item& item);
 std::optional<QUrl> decode(const QVariant& form);
 
 /// The address of a path, whose bytes need not be UTF-8, and the path of the address of a file; nothing for any other
-/// address. The path is as it was written: it may be relative. Pure.
+/// address, and for one with a NUL in its path. The path is as it was written: it may be relative. Pure.
 QUrl urlOf(const QByteArray& path);
 std::optional<fs::path> pathOf(const QUrl& url);
 

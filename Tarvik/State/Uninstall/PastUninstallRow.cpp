@@ -5,6 +5,7 @@
 #include "Platform/Text/Text.h"
 #include "State/Lists/FilePath.h"
 #include "State/Lists/ScreenText.h"
+#include "UninstallRun/UninstallSessionId.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -21,6 +22,7 @@ namespace {
 
 using PastRow = PastUninstallRow;
 using ItemState = UninstallUndo::Item::State;
+using MovedItem = AppUninstallSession::MovedItem;
 
 QString joined(const QStringList& parts) {
     return parts.join(QStringLiteral(" · "));
@@ -41,6 +43,15 @@ std::size_t countOf(const PastUninstall& past, ItemState state) {
         std::count_if(past.items->begin(), past.items->end(), [&](const auto& item) { return item.state == state; }));
 }
 
+bool isInterrupted(const AppUninstallSession& session) {
+    return !UninstallSessionId::journalNameOf(session.id).empty();
+}
+
+/// Of an interrupted run alone: what it has tried and failed at has a reason, or a place that it was to go to.
+bool wasNotReached(const AppUninstallSession& session, const MovedItem& item) {
+    return isInterrupted(session) && !item.succeeded && !item.error && !item.trashedTo && !item.stashedTo;
+}
+
 QString wordsOfSession(const AppUninstallSession& session) {
     std::size_t gone = 0;
     std::int64_t bytes = 0;
@@ -54,9 +65,15 @@ QString wordsOfSession(const AppUninstallSession& session) {
 
 QString noteOf(const PastUninstall& past) {
     QStringList notes;
-    const auto& moved = past.session.movedItems;
-    const auto stayed = static_cast<std::size_t>(
-        std::count_if(moved.begin(), moved.end(), [](const auto& item) { return !item.succeeded; }));
+    std::size_t stayed = 0;
+    std::size_t notReached = 0;
+    for (const MovedItem& item : past.session.movedItems) {
+        if (item.succeeded) continue;
+        ++(wasNotReached(past.session, item) ? notReached : stayed);
+    }
+    if (notReached > 0)
+        notes.push_back(countedText(notReached, "item") +
+                        (notReached == 1 ? QStringLiteral(" was not reached") : QStringLiteral(" were not reached")));
     if (stayed > 0) notes.push_back(countedText(stayed, "item") + QStringLiteral(" could not be removed"));
     const std::size_t stuck = countOf(past, ItemState::stuck);
     if (stuck > 0) notes.push_back(countedText(stuck, "item") + QStringLiteral(" cannot come back"));
@@ -76,6 +93,9 @@ PastRow rowOfSession(const PastUninstall& past, bool isOpen) {
         row.tone = QStringLiteral("success");
     } else if (back > 0) {
         row.state = QStringLiteral("partly put back");
+        row.tone = QStringLiteral("warning");
+    } else if (isInterrupted(past.session)) {
+        row.state = QStringLiteral("interrupted");
         row.tone = QStringLiteral("warning");
     }
     return row;
@@ -118,9 +138,13 @@ void appendItems(std::vector<PastRow>& rows, const PastUninstall& past, const fs
     for (const auto& item : past.session.movedItems) {
         if (item.succeeded) continue;
         PastRow row = itemRow(id, position++, item.originalPath, home);
-        row.state = QStringLiteral("not removed");
         row.tone = QStringLiteral("warning");
-        row.note = screenText(item.error.value_or("It was left as it is."));
+        if (wasNotReached(past.session, item)) {
+            row.state = QStringLiteral("was not reached");
+        } else {
+            row.state = QStringLiteral("not removed");
+            row.note = screenText(item.error.value_or("It was left as it is."));
+        }
         rows.push_back(std::move(row));
     }
     for (const std::string& receipt : past.session.forgottenReceipts) {

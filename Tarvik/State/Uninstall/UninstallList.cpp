@@ -1,7 +1,6 @@
 #include "State/Uninstall/UninstallList.h"
 
 #include "State/Lists/ScreenText.h"
-#include "Uninstall/AppGrouper.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -80,33 +79,34 @@ QString UninstallList::sortShortLabel() const {
 void UninstallList::setApps(std::vector<AppRecord> apps, std::vector<UninstallGroup> groups) {
     std::unordered_map<std::string, const AppRecord*> known;
     for (const AppRecord& record : m_apps) known.emplace(record.id, &record);
-    bool hasSizes = false;
-    for (AppRecord& record : apps) {
+    const auto keepSizes = [&](AppRecord& record) {
         const auto before = known.find(record.id);
-        if (before == known.end() || !isSameButForItsSizes(*before->second, record)) continue;
-        hasSizes = hasSizes || before->second->displaySizeBytes() > 0;
+        if (before == known.end() || !isSameButForItsSizes(*before->second, record)) return;
         record.bundleSizeBytes = before->second->bundleSizeBytes;
         record.footprintBytes = before->second->footprintBytes;
-    }
+    };
+    std::for_each(apps.begin(), apps.end(), keepSizes);
+    for (UninstallGroup& group : groups) std::for_each(group.apps.begin(), group.apps.end(), keepSizes);
     std::set<std::string> marked;
     for (const AppRecord& record : apps)
         if (m_choice.markedIds.contains(record.id)) marked.insert(record.id);
     m_choice.markedIds = std::move(marked);
     m_apps = std::move(apps);
-    m_groups = hasSizes ? AppGrouper::group(m_apps) : std::move(groups);
+    m_groups = std::move(groups);
     refresh();
 }
 
 bool UninstallList::takeSizes(const std::unordered_map<std::string, AppRecord>& measured) {
-    bool hasAny = false;
-    for (AppRecord& record : m_apps) {
+    const auto take = [&](AppRecord& record) {
         const auto found = measured.find(record.id);
-        if (found == measured.end()) continue;
-        hasAny = true;
+        if (found == measured.end()) return false;
         record = found->second;
-    }
+        return true;
+    };
+    bool hasAny = false;
+    for (AppRecord& record : m_apps) hasAny = take(record) || hasAny;
     if (!hasAny) return false;
-    m_groups = AppGrouper::group(m_apps);
+    for (UninstallGroup& group : m_groups) std::for_each(group.apps.begin(), group.apps.end(), take);
     if (!isSizeSort(sort())) {
         updateRows(measured);
     } else if (!m_soon.isActive()) {

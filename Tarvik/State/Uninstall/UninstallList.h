@@ -69,8 +69,8 @@ public:
     int totalCount() const { return m_totalCount; }
     int shownCount() const { return m_shownCount; }
 
-    /// Takes another list. An application that is the same as before keeps its sizes until it is measured anew, and its
-    /// tick.
+    /// Takes another list, and its groups as they were made in the background. An application that is the same as
+    /// before keeps its sizes until it is measured anew, and its tick.
     void setApps(std::vector<AppRecord> apps, std::vector<UninstallGroup> groups);
     /// Takes measured applications into the list, which keeps its order; of those that are not in it nothing. @returns
     /// whether any was.

@@ -59,6 +59,7 @@ void UninstallState::refreshUninstall() {
 }
 
 void UninstallState::refresh() {
+    m_isScanDueAgain = m_isScanning;
     if (m_isWanted) refreshUninstall();
 }
 
@@ -134,7 +135,7 @@ QCoro::Task<> UninstallState::inspect(QUrl url) {
     if (record) {
         selectUninstallApp(std::move(record));
     } else {
-        const QString name = path.empty() ? url.fileName() : screenText(lastComponent(path));
+        const QString name = path.empty() ? url.fileName(QUrl::PrettyDecoded) : screenText(lastComponent(path));
         app().setError(QStringLiteral("Not an app bundle: ") + (name.isEmpty() ? url.toDisplayString() : name));
     }
 }

@@ -106,7 +106,9 @@ public:
     void toggleAppMark(const std::string& id) { m_list.toggleMark(id); }
     void appendUninstallLog(const std::vector<std::string>& lines);
 
+    /// Also while the applications are being listed: they are listed once more then.
     void refresh() override;
+    /// A move may have brought an application or a launcher, or taken one.
     void linksChanged() override { refresh(); }
     void stop() override;
 

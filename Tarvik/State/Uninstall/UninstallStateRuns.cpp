@@ -181,8 +181,7 @@ QCoro::Task<> UninstallState::bringBack(AppUninstallSession session) {
 }
 
 void UninstallState::lookAgain() {
-    m_isScanDueAgain = m_isScanning;
-    refreshUninstall();
+    m_isWanted = true;
     app().lookAgain();
 }
 

@@ -48,12 +48,23 @@ ListRow {
         Column {
             Layout.fillWidth: true
             spacing: 2
-            ElidedLabel {
-                objectName: "pastName"
+            RowLayout {
                 width: parent.width
-                fullText: row.name
-                font.weight: row.isSession ? Font.DemiBold : Font.Normal
-                Accessible.ignored: true
+                spacing: Theme.small
+                ElidedLabel {
+                    objectName: "pastName"
+                    Layout.fillWidth: true
+                    fullText: row.name
+                    font.weight: row.isSession ? Font.DemiBold : Font.Normal
+                    Accessible.ignored: true
+                }
+                Badge {
+                    objectName: "pastState"
+                    visible: row.stateText !== ""
+                    implicitHeight: 18
+                    text: row.stateText
+                    tone: row.tone
+                }
             }
             Label {
                 objectName: "pastDetail"
@@ -75,13 +86,6 @@ ListRow {
                 font.pixelSize: Theme.captionSize
                 Accessible.ignored: true
             }
-        }
-        Badge {
-            objectName: "pastState"
-            visible: row.stateText !== ""
-            implicitHeight: 18
-            text: row.stateText
-            tone: row.tone
         }
         Spinner {
             objectName: "pastSpinner"

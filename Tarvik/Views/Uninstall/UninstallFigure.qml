@@ -7,6 +7,9 @@ Column {
 
     property string value
     property string unit
+    property bool showsUnit: true
+    /// Its width with the unit.
+    readonly property real fullWidth: number.implicitWidth + Theme.tiny + unitLabel.implicitWidth
 
     spacing: 0
     Accessible.role: Accessible.StaticText
@@ -23,7 +26,9 @@ Column {
             Accessible.ignored: true
         }
         Label {
+            id: unitLabel
             objectName: "figureUnit"
+            visible: figure.showsUnit
             anchors.bottom: number.bottom
             anchors.bottomMargin: 2
             text: figure.unit

@@ -219,6 +219,21 @@ TEST_F(DedupeStateTest, NeverShowsWhatAScanSawBeforeARunEnded) {
     EXPECT_FALSE(dedupeTab().isScanningDedupe());
 }
 
+TEST_F(DedupeStateTest, NeverShowsWhatAScanSawBeforeAMoveEnded) {
+    addDuplicate("Edit");
+    for (const auto tell : {&DedupeState::linksChanged, &DedupeState::refresh}) {
+        fs::remove_all(own / "Draw.app");
+        endOfScan->close();
+        dedupeTab().refreshDedupe();
+        endOfScan->waitForSomebody();
+        addDuplicate("Draw");
+        (dedupeTab().*tell)();
+        endOfScan->open();
+        settle();
+        EXPECT_EQ(dedupeTab().groupCount(), 2);
+    }
+}
+
 TEST_F(DedupeStateTest, RemovesNothingWhileSomethingIsBeingMoved) {
     addDuplicate("Edit");
     scan();

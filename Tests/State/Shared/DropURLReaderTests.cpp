@@ -73,6 +73,13 @@ TEST(DropURLReader, KeepsTheBytesOfAPath) {
     EXPECT_EQ(DropURLReader::pathOf(QUrl("https://example.org/")), std::nullopt);
 }
 
+TEST(DropURLReader, FindsNoPathWhereOneHoldsANul) {
+    EXPECT_EQ(DropURLReader::pathOf(QUrl("file:///Applications/Atlas.app%00.txt")), std::nullopt);
+    EXPECT_EQ(DropURLReader::pathOf(QUrl("file:///%00")), std::nullopt);
+    EXPECT_EQ(DropURLReader::pathOf(*decode(QByteArray("/Atlas.app\0.txt", 15))), std::nullopt);
+    EXPECT_EQ(DropURLReader::pathOf(QUrl("file:///Atlas%2500.app")), "/Atlas%00.app");
+}
+
 TEST(DropURLReader, GoesOnWithTheNextTypeWhenOneHoldsNothing) {
     std::vector<QString> asked;
     const DropURLReader::Item item{

@@ -67,6 +67,30 @@ TEST(PastUninstallRow, TellsHowItStandsWithTheItems) {
     EXPECT_EQ(headWith({}).state, "") << "a run that took nothing";
 }
 
+TEST(PastUninstallRow, TellsThatARunWasInterruptedAndWhatItDidNotReach) {
+    const auto headWith = [](std::size_t gone, std::size_t stayed) {
+        return headOf({sessionOf("interrupted-20261115_174540", gone, stayed), {}});
+    };
+    EXPECT_EQ(headWith(2, 0).state, "interrupted");
+    EXPECT_EQ(headWith(2, 0).tone, "warning");
+    EXPECT_EQ(headWith(2, 0).note, "");
+    EXPECT_EQ(headWith(1, 1).note, "1 item was not reached");
+    EXPECT_EQ(headWith(0, 2).note, "2 items were not reached");
+    EXPECT_EQ(headOf({sessionOf("20261115_174540", 2, 0), {}}).state, "");
+
+    AppUninstallSession session = sessionOf("interrupted-20261115_174540", 1, 2);
+    session.movedItems[1].stashedTo = "/Users/me/.stash";
+    const PastUninstall past{session, std::vector{itemOf(ItemState::waiting)}};
+    const auto rows = PastUninstallRow::list({past}, {session.id}, "/Users/me");
+    ASSERT_EQ(rows.size(), 4U);
+    EXPECT_EQ(rows[0].note, "1 item was not reached · 1 item could not be removed");
+    EXPECT_TRUE(rows[0].canPutBack);
+    EXPECT_EQ(rows[2].state, "not removed") << "the run has tried that";
+    EXPECT_EQ(rows[3].state, "was not reached");
+    EXPECT_EQ(rows[3].note, "");
+    EXPECT_EQ(headOf({session, std::vector{itemOf(ItemState::back)}}).state, "put back");
+}
+
 TEST(PastUninstallRow, ListsItemsBelowTheOnesThatAreOpen) {
     AppUninstallSession session = sessionOf("a", 3, 1);
     session.movedItems.back().error = "No.";

@@ -60,6 +60,32 @@ TEST_F(PlannedUninstallTest, KnowsNothingAtFirst) {
     EXPECT_THAT(planned.checked(), IsEmpty());
 }
 
+TEST_F(PlannedUninstallTest, ChangesTwoRowsOfThousandsForATick) {
+    std::vector<UninstallCandidate> candidates;
+    for (int number = 0; number < 5000; ++number)
+        candidates.push_back(candidate("/Users/me/" + std::to_string(number), caches, 1000));
+    plan(std::move(candidates));
+    planned.toggleSection(caches);
+    ASSERT_EQ(planned.rowsModel()->rowCount(), 5001);
+    EXPECT_EQ(value(0, "detail"), "5000 items · 5 MB");
+    QSignalSpy changed(planned.rowsModel(), &QAbstractItemModel::dataChanged);
+    QSignalSpy inserted(planned.rowsModel(), &QAbstractItemModel::rowsInserted);
+    QSignalSpy reset(planned.rowsModel(), &QAbstractItemModel::modelReset);
+    planned.toggleChecked("/Users/me/4321");
+    std::vector<int> rows;
+    for (const auto& arguments : changed) {
+        const int last = arguments.at(1).value<QModelIndex>().row();
+        for (int row = arguments.at(0).value<QModelIndex>().row(); row <= last; ++row) rows.push_back(row);
+    }
+    EXPECT_THAT(rows, testing::SizeIs(2)) << "the item and its section";
+    EXPECT_EQ(inserted.count() + reset.count(), 0);
+    EXPECT_EQ(planned.checked().size(), 4999U);
+    EXPECT_EQ(planned.checkedBytes(), 4'999'000);
+    EXPECT_EQ(value(0, "checkState").toInt(), static_cast<int>(Qt::PartiallyChecked));
+    planned.toggleSection(caches);
+    EXPECT_EQ(planned.rowsModel()->rowCount(), 1);
+}
+
 TEST_F(PlannedUninstallTest, TellsOfTheApplication) {
     planned.setApp(atlas);
     EXPECT_EQ(planned.name(), "Atlas");
