@@ -1,6 +1,7 @@
 #include "Health/ManifestRevertDetector.h"
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Text/LocalTime.h"
 #include "Records/HealthManifest.h"
 #include "Support/Bundles.h"
@@ -296,6 +297,20 @@ TEST_F(AppUninstallRunnerTest, TakesTheCopyThatALauncherLeadsToUnlessItIsAnother
         EXPECT_EQ(world.run(false, std::set<std::string>{copy.native()}).movedItems[0].succeeded, isOwn);
         EXPECT_NE(Files::itemExists(copy), isOwn);
     }
+}
+
+TEST_F(AppUninstallRunnerTest, EndsBeforeItsNextItemWhenItIsStopped) {
+    world.addData(world.library("Caches/Foo"));
+    Cancellation stop;
+    const AppUninstallReporter reporter{[&](const std::string& line) {
+        if (line.starts_with("trash\t")) stop.cancel();
+    }};
+    const auto session = AppUninstallRunner::run(world.host, world.plan, UninstallSelection::everything, false,
+                                                 std::nullopt, reporter, stop);
+    ASSERT_EQ(session.movedItems.size(), 1U);
+    EXPECT_FALSE(Files::itemExists(world.bundle));
+    EXPECT_TRUE(Files::itemExists(world.library("Caches/Foo")));
+    EXPECT_TRUE(UninstallSessionStore::find(session.id, AppStorageNames::uninstallSessionRoot(world.host)));
 }
 
 TEST_F(AppUninstallRunnerTest, GivesTwoRunsInOneSecondARecordEach) {
