@@ -98,9 +98,9 @@ MovedItem moved(const Host& host, const UninstallCandidate& candidate, const App
     return item;
 }
 
-MovedItem movedUnlessChanged(const Host& host, const AppRecord& app, const UninstallCandidate& candidate,
+MovedItem movedUnlessChanged(const Host& host, UninstallCheck& check, const UninstallCandidate& candidate,
                              const AppUninstallReporter& reporter) {
-    const auto reason = UninstallCheck::reasonToStay(host, app, candidate);
+    const auto reason = check.reasonToStay(candidate);
     if (!reason) return moved(host, candidate, reporter);
     notify(reporter.log,
            fmt::format("stays\t{}\t{}\t{}", textOf(candidate.category), candidate.path.native(), *reason));
@@ -236,6 +236,7 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
                                 .appName = app.displayName,
                                 .bundleIdentifier = app.bundleIdentifier,
                                 .dryRun = dryRun};
+    UninstallCheck check(host, app);
     for (const UninstallCandidate* candidate : chosen) {
         if (stop.isCancelled()) break;
         if (candidate->category == UninstallCategory::receipts) {
@@ -246,7 +247,7 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
         } else if (dryRun) {
             session.movedItems.push_back(handleFile(host, *candidate, dryRun, reporter));
         } else {
-            MovedItem item = movedUnlessChanged(host, app, *candidate, reporter);
+            MovedItem item = movedUnlessChanged(host, check, *candidate, reporter);
             journal->note(
                 UninstallJournal::lineOf(session.movedItems.size(), {item.succeeded, item.trashedTo, item.stashedTo}));
             session.movedItems.push_back(std::move(item));

@@ -6,8 +6,9 @@
 #include "Platform/Text/PropertyList.h"
 
 #include <fcntl.h>
+#include <utility>
 
-namespace tarvik::UninstallCheck {
+namespace tarvik {
 
 namespace {
 
@@ -33,18 +34,36 @@ bool isAnotherApplication(const AppRecord& app, const UninstallCandidate& candid
     return identifier && planned && *identifier != *planned;
 }
 
-/// Whether the records of this program are in it, or it in them, by whatever spelling. What an installer has recorded
-/// of an application goes with that.
-bool holdsRecords(const Host& host, const fs::path& path, ItemType type) {
-    const fs::path records = AppStorageNames::supportRoot(host);
-    if (type == ItemType::folder && Files::isItemAtOrBelow(records, path)) return true;
-    return Files::isItemAtOrBelow(path, records) &&
-           !Files::isSameItem(Files::info(path.parent_path()), Files::info(AppStorageNames::sessionRoot(host)));
-}
-
 }  // namespace
 
-std::optional<std::string> reasonToStay(const Host& host, const AppRecord& app, const UninstallCandidate& candidate) {
+UninstallCheck::UninstallCheck(const Host& host, const AppRecord& app)
+    : m_host(host),
+      m_app(app),
+      m_records(AppStorageNames::supportRoot(host)),
+      m_realRecords(Files::resolved(m_records).value_or(m_records)) {}
+
+/// What is directly in such a folder belongs to the records of this program, but for what an installer has recorded of
+/// an application, which goes with that.
+bool UninstallCheck::isFolderOfRecords(const fs::path& folder) const {
+    const fs::path real = Files::resolved(folder).value_or(folder);
+    return Files::isItemAtOrBelow(real, m_realRecords) &&
+           !Files::isSameItem(Files::info(real), Files::infoFollowingLinks(AppStorageNames::sessionRoot(m_host)));
+}
+
+/// Whether the records are in it, or it in them, by whatever way.
+bool UninstallCheck::holdsRecords(const fs::path& path, ItemType type) {
+    const bool mayHoldOthers = type != ItemType::regular;
+    if (mayHoldOthers && (Files::isItemAtOrBelow(m_records, path) || Files::isItemAtOrBelow(m_realRecords, path)))
+        return true;
+    fs::path folder = path.parent_path();
+    if (folder.native() != m_lastFolder.native()) {
+        m_isLastOfRecords = isFolderOfRecords(folder);
+        m_lastFolder = std::move(folder);
+    }
+    return m_isLastOfRecords;
+}
+
+std::optional<std::string> UninstallCheck::reasonToStay(const UninstallCandidate& candidate) {
     const fs::path path = Files::standardized(candidate.path);
     const auto now = Files::info(path);
     if (!now) return std::nullopt;
@@ -56,10 +75,10 @@ std::optional<std::string> reasonToStay(const Host& host, const AppRecord& app, 
                                                                        : "something else stands there by now";
     }
     if (now->type == ItemType::folder && isMountPoint(path)) return "something is mounted there";
-    if (holdsRecords(host, path, now->type)) return "it holds the records of this program";
+    if (holdsRecords(path, now->type)) return "it holds the records of this program";
     // A link leads where it leads: only it goes.
-    if (!isLink && isAnotherApplication(app, candidate, path)) return "it is another application by now";
+    if (!isLink && isAnotherApplication(m_app, candidate, path)) return "it is another application by now";
     return std::nullopt;
 }
 
-}  // namespace tarvik::UninstallCheck
+}  // namespace tarvik

@@ -93,9 +93,8 @@ std::optional<Number> readNumber(std::string_view field) {
 
 std::string written(const std::optional<ItemIdentity>& identity) {
     if (!identity) return std::string(nothing);
-    return fmt::format("{}:{}:{}:{}:{}:{}", static_cast<int>(identity->type), identity->device, identity->inode,
-                       identity->size, identity->changed,
-                       identity->born ? std::to_string(*identity->born) : std::string(nothing));
+    return fmt::format("{}:{}:{}:{}:{}", static_cast<int>(identity->type), identity->inode, identity->size,
+                       identity->changed, identity->born ? std::to_string(*identity->born) : std::string(nothing));
 }
 
 /// The first fields of a line. No line has as many as can be held: of one that has, the rest does not matter.
@@ -119,19 +118,17 @@ private:
 
 std::optional<ItemIdentity> readIdentity(std::string_view field) {
     const Fields parts(field, ':');
-    if (parts.size() != 6) return std::nullopt;
+    if (parts.size() != 5) return std::nullopt;
     const auto type = readNumber<int>(parts[0]);
-    const auto device = readNumber<std::uint64_t>(parts[1]);
-    const auto inode = readNumber<std::uint64_t>(parts[2]);
-    const auto size = readNumber<std::int64_t>(parts[3]);
-    const auto changed = readNumber<std::int64_t>(parts[4]);
-    if (!type || *type < 0 || *type > lastItemType || !device || !inode || !size || !changed) return std::nullopt;
+    const auto inode = readNumber<std::uint64_t>(parts[1]);
+    const auto size = readNumber<std::int64_t>(parts[2]);
+    const auto changed = readNumber<std::int64_t>(parts[3]);
+    if (!type || *type < 0 || *type > lastItemType || !inode || !size || !changed) return std::nullopt;
     return ItemIdentity{.type = static_cast<Files::ItemType>(*type),
-                        .device = *device,
                         .inode = *inode,
                         .size = *size,
                         .changed = *changed,
-                        .born = readNumber<std::int64_t>(parts[5])};
+                        .born = readNumber<std::int64_t>(parts[4])};
 }
 
 bool isItemPath(const fs::path& path) {

@@ -185,7 +185,10 @@ TEST_F(AppUninstallRunnerTest, LeavesTheRecordsOfThisProgram) {
     const fs::path own = AppStorageNames::supportRoot(world.host);
     const fs::path session = AppStorageNames::sessionRoot(world.host) / "20261115_174543";
     makeFile(session / "session.json");
-    world.plan = world.planWith({own.parent_path(), own, AppStorageNames::sessionRoot(world.host), session});
+    const fs::path way = world.home / "way";
+    makeLink(way, own);
+    makeFile(own / "config.json");
+    world.plan = world.planWith({own.parent_path(), own, way / "config.json", session, way});
     const auto past = world.run();
     for (const std::size_t number : {1U, 2U, 3U}) {
         EXPECT_FALSE(past.movedItems[number].succeeded);
@@ -193,7 +196,7 @@ TEST_F(AppUninstallRunnerTest, LeavesTheRecordsOfThisProgram) {
                                                past.movedItems[number].originalPath.native() +
                                                "\tit holds the records of this program");
     }
-    EXPECT_TRUE(past.movedItems[4].succeeded);
+    EXPECT_TRUE(past.movedItems[4].succeeded && past.movedItems[5].succeeded);
 }
 
 TEST_F(AppUninstallRunnerTest, KeepsNoMachineAwakeForARehearsal) {

@@ -13,12 +13,8 @@ UninstallJournal full() {
                              .bundleIdentifier = "",
                              .startedAt = std::chrono::system_clock::time_point(std::chrono::seconds(1794764743)),
                              .items = {}};
-    const ItemIdentity identity{.type = Files::ItemType::folder,
-                                .device = ~std::uint64_t{0},
-                                .inode = 7,
-                                .size = -1,
-                                .changed = -1'000'000'000,
-                                .born = 12};
+    const ItemIdentity identity{
+        .type = Files::ItemType::folder, .inode = ~std::uint64_t{0}, .size = -1, .changed = -1'000'000'000, .born = 12};
     ItemIdentity unborn = identity;
     unborn.born.reset();
     journal.items.push_back({.path = "/a\xff\\t\r",
@@ -82,9 +78,7 @@ TEST(UninstallJournal, NamesNoPathThatNoRunWrites) {
 
 TEST(UninstallJournal, HoldsNoMoreThanAnyApplicationHas) {
     UninstallJournal journal = full();
-    journal.items.resize(UninstallJournal::mostItems, journal.items[1]);
-    EXPECT_TRUE(UninstallJournal::parsed(journal.opening()).has_value());
-    journal.items.push_back(journal.items[1]);
+    journal.items.resize(UninstallJournal::mostItems + 1, journal.items[1]);
     EXPECT_EQ(UninstallJournal::parsed(journal.opening()), std::nullopt);
 }
 

@@ -12,8 +12,6 @@ namespace tarvik {
 /// was mounted anew. It says nothing of what is in the item. Times are nanoseconds since 1970.
 struct ItemIdentity {
     Files::ItemType type = Files::ItemType::unknown;
-    /// It names the volume until that is mounted again, and is not compared by `isSame`.
-    std::uint64_t device = 0;
     std::uint64_t inode = 0;
     std::int64_t size = 0;
     /// When its content last changed.
@@ -26,7 +24,8 @@ struct ItemIdentity {
     static std::optional<ItemIdentity> of(const fs::path& path);
 
     /// Whether both tell of one item. A number alone does not: the number of an item that was removed goes to the next
-    /// one that is made, and on some volumes (FAT) an item has another one after it was renamed.
+    /// one that is made, and on some volumes (FAT) an item has another one after it was renamed. So where the number is
+    /// another one, a copy that kept its times may pass for the item: who searches asks for more.
     bool isSame(const ItemIdentity& other) const;
 
     bool operator==(const ItemIdentity&) const = default;

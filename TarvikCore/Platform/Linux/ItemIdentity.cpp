@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 
 namespace tarvik {
 
@@ -20,7 +19,6 @@ std::optional<ItemIdentity> ItemIdentity::of(const fs::path& path) {
     if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted, &status) != 0)
         return std::nullopt;
     ItemIdentity identity{.type = Files::typeOfMode(status.stx_mode),
-                          .device = static_cast<std::uint64_t>(makedev(status.stx_dev_major, status.stx_dev_minor)),
                           .inode = status.stx_ino,
                           .size = static_cast<std::int64_t>(status.stx_size),
                           .changed = nanosecondsOf(status.stx_mtime)};

@@ -16,7 +16,6 @@ std::optional<ItemIdentity> ItemIdentity::of(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) return std::nullopt;
     ItemIdentity identity{.type = Files::typeOfMode(status.st_mode),
-                          .device = static_cast<std::uint64_t>(status.st_dev),
                           .inode = static_cast<std::uint64_t>(status.st_ino),
                           .size = static_cast<std::int64_t>(status.st_size),
                           .changed = nanosecondsOf(status.st_mtimespec)};
