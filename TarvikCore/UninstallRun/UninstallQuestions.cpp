@@ -85,6 +85,7 @@ void addProgram(const Host& host, const InUse& inUse, const fs::path& program, s
 
 std::vector<std::string> namesOf(const std::vector<Running>& running) {
     std::vector<std::string> names;
+    names.reserve(running.size());
     for (const Running& each : running) names.push_back(each.name);
     return names;
 }
