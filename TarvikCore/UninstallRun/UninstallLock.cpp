@@ -56,6 +56,7 @@ std::vector<UninstallLock> UninstallLock::takeAll(const fs::path& root, const st
     std::set<fs::path> files;
     for (const fs::path& path : appPaths) files.insert(lockFileFor(root, path));
     std::vector<UninstallLock> locks;
+    locks.reserve(files.size());
     for (const fs::path& file : files) locks.push_back(takeFile(file, appName));
     return locks;
 }
