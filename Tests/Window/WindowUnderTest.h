@@ -78,6 +78,7 @@ public:
     bool isEnabled(const QString& name) const { return item(name).isEnabled(); }
     bool hasFocus(const QString& name) const { return item(name).hasActiveFocus(); }
 
+    /// @throws std::runtime_error when its middle does not come to be within the window.
     void click(const QString& name, Qt::MouseButton button = Qt::LeftButton);
     void type(const QString& text);
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
