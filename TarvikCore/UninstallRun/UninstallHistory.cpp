@@ -8,6 +8,7 @@
 #include "UninstallRun/UninstallSessionStore.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tarvik::UninstallHistory {
@@ -27,7 +28,18 @@ void findOut(UninstallSearch& search, const UninstallJournal::Item& noted, Moved
         item.stashedTo = UninstallSearch::stashBeside(noted.path);
 }
 
-AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::Found& found) {
+/// Whether a later run has taken the item away: this one had not come to it.
+bool wentLater(const std::vector<AppUninstallSession>& sessions, const UninstallJournal& journal,
+               const fs::path& path) {
+    return std::any_of(sessions.begin(), sessions.end(), [&](const AppUninstallSession& session) {
+        return session.createdAt > journal.startedAt && session.appPath == journal.appPath &&
+               std::any_of(session.movedItems.begin(), session.movedItems.end(),
+                           [&](const MovedItem& item) { return item.succeeded && item.originalPath == path; });
+    });
+}
+
+AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::Found& found,
+                              const std::vector<AppUninstallSession>& recorded) {
     const UninstallJournal& journal = found.journal;
     AppUninstallSession session{.id = UninstallSessionId::ofInterrupted(found.name),
                                 .appPath = journal.appPath,
@@ -41,7 +53,7 @@ AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::
             item.trashedTo = noted.end->trashedTo;
             item.stashedTo = noted.end->stashedTo;
             item.succeeded = noted.end->succeeded;
-        } else {
+        } else if (!wentLater(recorded, journal, noted.path)) {
             findOut(search, noted, item);
         }
         session.movedItems.push_back(std::move(item));
@@ -73,7 +85,9 @@ std::vector<AppUninstallSession> list(const Host& host) {
         });
     });
     UninstallSearch search(host);
-    for (const auto& found : interrupted) sessions.push_back(sessionOf(search, found));
+    std::vector<AppUninstallSession> unfinished;
+    for (const auto& found : interrupted) unfinished.push_back(sessionOf(search, found, sessions));
+    std::move(unfinished.begin(), unfinished.end(), std::back_inserter(sessions));
     std::stable_sort(sessions.begin(), sessions.end(),
                      [](const AppUninstallSession& one, const AppUninstallSession& other) {
                          return one.createdAt > other.createdAt;
@@ -83,14 +97,11 @@ std::vector<AppUninstallSession> list(const Host& host) {
 
 std::optional<AppUninstallSession> find(const Host& host, const std::string& id) {
     if (!UninstallSessionId::isOne(id)) return std::nullopt;
-    const fs::path root = AppStorageNames::uninstallSessionRoot(host);
-    auto session = UninstallSessionStore::find(id, root);
+    auto session = UninstallSessionStore::find(id, AppStorageNames::uninstallSessionRoot(host));
     if (session && isRecordOf(*session, id)) return session;
-    const std::string name = UninstallSessionId::journalNameOf(id);
-    if (name.empty()) return std::nullopt;
-    UninstallSearch search(host);
-    for (const auto& found : UninstallJournals::interrupted(root))
-        if (found.name == name) return sessionOf(search, found);
+    if (UninstallSessionId::journalNameOf(id).empty()) return std::nullopt;
+    for (AppUninstallSession& each : list(host))
+        if (each.id == id) return std::move(each);
     return std::nullopt;
 }
 

@@ -1,5 +1,6 @@
 #include "UninstallRun/UninstallUndo.h"
 
+#include "MovePlan/MoveRefusal.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
 #include "Platform/Files/FileError.h"
@@ -120,13 +121,14 @@ private:
     /// No run takes from anywhere else, and no way leads through a link that it did not lead through then.
     void requirePlace() const {
         const fs::path& path = m_moved.originalPath;
-        if (!UninstallPlaces::isOne(m_host, m_moved.category, path)) refuse();
+        if (!UninstallPlaces::isOne(m_host, m_session, m_moved.category, path)) refuse();
         const fs::path& place = m_noted ? m_noted->place : path;
         requireDrive(m_host, place);
         const fs::path folder = realFolderOf(path);
         if (folder.empty()) throw Stuck(fmt::format("The way to {} leads nowhere at the moment.", path.native()));
         if (folder != place.parent_path())
             throw Stuck(fmt::format("The way to {} leads somewhere else by now.", path.native()));
+        if (auto refusal = MoveRefusal::ofPlace(m_host, folder / path.filename())) throw Stuck(*std::move(refusal));
     }
 
     void requireWaitingPlace(const fs::path& place) const {

@@ -299,6 +299,24 @@ TEST(UninstallCommand, TellsWhatCannotComeBack) {
     EXPECT_THAT(unknown.errors, HasSubstr("There is no uninstall \"20200101_000000\"."));
 }
 
+TEST(UninstallCommand, IsRefusedWhileAnotherOneRemovesTheSameApplication) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    UninstallCommandWorld world;
+    const auto here = world.folder / "gate";
+    world.replaceTool("pkgutil", "case $1 in --forget) touch '" + (here.native() + "-begun") + "'; until [ -e '" +
+                                     (here.native() + "-go") +
+                                     "' ]; do sleep 0.01; done;; *) echo org.example.sweeper;; esac");
+    test::RunningProgram first(world.command, world.onMachine({"uninstall", "Sweeper", "--with", "receipts", "--yes"}));
+    ASSERT_TRUE(test::comesToStand(here.native() + "-begun"));
+    test::makeBundle(world.sweeper, {{"CFBundleIdentifier", "org.example.sweeper"}});
+    const auto second = world.run({"uninstall", "Sweeper", "--yes"});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_THAT(second.errors, HasSubstr("Sweeper is being uninstalled or put back by another run."));
+    EXPECT_TRUE(fs::exists(world.sweeper));
+    test::makeFile(here.native() + "-go");
+    EXPECT_EQ(first.finish().status, 0);
+}
+
 TEST(UninstallCommand, ForgetsReceiptsWhenToldTo) {
     const UninstallCommandWorld world;
     const auto receipts = world.machine.root / "private/var/db/receipts";

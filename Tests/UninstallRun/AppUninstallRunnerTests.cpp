@@ -53,10 +53,10 @@ TEST_F(AppUninstallRunnerTest, SendsTheBundleFirstAndRecordsIt) {
     EXPECT_EQ(session.appName, "Foo");
     EXPECT_FALSE(session.dryRun);
     EXPECT_EQ(UninstallSessionStore::find(session.id, world.sessions())->movedItems, session.movedItems);
-    EXPECT_THAT(world.lines, ElementsAre("uninstall-start\t" + world.bundle.native() + "\tdry=false",
-                                         "trash\texecutable\t" + world.bundle.native(),
-                                         "trash\tapplicationSupport\t" + data.native(), "session\t" + session.id,
-                                         "uninstall-done\titems=2\treceipts=0"));
+    EXPECT_THAT(world.lines,
+                ElementsAre("uninstall-start\t" + world.bundle.native() + "\tdry=false",
+                            "trash\texecutable\t" + world.bundle.native(), "trash\tcaches\t" + data.native(),
+                            "session\t" + session.id, "uninstall-done\titems=2\treceipts=0"));
 }
 
 TEST_F(AppUninstallRunnerTest, CallsTheRecordByTheLocalTimeOfItsEnd) {
@@ -108,17 +108,17 @@ TEST_F(AppUninstallRunnerTest, TouchesNothingInARehearsal) {
     world.plan.candidates.push_back(receipt("org.example.pkg"));
     world.plan.candidates.back().defaultSelected = true;
     const std::string before = pictureOf(world.folder.path());
-    const auto session = AppUninstallRunner::run(world.host, world.plan, {.includeData = true, .includeReceipts = true},
-                                                 true, std::nullopt, world.reporter());
+    const auto session = AppUninstallRunner::run(
+        world.host, world.plan, {.includeCaches = true, .includeReceipts = true}, true, std::nullopt, world.reporter());
     EXPECT_EQ(pictureOf(world.folder.path()), before);
     EXPECT_TRUE(session.dryRun);
     ASSERT_EQ(session.movedItems.size(), 2U);
     for (const auto& item : session.movedItems) EXPECT_TRUE(item.succeeded && !item.trashedTo && !item.stashedTo);
     EXPECT_THAT(session.forgottenReceipts, ElementsAre("org.example.pkg"));
-    EXPECT_THAT(world.lines, ElementsAre("uninstall-start\t" + world.bundle.native() + "\tdry=true",
-                                         "dry-trash\texecutable\t" + world.bundle.native(),
-                                         "dry-trash\tapplicationSupport\t" + data.native(),
-                                         "dry-forget-receipt\torg.example.pkg", "uninstall-done\titems=2\treceipts=1"));
+    EXPECT_THAT(world.lines,
+                ElementsAre("uninstall-start\t" + world.bundle.native() + "\tdry=true",
+                            "dry-trash\texecutable\t" + world.bundle.native(), "dry-trash\tcaches\t" + data.native(),
+                            "dry-forget-receipt\torg.example.pkg", "uninstall-done\titems=2\treceipts=1"));
 }
 
 TEST_F(AppUninstallRunnerTest, SetsAsideWhatTheTrashRefuses) {
@@ -272,8 +272,8 @@ TEST_F(AppUninstallRunnerTest, LeavesWhatHasBecomeSomethingElse) {
     EXPECT_FALSE(session.movedItems[1].succeeded || session.movedItems[2].succeeded);
     EXPECT_EQ(session.movedItems[1].stashedTo, std::nullopt);
     EXPECT_EQ(session.movedItems[1].error, std::nullopt);
-    EXPECT_EQ(world.lines[2], "stays\tapplicationSupport\t" + data.native() + "\tsomething else stands there by now");
-    EXPECT_EQ(world.lines[3], "stays\tapplicationSupport\t" + linked.native() + "\tit has become a link");
+    EXPECT_EQ(world.lines[2], "stays\tcaches\t" + data.native() + "\tsomething else stands there by now");
+    EXPECT_EQ(world.lines[3], "stays\tlogs\t" + linked.native() + "\tit has become a link");
 }
 
 TEST_F(AppUninstallRunnerTest, LeavesAFolderThatNowHoldsAnotherApplication) {

@@ -111,13 +111,31 @@ TEST_F(UninstallHistoryTest, FindsNothingByWhatIsNoId) {
         EXPECT_EQ(UninstallHistory::find(world.host, id), std::nullopt) << id;
 }
 
+TEST_F(UninstallHistoryTest, LeavesToALaterRunWhatThatTook) {
+    const fs::path caches = world.library("Caches/Foo");
+    const fs::path logs = world.library("Logs/Foo");
+    for (const fs::path& path : {caches, logs}) world.addData(path);
+    runKilledAt(caches, DeadlyTrash::When::after);
+    ASSERT_THAT(UninstallHistory::list(world.host), SizeIs(1));
+    world.plan = world.planWith({});
+    world.plan.candidates = {world.candidate(logs)};
+    const auto later = world.run();
+    for (const auto& past : UninstallHistory::list(world.host)) {
+        if (past.id == later.id) continue;
+        EXPECT_EQ(UninstallHistory::find(world.host, past.id), past);
+        for (const auto& item : past.movedItems)
+            EXPECT_EQ(item.succeeded, item.originalPath != logs) << item.originalPath;
+    }
+}
+
 TEST_F(UninstallHistoryTest, HasWhatAKilledRunTookAndPutsItBack) {
-    for (const char* name : {"Caches/Foo", "Logs/Foo", "Preferences/Foo", "WebKit/Foo"})
+    for (const char* name : {"Caches/Foo", "Logs/Foo", "Preferences/org.example.Foo.plist", "WebKit/org.example.Foo"})
         world.addData(world.library(name), name);
     const std::string before = pictureOf(world.folder / "Applications") + pictureOf(world.home / "Library");
     for (const auto when : {DeadlyTrash::When::before, DeadlyTrash::When::after}) {
         world.plan = world.planWith({});
-        for (const char* name : {"Caches/Foo", "Logs/Foo", "Preferences/Foo", "WebKit/Foo"})
+        for (const char* name :
+             {"Caches/Foo", "Logs/Foo", "Preferences/org.example.Foo.plist", "WebKit/org.example.Foo"})
             world.plan.candidates.push_back(world.candidate(world.library(name)));
         runKilledAt(world.library("Logs/Foo"), when);
         const auto past = UninstallHistory::list(world.host);

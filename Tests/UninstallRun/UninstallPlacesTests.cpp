@@ -8,37 +8,69 @@ namespace tarvik::test {
 namespace {
 
 bool isPlace(const fs::path& path, UninstallCategory category = UninstallCategory::caches) {
-    return UninstallPlaces::isOne(hostOf("/", "/Users/ada"), category, path);
+    AppUninstallSession session;
+    session.appPath = "/Applications/Foo.app";
+    session.appName = "Foo";
+    session.bundleIdentifier = "org.example.Foo";
+    return UninstallPlaces::isOne(hostOf("/", "/Users/ada"), session, category, path);
 }
 
 }  // namespace
 
 TEST(UninstallPlaces, AreThoseThatPlansNameThingsOf) {
-    for (const char* path :
-         {"/Users/ada/Library/Application Support/Foo", "/Users/ada/Library/Caches/org.example.Foo",
-          "/Users/ada/Library/Logs/Foo", "/Users/ada/Library/Preferences/org.example.Foo.plist",
-          "/Users/ada/Library/Preferences/ByHost/org.example.Foo.1.plist", "/Users/ada/Library/Containers/Foo",
-          "/Users/ada/Library/Group Containers/Foo", "/Users/ada/Library/HTTPStorages/Foo",
-          "/Users/ada/Library/WebKit/Foo", "/Users/ada/Library/Saved Application State/Foo.savedState",
-          "/Users/ada/Library/LaunchAgents/Foo.plist", "/Users/ada/.foo", "/Users/ada/.foorc",
-          "/Users/ada/Library/Application Support/Tarvik/InstallerSessions/20261115_174543",
-          "/Library/LaunchDaemons/Foo.plist", "/Library/LaunchAgents/Foo.plist", "/Library/Application Support/Foo",
-          "/Library/PrivilegedHelperTools/Foo"})
-        EXPECT_TRUE(isPlace(path)) << path;
+    using enum UninstallCategory;
+    const std::pair<const char*, UninstallCategory> places[] = {
+        {"/Users/ada/Library/Application Support/Foo", applicationSupport},
+        {"/Users/ada/Library/Application Support/foo", applicationSupport},
+        {"/Users/ada/Library/Caches/org.example.Foo", caches},
+        {"/Users/ada/Library/Caches/foo-cli-nodejs", caches},
+        {"/Users/ada/Library/Logs/Foo", logs},
+        {"/Users/ada/Library/Preferences/org.example.Foo.plist", preferences},
+        {"/Users/ada/Library/Preferences/ByHost/org.example.Foo.1.plist", preferences},
+        {"/Users/ada/Library/Containers/org.example.Foo", containers},
+        {"/Users/ada/Library/Group Containers/org.example.Foo", groupContainers},
+        {"/Users/ada/Library/HTTPStorages/org.example.Foo", httpStorages},
+        {"/Users/ada/Library/WebKit/org.example.Foo", webKit},
+        {"/Users/ada/Library/Saved Application State/Foo.savedState", savedAppState},
+        {"/Users/ada/Library/LaunchAgents/org.example.Foo.plist", launchAgents},
+        {"/Users/ada/.foo", applicationSupport},
+        {"/Users/ada/.foorc", applicationSupport},
+        {"/Users/ada/Library/Application Support/Tarvik/InstallerSessions/20261115_174543", installerSession},
+        {"/Library/LaunchDaemons/org.example.Foo.plist", launchDaemons},
+        {"/Library/LaunchAgents/org.example.Foo.plist", launchAgents},
+        {"/Library/Application Support/org.example.Foo", applicationSupport},
+        {"/Library/PrivilegedHelperTools/org.example.Foo", launchDaemons}};
+    for (const auto& [path, category] : places) EXPECT_TRUE(isPlace(path, category)) << path;
+}
+
+TEST(UninstallPlaces, AreNoneOfAnotherApplicationOrCategory) {
+    using enum UninstallCategory;
+    const std::pair<const char*, UninstallCategory> others[] = {
+        {"/Users/ada/Library/LaunchAgents/evil.plist", caches},
+        {"/Users/ada/Library/LaunchAgents/com.other.plist", launchAgents},
+        {"/Users/ada/Library/LaunchAgents/org.example.Foo.plist", caches},
+        {"/Users/ada/Library/Caches/Bar", caches},
+        {"/Users/ada/Library/Caches/-cli", caches},
+        {"/Users/ada/.bashrc", caches},
+        {"/Users/ada/Library/Caches/Foo", receipts},
+        {"/Users/ada/Library/Preferences/ByHost/org.example.Bar.plist", preferences},
+        {"/Users/ada/Library/Application Support/Tarvik/InstallerSessions/1", caches}};
+    for (const auto& [path, category] : others) EXPECT_FALSE(isPlace(path, category)) << path;
 }
 
 TEST(UninstallPlaces, AreNotWhatEveryProgramHasItsThingsIn) {
     for (const char* path :
          {"/Users/ada/.ssh", "/Users/ada/.config", "/Users/ada/.local", "/Users/ada/.Trash", "/Users/ada/.TarvikTrash",
           "/Users/ada/Library/Preferences/ByHost", "/Users/ada/Library/Application Support"})
-        EXPECT_FALSE(isPlace(path)) << path;
+        EXPECT_FALSE(isPlace(path, UninstallCategory::applicationSupport)) << path;
 }
 
 TEST(UninstallPlaces, AreNotWhatThisProgramKeeps) {
     using enum UninstallCategory;
     const fs::path own = "/Users/ada/Library/Application Support/Tarvik";
     for (const char* below : {"", "UninstallSessions", "InstallerSessions", "InstallerSessions/1/session.json"})
-        EXPECT_FALSE(isPlace(below[0] ? own / below : own)) << below;
+        EXPECT_FALSE(isPlace(below[0] ? own / below : own, applicationSupport)) << below;
+    EXPECT_FALSE(isPlace(own / "InstallerSessions/1/session.json", installerSession));
     EXPECT_FALSE(isPlace(own / "UninstallSessions/Foo.app", executable));
     EXPECT_FALSE(isPlace(own / "InstallerSessions/Foo.app", executable));
 }

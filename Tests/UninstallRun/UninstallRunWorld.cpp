@@ -23,6 +23,13 @@ UninstallRunWorld::UninstallRunWorld(const fs::path& drivePath) : World(drivePat
     plan = planWith({});
 }
 
+UninstallCandidate UninstallRunWorld::candidate(const fs::path& path) const {
+    const std::string label = path.parent_path().filename();
+    for (const UninstallCategory category : allUninstallCategories())
+        if (labelOf(category) == label) return candidate(path, category);
+    return candidate(path, UninstallCategory::applicationSupport);
+}
+
 UninstallCandidate UninstallRunWorld::candidate(const fs::path& path, UninstallCategory category) const {
     return {.path = path,
             .category = category,

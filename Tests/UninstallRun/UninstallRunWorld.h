@@ -21,9 +21,9 @@ public:
     UninstallRunWorld();
     explicit UninstallRunWorld(const fs::path& drivePath);
 
-    /// What stands at the path as a candidate that goes by default.
-    UninstallCandidate candidate(const fs::path& path,
-                                 UninstallCategory category = UninstallCategory::applicationSupport) const;
+    /// What stands at the path as a candidate that goes by default, of the category that its folder has in plans.
+    UninstallCandidate candidate(const fs::path& path) const;
+    UninstallCandidate candidate(const fs::path& path, UninstallCategory category) const;
     /// A plan of the bundle and these, all as they stand now.
     AppUninstallPlan planWith(const std::vector<fs::path>& data) const;
     /// Makes a file of that text and adds it to the plan.

@@ -63,7 +63,7 @@ TEST_F(UninstallUndoTest, BringsEverythingBackAsItWas) {
     EXPECT_EQ(items, UninstallUndo::look(world.host, session));
     EXPECT_TRUE(items[0].state == State::back && items[1].state == State::back);
     EXPECT_EQ(UninstallUndo::summary(waiting, items), "Put back 2 items.");
-    EXPECT_THAT(world.lines, ElementsAre("undo-start\t" + session.id, "put-back\tapplicationSupport\t" + data.native(),
+    EXPECT_THAT(world.lines, ElementsAre("undo-start\t" + session.id, "put-back\tcaches\t" + data.native(),
                                          "put-back\texecutable\t" + world.bundle.native(), "undo-done\titems=2"));
     EXPECT_EQ(UninstallUndo::summary(items, putBack(session)), "Everything is back already.");
 }
