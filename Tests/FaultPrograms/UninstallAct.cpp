@@ -19,6 +19,12 @@ namespace tarvik {
 
 namespace {
 
+UninstallCategory categoryOf(const fs::path& path) {
+    if (path.extension() == ".app") return UninstallCategory::executable;
+    return path.parent_path().filename() == "Caches" ? UninstallCategory::caches
+                                                     : UninstallCategory::applicationSupport;
+}
+
 AppUninstallPlan planOf(std::span<char*> paths) {
     AppUninstallPlan plan;
     plan.app.bundlePath = paths[0];
@@ -26,8 +32,7 @@ AppUninstallPlan planOf(std::span<char*> paths) {
     plan.app.bundleIdentifier = "org.example.Foo";
     for (const char* path : paths)
         plan.candidates.push_back({.path = path,
-                                   .category = plan.candidates.empty() ? UninstallCategory::executable
-                                                                       : UninstallCategory::applicationSupport,
+                                   .category = categoryOf(path),
                                    .sizeBytes = 1,
                                    .defaultSelected = true,
                                    .isSymlink = Files::isSymbolicLink(path),
