@@ -89,8 +89,10 @@ bool waitFor(int input, Clock::time_point deadline) {
 std::optional<Answer> receive(int input, Clock::time_point deadline) {
     if (!waitFor(input, deadline)) return std::nullopt;
     Answer result;
-    // The answer is shorter than what a pipe takes in one piece.
-    if (::read(input, &result, sizeof result) != sizeof result) return Answer();
+    // The answer is shorter than what a pipe takes in one piece. Without one, who asked has been ended by its alarm,
+    // which rings after the deadline and may be noticed first where this thread is woken late, or could not ask.
+    if (::read(input, &result, sizeof result) != sizeof result)
+        return Clock::now() < deadline ? std::optional<Answer>(Answer()) : std::nullopt;
     // Who asked bears this program's arguments as long as it lives, and a list of processes would show them.
     waitFor(input, deadline);
     return result;
