@@ -233,7 +233,8 @@ AppUninstallSession chosenSession(const Host& host, const Options& options) {
 
 /// The whole list as one document, in which each is a table.
 Record recordOf(const UninstallTexts::Past& past) {
-    const auto& [session, items] = past;
+    const AppUninstallSession& session = past.first;
+    const auto& items = past.second;
     const auto count = [&](UndoItem::State state) {
         return static_cast<std::int64_t>(
             std::count_if(items.begin(), items.end(), [&](const UndoItem& item) { return item.state == state; }));

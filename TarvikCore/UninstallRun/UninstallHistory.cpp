@@ -86,6 +86,7 @@ std::vector<AppUninstallSession> list(const Host& host) {
     });
     UninstallSearch search(host);
     std::vector<AppUninstallSession> unfinished;
+    unfinished.reserve(interrupted.size());
     for (const auto& found : interrupted) unfinished.push_back(sessionOf(search, found, sessions));
     std::move(unfinished.begin(), unfinished.end(), std::back_inserter(sessions));
     std::stable_sort(sessions.begin(), sessions.end(),
