@@ -153,6 +153,7 @@ void quitRunning(const Host& host, const Choice& choice, const Options& options)
     if (running.empty()) return;
     if (options.yes && !options.quitsRunning) {
         std::vector<std::string> names;
+        names.reserve(running.size());
         for (const auto& each : running) names.push_back(each.name);
         failWith(fmt::format("{} {} running: quit {} first, or use --quit-running.", Text::listed(names, names.size()),
                              names.size() == 1 ? "is" : "are", names.size() == 1 ? "it" : "them"));
@@ -281,6 +282,7 @@ std::string_view nameOf(UndoItem::State state) {
 void printUndo(const std::vector<UndoItem>& before, const std::vector<UndoItem>& after, Format format) {
     if (format == Format::human) return Terminal::writeLine(UninstallUndo::summary(before, after));
     std::vector<Record> records;
+    records.reserve(after.size());
     for (const UndoItem& item : after)
         records.push_back({{"path", item.originalPath.native()},
                            {"category", std::string(textOf(item.category))},
@@ -359,6 +361,7 @@ void list(const Host& host, const Options& options) {
         return Terminal::writeResult(UninstallTexts::sessions(past));
     }
     std::vector<Record> records;
+    records.reserve(past.size());
     for (const auto& each : past) records.push_back(recordOf(each));
     Terminal::writeResult(toml("sessions", records));
 }
