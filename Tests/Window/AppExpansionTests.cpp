@@ -64,6 +64,19 @@ TEST_F(AppExpansion, TellsMoreOnDemand) {
     EXPECT_FALSE(window.isShown("bundleIdRow"));
 }
 
+TEST_F(AppExpansion, TellsMoreWhileTheApplicationsAreReadAnew) {
+    app("Editor", 4096, 4096);
+    app("Player");
+    auto& window = openRow("Editor");
+    window.click("moreInfoButton");
+    makeFile(world.home / "Library/Caches/Editor/more", std::string(100'000, 'x'));
+    app("Newer");
+    window.state().refreshAll();
+    ASSERT_TRUE(window.waitUntil([&] { return window.state().isIdle(); }));
+    ASSERT_TRUE(window.waitUntilShown("app-Newer"));
+    EXPECT_TRUE(window.isShown("moreInfo"));
+}
+
 TEST_F(AppExpansion, WarnsOfTheStoreAndTellsThatABundleIsAway) {
     makeBundle(backup / "ExternalTarvik/Apps/Shop.app");
     makeFile(backup / "ExternalTarvik/Apps/Shop.app/Contents/_MASReceipt/receipt");
