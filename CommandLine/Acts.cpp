@@ -9,8 +9,8 @@
 #include "CommandLine/HealthActs.h"
 #include "CommandLine/LauncherActs.h"
 #include "CommandLine/LinkActs.h"
+#include "CommandLine/Output/Terminal.h"
 #include "CommandLine/RestoreActs.h"
-#include "CommandLine/Terminal.h"
 #include "CommandLine/UninstallActs.h"
 #include "Platform/Machine/FullDiskAccess.h"
 

@@ -2,7 +2,7 @@
 
 #include "CommandLine/AppTexts.h"
 #include "CommandLine/FoundApps.h"
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Terminal.h"
 #include "Platform/Bundles/CodesignMetadata.h"
 #include "Platform/Files/Files.h"
 

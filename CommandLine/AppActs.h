@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 #include "Platform/Machine/Host.h"
 
 #include <string>

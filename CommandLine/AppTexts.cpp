@@ -3,7 +3,7 @@
 #include "AppData/CategorizedPaths.h"
 #include "Applications/AppRecordKind.h"
 #include "Applications/RiskLevel.h"
-#include "CommandLine/Columns.h"
+#include "CommandLine/Output/Columns.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Text/Text.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CommandLine/FoundApps.h"
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 #include "Platform/Basics/Path.h"
 
 #include <optional>

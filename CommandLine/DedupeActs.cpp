@@ -1,8 +1,8 @@
 #include "CommandLine/DedupeActs.h"
 
 #include "CommandLine/DedupeTables.h"
+#include "CommandLine/Output/Terminal.h"
 #include "CommandLine/Signals.h"
-#include "CommandLine/Terminal.h"
 #include "Dedupe/AppDedupeService.h"
 #include "Dedupe/DedupeTexts.h"
 #include "Platform/Basics/Failure.h"

@@ -1,6 +1,6 @@
 #include "CommandLine/DedupeTables.h"
 
-#include "CommandLine/Columns.h"
+#include "CommandLine/Output/Columns.h"
 #include "Dedupe/DedupeTexts.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Platform/Text/Text.h"

@@ -1,8 +1,8 @@
 #include "CommandLine/DriveActs.h"
 
-#include "CommandLine/Columns.h"
-#include "CommandLine/Records.h"
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Columns.h"
+#include "CommandLine/Output/Records.h"
+#include "CommandLine/Output/Terminal.h"
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"

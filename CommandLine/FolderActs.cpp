@@ -2,7 +2,7 @@
 
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/Outcome.h"
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Terminal.h"
 #include "CommandLine/WatchedRun.h"
 #include "MovePlan/FolderMove.h"
 #include "Platform/Basics/Failure.h"

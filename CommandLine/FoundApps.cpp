@@ -1,7 +1,7 @@
 #include "CommandLine/FoundApps.h"
 
 #include "Applications/AppChoice.h"
-#include "CommandLine/ProgressDisplay.h"
+#include "CommandLine/Output/ProgressDisplay.h"
 #include "Discovery/AppScanner.h"
 #include "Discovery/InstalledAppsScanner.h"
 #include "Platform/Basics/Failure.h"

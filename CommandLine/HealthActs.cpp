@@ -1,10 +1,10 @@
 #include "CommandLine/HealthActs.h"
 
-#include "CommandLine/Columns.h"
 #include "CommandLine/HealthTexts.h"
 #include "CommandLine/Outcome.h"
+#include "CommandLine/Output/Columns.h"
+#include "CommandLine/Output/Terminal.h"
 #include "CommandLine/Signals.h"
-#include "CommandLine/Terminal.h"
 #include "Health/HealthCheck.h"
 #include "HealthRepair/HealthRepair.h"
 #include "HealthRepair/HealthRepairProof.h"

@@ -1,6 +1,6 @@
 #include "CommandLine/HealthTexts.h"
 
-#include "CommandLine/Columns.h"
+#include "CommandLine/Output/Columns.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Platform/Text/Text.h"

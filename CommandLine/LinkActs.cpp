@@ -1,9 +1,9 @@
 #include "CommandLine/LinkActs.h"
 
 #include "Applications/DataPathSize.h"
-#include "CommandLine/Columns.h"
 #include "CommandLine/FoundApps.h"
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Columns.h"
+#include "CommandLine/Output/Terminal.h"
 #include "Discovery/SymlinkScanner.h"
 #include "Platform/Storage/SizeCalculator.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 #include "Platform/Machine/Host.h"
 
 /// What the command tells of the links that stand where things are moved from.

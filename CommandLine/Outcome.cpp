@@ -1,6 +1,6 @@
 #include "CommandLine/Outcome.h"
 
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Terminal.h"
 #include "MovePlan/FolderMove.h"
 #include "Platform/Basics/Failure.h"
 

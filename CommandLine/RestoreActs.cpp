@@ -2,9 +2,9 @@
 
 #include "CommandLine/FoundApps.h"
 #include "CommandLine/Outcome.h"
-#include "CommandLine/ProgressDisplay.h"
+#include "CommandLine/Output/ProgressDisplay.h"
+#include "CommandLine/Output/Terminal.h"
 #include "CommandLine/Signals.h"
-#include "CommandLine/Terminal.h"
 #include "MovePlan/AppRestore.h"
 #include "MovePlan/WayBack.h"
 #include "Platform/Basics/Failure.h"

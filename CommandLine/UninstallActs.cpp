@@ -1,10 +1,10 @@
 #include "CommandLine/UninstallActs.h"
 
-#include "CommandLine/Columns.h"
 #include "CommandLine/FoundApps.h"
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Columns.h"
+#include "CommandLine/Output/Records.h"
+#include "CommandLine/Output/Terminal.h"
 #include "CommandLine/Signals.h"
-#include "CommandLine/Terminal.h"
 #include "CommandLine/UninstallTexts.h"
 #include "Discovery/InstalledAppsScanner.h"
 #include "Platform/Basics/Failure.h"
@@ -185,8 +185,7 @@ std::string reasonOf(const AppUninstallSession::MovedItem& item, const Complaint
 
 std::string endSentence(const AppUninstallSession& session) {
     const auto all = std::ssize(session.movedItems);
-    const auto gone = std::count_if(session.movedItems.begin(), session.movedItems.end(),
-                                    [](const auto& item) { return item.succeeded; });
+    const auto gone = session.goneCount();
     auto text = gone == all ? fmt::format("Uninstalled {} — {}.", session.appName, Text::counted(all, "item"))
                             : fmt::format("Moved {} of {} of {} to the Trash.", gone, Text::counted(all, "item"),
                                           session.appName);
@@ -249,22 +248,6 @@ Record recordOf(const UninstallTexts::Past& past) {
             {"waiting", count(UndoItem::State::waiting)},
             {"back", count(UndoItem::State::back)},
             {"stuck", count(UndoItem::State::stuck)}};
-}
-
-Dialog undoQuestion(const AppUninstallSession& session, const std::vector<UndoItem>& items) {
-    Dialog question{fmt::format("Put {} back?", session.appName), {}, {"Put Back", "Cancel"}};
-    std::int64_t waiting = 0;
-    for (const UndoItem& item : items) {
-        if (item.state == UndoItem::State::waiting) {
-            ++waiting;
-            question.details.push_back(item.originalPath.native());
-        } else if (item.state == UndoItem::State::stuck) {
-            question.details.push_back(fmt::format("{} cannot come back: {}", item.originalPath.native(), item.reason));
-        }
-    }
-    question.text = fmt::format("{} will be moved back to {}. Nothing that stands there is replaced.",
-                                Text::counted(waiting, "item"), waiting == 1 ? "its old place" : "their old places");
-    return question;
 }
 
 std::string_view nameOf(UndoItem::State state) {
@@ -374,7 +357,7 @@ void undo(const Host& host, const Options& options) {
     };
     auto after = before;
     if (std::any_of(before.begin(), before.end(), isIn(UndoItem::State::waiting))) {
-        Terminal::confirm(undoQuestion(session, before), options.yes);
+        Terminal::confirm(UninstallQuestions::confirmPutBack(session, before), options.yes);
         const SignalGuard guard;
         after = UninstallUndo::putBack(host, session, AppUninstallReporter::silent, SignalGuard::request());
     }

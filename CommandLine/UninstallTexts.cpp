@@ -1,7 +1,7 @@
 #include "CommandLine/UninstallTexts.h"
 
 #include "Applications/DataPathSize.h"
-#include "CommandLine/Columns.h"
+#include "CommandLine/Output/Columns.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Platform/Text/Text.h"
 #include "Uninstall/AppGrouper.h"
@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
-#include <limits>
 #include <optional>
 
 namespace tarvik::CommandLine::UninstallTexts {
@@ -22,8 +21,6 @@ using Columns::Align;
 using Rows = std::vector<std::vector<std::string>>;
 
 constexpr std::size_t widestName = 40;
-/// A record can hold any number.
-constexpr std::int64_t mostBytes = std::numeric_limits<std::int64_t>::max();
 
 std::string shown(const fs::path& path, const fs::path& home) {
     return Columns::oneLine(DataPathSize{path}.displayPath(home));
@@ -76,13 +73,6 @@ std::string sumOf(const AppUninstallPlan& plan, const std::set<std::string>& sel
 std::int64_t countOf(const std::vector<UninstallUndo::Item>& items, UninstallUndo::Item::State state) {
     return std::count_if(items.begin(), items.end(),
                          [&](const UninstallUndo::Item& item) { return item.state == state; });
-}
-
-std::int64_t bytesOf(const AppUninstallSession& session) {
-    std::int64_t bytes = 0;
-    for (const auto& item : session.movedItems)
-        if (item.succeeded) bytes += std::clamp(item.sizeBytes, std::int64_t{0}, mostBytes - bytes);
-    return bytes;
 }
 
 std::string stateOf(const std::vector<UninstallUndo::Item>& items) {
@@ -159,12 +149,10 @@ std::string plan(const AppUninstallPlan& plan, const std::set<std::string>& sele
 std::string sessions(const std::vector<Past>& sessions) {
     Rows rows;
     for (const auto& [session, items] : sessions) {
-        const auto gone = std::count_if(session.movedItems.begin(), session.movedItems.end(),
-                                        [](const auto& item) { return item.succeeded; });
         rows.push_back({Columns::oneLine(session.id), Text::date(session.createdAt),
-                        Columns::cut(Columns::oneLine(session.appName), widestName), fmt::to_string(gone),
-                        SizeCalculator::format(bytesOf(session)), fmt::to_string(std::ssize(session.movedItems) - gone),
-                        stateOf(items)});
+                        Columns::cut(Columns::oneLine(session.appName), widestName),
+                        fmt::to_string(session.goneCount()), SizeCalculator::format(session.goneBytes()),
+                        fmt::to_string(std::ssize(session.movedItems) - session.goneCount()), stateOf(items)});
     }
     return Columns::table({{"ID"},
                            {"When"},

@@ -1,7 +1,7 @@
 #include "CommandLine/WatchedRun.h"
 
 #include "CommandLine/Outcome.h"
-#include "CommandLine/ProgressDisplay.h"
+#include "CommandLine/Output/ProgressDisplay.h"
 #include "CommandLine/Signals.h"
 #include "MovePlan/MoveRun.h"
 

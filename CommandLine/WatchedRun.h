@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 #include "MovePlan/MoveJob.h"
 #include "Platform/Basics/Path.h"
 #include "Platform/Machine/Host.h"

@@ -1,7 +1,7 @@
-#include "CommandLine/ProgressDisplay.h"
+#include "CommandLine/Output/ProgressDisplay.h"
 
-#include "CommandLine/Columns.h"
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Columns.h"
+#include "CommandLine/Output/Terminal.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>

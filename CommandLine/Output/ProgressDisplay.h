@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 #include "Copying/ByteProgress.h"
 
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 
 #include "Platform/Text/Text.h"
 

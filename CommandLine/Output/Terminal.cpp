@@ -1,6 +1,6 @@
-#include "CommandLine/Terminal.h"
+#include "CommandLine/Output/Terminal.h"
 
-#include "CommandLine/Columns.h"
+#include "CommandLine/Output/Columns.h"
 #include "MovePlan/FolderMove.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/FileError.h"

@@ -2,7 +2,22 @@
 
 #include "Platform/Text/Json.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace tarvik {
+
+std::int64_t AppUninstallSession::goneCount() const {
+    return std::count_if(movedItems.begin(), movedItems.end(), [](const MovedItem& item) { return item.succeeded; });
+}
+
+std::int64_t AppUninstallSession::goneBytes() const {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    std::int64_t bytes = 0;
+    for (const MovedItem& item : movedItems)
+        if (item.succeeded) bytes += std::clamp(item.sizeBytes, std::int64_t{0}, most - bytes);
+    return bytes;
+}
 
 void to_json(nlohmann::json& json, const AppUninstallSession::MovedItem& item) {
     Json::write(json, "originalPath", item.originalPath);

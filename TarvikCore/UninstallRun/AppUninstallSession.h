@@ -44,6 +44,11 @@ struct AppUninstallSession {
     /// It was a rehearsal: nothing was touched.
     bool dryRun = false;
 
+    /// How many items went, and how many bytes. A record can hold any number: less than nothing counts as nothing, and
+    /// what is too much for a sum as the most there is.
+    std::int64_t goneCount() const;
+    std::int64_t goneBytes() const;
+
     bool operator==(const AppUninstallSession&) const = default;
 };
 

@@ -74,10 +74,15 @@ std::vector<AppUninstallSession> list(const Host& host) {
     // The journals before the records: a run that ends meanwhile is among these.
     auto interrupted = UninstallJournals::interrupted(root);
     std::vector<AppUninstallSession> sessions;
+    // What is left of these is the journal that stands beside them.
+    std::vector<std::string> damaged;
     for (const std::string& name : Files::names(root)) {
         if (!UninstallSessionId::isOne(name)) continue;
         auto session = UninstallSessionStore::load(root / name);
-        if (session && isRecordOf(*session, name)) sessions.push_back(std::move(*session));
+        if (session && isRecordOf(*session, name))
+            sessions.push_back(std::move(*session));
+        else if (!session && UninstallSessionId::journalNameOf(name).empty())
+            damaged.push_back(name);
     }
     std::erase_if(interrupted, [&](const UninstallJournals::Found& found) {
         return std::any_of(sessions.begin(), sessions.end(), [&](const AppUninstallSession& session) {
@@ -86,8 +91,14 @@ std::vector<AppUninstallSession> list(const Host& host) {
     });
     UninstallSearch search(host);
     std::vector<AppUninstallSession> unfinished;
-    unfinished.reserve(interrupted.size());
+    unfinished.reserve(interrupted.size() + damaged.size());
     for (const auto& found : interrupted) unfinished.push_back(sessionOf(search, found, sessions));
+    for (const std::string& id : damaged) {
+        const auto journal = UninstallJournals::ofSession(root, id);
+        if (!journal || journal->sessionId != id) continue;
+        unfinished.push_back(sessionOf(search, {id, *journal}, sessions));
+        unfinished.back().id = id;
+    }
     std::move(unfinished.begin(), unfinished.end(), std::back_inserter(sessions));
     std::stable_sort(sessions.begin(), sessions.end(),
                      [](const AppUninstallSession& one, const AppUninstallSession& other) {
@@ -100,7 +111,6 @@ std::optional<AppUninstallSession> find(const Host& host, const std::string& id)
     if (!UninstallSessionId::isOne(id)) return std::nullopt;
     auto session = UninstallSessionStore::find(id, AppStorageNames::uninstallSessionRoot(host));
     if (session && isRecordOf(*session, id)) return session;
-    if (UninstallSessionId::journalNameOf(id).empty()) return std::nullopt;
     for (AppUninstallSession& each : list(host))
         if (each.id == id) return std::move(each);
     return std::nullopt;

@@ -7,8 +7,9 @@
 #include <string>
 #include <vector>
 
-/// The uninstalls of the past, for a user who wants something back: those with a record, and those that were
-/// interrupted, which have only their journal. Every operation blocks; any thread; nothing fails.
+/// The uninstalls of the past, for a user who wants something back: those with a record, and those that have
+/// only their journal, since they were interrupted or their record is damaged. Every operation blocks; any thread;
+/// nothing fails.
 namespace tarvik::UninstallHistory {
 
 /// The newest first. One that is under way is not among them.

@@ -161,6 +161,22 @@ std::string goesOn(const Running& running) {
                        running.path.native());
 }
 
+Dialog confirmPutBack(const AppUninstallSession& session, const std::vector<UninstallUndo::Item>& items) {
+    using State = UninstallUndo::Item::State;
+    std::int64_t waiting = 0;
+    std::vector<std::string> stuck;
+    for (const UninstallUndo::Item& item : items) {
+        if (item.state == State::waiting) ++waiting;
+        if (item.state == State::stuck)
+            stuck.push_back(fmt::format("{}: {}", Text::displayable(item.originalPath.native()), item.reason));
+    }
+    return {fmt::format("Put back {}?", session.appName),
+            fmt::format("Will bring {} back to {}. Nothing that stands there is replaced.",
+                        Text::counted(waiting, "item"), waiting == 1 ? "its old place" : "their old places"),
+            {"Put Back", "Cancel"},
+            std::move(stuck)};
+}
+
 void quit(const Host& host, const std::vector<Running>& running, std::chrono::duration<double> timeout) {
     for (const Running& each : running)
         if (each.canQuit && !RunningAppsDetector::quit(host, each.path, false, timeout)) throw stillRunning(each);

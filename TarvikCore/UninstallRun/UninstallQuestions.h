@@ -4,6 +4,8 @@
 #include "Platform/Basics/Path.h"
 #include "Platform/Machine/Host.h"
 #include "Uninstall/AppUninstallPlan.h"
+#include "UninstallRun/AppUninstallSession.h"
+#include "UninstallRun/UninstallUndo.h"
 
 #include <chrono>
 #include <optional>
@@ -11,7 +13,7 @@
 #include <string>
 #include <vector>
 
-/// What the user is asked before an uninstall, for every front.
+/// What the user is asked before an uninstall and before its way back, for every front.
 namespace tarvik::UninstallQuestions {
 
 /// Whether the plan shall be carried out. Pure.
@@ -43,6 +45,9 @@ Dialog quitRunning(const std::vector<Running>& running);
 
 /// What is told of a bare program. Pure.
 std::string goesOn(const Running& running);
+
+/// Whether those items of a past uninstall that wait shall come back; what cannot is told with it. Pure.
+Dialog confirmPutBack(const AppUninstallSession& session, const std::vector<UninstallUndo::Item>& items);
 
 /// How long a program that was asked to quit may take: as long as for a move.
 inline constexpr std::chrono::seconds quitTimeout{8};

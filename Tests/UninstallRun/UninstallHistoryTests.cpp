@@ -111,6 +111,18 @@ TEST_F(UninstallHistoryTest, FindsNothingByWhatIsNoId) {
         EXPECT_EQ(UninstallHistory::find(world.host, id), std::nullopt) << id;
 }
 
+TEST_F(UninstallHistoryTest, ShowsADamagedRecordByItsJournal) {
+    world.addData(world.library("Caches/Foo"));
+    const auto session = world.run();
+    fs::resize_file(recordOf(session.id), 100);
+    ASSERT_THAT(ids(), ElementsAre(session.id));
+    const auto found = UninstallHistory::find(world.host, session.id);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->movedItems, session.movedItems);
+    for (const auto& item : UninstallUndo::putBack(world.host, *found, AppUninstallReporter::silent))
+        EXPECT_EQ(item.state, UninstallUndo::Item::State::back) << item.reason;
+}
+
 TEST_F(UninstallHistoryTest, LeavesToALaterRunWhatThatTook) {
     const fs::path caches = world.library("Caches/Foo");
     const fs::path logs = world.library("Logs/Foo");

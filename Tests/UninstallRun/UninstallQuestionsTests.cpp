@@ -70,6 +70,24 @@ TEST_F(UninstallQuestionsTest, WaitsForNoProgramThatNothingCanQuit) {
     EXPECT_THAT(UninstallQuestions::quitRunning({agent}).details, ElementsAre(UninstallQuestions::goesOn(agent)));
 }
 
+TEST_F(UninstallQuestionsTest, AsksBeforeAWayBack) {
+    using State = UninstallUndo::Item::State;
+    AppUninstallSession session;
+    session.appName = "Foo";
+    std::vector<UninstallUndo::Item> items(3);
+    items[0].state = items[1].state = State::waiting;
+    items[2].originalPath = "/a/b";
+    items[2].reason = "Something stands at its old place.";
+    Dialog question = UninstallQuestions::confirmPutBack(session, items);
+    EXPECT_EQ(question.title, "Put back Foo?");
+    EXPECT_EQ(question.text, "Will bring 2 items back to their old places. Nothing that stands there is replaced.");
+    EXPECT_THAT(question.details, ElementsAre("/a/b: Something stands at its old place."));
+    items.resize(1);
+    question = UninstallQuestions::confirmPutBack(session, items);
+    EXPECT_EQ(question.text, "Will bring 1 item back to its old place. Nothing that stands there is replaced.");
+    EXPECT_THAT(question.details, IsEmpty());
+}
+
 TEST_F(UninstallQuestionsTest, NamesAnApplicationThatRuns) {
     EXPECT_THAT(running(), IsEmpty());
     start(world.bundle);

@@ -53,13 +53,8 @@ bool wasNotReached(const AppUninstallSession& session, const MovedItem& item) {
 }
 
 QString wordsOfSession(const AppUninstallSession& session) {
-    std::size_t gone = 0;
-    std::int64_t bytes = 0;
-    for (const auto& item : session.movedItems) {
-        if (!item.succeeded) continue;
-        ++gone;
-        bytes += item.sizeBytes;
-    }
+    const auto gone = static_cast<std::size_t>(session.goneCount());
+    const auto bytes = session.goneBytes();
     return joined({timeText(session.createdAt), countedText(gone, "item"), screenText(SizeCalculator::format(bytes))});
 }
 

@@ -32,19 +32,6 @@ std::size_t countIn(const PutBackItems& items, UninstallUndo::Item::State state)
         std::count_if(items.begin(), items.end(), [&](const auto& item) { return item.state == state; }));
 }
 
-Dialog askToPutBack(const AppUninstallSession& session, const PutBackItems& items) {
-    const auto waiting = static_cast<std::int64_t>(countIn(items, UninstallUndo::Item::State::waiting));
-    Dialog question{"Put back " + session.appName + "?",
-                    "Will bring " + Text::counted(waiting, "item") +
-                        " back to their old places. Nothing that stands there is replaced.",
-                    {"Put Back", "Cancel"}};
-    if (waiting == 1) question.text = "Will bring 1 item back to its old place. Nothing that stands there is replaced.";
-    for (const UninstallUndo::Item& item : items)
-        if (item.state == UninstallUndo::Item::State::stuck)
-            question.details.push_back(Text::displayable(item.originalPath.native()) + ": " + item.reason);
-    return question;
-}
-
 }  // namespace
 
 struct UninstallState::Run {
@@ -150,7 +137,7 @@ QCoro::Task<> UninstallState::bringBack(AppUninstallSession session) {
             m_past.open(session.id);
             co_return;
         }
-        const Dialog question = askToPutBack(session, before);
+        const Dialog question = UninstallQuestions::confirmPutBack(session, before);
         const int answer = co_await app().dialogs().ask(question);
         if (answer != 0 || app().isClosing()) co_return;
     }

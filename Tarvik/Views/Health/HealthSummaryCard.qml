@@ -14,24 +14,24 @@ Card {
             id: tiles
             spacing: Theme.margin * 1.5
 
-            HealthStatTile {
+            StatTile {
                 objectName: "healthyTile"
                 title: "Healthy"
                 value: HealthState.healthyCount
                 color: Theme.success
             }
-            HealthStatTile {
+            StatTile {
                 objectName: "problemsTile"
                 title: "Problems"
                 value: HealthState.problemCount
                 color: HealthState.problemCount > 0 ? Theme.danger : Theme.success
             }
-            HealthStatTile {
+            StatTile {
                 objectName: "scannedTile"
                 title: "Scanned"
                 value: HealthState.scannedSymlinks
             }
-            HealthStatTile {
+            StatTile {
                 objectName: "drivesTile"
                 title: "Drives"
                 value: HealthState.scannedDrives

@@ -1,4 +1,4 @@
-#include "CommandLine/Columns.h"
+#include "CommandLine/Output/Columns.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "CommandLine/Columns.h"
-#include "CommandLine/ProgressDisplay.h"
+#include "CommandLine/Output/Columns.h"
+#include "CommandLine/Output/ProgressDisplay.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "CommandLine/Records.h"
+#include "CommandLine/Output/Records.h"
 
 #include <gtest/gtest.h>
 #include <toml++/toml.h>
