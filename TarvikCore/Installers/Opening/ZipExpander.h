@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Platform/Machine/Host.h"
+
+/// Unpacks zip archives, whatever they hold.
+namespace tarvik::ZipExpander {
+
+/// Expands the archive into a new folder below the host's temporary one, and returns that folder: the caller disposes
+/// of it. An archive with entries that would come to lie elsewhere is refused before anything is unpacked. Blocks; any
+/// thread.
+/// @throws Failure of the domain "zip": the tool's status and words, or 1 for an archive that is not safe; FileError
+/// when the folder cannot be made. What was unpacked by then is set aside.
+fs::path expand(const Host& host, const fs::path& archive);
+
+}  // namespace tarvik::ZipExpander
