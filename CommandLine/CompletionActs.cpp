@@ -10,9 +10,11 @@
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Machine/Host.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
 #include "UninstallRun/UninstallHistory.h"
+#include "UninstallRun/UninstallUndo.h"
 
 #include <fmt/format.h>
 
@@ -113,10 +115,19 @@ Candidates applicationsFor(const Host& host, const CompletionPlace& place) {
     return candidates;
 }
 
-Candidates uninstallsFor(const Host& host) {
+/// Of those that are wholly back, nothing can be put back.
+bool isWanted(const Host& host, const AppUninstallSession& session, const CompletionPlace& place) {
+    if (place.verb != "uninstall undo") return true;
+    const auto items = UninstallUndo::look(host, session);
+    return std::any_of(items.begin(), items.end(),
+                       [](const auto& item) { return item.state != UninstallUndo::Item::State::back; });
+}
+
+Candidates uninstallsFor(const Host& machine, const CompletionPlace& place) {
+    const Host host = SilentVolumes::noted(machine);
     Candidates found;
     for (const auto& session : UninstallHistory::list(host))
-        found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
+        if (isWanted(host, session, place)) found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
     return found;
 }
 
@@ -129,7 +140,7 @@ Candidates onMachine(const Host& host, const CompletionPlace& place) {
         case Kind::applicationOrPath:
             return applicationsFor(host, place);
         case Kind::uninstall:
-            return uninstallsFor(host);
+            return uninstallsFor(host, place);
         case Kind::words:
         case Kind::path:
         case Kind::folder:

@@ -12,7 +12,9 @@
 /// nothing fails.
 namespace tarvik::UninstallHistory {
 
-/// The newest first. One that is under way is not among them.
+/// The newest first. One that is under way is not among them. The `error` of an item that has stayed is the reason why,
+/// where the run knew one. What is on a silent volume of the host is not
+/// asked for; see `SilentVolumes`.
 std::vector<AppUninstallSession> list(const Host& host);
 std::optional<AppUninstallSession> find(const Host& host, const std::string& id);
 
