@@ -1,9 +1,9 @@
 #include "Uninstall/AppUninstallPlanner.h"
 
+#include "Applications/ExternalTarget.h"
 #include "Health/SpotlightHealthCheck.h"
 #include "Platform/Basics/Parallel.h"
 #include "Platform/Machine/SilentVolumes.h"
-#include "Uninstall/ExternalTarget.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,7 @@
 #include "Uninstall/RelatedFileScanner.h"
 
 #include "AppData/DataName.h"
+#include "Applications/ExternalTarget.h"
 #include "Platform/Basics/Parallel.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/StoredSpelling.h"
@@ -9,7 +10,6 @@
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/SizingService.h"
 #include "Platform/Text/PropertyList.h"
-#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/PackageReceipts.h"
 #include "Uninstall/RelatedPlaces.h"
 #include "Uninstall/UninstallRefusal.h"

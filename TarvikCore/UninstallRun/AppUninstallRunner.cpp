@@ -1,5 +1,6 @@
 #include "UninstallRun/AppUninstallRunner.h"
 
+#include "Applications/ExternalTarget.h"
 #include "Copying/FileStash.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
@@ -12,7 +13,6 @@
 #include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 #include "Uninstall/AppUninstallPlanner.h"
-#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/PackageReceipts.h"
 #include "Uninstall/UninstallRefusal.h"
 #include "UninstallRun/AppUninstallError.h"
