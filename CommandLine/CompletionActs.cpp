@@ -10,7 +10,6 @@
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Machine/Host.h"
-#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
 #include "UninstallRun/UninstallHistory.h"
@@ -124,10 +123,11 @@ bool isWanted(const Host& host, const AppUninstallSession& session, const Comple
 }
 
 Candidates uninstallsFor(const Host& machine, const CompletionPlace& place) {
-    const Host host = SilentVolumes::noted(machine);
+    const Host host = UninstallHistory::knownMachine(machine);
     Candidates found;
     for (const auto& session : UninstallHistory::list(host))
-        if (isWanted(host, session, place)) found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
+        if (isWanted(host, session, place))
+            found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
     return found;
 }
 

@@ -8,7 +8,6 @@
 #include "CommandLine/UninstallTexts.h"
 #include "Discovery/InstalledAppsScanner.h"
 #include "Platform/Basics/Failure.h"
-#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Files/WrittenPath.h"
 #include "Platform/Text/Text.h"
@@ -227,8 +226,7 @@ void tellEnd(const AppUninstallSession& session, const Choice& choice, const Com
         if (!why) continue;
         ++stayed;
         ++failedReceipts;
-        Terminal::say(
-            fmt::format("The receipt {} was not forgotten{}{}", identifier, why->empty() ? "." : ": ", *why));
+        Terminal::say(fmt::format("The receipt {} was not forgotten{}{}", identifier, why->empty() ? "." : ": ", *why));
     }
     const auto handled = session.movedItems.size() + session.forgottenReceipts.size() + failedReceipts;
     if (handled < choice.paths.size())
@@ -340,7 +338,7 @@ void uninstall(const Host& host, const Options& options) {
 }
 
 void list(const Host& machine, const Options& options) {
-    const Host host = SilentVolumes::noted(machine);
+    const Host host = UninstallHistory::knownMachine(machine);
     if (!options.names.empty()) {
         const AppUninstallSession session = chosenSession(host, options);
         return Terminal::writeResult(
@@ -364,7 +362,7 @@ void list(const Host& machine, const Options& options) {
 }
 
 void undo(const Host& machine, const Options& options) {
-    const Host host = SilentVolumes::noted(machine);
+    const Host host = UninstallHistory::knownMachine(machine);
     const AppUninstallSession session = chosenSession(host, options);
     const auto before = UninstallUndo::look(host, session);
     const auto isIn = [](UndoItem::State state) {

@@ -93,6 +93,10 @@ bool isRecordOf(const AppUninstallSession& session, const std::string& id) {
 
 }  // namespace
 
+Host knownMachine(const Host& host) {
+    return Files::names(AppStorageNames::uninstallSessionRoot(host)).empty() ? host : SilentVolumes::noted(host);
+}
+
 std::vector<AppUninstallSession> list(const Host& host) {
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
     // The journals before the records: a run that ends meanwhile is among these.

@@ -5,7 +5,6 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Files/LastComponent.h"
 #include "Platform/Files/WrittenPath.h"
-#include "Platform/Machine/SilentVolumes.h"
 #include "State/Lists/ScreenText.h"
 #include "State/Shared/AppState.h"
 #include "State/Shared/DropURLReader.h"
@@ -84,7 +83,7 @@ QCoro::Task<> UninstallState::scanApps() {
 
 QCoro::Task<> UninstallState::readPast() {
     const int look = ++m_looksAtPast;
-    const auto note = [host = host()] { return SilentVolumes::noted(host); };
+    const auto note = [host = host()] { return UninstallHistory::knownMachine(host); };
     const Host known = co_await inBackground(Priority::userInitiated, note);
     const auto read = [known] { return UninstallHistory::list(known); };
     std::vector<AppUninstallSession> sessions = co_await inBackground(Priority::userInitiated, read);

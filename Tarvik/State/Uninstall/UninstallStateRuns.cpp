@@ -1,7 +1,6 @@
 // The acts of `UninstallState`: a run, and the way back of a past one.
 
 #include "Platform/Basics/Failure.h"
-#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Text/Text.h"
 #include "State/Lists/ScreenText.h"
 #include "State/Shared/AppState.h"
@@ -10,6 +9,7 @@
 #include "State/Threads/LineStream.h"
 #include "State/Uninstall/UninstallState.h"
 #include "UninstallRun/AppUninstallRunner.h"
+#include "UninstallRun/UninstallHistory.h"
 #include "UninstallRun/UninstallQuestions.h"
 
 #include <QScopeGuard>
@@ -144,7 +144,9 @@ void UninstallState::putBack(const QString& sessionId) {
 }
 
 QCoro::Task<> UninstallState::bringBack(AppUninstallSession session) {
-    const auto look = [host = host(), session] { return UninstallUndo::look(SilentVolumes::noted(host), session); };
+    const auto look = [host = host(), session] {
+        return UninstallUndo::look(UninstallHistory::knownMachine(host), session);
+    };
     PutBackItems before;
     {
         const auto preparing = app().prepare();

@@ -1,6 +1,5 @@
 // Uninstalls, past ones and duplicate launchers while a drive hangs.
 #include "Dedupe/AppDedupeService.h"
-#include "Platform/Machine/SilentVolumes.h"
 #include "Support/Bundles.h"
 #include "Support/MacVolume.h"
 #include "Support/TemporaryFolder.h"
@@ -75,13 +74,12 @@ TEST_F(HangingDriveUninstall, OffersTheLinkAlone) {
 
 TEST_F(HangingDriveUninstall, TellsOfPastOnes) {
     const auto plan = AppUninstallPlanner::plan(host, app, UninstallSelection::everything);
-    const auto session =
-        AppUninstallRunner::run(host, plan, UninstallSelection::everything, false, std::set<std::string>{copy, link},
-                                AppUninstallReporter::silent);
+    const auto session = AppUninstallRunner::run(host, plan, UninstallSelection::everything, false,
+                                                 std::set<std::string>{copy, link}, AppUninstallReporter::silent);
     ASSERT_EQ(session.goneCount(), 2);
     std::vector<UninstallUndo::Item> items;
     whileItHangs([&] {
-        const Host known = SilentVolumes::noted(host);
+        const Host known = UninstallHistory::knownMachine(host);
         ASSERT_EQ(UninstallHistory::list(known).size(), 1U);
         items = UninstallUndo::look(known, session);
     });
