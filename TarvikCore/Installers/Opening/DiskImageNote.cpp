@@ -98,8 +98,8 @@ DiskImageNote DiskImageNote::make(const Host& host, const fs::path& image) {
     FileDescriptor file;
     for (int attempt = 0; attempt < mostAttempts; ++attempt) {
         path = host.temporary / (std::string(namePrefix) + newIdentifier());
-        file = FileDescriptor(
-            ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
+        file =
+            FileDescriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
         if (!file) throw FileError("create", path, errno);
         // Another start may have cleared it away before it was locked. Where nothing can be locked, nothing is cleared.
         if (::flock(file.get(), LOCK_SH | LOCK_NB) == 0 && ItemLock::isHeldAt(path, file)) break;
@@ -160,8 +160,7 @@ std::optional<DiskImageMount> DiskImageNote::remembered(const fs::path& note) {
         isAnyIn(mount, namesIn(before->find(itemsKey))))
         return std::nullopt;
     if (mount.mountPoints.empty()) return mount;
-    const auto identities =
-        answerEnd < bytes.size() ? PropertyList::parsed(bytes.substr(answerEnd + 1)) : std::nullopt;
+    const auto identities = answerEnd < bytes.size() ? PropertyList::parsed(bytes.substr(answerEnd + 1)) : std::nullopt;
     std::erase_if(mount.mountPoints, [&](const fs::path& point) {
         const std::string identity = identityOf(point);
         return identity.empty() || (identities && identities->text(point.native()) != identity);

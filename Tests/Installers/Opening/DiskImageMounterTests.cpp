@@ -1,5 +1,4 @@
 #include "Installers/Opening/DiskImageMounter.h"
-
 #include "Installers/Opening/OpenedLeftovers.h"
 #include "Platform/Files/Files.h"
 #include "Support/ThrownFailure.h"
@@ -46,9 +45,9 @@ public:
         makeFile(folder / "answer", answer);
         const std::string attaching =
             "mkdir -p '" + first.native() + "' '" + second.native() + "'; cat '" + (folder / "answer").native() + "'";
-        host.tools.hdiutil = tool("hdiutil", "echo \"$*\" >> '" + (folder / "calls").native() + "'\n" + more +
-                                                 "\ncase $1 in attach) " + attaching +
-                                                 " ;; detach) rmdir \"$2\" ;; esac");
+        host.tools.hdiutil =
+            tool("hdiutil", "echo \"$*\" >> '" + (folder / "calls").native() + "'\n" + more + "\ncase $1 in attach) " +
+                                attaching + " ;; detach) rmdir \"$2\" ;; esac");
         return *this;
     }
     std::string calls() const { return Files::exists(folder / "calls") ? contentOf(folder / "calls") : std::string(); }
@@ -94,7 +93,8 @@ TEST(DiskImageMounter, FailsWithTheStatusAndTheWordsOfTheTool) {
 TEST(DiskImageMounter, FailsWhereTheAnswerIsNoPropertyList) {
     MountingWorld world;
     for (const std::string answer : {"", "disk8", "<plist><dict>"}) {
-        const auto failure = failureThrownBy([&] { DiskImageMounter::attach(world.answers(answer).host, world.image); });
+        const auto failure =
+            failureThrownBy([&] { DiskImageMounter::attach(world.answers(answer).host, world.image); });
         EXPECT_EQ(failure.domain(), "hdiutil");
         EXPECT_EQ(failure.description(), "The answer of hdiutil could not be read.");
         EXPECT_THAT(world.namesInTemporary(), IsEmpty());

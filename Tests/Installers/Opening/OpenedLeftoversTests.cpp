@@ -1,6 +1,5 @@
-#include "Installers/Opening/OpenedLeftovers.h"
-
 #include "Installers/Opening/DiskImageMounter.h"
+#include "Installers/Opening/OpenedLeftovers.h"
 #include "Installers/Opening/ZipExpander.h"
 #include "Platform/Files/Files.h"
 #include "Support/MadeZip.h"
@@ -60,12 +59,12 @@ public:
     }
 
     void hdiutil(const std::string& afterwards) {
-        host.tools.hdiutil = tool("hdiutil", "echo \"$1 $2\" >> '" + (folder / "calls").native() +
-                                                 "'\ncase $1 in attach) mkdir '" + point.native() + "'\n" + afterwards +
-                                                 "\necho '<plist><dict><key>system-entities</key><array><dict>"
-                                                 "<key>mount-point</key><string>" +
-                                                 point.native() +
-                                                 "</string></dict></array></dict></plist>' ;; detach) rmdir \"$2\" ;; esac");
+        host.tools.hdiutil = tool(
+            "hdiutil", "echo \"$1 $2\" >> '" + (folder / "calls").native() + "'\ncase $1 in attach) mkdir '" +
+                           point.native() + "'\n" + afterwards +
+                           "\necho '<plist><dict><key>system-entities</key><array><dict>"
+                           "<key>mount-point</key><string>" +
+                           point.native() + "</string></dict></array></dict></plist>' ;; detach) rmdir \"$2\" ;; esac");
     }
     std::string calls() const { return contentOf(folder / "calls"); }
     std::vector<std::string> namesInTemporary() const { return Files::names(host.temporary); }
@@ -108,7 +107,8 @@ TEST(OpenedLeftovers, DetachesWhatAKilledRunHasAttached) {
     });
     EXPECT_TRUE(sweepsClean(world));
     EXPECT_FALSE(Files::itemExists(world.point));
-    EXPECT_EQ(world.calls(), "attach " + (world.folder / "image.dmg").native() + "\ndetach " + world.point.native() + "\n");
+    EXPECT_EQ(world.calls(),
+              "attach " + (world.folder / "image.dmg").native() + "\ndetach " + world.point.native() + "\n");
 }
 
 TEST(OpenedLeftovers, LeavesWhatARunHasAttachedThatStillLives) {

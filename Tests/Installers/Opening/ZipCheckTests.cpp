@@ -1,5 +1,4 @@
 #include "Installers/Opening/ZipCheck.h"
-
 #include "Support/MadeZip.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
@@ -77,8 +76,9 @@ TEST(ZipCheck, TakesNamesThatAVolumeTakesForOneForOne) {
     EXPECT_TRUE(isUnsafe(MadeZip().addLink("caf\xC3\xA9", "/tmp").add({.name = "cafe\xCC\x81/evil"})));
     EXPECT_TRUE(isUnsafe(MadeZip().addLink("caf\xC3\xA9", "/tmp").add({.name = "caf\x82/evil"})));
     const std::string path = lowFirst(1, 1) + lowFirst(0, 4) + "link";
-    EXPECT_TRUE(isUnsafe(
-        MadeZip().addLink("link", "/tmp").add({.name = "other/evil", .extra = MadeZip::field(0x7075, path + "/evil")})));
+    EXPECT_TRUE(isUnsafe(MadeZip()
+                             .addLink("link", "/tmp")
+                             .add({.name = "other/evil", .extra = MadeZip::field(0x7075, path + "/evil")})));
 }
 
 TEST(ZipCheck, FindsWhatIsWrittenThroughALinkOfTheSameName) {
@@ -93,9 +93,8 @@ TEST(ZipCheck, FindsWhatIsWrittenThroughALinkOfTheSameName) {
 
 TEST(ZipCheck, FindsLinksWhereverTheirModeStands) {
     const std::string asi = lowFirst(0, 4) + lowFirst(0120777, 2) + lowFirst(4, 4) + lowFirst(0, 4) + "/tmp";
-    EXPECT_TRUE(isUnsafe(MadeZip()
-                             .add({.name = "link", .mode = 0, .extra = MadeZip::field(0x756E, asi)})
-                             .add({.name = "link/evil"})));
+    EXPECT_TRUE(isUnsafe(
+        MadeZip().add({.name = "link", .mode = 0, .extra = MadeZip::field(0x756E, asi)}).add({.name = "link/evil"})));
     EXPECT_TRUE(isUnsafe(
         MadeZip().add({.name = "link", .content = "/tmp", .mode = 0120777, .system = 0}).add({.name = "link/evil"})));
 }
@@ -153,7 +152,8 @@ TEST(ZipCheck, ReadsAnArchiveThatBeginsLaterThanItsFile) {
 
 TEST(ZipCheck, AddsUpWhatIsClaimed) {
     MadeZip bomb;
-    for (int i = 0; i < 10; ++i) bomb.add({.name = "f" + std::to_string(i), .content = "1", .claimedSize = 4'000'000'000});
+    for (int i = 0; i < 10; ++i)
+        bomb.add({.name = "f" + std::to_string(i), .content = "1", .claimedSize = 4'000'000'000});
     EXPECT_EQ(checkOfBytes(bomb.bytes()).unpackedSize, 40'000'000'000);
     const std::string huge = MadeZip::field(1, lowFirst(0xFFFFFFFFFFFFFFFF, 8));
     MadeZip overflowing;

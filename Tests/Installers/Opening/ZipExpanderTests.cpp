@@ -1,9 +1,8 @@
-#include "Installers/Opening/ZipExpander.h"
-
 #include "Installers/Opening/OpenedLeftovers.h"
+#include "Installers/Opening/ZipExpander.h"
 #include "Platform/Files/Files.h"
-#include "Support/ThrownFailure.h"
 #include "Support/MadeZip.h"
+#include "Support/ThrownFailure.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
