@@ -1,24 +1,22 @@
 #include "ditto/ZipExtraction.h"
 
 #include "Installers/Opening/Cp437.h"
+#include "Installers/Opening/ZipBytes.h"
+#include "Installers/Opening/ZipHeader.h"
+#include "Installers/Opening/ZipListing.h"
 #include "Platform/Files/AppleDouble.h"
 #include "Platform/Files/FileDescriptor.h"
-#include "Platform/Processes/Utf8Locale.h"
 #include "Platform/Text/Text.h"
 #include "ditto/AttributeFile.h"
 #include "ditto/ItemError.h"
 #include "ditto/PassedOver.h"
-
-#include <archive.h>
-#include <archive_entry.h>
+#include "ditto/ZipData.h"
 
 #include <array>
 #include <cerrno>
-#include <clocale>
 #include <cstddef>
 #include <ctime>
 #include <fcntl.h>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,11 +35,6 @@ constexpr mode_t allPermissions = 0777;
 constexpr mode_t privilegedPermissions = 07777;
 constexpr mode_t folderWhileWritten = S_IRWXU;
 
-struct ArchiveEnd {
-    void operator()(archive* reader) const { ::archive_read_free(reader); }
-};
-using Reader = std::unique_ptr<archive, ArchiveEnd>;
-
 /// What the tool says of an archive as a whole.
 class ArchiveError : public ItemError {
 public:
@@ -54,7 +47,8 @@ private:
 
 class Extraction {
 public:
-    Extraction(archive* reader, fs::path destination) : m_reader(reader), m_destination(std::move(destination)) {}
+    Extraction(ZipBytes headers, ZipBytes data, fs::path destination)
+        : m_headers(std::move(headers)), m_data(std::move(data)), m_destination(std::move(destination)) {}
 
     void extractAll();
 
@@ -65,17 +59,18 @@ private:
         timespec changed{};
     };
 
-    void extractOne(archive_entry* entry);
+    void extractOne(const ZipHeader& entry);
     void makeFolder(const Item& item);
-    void makeLink(const Item& item, archive_entry* entry);
-    void makeFile(const Item& item);
-    void extractAttributes(const Item& item, const fs::path& owner);
-    void writeContent(int file, const fs::path& path);
-    std::string content(const fs::path& path);
+    void makeLink(const Item& item, const ZipHeader& entry);
+    void makeFile(const Item& item, const ZipHeader& entry);
+    void extractAttributes(const Item& item, const ZipHeader& entry, const fs::path& owner);
+    std::string content(const Item& item, const ZipHeader& entry);
     void finish();
-    [[noreturn]] void failToRead(const fs::path& path);
 
-    archive* m_reader;
+    // Two windows on the archive: one stays in the directory.
+    ZipBytes m_headers;
+    ZipBytes m_data;
+    std::uint64_t m_shift = 0;
     const fs::path m_destination;
     /// Folders get their permissions and times when nothing is made in them any more.
     std::vector<Item> m_folders;
@@ -83,11 +78,21 @@ private:
     std::vector<std::pair<fs::path, fs::path>> m_waiting;
 };
 
-std::string nameOf(archive_entry* entry) {
-    const char* name = ::archive_entry_pathname(entry);
-    if (!name) name = ::archive_entry_pathname_utf8(entry);
-    if (!name) throw ArchiveError("Illegal byte sequence");
-    return Text::isValidUtf8(name) ? std::string(name) : Cp437::toUtf8(name);
+std::string nameOf(const ZipHeader& entry) {
+    return Text::isValidUtf8(entry.name) ? entry.name : Cp437::toUtf8(entry.name);
+}
+
+/// A date of a FAT file system, in local time, and in steps of two seconds.
+std::time_t timeOfFat(std::uint32_t time) {
+    std::tm parts{};
+    parts.tm_year = static_cast<int>(time >> 25U) + 80;
+    parts.tm_mon = static_cast<int>(time >> 21U & 0xFU) - 1;
+    parts.tm_mday = static_cast<int>(time >> 16U & 0x1FU);
+    parts.tm_hour = static_cast<int>(time >> 11U & 0x1FU);
+    parts.tm_min = static_cast<int>(time >> 5U & 0x3FU);
+    parts.tm_sec = static_cast<int>(time & 0x1FU) * 2;
+    parts.tm_isdst = -1;
+    return std::mktime(&parts);
 }
 
 /// The item that the file `name` holds attributes of; nothing when it holds none.
@@ -121,39 +126,34 @@ bool isThere(const fs::path& path) {
 }
 
 /// Set-id bits are for the superuser alone, as in a copy.
-mode_t allowedPermissions(mode_t permissions) {
+mode_t allowedPermissions(unsigned permissions) {
     return permissions & (::geteuid() == 0 ? privilegedPermissions : allPermissions);
 }
 
 void Extraction::extractAll() {
-    for (;;) {
-        archive_entry* entry = nullptr;
-        const int result = ::archive_read_next_header(m_reader, &entry);
-        if (result == ARCHIVE_EOF) break;
-        if (result == ARCHIVE_RETRY) continue;
-        if (result == ARCHIVE_FATAL || !entry) failToRead(m_destination);
-        extractOne(entry);
-    }
+    const auto directory = ZipListing::find(m_headers);
+    if (!directory) throw ArchiveError("Couldn't read PKZip signature");
+    m_shift = directory->shift;
+    if (!ZipListing::forEach(m_headers, *directory, [&](const ZipHeader& entry) { extractOne(entry); }))
+        throw ArchiveError("Couldn't read PKZip signature");
     finish();
 }
 
-void Extraction::extractOne(archive_entry* entry) {
+void Extraction::extractOne(const ZipHeader& entry) {
     const std::string name = nameOf(entry);
+    const bool isFolder = entry.kind == ZipHeader::Kind::folder || name.ends_with('/');
     Item item;
     item.path = m_destination.native() + "/" + name;
-    item.permissions = allowedPermissions(::archive_entry_perm(entry));
-    item.changed = {::archive_entry_mtime(entry), ::archive_entry_mtime_nsec(entry)};
-    if (::archive_entry_is_encrypted(entry)) throw ItemError(item.path, EPERM);
-    const bool isBelowAttributes = name.starts_with(attributesFolder);
-    switch (::archive_entry_filetype(entry)) {
-        case AE_IFDIR: return isBelowAttributes ? void() : makeFolder(item);
-        case AE_IFLNK: return makeLink(item, entry);
-        case AE_IFREG:
-            if (PassedOver::isByName(item.path.filename().c_str())) return;
-            if (const auto owner = ownerOf(name)) return extractAttributes(item, m_destination.native() + "/" + *owner);
-            return makeFile(item);
-        default: return;
-    }
+    const unsigned usual = isFolder ? 0755 : 0644;
+    item.permissions = allowedPermissions(entry.mode != 0 ? entry.mode : usual);
+    item.changed.tv_sec = entry.changed ? *entry.changed : timeOfFat(entry.changedAsFat);
+    if (entry.isEncrypted) throw ItemError(item.path, EPERM);
+    if (entry.kind == ZipHeader::Kind::other || PassedOver::isByName(item.path.filename().c_str())) return;
+    if (entry.kind == ZipHeader::Kind::link) return makeLink(item, entry);
+    if (isFolder) return name.starts_with(attributesFolder) ? void() : makeFolder(item);
+    const auto owner = ownerOf(name);
+    if (owner) return extractAttributes(item, entry, m_destination.native() + "/" + *owner);
+    makeFile(item, entry);
 }
 
 void Extraction::makeFolder(const Item& item) {
@@ -166,38 +166,36 @@ void Extraction::makeFolder(const Item& item) {
     m_folders.push_back({std::move(path), item.permissions, item.changed});
 }
 
-void Extraction::makeLink(const Item& item, archive_entry* entry) {
-    const char* target = ::archive_entry_symlink(entry);
-    if (!target) target = ::archive_entry_symlink_utf8(entry);
-    if (!target) failToRead(item.path);
+void Extraction::makeLink(const Item& item, const ZipHeader& entry) {
+    const std::string target = content(item, entry);
     makeFolders(item.path.parent_path());
-    if (::symlink(target, item.path.c_str()) != 0) {
-        if (errno != EEXIST || ::unlink(item.path.c_str()) != 0 || ::symlink(target, item.path.c_str()) != 0)
+    if (::symlink(target.c_str(), item.path.c_str()) != 0) {
+        if (errno != EEXIST || ::unlink(item.path.c_str()) != 0 || ::symlink(target.c_str(), item.path.c_str()) != 0)
             throw ItemError(item.path, errno);
     }
     const std::array times{item.changed, item.changed};
     ::utimensat(AT_FDCWD, item.path.c_str(), times.data(), AT_SYMLINK_NOFOLLOW);
 }
 
-void Extraction::makeFile(const Item& item) {
+void Extraction::makeFile(const Item& item, const ZipHeader& entry) {
     makeFolders(item.path.parent_path());
     // An existing file is written into, and a link followed: the page only says that a file is overwritten.
     FileDescriptor file(::open(item.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!file) throw ItemError(item.path, errno);
-    writeContent(file.get(), item.path);
+    ZipData::read(m_data, entry, m_shift, item.path,
+                  [&](std::string_view bytes) { writeAll(file.get(), bytes.data(), bytes.size(), item.path); });
     const std::array times{item.changed, item.changed};
     if (::fchmod(file.get(), item.permissions) != 0 || ::futimens(file.get(), times.data()) != 0)
         throw ItemError(item.path, errno);
     if (::close(file.release()) != 0 && errno != EINTR) throw ItemError(item.path, errno);
 }
 
-void Extraction::extractAttributes(const Item& item, const fs::path& owner) {
-    const std::string bytes = content(item.path);
+void Extraction::extractAttributes(const Item& item, const ZipHeader& entry, const fs::path& owner) {
+    const std::string bytes = content(item, entry);
     const bool areAttributes = AppleDouble::isHeader(bytes);
     if (areAttributes && isThere(owner) && AttributeFile::give(AttributeFile::read(bytes), owner)) return;
     // Where there is no place for attributes, a Mac keeps them in a file beside the item.
-    const fs::path beside =
-        areAttributes ? owner.parent_path() / ("._" + owner.filename().native()) : item.path;
+    const fs::path beside = areAttributes ? owner.parent_path() / ("._" + owner.filename().native()) : item.path;
     makeFolders(beside.parent_path());
     FileDescriptor file(::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!file) throw ItemError(beside, errno);
@@ -205,29 +203,10 @@ void Extraction::extractAttributes(const Item& item, const fs::path& owner) {
     if (areAttributes && !isThere(owner)) m_waiting.emplace_back(beside, owner);
 }
 
-void Extraction::writeContent(int file, const fs::path& path) {
-    for (;;) {
-        const void* block = nullptr;
-        std::size_t length = 0;
-        la_int64_t offset = 0;
-        const int result = ::archive_read_data_block(m_reader, &block, &length, &offset);
-        if (result == ARCHIVE_EOF) return;
-        if (result != ARCHIVE_OK) failToRead(path);
-        writeAll(file, static_cast<const char*>(block), length, path);
-    }
-}
-
-std::string Extraction::content(const fs::path& path) {
-    std::string bytes;
-    for (;;) {
-        const void* block = nullptr;
-        std::size_t length = 0;
-        la_int64_t offset = 0;
-        const int result = ::archive_read_data_block(m_reader, &block, &length, &offset);
-        if (result == ARCHIVE_EOF) return bytes;
-        if (result != ARCHIVE_OK) failToRead(path);
-        bytes.append(static_cast<const char*>(block), length);
-    }
+std::string Extraction::content(const Item& item, const ZipHeader& entry) {
+    std::string whole;
+    ZipData::read(m_data, entry, m_shift, item.path, [&](std::string_view bytes) { whole += bytes; });
+    return whole;
 }
 
 void Extraction::finish() {
@@ -247,11 +226,6 @@ void Extraction::finish() {
     }
 }
 
-void Extraction::failToRead(const fs::path& path) {
-    const char* reason = ::archive_error_string(m_reader);
-    throw ItemError(path, EIO, reason ? reason : "Input/output error");
-}
-
 /// The first bytes of an archive: of its first entry, or of the end of an empty one.
 bool beginsAsArchive(const fs::path& file) {
     const FileDescriptor handle(::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
@@ -265,16 +239,12 @@ bool beginsAsArchive(const fs::path& file) {
 }  // namespace
 
 void extract(const fs::path& archive, const fs::path& destination, Diagnostics& diagnostics) {
-    constexpr std::size_t blockSize = std::size_t{1} << 18;
-    std::setlocale(LC_CTYPE, Utf8Locale::name().c_str());
     triesToCopy(diagnostics, [&] {
-        if (!beginsAsArchive(archive)) throw ArchiveError("Couldn't read PKZip signature");
+        auto headers = ZipBytes::open(archive);
+        auto data = ZipBytes::open(archive);
+        if (!beginsAsArchive(archive) || !headers || !data) throw ArchiveError("Couldn't read PKZip signature");
         makeFolders(destination);
-        const Reader reader(::archive_read_new());
-        ::archive_read_support_format_zip_seekable(reader.get());
-        if (::archive_read_open_filename(reader.get(), archive.c_str(), blockSize) != ARCHIVE_OK)
-            throw ArchiveError(::archive_error_string(reader.get()));
-        Extraction(reader.get(), destination).extractAll();
+        Extraction(std::move(*headers), std::move(*data), destination).extractAll();
     });
 }
 

@@ -40,7 +40,8 @@ std::vector<std::string> namesOf(const fs::path& item, bool isOfLink) {
 }
 
 int removeOne(const fs::path& item, const std::string& name, bool isOfLink) {
-    const int result = isOfLink ? ::lremovexattr(item.c_str(), name.c_str()) : ::removexattr(item.c_str(), name.c_str());
+    const int result =
+        isOfLink ? ::lremovexattr(item.c_str(), name.c_str()) : ::removexattr(item.c_str(), name.c_str());
     return result == 0 ? 0 : errno;
 }
 

@@ -16,8 +16,8 @@
 // - It neither lists, nor shows, nor writes: those forms are not understood.
 // - A Mac's attributes are those that Linux calls "user."; what belongs to the system stays, as access lists do.
 // - With -r, links below a folder are not followed: what they have themselves goes, which on Linux is nothing. The page
-//   says of -r only that all that is in a folder is acted on, and of links that they are followed unless -s is given. So
-//   what a link of a tree leads to, outside of it, may well lose its attributes on a Mac.
+//   says of -r only that all that is in a folder is acted on, and of links that they are followed unless -s is given.
+//   So what a link of a tree leads to, outside of it, may well lose its attributes on a Mac.
 
 namespace {
 

@@ -17,6 +17,7 @@ using ZipFields::two;
 
 constexpr std::size_t localLength = 30;
 constexpr std::size_t centralLength = 46;
+constexpr std::uint16_t encryptedFlag = 1U << 0U;
 constexpr std::uint16_t descriptorFlag = 1U << 3U;
 constexpr std::uint16_t utf8Flag = 1U << 11U;
 constexpr std::uint32_t inZip64 = 0xFFFFFFFF;
@@ -31,6 +32,7 @@ constexpr unsigned madeOnDarwin = 19;
 // The identifiers of extra fields.
 constexpr std::uint16_t zip64Field = 0x0001;
 constexpr std::uint16_t unixField = 0x000D;
+constexpr std::uint16_t timestampField = 0x5455;
 constexpr std::uint16_t asiUnixField = 0x756E;
 constexpr std::uint16_t unicodePathField = 0x7075;
 
@@ -62,7 +64,10 @@ void readField(std::uint16_t identifier, std::string_view field, ZipHeader& head
     constexpr std::size_t asiModeAt = 4;
     constexpr std::size_t unixLength = 12;
     constexpr std::size_t unicodePathAt = 5;
+    constexpr std::size_t timestampLength = 5;
     if (identifier == zip64Field) readZip64(field, header, offset);
+    if (identifier == timestampField && field.size() >= timestampLength && (field[0] & 1) != 0)
+        header.changed = static_cast<std::int32_t>(four(field, 1));
     if (identifier == unicodePathField && field.size() > unicodePathAt)
         header.unicodeName = field.substr(unicodePathAt);
     if (identifier == asiUnixField) {
@@ -89,6 +94,7 @@ bool isPlausible(unsigned version, unsigned method, std::size_t nameLength) {
 void readFlags(std::uint16_t flags, ZipHeader& header) {
     header.isUtf8 = (flags & utf8Flag) != 0;
     header.hasDescriptor = (flags & descriptorFlag) != 0;
+    header.isEncrypted = (flags & encryptedFlag) != 0;
 }
 
 }  // namespace
@@ -122,12 +128,16 @@ std::optional<ZipHeader> ZipHeader::centralAt(ZipBytes& bytes, std::uint64_t off
     const std::string_view all = bytes.at(offset, header.length);
     if (all.size() < header.length) return std::nullopt;
     readFlags(two(all, 8), header);
+    header.method = two(all, 10);
+    header.changedAsFat = four(all, 12);
+    header.checkSum = four(all, 16);
     header.storedSize = four(all, 20);
     header.size = four(all, 24);
     header.localOffset = four(all, 42);
     header.name = all.substr(centralLength, nameLength);
     const unsigned system = two(all, 4) >> 8U;
-    const Kind kind = kindOf(four(all, 38) >> 16U);
+    header.mode = four(all, 38) >> 16U;
+    const Kind kind = kindOf(header.mode);
     // Other systems than these may keep anything there; but a reader may take a link for one all the same.
     if (kind != Kind::other || system == madeOnUnix || system == madeOnDarwin) header.kind = kind;
     readExtra(all.substr(centralLength + nameLength, extraLength), header, &header.localOffset);

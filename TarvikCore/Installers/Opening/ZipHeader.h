@@ -28,6 +28,17 @@ struct ZipHeader {
     bool hasDescriptor = false;
     /// What the entry is by its Unix mode; a local header hardly ever tells.
     Kind kind = Kind::file;
+    /// The Unix mode itself, of a central header; 0 where the writer knew none.
+    unsigned mode = 0;
+    bool isEncrypted = false;
+    /// 0 for data that are stored as they are, 8 for "deflate".
+    unsigned method = 0;
+    /// CRC-32 of the unpacked data.
+    std::uint32_t checkSum = 0;
+    /// When the content last changed, in seconds since 1970, where an entry brings that along ("extended timestamp").
+    std::optional<std::int64_t> changed{};
+    /// The same in local time, in the form of a FAT file system: the date in the upper half.
+    std::uint32_t changedAsFat = 0;
     /// Both in bytes, as they are claimed.
     std::uint64_t storedSize = 0;
     std::uint64_t size = 0;
