@@ -51,9 +51,9 @@ std::string pieces(const Stretch& stretch, std::uint64_t firstSector, std::uint3
             continue;
         }
         const std::string packed = packing.packed(piece);
-        const bool isSmaller = packed.size() < piece.size();
-        const std::string& kept = isSmaller ? packed : piece;
-        tell(isSmaller ? packing.number : stored, at, piece.size(), kept.size());
+        const bool isPacked = packed.size() < piece.size();
+        const std::string& kept = isPacked ? packed : piece;
+        tell(isPacked ? packing.number : stored, at, piece.size(), kept.size());
         data.text(kept);
     }
     tell(end, stretch.bytes.size(), 0, 0);

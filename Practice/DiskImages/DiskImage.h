@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// Disk images as a Mac makes them: a disk in compressed pieces, behind them a property list that tells where each lies,
-/// and at the very end the block that begins with "koly". The same contents give the same bytes.
+/// Disk images as a Mac makes them: a disk in compressed pieces, behind them a property list that tells where each
+/// lies, and at the very end the block that begins with "koly". The same contents give the same bytes.
 namespace tarvik::Practice::DiskImage {
 
 struct Volume {
@@ -17,7 +17,7 @@ struct Volume {
     fs::path tree;  ///< whose contents are the volume's
 };
 
-/// How pieces are packed, and the number by which images name that.
+/// How pieces are packed, and the number by which images name that. What gets no smaller is kept as it is.
 struct Packing {
     std::uint32_t number;
     std::function<std::string(const std::string&)> packed;

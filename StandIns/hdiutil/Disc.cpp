@@ -2,14 +2,11 @@
 
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/TreeWalk.h"
-#include "Platform/Processes/ChildProcess.h"
-#include "Platform/Processes/StreamReader.h"
-#include "Platform/Processes/Utf8Locale.h"
 #include "hdiutil/ImageFile.h"
 #include "hdiutil/TarList.h"
+#include "hdiutil/Tool.h"
 #include "hdiutil/Volumes.h"
 
-#include <functional>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,13 +19,8 @@ namespace {
 // Ridge. bsdtar, a part of the Mac, reads both, and unless it is told to it writes through no link and above no folder.
 constexpr const char* program = "/usr/bin/bsdtar";
 
-void runBsdtar(const std::vector<std::string>& arguments, const std::function<void(std::string_view)>& sink) {
-    auto child = ChildProcess::start(program, arguments, {{"LC_ALL", Utf8Locale::name()}});
-    StreamReader reader;
-    reader.add(child.standardOutput(), sink);
-    reader.add(child.standardError(), {});
-    reader.readToEnd();
-    if (child.wait() != 0) throw Failure("hdiutil", 1, "corrupt image");
+void runBsdtar(const std::vector<std::string>& arguments, const Tool::Sink& sink) {
+    if (Tool::run(program, arguments, sink) != 0) throw Failure("hdiutil", 1, "corrupt image");
 }
 
 /// A mounted image gives nobody the rights of others, and has no devices.

@@ -1,12 +1,9 @@
 #include "hdiutil/SevenZip.h"
 
 #include "Platform/Basics/Failure.h"
-#include "Platform/Processes/ChildProcess.h"
-#include "Platform/Processes/StreamReader.h"
-#include "Platform/Processes/Utf8Locale.h"
+#include "hdiutil/Tool.h"
 
 #include <cstdlib>
-#include <optional>
 #include <unistd.h>
 
 namespace tarvik::hdiutil::SevenZip {
@@ -32,12 +29,7 @@ bool run(const Source& source, std::vector<std::string> arguments, const std::st
     if (!source.type.empty()) arguments.push_back("-t" + source.type);
     arguments.insert(arguments.end(), {"--", source.file.native()});
     if (!item.empty()) arguments.push_back(item);
-    auto child = ChildProcess::start(program(), arguments, {{"TZ", "UTC"}, {"LC_ALL", Utf8Locale::name()}});
-    StreamReader reader;
-    reader.add(child.standardOutput(), sink);
-    reader.add(child.standardError(), {});
-    reader.readToEnd();
-    return child.wait() <= worstGoodStatus;
+    return Tool::run(program(), arguments, sink) <= worstGoodStatus;
 }
 
 }  // namespace

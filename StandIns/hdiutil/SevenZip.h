@@ -1,17 +1,15 @@
 #pragma once
 
 #include "Platform/Basics/Path.h"
+#include "hdiutil/Tool.h"
 
-#include <functional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 /// 7-Zip's program, which reads the disks, volumes and files of images. It is only ever asked to write to this program,
 /// never to the disk: what it would do there with links and names is its own.
 namespace tarvik::hdiutil::SevenZip {
 
-using Sink = std::function<void(std::string_view)>;
+using Tool::Sink;
 
 /// What is listed or read: an image, opened as the type that is named ("Dmg", "HFS"), or, where none is, as what it is
 /// found to be, from the outside in.

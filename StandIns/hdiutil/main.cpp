@@ -4,6 +4,7 @@
 #include "hdiutil/Arguments.h"
 #include "hdiutil/Attach.h"
 #include "hdiutil/Attachments.h"
+#include "hdiutil/Tool.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -31,8 +32,9 @@
 // - Extended attributes and resource forks are kept where the file system of the machine keeps such attributes; on
 //   Linux their names begin with "user.". Of names, a line break and a colon become "_".
 // - It knows compressed images, those of a disk as it is, and discs; HFS, HFS Plus and APFS volumes, and ISO 9660. Of a
-//   disc that is also a Mac's disk, the Mac's volumes are taken. Other volumes (FAT, NTFS, UDF), images in several files, sparse
-//   ones and those of a virtual machine are not mountable.
+//   disc that is also a Mac's disk, the Mac's volumes are taken. Other volumes (FAT, NTFS, UDF), images in several
+//   files, sparse ones and those of a virtual machine are not mountable.
+// - Of images whose pieces are in LZFSE, 7-Zip takes those for damaged in which a block is stored as it is.
 // - An encrypted image asks for no password, one with a licence shows none: both fail at once.
 // - The volumes of an image that is being used can be detached.
 // - No other command and no other option is understood.
@@ -59,6 +61,7 @@ fs::path machine() {
 
 int attach(const Arguments& arguments) {
     using namespace tarvik::hdiutil;
+    Tool::letSignalsCancel();
     try {
         const Attachment attachment = Attach::run(machine(), arguments.target);
         const std::string answer =
