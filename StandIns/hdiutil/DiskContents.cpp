@@ -19,14 +19,15 @@ namespace tarvik::hdiutil::DiskContents {
 
 namespace {
 
-constexpr const char* rawName = "raw";
-
 /// A file of what lies on a disk, for as long as it is needed.
 class RawFile {
 public:
-    explicit RawFile(const fs::path& folder)
-        : m_path(folder / rawName), m_file(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
-        if (!m_file) throw Failure("hdiutil", 1, systemErrorText(errno));
+    explicit RawFile(const fs::path& folder) {
+        for (int number = 0; !m_file; ++number) {  // A disk may hold a disk.
+            m_path = folder / ("raw-" + std::to_string(number));
+            m_file = FileDescriptor(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+            if (!m_file && errno != EEXIST) throw Failure("hdiutil", 1, systemErrorText(errno));
+        }
     }
     RawFile(const RawFile&) = delete;
     RawFile& operator=(const RawFile&) = delete;

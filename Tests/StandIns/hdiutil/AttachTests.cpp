@@ -61,7 +61,8 @@ TEST_F(HdiutilAttach, AnswersInTheMacsForm) {
 			<key>dev-entry</key>
 			<string>/dev/disk4s1</string>
 			<key>mount-point</key>
-			<string>)" + (volumes / "Editor").native() +
+			<string>)" +
+                          (volumes / "Editor").native() +
                           R"(</string>
 			<key>potentially-mountable</key>
 			<true/>
@@ -139,16 +140,18 @@ TEST_F(HdiutilAttach, ReadsAnImageThatNobodyMayWriteTo) {
 }
 
 TEST_F(HdiutilAttach, KeepsNamesAsTheyAreWritten) {
-    attached(imageOf({itemAt(0, u"Icon\r", S_IFREG | 0644, "icon"), itemAt(0, u"U\u0308 \"q\" *?", S_IFREG | 0644, "umlaut"),
-                      itemAt(0, u" sp ", S_IFREG | 0644, "spaces"), itemAt(0, u"back\\slash", S_IFREG | 0644, "slash")}));
+    attached(
+        imageOf({itemAt(0, u"Icon\r", S_IFREG | 0644, "icon"), itemAt(0, u"U\u0308 \"q\" *?", S_IFREG | 0644, "umlaut"),
+                 itemAt(0, u" sp ", S_IFREG | 0644, "spaces"), itemAt(0, u"back\\slash", S_IFREG | 0644, "slash")}));
     EXPECT_THAT(Files::names(volumes / "Volume"), ElementsAre(" sp ", "Icon\r", "U\u0308 \"q\" *?", "back\\slash"));
     EXPECT_EQ(contentOf(volumes / "Volume/Icon\r"), "icon");
 }
 
 TEST_F(HdiutilAttach, HidesWhatAMacHides) {
     const std::u16string hidden = std::u16string(4, u'\0') + u"HFS+ Private Data";
-    attached(imageOf({itemAt(0, hidden, S_IFDIR | 0755), itemAt(0, u".HFS+ Private Directory Data\r", S_IFDIR | 0755),
-                      itemAt(0, u"shown", S_IFREG | 0644, "shown"), itemAt(0, u".journal", S_IFREG | 0644, "journal")}));
+    attached(
+        imageOf({itemAt(0, hidden, S_IFDIR | 0755), itemAt(0, u".HFS+ Private Directory Data\r", S_IFDIR | 0755),
+                 itemAt(0, u"shown", S_IFREG | 0644, "shown"), itemAt(0, u".journal", S_IFREG | 0644, "journal")}));
     EXPECT_THAT(Files::names(volumes / "Volume"), ElementsAre("shown"));
     EXPECT_EQ(contentOf(volumes / "Volume/shown"), "shown");
 }
@@ -173,9 +176,13 @@ TEST_F(HdiutilAttach, OpensADiskThatIsNotCompressed) {
 }
 
 TEST_F(HdiutilAttach, TellsItsUsage) {
-    for (const std::vector<std::string>& words :
-         {std::vector<std::string>{}, {"attach"}, {"attach", "-plist"}, {"attach", "a", "b"}, {"attach", "a", "-force"},
-          {"detach"}, {"create", "a"}}) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{},
+                                                  {"attach"},
+                                                  {"attach", "-plist"},
+                                                  {"attach", "a", "b"},
+                                                  {"attach", "a", "-force"},
+                                                  {"detach"},
+                                                  {"create", "a"}}) {
         const auto result = runStandIn("hdiutil", words);
         EXPECT_EQ(result.status, 1);
         EXPECT_THAT(result.stderr, testing::StartsWith("Usage:"));

@@ -1,3 +1,4 @@
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/ChildProcess.h"
 #include "Practice/DiskImages/Bytes.h"
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <thread>
 
@@ -95,10 +97,12 @@ TEST_F(HdiutilHostileImage, WritesThroughNoLink) {
     makeFolder(folder / "outside");
     const std::string outside = (folder / "outside").native();
     // Two items of one name: a link, and a folder with a file in it.
-    expectRefusal(imageOf({itemAt(0, u"way", link, outside), itemAt(0, u"way", directory), itemAt(2, u"in", file, "x")}),
-                  "corrupt image");
-    expectRefusal(imageOf({itemAt(0, u"way", directory), itemAt(1, u"in", file, "x"), itemAt(0, u"way", link, outside)}),
-                  "corrupt image");
+    expectRefusal(
+        imageOf({itemAt(0, u"way", link, outside), itemAt(0, u"way", directory), itemAt(2, u"in", file, "x")}),
+        "corrupt image");
+    expectRefusal(
+        imageOf({itemAt(0, u"way", directory), itemAt(1, u"in", file, "x"), itemAt(0, u"way", link, outside)}),
+        "corrupt image");
     expectRefusal(imageOf({itemAt(0, u"way", link, outside + "/new"), itemAt(0, u"way", file, "x")}), "corrupt image");
     EXPECT_TRUE(fs::is_empty(folder / "outside"));
 }
@@ -121,8 +125,11 @@ TEST_F(HdiutilHostileImage, GivesNobodysRightsAway) {
 }
 
 TEST_F(HdiutilHostileImage, IsNamedSoThatItCanStandInAFolder) {
-    const std::vector<std::pair<std::string, std::string>> names = {
-        {"..", "Untitled"}, {".hidden", "Untitled"}, {"a\nb", "a_b"}, {"\x01", "_"}, {std::string(255, 'n'), std::string(247, 'n')}};
+    const std::vector<std::pair<std::string, std::string>> names = {{"..", "Untitled"},
+                                                                    {".hidden", "Untitled"},
+                                                                    {"a\nb", "a_b"},
+                                                                    {"\x01", "_"},
+                                                                    {std::string(255, 'n'), std::string(247, 'n')}};
     for (const auto& [name, shown] : names) {
         EXPECT_THAT(attached(imageOf({itemAt(0, u"file", file, "x")}, name)), ElementsAre((volumes / shown).native()));
         EXPECT_EQ(contentOf(volumes / shown / "file"), "x");
@@ -175,19 +182,27 @@ TEST_F(HdiutilHostileImage, IsRemovedAlsoByAnOrdinaryUser) {
     expectNothingAttached();
 }
 
-TEST_F(HdiutilHostileImage, IsClearedUpByTheNextOneWhenAttachingIsKilled) {
-    std::vector<Item> items;
-    for (int number = 0; number < 2000; ++number)
-        items.push_back(itemAt(0, Practice::HFSVolume::unitsOf("file " + std::to_string(number)), file, "content"));
-    const fs::path image = imageOf(items);
-    for (const int signal : {SIGKILL, SIGTERM}) {
+TEST_F(HdiutilHostileImage, LeavesNothingWhenAttachingIsKilled) {
+    const fs::path image = imageOfTree(DiskImage::zlib());
+    // A 7-Zip that stops where it should hand over the files.
+    const fs::path gate = folder / "gate";
+    const fs::path started = folder / "started";
+    makePipe(gate);
+    const FileDescriptor opened(::open(gate.c_str(), O_RDWR | O_CLOEXEC));
+    makeFile(folder / "bin/7zz", "#!/bin/sh\nPATH=/usr/bin:/bin:/opt/homebrew/bin\n[ \"$1\" != x ] || { : >'" +
+                                     started.native() + "'; exec cat '" + gate.native() + "'; }\nexec 7zz \"$@\"\n");
+    fs::permissions(folder / "bin/7zz", fs::perms(0755));
+    const EnvironmentVariable path("PATH", (folder / "bin").native() + ":/usr/bin:/bin");
+    for (const int signal : {SIGTERM, SIGKILL}) {
         auto child = ChildProcess::start(programOfThisBuild("stand-ins/hdiutil"), {"attach", image.native()});
-        ASSERT_TRUE(comesToStand(volumes / ".diskimages/disk4/0"));
+        ASSERT_TRUE(comesToStand(started));
+        EXPECT_TRUE(fs::exists(volumes / ".diskimages/disk4/0"));
         signal == SIGKILL ? child.kill() : child.terminate();
-        const int status = child.wait();
+        EXPECT_NE(child.wait(), 0);
         if (signal == SIGTERM) expectNothingAttached();
-        EXPECT_EQ(detach("/dev/disk4").status, status == 0 ? 0 : 1);
+        EXPECT_EQ(detach("/dev/disk4").status, 1);
         expectNothingAttached();
+        fs::remove(started);
     }
 }
 
