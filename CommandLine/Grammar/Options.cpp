@@ -234,6 +234,8 @@ private:
             };
             if (std::count_if(arguments.begin(), end, isIt) > 1)
                 throw wrong(fmt::format("{} can be given only once.", name));
+            if (std::find(arguments.begin(), end, std::string(name) + "=") != end)
+                throw wrong(fmt::format("{} needs a value: {} {}.", name, name, value));
         }
         for (const auto& [name, value] : valuedOptions) refuseMissingValue(name, arguments);
         for (auto word = arguments.begin(); word != end; ++word)
