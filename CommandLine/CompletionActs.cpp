@@ -7,8 +7,10 @@
 #include "CommandLine/Grammar/Options.h"
 #include "CommandLine/Output/Columns.h"
 #include "CommandLine/Output/Terminal.h"
+#include "Installers/Planning/InstallerOptionLoader.h"
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/Host.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
@@ -131,6 +133,13 @@ Candidates uninstallsFor(const Host& machine, const CompletionPlace& place) {
     return found;
 }
 
+Candidates installerOptionsFor(const Host& host) {
+    Candidates found;
+    for (const auto& option : InstallerOptionLoader::loadAll(AppStorageNames::userInstallerOptionsRoot(host)))
+        found.push_back({option.id, option.label});
+    return found;
+}
+
 /// What the machine has of that kind.
 Candidates onMachine(const Host& host, const CompletionPlace& place) {
     switch (place.kind) {
@@ -141,6 +150,8 @@ Candidates onMachine(const Host& host, const CompletionPlace& place) {
             return applicationsFor(host, place);
         case Kind::uninstall:
             return uninstallsFor(host, place);
+        case Kind::installerOption:
+            return installerOptionsFor(host);
         case Kind::words:
         case Kind::path:
         case Kind::folder:
@@ -176,6 +187,7 @@ std::string_view kindOf(const CompletionPlace& place, std::string_view typed) {
             return looksLikePath(typed) ? "folders" : "nothing";
         case Kind::words:
         case Kind::uninstall:
+        case Kind::installerOption:
             break;
     }
     return "nothing";
