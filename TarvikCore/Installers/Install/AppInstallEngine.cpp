@@ -12,11 +12,11 @@
 #include "Copying/MoverError.h"
 #include "Discovery/AppScanner.h"
 #include "Installers/Install/InstallCancellation.h"
+#include "Installers/Planning/InstallerOptionCheck.h"
+#include "Installers/Planning/InstallerOptionPlaces.h"
 #include "Launchers/LauncherAppBuilder.h"
 #include "Platform/Files/Files.h"
-#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/KeptAwake.h"
-#include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/SizeCalculator.h"
 #include "Platform/Storage/VolumeCapacityProbe.h"
 
@@ -53,10 +53,9 @@ struct Places {
 Places placesFor(const Host& host, const fs::path& app, const InstallerOption& option, const TargetDrive& drive) {
     Places places;
     places.source = Files::standardized(app);
-    places.appsRoot = Files::standardized(drive.mountPath() / option.externalRootName / AppStorageNames::apps);
+    places.appsRoot = Files::standardized(InstallerOptionPlaces::applicationsOn(drive.mountPath(), option));
     places.goal = places.appsRoot / places.source.filename();
-    places.launcher =
-        Files::standardized(SystemFolders::below(host, option.applicationLinkRoot)) / places.source.filename();
+    places.launcher = Files::standardized(InstallerOptionPlaces::launchers(host, option)) / places.source.filename();
     return places;
 }
 
@@ -76,8 +75,7 @@ void requireInstallable(const Places& places) {
     if (isInGoal || Files::isItemAtOrBelow(places.appsRoot, places.source))
         throw refusal(fmt::format("{} cannot be installed into itself.", places.name()));
     if (Files::isItemAtOrBelow(places.launcher, places.goal) || Files::isItemAtOrBelow(places.goal, places.launcher))
-        throw refusal(
-            fmt::format("The launcher of {} would take the place of the application itself.", places.name()));
+        throw refusal(fmt::format("The launcher of {} would take the place of the application itself.", places.name()));
 }
 
 /// Why what stands at the goal cannot be used; nothing when it is the same application.
@@ -147,8 +145,7 @@ private:
     /// What is written through a memory mapping is seen only after a flush: that is worth its time where the source is
     /// not to stay.
     static ChangeWatch::Mark markOf(const Places& places) {
-        return places.isSourceReplaced() ? ChangeWatch::mark(places.source)
-                                         : ChangeWatch::markUnflushed(places.source);
+        return places.isSourceReplaced() ? ChangeWatch::mark(places.source) : ChangeWatch::markUnflushed(places.source);
     }
 
     std::optional<std::string> reasonAgainst() const {
@@ -247,6 +244,7 @@ void bringToDrive(const Host& host, const Places& places, const TargetDrive& dri
 std::string install(const Host& host, const fs::path& source, const InstallerOption& option, const TargetDrive& drive,
                     const InstallerRunReporter& reporter, const Cancellation& cancellation) {
     const KeptAwake awake(host, "An application is being installed");
+    InstallerOptionCheck::requireSafe(option);
     const Places places = placesFor(host, source, option, drive);
     InstallCancellation::throwIfAsked(cancellation);
     requireInstallable(places);

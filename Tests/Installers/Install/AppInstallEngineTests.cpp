@@ -1,6 +1,5 @@
-#include "Installers/Install/AppInstallEngine.h"
-
 #include "Copying/HiddenName.h"
+#include "Installers/Install/AppInstallEngine.h"
 #include "Installers/Install/AppSourceInstaller.h"
 #include "Installers/Install/InstallWorld.h"
 #include "Platform/Files/Files.h"
@@ -122,8 +121,7 @@ TEST_F(AppInstallEngineTest, NeverWritesThroughALinkToTheSameApplication) {
 TEST_F(AppInstallEngineTest, TellsWhereTheOldOneIsWhenTheCopyFails) {
     world.makeApp(dest, "an older version");
     world.withDitto("mkdir -p \"$3/Contents\"; echo 'no luck' >&2; exit 3");
-    EXPECT_EQ(install(),
-              "FileCopier 3: ditto failed: no luck. The Editor.app that stood there is in the Trash.");
+    EXPECT_EQ(install(), "FileCopier 3: ditto failed: no luck. The Editor.app that stood there is in the Trash.");
     EXPECT_THAT(namesOnDrive(), IsEmpty()) << "half a copy is no application";
     EXPECT_EQ(contentOf(world.trash->folder / "Editor.app/Contents/Resources/data"), "an older version");
     EXPECT_FALSE(Files::itemExists(launcher));
@@ -205,8 +203,7 @@ TEST_F(AppInstallEngineTest, MakesALauncherOfWhatIsOnTheDriveAlready) {
 
 TEST_F(AppInstallEngineTest, PutsNoLauncherInTheApplicationsOwnPlace) {
     world.option.applicationLinkRoot = "/Volumes/Backup/ExternalTarvik/Apps";
-    EXPECT_EQ(install(),
-              "install-app 1: The launcher of Editor.app would take the place of the application itself.");
+    EXPECT_EQ(install(), "install-app 1: The launcher of Editor.app would take the place of the application itself.");
     EXPECT_FALSE(Files::exists(dest));
 }
 
@@ -341,8 +338,8 @@ TEST_F(AppInstallEngineTest, FailsWhenAnotherDriveComesToItsPlace) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const auto volume = RealVolume::memory(world.folder.path(), 5 * megabyte);
     InstallWorld machine(volume.path());
-    machine.withDitto(RealVolume::unplugging(volume.path()) + "\n" +
-                      RealVolume::plugging(volume.path(), 5 * megabyte) + R"(
+    machine.withDitto(RealVolume::unplugging(volume.path()) + "\n" + RealVolume::plugging(volume.path(), 5 * megabyte) +
+                      R"(
 mkdir -p "${3%/*}"
 cp -aT "$2" "$3")");
     EXPECT_THAT(installOn(machine, source), HasSubstr("The target drive was disconnected while it was written to."));
