@@ -1,8 +1,8 @@
 #include "Installers/Inspection/ContainedItemScanner.h"
 
 #include "Installers/Inspection/InstallerKindDetector.h"
+#include "Installers/Inspection/SourceItem.h"
 #include "Platform/Files/TreeWalk.h"
-#include "Platform/Storage/SizingService.h"
 
 #include <algorithm>
 
@@ -24,12 +24,7 @@ std::vector<InstallableItem> scan(const Host& host, const fs::path& root) {
         // Scripts alone are known by their content, and they are not listed: no file needs to be opened.
         const auto kind = InstallerKindDetector::byName(walk.name());
         if (!kind || !isListed(*kind)) continue;
-        fs::path path = root / walk.relativePath();
-        items.push_back({.id = path.native(),
-                         .kind = *kind,
-                         .path = path,
-                         .label = walk.name(),
-                         .sizeBytes = SizingService::size(host, path)});
+        items.push_back(SourceItem::of(host, root / walk.relativePath(), *kind));
         walk.skipContents();
     }
     std::sort(items.begin(), items.end(), [](const InstallableItem& left, const InstallableItem& right) {

@@ -6,7 +6,8 @@
 namespace tarvik::InstallerOptionPlaces {
 
 fs::path applicationsOn(const fs::path& drive, const InstallerOption& option) {
-    return drive / option.externalRootName / AppStorageNames::apps;
+    // An absolute path would take the place of the drive's.
+    return drive / fs::path(option.externalRootName).relative_path() / AppStorageNames::apps;
 }
 
 fs::path launchers(const Host& host, const InstallerOption& option) {
