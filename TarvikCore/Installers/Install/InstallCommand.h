@@ -19,8 +19,8 @@ struct InstallCommand {
                              std::vector<std::string> arguments);
 
     /// Runs it to its end, without a time limit. A tool that is stopped is ended with all that it has started. Blocks;
-    /// any thread. @throws Failure of the domain, with the tool's status and all that it has said, its complaints first;
-    /// and when it was cancelled.
+    /// any thread. @throws Failure of the domain, with the tool's status and all that it has said, its complaints
+    /// first; and when it was cancelled.
     void run(const std::string& domain, const Cancellation& cancellation) const;
 };
 

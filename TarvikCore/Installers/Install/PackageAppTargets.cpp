@@ -30,8 +30,8 @@ constexpr std::int64_t largestDescription = 16'000'000;
 
 /// The white space of Unicode that can stand inside a line and is no character of ASCII.
 constexpr std::string_view wideSpaces[] = {
-    "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006",
-    "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000",
+    "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005",
+    "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000",
 };
 
 bool endsName(std::string_view rest) {

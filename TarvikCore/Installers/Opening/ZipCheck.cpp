@@ -39,7 +39,8 @@ void forEachSignature(ZipBytes& bytes, ZipRange range, const Use& use) {
         const std::string_view piece =
             bytes.at(at, static_cast<std::size_t>(std::min<std::uint64_t>(step + signatureLength - 1, range.end - at)));
         places.clear();
-        for (std::size_t found = piece.find('P'); found < std::min(piece.size(), step); found = piece.find('P', found + 1))
+        for (std::size_t found = piece.find('P'); found < std::min(piece.size(), step);
+             found = piece.find('P', found + 1))
             if (const auto signature = piece.substr(found, signatureLength);
                 signature == ZipHeader::localSignature || signature == ZipHeader::centralSignature)
                 places.push_back(at + found);

@@ -18,9 +18,10 @@ struct ZipCheck {
     bool operator==(const ZipCheck&) const = default;
 
     /// Reads the archive. A tool may go by the directory at its end, or from one header to the next, and the two may be
-    /// made to differ: whatever some tool could take for an entry counts. Where the directory cannot be read, everything
-    /// that looks like a header counts. What cannot be opened at all is safe: the tool will say why. Blocks for as long
-    /// as it takes to read the directory, and the data of those entries whose length does not stand before them.
+    /// made to differ: whatever some tool could take for an entry counts. Where the directory cannot be read,
+    /// everything that looks like a header counts. What cannot be opened at all is safe: the tool will say why. Blocks
+    /// for as long as it takes to read the directory, and the data of those entries whose length does not stand before
+    /// them.
     static ZipCheck of(const fs::path& archive);
 };
 

@@ -24,8 +24,8 @@ constexpr std::size_t wideLength = 56;
 constexpr std::size_t longestComment = 0xFFFF;
 constexpr std::uint32_t inZip64 = 0xFFFFFFFF;
 
-/// Where the last end record of a file is. Nothing when an earlier one reaches to the end of the file just as well: then
-/// it is a reader's choice which of them counts.
+/// Where the last end record of a file is. Nothing when an earlier one reaches to the end of the file just as well:
+/// then it is a reader's choice which of them counts.
 std::optional<std::uint64_t> placeOfEnd(ZipBytes& bytes) {
     if (bytes.size() < endLength) return std::nullopt;
     const auto length = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), endLength + longestComment));
@@ -52,7 +52,8 @@ std::optional<Claim> wideClaim(ZipBytes& bytes, std::uint64_t end) {
     if (!locator.starts_with(locatorSignature)) return std::nullopt;
     const std::uint64_t told = eight(locator, 8);
     // The locator tells where the record is, unless something was put before the archive: then it is right before.
-    for (const std::uint64_t place : {told, end < locatorLength + wideLength ? end : end - locatorLength - wideLength}) {
+    for (const std::uint64_t place :
+         {told, end < locatorLength + wideLength ? end : end - locatorLength - wideLength}) {
         const std::string_view wide = bytes.at(place, wideLength);
         if (wide.size() < wideLength || !wide.starts_with(wideSignature)) continue;
         if (four(wide, 16) != 0 || four(wide, 20) != 0) return std::nullopt;

@@ -47,7 +47,8 @@ std::string keyOf(std::string_view name) {
         if (!path.empty()) path += '/';
         path += component;
     });
-    const bool isPlain = std::all_of(path.begin(), path.end(), [](char byte) { return static_cast<signed char>(byte) > 0; });
+    const bool isPlain =
+        std::all_of(path.begin(), path.end(), [](char byte) { return static_cast<signed char>(byte) > 0; });
     if (!isPlain) return Text::nameKey(path);
     std::transform(path.begin(), path.end(), path.begin(),
                    [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; });
@@ -66,9 +67,8 @@ void makeUnique(std::vector<std::uint64_t>& hashes) {
 }
 
 bool haveOneInCommon(const std::vector<std::uint64_t>& sorted, const std::vector<std::uint64_t>& wanted) {
-    return std::any_of(wanted.begin(), wanted.end(), [&](std::uint64_t hash) {
-        return std::binary_search(sorted.begin(), sorted.end(), hash);
-    });
+    return std::any_of(wanted.begin(), wanted.end(),
+                       [&](std::uint64_t hash) { return std::binary_search(sorted.begin(), sorted.end(), hash); });
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include "Installers/Install/BlockingSymlinks.h"
-
 #include "Installers/Install/InstallWorld.h"
 #include "Platform/Files/Files.h"
 #include "Support/RealVolume.h"
@@ -119,8 +118,7 @@ TEST_F(BlockingSymlinksTest, GoByTheToolOfRoot) {
     const std::string said = (world.folder / "said").native();
     world.host.tools.rootferry = world.tool("rootferry", "echo \"$@\" >> " + said + "; \"$@\"");
     clear(true);
-    EXPECT_EQ(contentOf(said),
-              "rm -f " + world.launcher("A.app").native() + "\nrm -rf " + copy.native() + "\n");
+    EXPECT_EQ(contentOf(said), "rm -f " + world.launcher("A.app").native() + "\nrm -rf " + copy.native() + "\n");
     EXPECT_FALSE(Files::itemExists(copy));
     EXPECT_FALSE(Files::itemExists(world.launcher("A.app")));
 }
@@ -142,8 +140,8 @@ TEST_F(BlockingSymlinksTest, NeverTakeAWholeDriveOrOneOfOurFolders) {
          {volumes, world.drive, world.drive / "", world.drive / "ExternalTarvik", world.drive / "ExternalTarvik/Apps",
           world.drive / "ExternalTarvik/Apps/", world.drive / "./ExternalTarvik//Data",
           world.drive / "ExternalTarvik/Folders", world.drive / "ExternalTarvik/Plugins", world.drive / "TarvikBackups",
-          world.drive / "externaltarvik/APPS", world.drive / "Tarvik", world.drive / "Tarvik/Apps",
-          volumes / "Away", volumes / "Away/ExternalTarvik", volumes / "Away/TarvikBackups"})
+          world.drive / "externaltarvik/APPS", world.drive / "Tarvik", world.drive / "Tarvik/Apps", volumes / "Away",
+          volumes / "Away/ExternalTarvik", volumes / "Away/TarvikBackups"})
         EXPECT_FALSE(mayGo(place)) << place;
     for (const fs::path& place : {copy, world.drive / "Editor.app", world.drive / "ExternalTarvik/Apps/Suite",
                                   volumes / "Away/ExternalTarvik/Apps/B.app"})

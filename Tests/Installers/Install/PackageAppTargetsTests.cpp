@@ -1,6 +1,5 @@
-#include "Installers/Install/PackageAppTargets.h"
-
 #include "Installers/Install/InstallWorld.h"
+#include "Installers/Install/PackageAppTargets.h"
 #include "Platform/Files/Files.h"
 #include "Support/Mutator.h"
 #include "Support/Tree.h"
@@ -78,8 +77,8 @@ TEST(PackageAppTargets, AreThoseOfTheExpression) {
     for (unsigned seed = 1; seed <= runs; ++seed) {
         std::mt19937 random(seed);
         std::string line;
-        const std::vector<std::string> pieces = {"/Applications/", "/Applications", "/", ".app", "app", "A", ".",
-                                                 "\"",             "<",             " ", "\t",   "B.",  ".app/"};
+        const std::vector<std::string> pieces = {
+            "/Applications/", "/Applications", "/", ".app", "app", "A", ".", "\"", "<", " ", "\t", "B.", ".app/"};
         for (unsigned piece = random() % 12; piece > 0; --piece) line += pieces[random() % pieces.size()];
         std::smatch match;
         std::set<std::string> expected;
@@ -119,7 +118,8 @@ TEST_F(PackageAppTargetsTest, AreNoneWithoutADescription) {
 }
 
 TEST_F(PackageAppTargetsTest, AreNotReadFromWhatIsNoText) {
-    unpackBy("printf '/Applications/A.app\\377' > \"$4/PackageInfo\"; printf '/Applications/B.app' > \"$4/Distribution\"");
+    unpackBy(
+        "printf '/Applications/A.app\\377' > \"$4/PackageInfo\"; printf '/Applications/B.app' > \"$4/Distribution\"");
     EXPECT_THAT(namesOf(), ElementsAre("B.app"));
 }
 

@@ -1,5 +1,4 @@
 #include "Installers/Install/Rootferry.h"
-
 #include "Support/HostOf.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"

@@ -1,6 +1,5 @@
-#include "Installers/Install/SourceInstaller.h"
-
 #include "Installers/Install/InstallWorld.h"
+#include "Installers/Install/SourceInstaller.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/ProcessTable.h"
 #include "Support/FailureOf.h"
@@ -42,11 +41,13 @@ protected:
     /// An attach that shows the folders, and a detach that succeeds for `goes`.
     void mountBy(const std::vector<fs::path>& volumes, const std::string& goes = "*") {
         std::string list = "<plist version=\"1.0\"><dict><key>system-entities</key><array>";
-        for (const auto& volume : volumes) list += "<dict><key>mount-point</key><string>" + volume.native() + "</string></dict>";
+        for (const auto& volume : volumes)
+            list += "<dict><key>mount-point</key><string>" + volume.native() + "</string></dict>";
         list += "<dict><key>dev-entry</key><string>/dev/disk9</string></dict></array></dict></plist>";
         makeFile(world.folder / "answer", list);
-        world.host.tools.hdiutil = noting("hdiutil", "case $1 in attach) cat '" + (world.folder / "answer").native() +
-                                                         "';; detach) case $2 in " + goes + ") exit 0;; esac; exit 1;; esac");
+        world.host.tools.hdiutil =
+            noting("hdiutil", "case $1 in attach) cat '" + (world.folder / "answer").native() +
+                                  "';; detach) case $2 in " + goes + ") exit 0;; esac; exit 1;; esac");
     }
     /// A ditto that expands every archive to what lies in `contents`, and copies as before.
     void expandTo(const fs::path& contents) {
@@ -136,15 +137,14 @@ TEST_F(SourceInstallerTest, InstallsAPackageAsRootOnlyWhenAsked) {
     world.host.tools.rootferry = noting("rootferry", "");
     EXPECT_EQ(install(pkg), "done");
     EXPECT_THAT(saidByTools(), HasSubstr("rootferry installer -pkg " + pkg.native() + " -target /\n"));
-    EXPECT_THAT(*world.lines,
-                Contains("run-pkg\t" + world.host.tools.rootferry.native() + "\t" + pkg.native()));
+    EXPECT_THAT(*world.lines, Contains("run-pkg\t" + world.host.tools.rootferry.native() + "\t" + pkg.native()));
 }
 
 TEST_F(SourceInstallerTest, FailsWithoutTheToolOfRoot) {
     world.useRootferry = true;
     world.host.tools.rootferry = world.folder / "missing";
-    EXPECT_EQ(install(pkg), "pkg-install 127: Could not start " + (world.folder / "missing").native() + ": " +
-                                wordsFor(ENOENT));
+    EXPECT_EQ(install(pkg),
+              "pkg-install 127: Could not start " + (world.folder / "missing").native() + ": " + wordsFor(ENOENT));
     EXPECT_THAT(saidByTools(), testing::Not(HasSubstr("installer"))) << "nothing falls back to the other way";
 }
 
@@ -163,9 +163,9 @@ TEST_F(SourceInstallerTest, RunsAScriptWhereThatIsAllowed) {
     const fs::path setup = script("echo ran > '" + (world.folder / "proof").native() + "'\n");
     EXPECT_EQ(install(setup), "done");
     EXPECT_THAT(actions, ElementsAre("ran-script\t" + setup.native()));
-    EXPECT_THAT(*world.lines, ElementsAre("source\tscript\t" + setup.native(),
-                                          "run-script\t" + world.host.tools.bash.native() + "\t" + setup.native(),
-                                          actions[0]));
+    EXPECT_THAT(*world.lines,
+                ElementsAre("source\tscript\t" + setup.native(),
+                            "run-script\t" + world.host.tools.bash.native() + "\t" + setup.native(), actions[0]));
     EXPECT_EQ(contentOf(world.folder / "proof"), "ran\n");
     world.option.allowUntrustedScripts = false;
     EXPECT_EQ(install(setup),
@@ -203,9 +203,8 @@ TEST_F(SourceInstallerTest, EndsAScriptWithAllThatItHasStartedWhenAskedTo) {
         EXPECT_TRUE(comesToStand(begun));
         world.cancellation.cancel();
     });
-    const std::string told =
-        install(script("sh -c 'echo $$ > " + (world.folder / "inner").native() + "; touch " + begun.native() +
-                       "; while :; do sleep 0.05; done'\n"));
+    const std::string told = install(script("sh -c 'echo $$ > " + (world.folder / "inner").native() + "; touch " +
+                                            begun.native() + "; while :; do sleep 0.05; done'\n"));
     asker.join();
     EXPECT_EQ(told, stopped);
     const pid_t inner = std::stoi(contentOf(world.folder / "inner"));
@@ -228,8 +227,8 @@ TEST_F(SourceInstallerTest, InstallsAllThatIsInAnImage) {
     makeFile(two / "C.pkg");
     mountBy({one, two});
     EXPECT_EQ(install(image), "done");
-    EXPECT_THAT(actions, ElementsAre(actionFor("A.app"), actionFor("B.app"),
-                                     "installed-pkg\t" + (two / "C.pkg").native()));
+    EXPECT_THAT(actions,
+                ElementsAre(actionFor("A.app"), actionFor("B.app"), "installed-pkg\t" + (two / "C.pkg").native()));
     EXPECT_EQ(world.lines->at(0), "source\tdmg\t" + image.native());
     EXPECT_EQ(world.lines->at(1), "dmg-mounted\t2");
     EXPECT_EQ(world.lines->at(2), "source\tapp\t" + (one / "A.app").native());
@@ -244,8 +243,8 @@ TEST_F(SourceInstallerTest, DetachesAnImageWhateverGoesFirst) {
     mountBy({one}, "/dev/*");
     EXPECT_EQ(install(image), "done");
     EXPECT_THAT(actions, IsEmpty());
-    EXPECT_THAT(saidByTools(), testing::EndsWith("hdiutil detach " + one.native() +
-                                                 " -quiet\nhdiutil detach /dev/disk9 -quiet\n"));
+    EXPECT_THAT(saidByTools(),
+                testing::EndsWith("hdiutil detach " + one.native() + " -quiet\nhdiutil detach /dev/disk9 -quiet\n"));
 }
 
 TEST_F(SourceInstallerTest, EndsAtTheFirstItemThatFailsAndDetaches) {
