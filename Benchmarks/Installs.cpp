@@ -59,8 +59,7 @@ void measure(std::size_t files, int rounds) {
     const auto internal = RealVolume::ext4(folder.path(), 8 * gigabyte);
     const auto diskDrive = RealVolume::ext4(root / "Volumes", 8 * gigabyte);
     const auto memoryDrive = RealVolume::memory(root / "Volumes", 4 * gigabyte);
-    const auto practice =
-        Practice::build(internal / "practice", {.apps = 0, .specialApps = false, .files = files});
+    const auto practice = Practice::build(internal / "practice", {.apps = 0, .specialApps = false, .files = files});
     const fs::path app = internal / "Large.app";
     fs::rename(practice.home, app);
     test::makeFile(app / "Contents/Info.plist", "<plist version=\"1.0\"><dict/></plist>");

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-/// Disk images as a Mac makes them: a disk in compressed pieces, behind them a property list that tells where each lies,
-/// and at the very end the block that begins with "koly". The same contents give the same bytes.
+/// Disk images as a Mac makes them: a disk in compressed pieces, behind them a property list that tells where each
+/// lies, and at the very end the block that begins with "koly". The same contents give the same bytes.
 namespace tarvik::Practice::DiskImage {
 
 struct Volume {

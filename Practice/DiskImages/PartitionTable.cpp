@@ -16,15 +16,17 @@ constexpr std::size_t entrySize = 128;
 constexpr std::uint64_t tableSectors = entries * entrySize / sectorSize;
 
 std::uint32_t checksum(const std::string& bytes) {
-    return static_cast<std::uint32_t>(
-        crc32_z(0, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
+    return static_cast<std::uint32_t>(crc32_z(0, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
 }
 
 /// Stands for a number that nobody else has: the same on every run.
 Bytes& identifier(Bytes& bytes, std::uint32_t number) {
-    return bytes.little(std::uint32_t{0x7A417669} + number).little(std::uint16_t{0x4B1D}).little(std::uint16_t{0x4C2E}).text(
-        "\x8A\x5F"
-        "Tarvik");
+    return bytes.little(std::uint32_t{0x7A417669} + number)
+        .little(std::uint16_t{0x4B1D})
+        .little(std::uint16_t{0x4C2E})
+        .text(
+            "\x8A\x5F"
+            "Tarvik");
 }
 
 /// The table's own head, at `place`; `other` is where its double lies, `table` where its entries do.

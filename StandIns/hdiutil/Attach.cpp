@@ -7,6 +7,7 @@
 #include "hdiutil/ImageFile.h"
 
 #include <fmt/format.h>
+
 #include <utility>
 
 namespace tarvik::hdiutil::Attach {
@@ -41,8 +42,8 @@ void tell(const DiskContents::Contents& contents, int number, const fs::path& vo
         entities.push_back({container, apfsContainer, apfsContainer});
         int volume = 0;
         for (const auto& each : opened) {
-            entities.push_back({fmt::format("{}s{}", container, ++volume), apfsVolume, apfsVolume, each.kind,
-                                volumes / each.name});
+            entities.push_back(
+                {fmt::format("{}s{}", container, ++volume), apfsVolume, apfsVolume, each.kind, volumes / each.name});
             folders.push_back(each.folder);
         }
     }

@@ -44,7 +44,8 @@ FileDescriptor locked(const fs::path& folder) {
 
 std::int64_t inodeOf(const fs::path& path) {
     struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? static_cast<std::int64_t>(status.st_ino) : 0;
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? static_cast<std::int64_t>(status.st_ino)
+                                                                          : 0;
 }
 
 /// Whether the folder that was mounted is still what stands there.
@@ -94,9 +95,9 @@ Attachments::~Attachments() {
 std::optional<Attachment> Attachments::withIdentity(const std::string& identity) const {
     for (const int number : numbers()) {
         Attachment attachment = recordOf(number);
-        const bool isWhole = std::all_of(attachment.entities.begin(), attachment.entities.end(), [](const Entity& entity) {
-            return entity.mountPoint.empty() || stands(entity);
-        });
+        const bool isWhole =
+            std::all_of(attachment.entities.begin(), attachment.entities.end(),
+                        [](const Entity& entity) { return entity.mountPoint.empty() || stands(entity); });
         if (attachment.identity == identity && isWhole) return attachment;
     }
     return std::nullopt;

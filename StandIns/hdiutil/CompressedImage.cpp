@@ -41,7 +41,8 @@ bool isWhole(const ImageFile& image, const std::string& trailer) {
     if (offset > image.size() || missing > image.size() - offset) return false;
     uLong sum = 0;
     while (missing > 0) {
-        const std::string bytes = image.bytesAt(offset, static_cast<std::size_t>(std::min<std::uint64_t>(missing, 1U << 20)));
+        const std::string bytes =
+            image.bytesAt(offset, static_cast<std::size_t>(std::min<std::uint64_t>(missing, 1U << 20)));
         if (bytes.empty()) return false;
         sum = crc32_z(sum, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
         offset += bytes.size();

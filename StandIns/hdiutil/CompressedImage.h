@@ -2,8 +2,8 @@
 
 #include "hdiutil/ImageFile.h"
 
-/// The image format of the Mac: a disk in pieces, a property list that tells where they lie, and a block that begins with
-/// "koly" at the end of the file.
+/// The image format of the Mac: a disk in pieces, a property list that tells where they lie, and a block that begins
+/// with "koly" at the end of the file.
 namespace tarvik::hdiutil::CompressedImage {
 
 /// Whether the file is one.

@@ -1,9 +1,10 @@
 #include "hdiutil/Disk.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <fmt/format.h>
 #include <string_view>
 
 namespace tarvik::hdiutil::DiskReader {
@@ -98,9 +99,9 @@ Disk uniqueLayout(const Read& read, std::uint64_t size) {
     if (entrySize < 128 || entrySize > 4096 || table > size / sector) return disk;
     for (std::uint64_t entry = 0; entry < count; ++entry) {
         const Numbers partition(read(table * sector + entry * entrySize, 128));
-        const std::string type = fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", partition.little(0, 4),
-                                             partition.little(4, 2), partition.little(6, 2), partition.big(8, 2),
-                                             partition.big(10, 6));
+        const std::string type =
+            fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", partition.little(0, 4), partition.little(4, 2),
+                        partition.little(6, 2), partition.big(8, 2), partition.big(10, 6));
         const std::uint64_t first = partition.little(32, 8);
         const std::uint64_t last = partition.little(40, 8);
         if (last < first) continue;

@@ -25,8 +25,7 @@ constexpr const char* rawName = "raw";
 class RawFile {
 public:
     explicit RawFile(const fs::path& folder)
-        : m_path(folder / rawName),
-          m_file(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
+        : m_path(folder / rawName), m_file(::open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
         if (!m_file) throw Failure("hdiutil", 1, systemErrorText(errno));
     }
     RawFile(const RawFile&) = delete;
@@ -83,7 +82,8 @@ Contents openRaw(const ImageFile& disk, const fs::path& folder) {
         const auto format = DiskReader::formatAt(read, 0);
         if (!format) return {layout.scheme, {}};
         Slice whole;
-        if (*format != Format::iso) whole.content = whole.unmapped = *format == Format::hfs ? "Apple_HFS" : "Apple_APFS";
+        if (*format != Format::iso)
+            whole.content = whole.unmapped = *format == Format::hfs ? "Apple_HFS" : "Apple_APFS";
         return {{}, {{whole, Volumes::open(sourceOf(disk.path(), *format), *format, folder)}}};
     }
     Contents contents{layout.scheme, {}};
@@ -136,7 +136,8 @@ std::vector<Stretch> stretchesOf(const ImageFile& image, std::string& scheme) {
     if (!isWhole || entries == 0) throw Failure("hdiutil", 1, "image not recognized");
     if (entries == 1) scheme.clear();
     for (Stretch& stretch : stretches)
-        stretch.slice.unmapped = scheme.starts_with("GUID") ? DiskReader::unmappedOf(stretch.slice.content) : stretch.slice.content;
+        stretch.slice.unmapped =
+            scheme.starts_with("GUID") ? DiskReader::unmappedOf(stretch.slice.content) : stretch.slice.content;
     return stretches;
 }
 

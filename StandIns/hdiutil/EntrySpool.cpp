@@ -37,7 +37,7 @@ void EntrySpool::add(const Entry& entry) {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() / 4;
     const std::int64_t blocks = std::min(entry.size, most) / block + 1;
     m_neededBytes = std::min(most, m_neededBytes + blocks * block);
-    const Head head = {entry.type,     entry.permissions,  entry.size,
+    const Head head = {entry.type,     entry.permissions, entry.size,
                        entry.modified, entry.path.size(), entry.attribute.size()};
     if (std::fwrite(&head, sizeof head, 1, m_file.get()) != 1 ||
         std::fwrite(entry.path.data(), 1, entry.path.size(), m_file.get()) != entry.path.size() ||

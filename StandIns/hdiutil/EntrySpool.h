@@ -7,8 +7,8 @@
 
 namespace tarvik::hdiutil {
 
-/// Entries on their way from a list to the disk. They wait in a file without a name, so that a volume of a million items
-/// takes no more memory than one of ten. Every operation throws Failure.
+/// Entries on their way from a list to the disk. They wait in a file without a name, so that a volume of a million
+/// items takes no more memory than one of ten. Every operation throws Failure.
 class EntrySpool {
 public:
     EntrySpool();

@@ -27,7 +27,8 @@ VolumeStream::VolumeStream(EntrySpool& entries, std::string container, VolumeWri
 void VolumeStream::take(std::string_view bytes) {
     while (!bytes.empty()) {
         if (!m_isUnderWay && !nextEntry()) failAsDamaged();
-        const auto length = static_cast<std::size_t>(std::min<std::uint64_t>(static_cast<std::uint64_t>(m_missing), bytes.size()));
+        const auto length =
+            static_cast<std::size_t>(std::min<std::uint64_t>(static_cast<std::uint64_t>(m_missing), bytes.size()));
         const std::string_view part = bytes.substr(0, length);
         if (m_isKept && m_entry.type == Type::file) m_writer.write(part);
         if (m_isKept && (m_entry.type == Type::link || m_entry.type == Type::attribute)) m_text += part;
@@ -76,8 +77,8 @@ void VolumeStream::endEntry() {
         case Type::link:
             return m_writer.link(m_entry, m_path, m_text);
         case Type::attribute:
-            return m_writer.attribute(m_path, m_entry.attribute == "rsrc" ? "com.apple.ResourceFork" : m_entry.attribute,
-                                      m_text);
+            return m_writer.attribute(
+                m_path, m_entry.attribute == "rsrc" ? "com.apple.ResourceFork" : m_entry.attribute, m_text);
         case Type::folder:
         case Type::other:
             return m_writer.add(m_entry, m_path);

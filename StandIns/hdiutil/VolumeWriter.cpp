@@ -86,7 +86,8 @@ void VolumeWriter::add(const Entry& entry, std::string_view path) {
         if (::mkdirat(parent, name.c_str(), 0700) != 0) {
             const int why = errno;
             struct stat status {};
-            if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(status.st_mode)) fail(why);
+            if (::fstatat(parent, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISDIR(status.st_mode))
+                fail(why);
         }
     }
     m_folders.push_back({std::string(path), entry.permissions, entry.modified});
@@ -135,7 +136,8 @@ void VolumeWriter::finish() {
     m_parent.close();
     // What lies deeper goes first: a folder that nobody may enter is closed behind its contents.
     std::stable_sort(m_folders.begin(), m_folders.end(), [](const Folder& one, const Folder& other) {
-        return std::count(one.path.begin(), one.path.end(), '/') > std::count(other.path.begin(), other.path.end(), '/');
+        return std::count(one.path.begin(), one.path.end(), '/') >
+               std::count(other.path.begin(), other.path.end(), '/');
     });
     for (const Folder& folder : m_folders) {
         const FileDescriptor handle = openFolder(folder.path, false);

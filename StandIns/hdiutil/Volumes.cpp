@@ -36,8 +36,8 @@ struct Container {
 /// What a Mac keeps at the top of such a volume and shows to nobody. 7-Zip puts the first into brackets for the
 /// characters that no text shows.
 bool isPrivate(std::string_view pathInVolume) {
-    constexpr std::array<std::string_view, 4> names = {"[HFS+ Private Data]", ".HFS+ Private Directory Data\r", ".journal",
-                                                       ".journal_info_block"};
+    constexpr std::array<std::string_view, 4> names = {"[HFS+ Private Data]", ".HFS+ Private Directory Data\r",
+                                                       ".journal", ".journal_info_block"};
     return std::find(names.begin(), names.end(), pathInVolume.substr(0, pathInVolume.find('/'))) != names.end();
 }
 

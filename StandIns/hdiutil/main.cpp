@@ -31,8 +31,8 @@
 // - Extended attributes and resource forks are kept where the file system of the machine keeps such attributes; on
 //   Linux their names begin with "user.". Of names, a line break and a colon become "_".
 // - It knows compressed images, those of a disk as it is, and discs; HFS, HFS Plus and APFS volumes, and ISO 9660. Of a
-//   disc that is also a Mac's disk, the Mac's volumes are taken. Other volumes (FAT, NTFS, UDF), images in several files, sparse
-//   ones and those of a virtual machine are not mountable.
+//   disc that is also a Mac's disk, the Mac's volumes are taken. Other volumes (FAT, NTFS, UDF), images in several
+//   files, sparse ones and those of a virtual machine are not mountable.
 // - An encrypted image asks for no password, one with a licence shows none: both fail at once.
 // - The volumes of an image that is being used can be detached.
 // - No other command and no other option is understood.
