@@ -1,10 +1,10 @@
 #include "Installers/Opening/ZipExpander.h"
 
 #include "Copying/FileStash.h"
+#include "Installers/Opening/OpenedLeftovers.h"
 #include "Installers/Opening/ZipCheck.h"
+#include "Installers/Opening/ZipFolder.h"
 #include "Platform/Basics/Failure.h"
-#include "Platform/Basics/Identifier.h"
-#include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
 #include "Platform/Processes/CommandRunner.h"
@@ -15,7 +15,7 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <string>
+#include <utility>
 
 namespace tarvik::ZipExpander {
 
@@ -23,12 +23,6 @@ namespace {
 
 constexpr const char* domain = "zip";
 constexpr int unsafePaths = 1;
-
-fs::path makeFolder(const Host& host) {
-    fs::path folder = host.temporary / ("TarvikZip-" + newIdentifier());
-    if (!Files::claim(folder)) throw FileError("create the folder", folder, EEXIST);
-    return folder;
-}
 
 /// Whether something below the folder does not lie below it by its path. It is asked of the names alone.
 bool containsUnsafePath(const fs::path& root) {
@@ -50,6 +44,7 @@ bool containsUnsafePath(const fs::path& root) {
 void refuseHarm(const Host& host, const fs::path& archive) {
     const ZipCheck check = ZipCheck::of(archive);
     if (check.isUnsafe) refuseAsUnsafe();
+    Files::createFolder(host.temporary);
     const std::int64_t free = VolumeCapacityProbe::freeBytes(host, host.temporary);
     if (free > 0 && check.unpackedSize > free)
         throw Failure(domain, ENOSPC,
@@ -59,20 +54,29 @@ void refuseHarm(const Host& host, const fs::path& archive) {
 
 }  // namespace
 
-fs::path expand(const Host& host, const fs::path& archive) {
-    Files::createFolder(host.temporary);
+fs::path expand(const Host& host, const fs::path& archive, OpenedHold& hold) {
+    OpenedLeftovers::sweep(host);
     refuseHarm(host, archive);
-    const fs::path folder = makeFolder(host);
-    const auto result = CommandRunner::run(host.tools.ditto, {"-x", "-k", archive.native(), folder.native()});
+    ZipFolder folder = ZipFolder::make(host);
+    // The tool writes nothing to its standard output. That it has the folder open there keeps the folder locked, should
+    // this process be killed, until the tool has ended too.
+    const auto result = CommandRunner::runWritingTo(folder.handle, host.tools.ditto,
+                                                    {"-x", "-k", archive.native(), folder.path.native()});
     if (!result.succeeded()) {
-        FileStash::moveAside(host, folder, "zip-failed");
+        FileStash::moveAside(host, folder.path, "zip-failed");
         throw Failure(domain, result.status, result.stderr);
     }
-    if (containsUnsafePath(folder)) {
-        FileStash::moveAside(host, folder, "zip-unsafe");
+    if (containsUnsafePath(folder.path)) {
+        FileStash::moveAside(host, folder.path, "zip-unsafe");
         refuseAsUnsafe();
     }
-    return folder;
+    hold = OpenedHold(std::move(folder.handle));
+    return folder.path;
+}
+
+fs::path expand(const Host& host, const fs::path& archive) {
+    OpenedHold hold;
+    return expand(host, archive, hold);
 }
 
 }  // namespace tarvik::ZipExpander

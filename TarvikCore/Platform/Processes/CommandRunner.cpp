@@ -141,6 +141,21 @@ CommandResult CommandRunner::run(const fs::path& path, const std::vector<std::st
     }
 }
 
+CommandResult CommandRunner::runWritingTo(const FileDescriptor& output, const fs::path& path,
+                                          const std::vector<std::string>& arguments) {
+    try {
+        ChildProcess child = ChildProcess::startWritingTo(output, path, arguments);
+        Output gathered(child);
+        gathered.reader.readToEnd();
+        CommandResult result;
+        result.status = child.wait();
+        result.stderr = gathered.standardError();
+        return result;
+    } catch (const Failure& failure) {
+        return notLaunched(failure);
+    }
+}
+
 CommandResult CommandRunner::runUntil(const fs::path& path, const std::vector<std::string>& arguments,
                                       const Cancellation& cancellation, std::size_t mostOutput) {
     const Time time{forever, &cancellation};
