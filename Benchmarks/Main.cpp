@@ -2,11 +2,13 @@
 //   tarvik-benchmark [FILES] [ROUNDS]          all parts
 //   tarvik-benchmark discovery [ROUNDS]        how quickly applications and links are found
 //   tarvik-benchmark health [ROUNDS]           how long the check of everything that was moved takes
+//   tarvik-benchmark installs [FILES] [ROUNDS] applications that are installed on a drive
 //   tarvik-benchmark uninstall [ROUNDS]        plans of uninstalls, and much that goes to the Trash
 //   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
 //   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
 #include "Discovery.h"
 #include "Health.h"
+#include "Installs.h"
 #include "Measure.h"
 #include "Moves.h"
 #include "Platform/Processes/ProgramLocation.h"
@@ -52,6 +54,10 @@ void runPart(const std::string& part, const std::vector<std::string>& words) {
         const Sizes sizes = sizesFrom(words, 1);
         return Moves::measure(sizes.files, sizes.rounds);
     }
+    if (part == "installs") {
+        const Sizes sizes = sizesFrom(words, 1);
+        return InstallSpeed::measure(sizes.files, sizes.rounds);
+    }
     Sizes sizes;
     if (words.size() > 1) setRounds(sizes, words[1]);
     if (part == "discovery") return Discovery::measure(sizes.rounds);
@@ -69,6 +75,7 @@ void runAll(const Sizes& sizes) {
     Measure::part({program, "uninstall", rounds});
     Measure::part({program, "window", rounds});
     Measure::part({program, "moves", std::to_string(sizes.files), rounds});
+    Measure::part({program, "installs", std::to_string(sizes.files), rounds});
 }
 
 }  // namespace
@@ -77,7 +84,7 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::string part = words.empty() ? "" : words.front();
-        constexpr std::array parts = {"discovery", "health", "uninstall", "window", "moves"};
+        constexpr std::array parts = {"discovery", "health", "uninstall", "window", "moves", "installs"};
         if (std::find(parts.begin(), parts.end(), part) != parts.end()) {
             runPart(part, words);
         } else {
