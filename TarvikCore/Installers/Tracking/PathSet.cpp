@@ -84,10 +84,9 @@ bool PathSet::append(std::string_view path) {
 }
 
 bool PathSet::contains(std::string_view path) const {
-    const auto after =
-        std::upper_bound(m_blocks.begin(), m_blocks.end(), path, [](std::string_view wanted, const std::string& block) {
-            return isBefore(wanted, firstPathOf(block));
-        });
+    const auto after = std::upper_bound(
+        m_blocks.begin(), m_blocks.end(), path,
+        [](std::string_view wanted, const std::string& block) { return isBefore(wanted, firstPathOf(block)); });
     if (after == m_blocks.begin()) return false;
     const auto block = static_cast<std::size_t>(std::distance(m_blocks.begin(), after)) - 1;
     const Iterator end(m_blocks, block + 1);

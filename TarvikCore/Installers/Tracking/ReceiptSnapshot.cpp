@@ -7,8 +7,7 @@
 namespace tarvik {
 
 void to_json(nlohmann::json& json, const ReceiptSnapshot& snapshot) {
-    Json::write(json, "packageIDs",
-                std::vector<std::string>(snapshot.packageIDs.begin(), snapshot.packageIDs.end()));
+    Json::write(json, "packageIDs", std::vector<std::string>(snapshot.packageIDs.begin(), snapshot.packageIDs.end()));
 }
 
 void from_json(const nlohmann::json& json, ReceiptSnapshot& snapshot) {

@@ -44,14 +44,9 @@ PathSet united(const PathSet& one, const PathSet& other) {
 std::vector<fs::path> defaultRoots(const Host& host) {
     const fs::path library = SystemFolders::library(host);
     const fs::path ownLibrary = host.home / "Library";
-    return {SystemFolders::applications(host),
-            host.home / "Applications",
-            library / "Application Support",
-            library / "LaunchAgents",
-            library / "LaunchDaemons",
-            library / "PrivilegedHelperTools",
-            ownLibrary / "Application Support",
-            ownLibrary / "LaunchAgents"};
+    return {SystemFolders::applications(host),  host.home / "Applications", library / "Application Support",
+            library / "LaunchAgents",           library / "LaunchDaemons",  library / "PrivilegedHelperTools",
+            ownLibrary / "Application Support", ownLibrary / "LaunchAgents"};
 }
 
 FileSnapshot capture(const std::vector<fs::path>& roots) {

@@ -1,6 +1,5 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/FileDescriptor.h"
-#include "Platform/Files/FileError.h"
 #include "Platform/Linux/WatchedTree.h"
 #include "Platform/Machine/FileEvents.h"
 
@@ -47,7 +46,7 @@ std::timespec nowByWallClock() {
 
 class InotifyStream final : public FileEvents::Stream {
 public:
-    /// @throws FileError, std::system_error
+    /// @throws std::system_error
     InotifyStream(const std::vector<fs::path>& roots, FileEvents::Listener listener)
         : m_listener(std::move(listener)),
           m_inotify(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)),
@@ -57,8 +56,8 @@ public:
           m_tree(m_inotify.get(), roots,
                  {.happened = [this](const std::string& path) { note(path); },
                   .missed = [this](const std::string& sentence) { miss(sentence); }}) {
-        if (!m_inotify) throw FileError("watch", roots.front(), m_inotifyError);
-        if (!m_end) throw FileError("watch", roots.front(), errno);
+        if (!m_inotify) throw std::system_error(m_inotifyError, std::generic_category());
+        if (!m_end) throw std::system_error(errno, std::generic_category());
         m_tree.begin();
         m_thread = std::thread([this] { run(); });
     }
@@ -101,8 +100,7 @@ private:
     int millisecondsToNextTask() const {
         const auto now = steady_clock::now();
         if (!m_paths.empty())
-            return static_cast<int>(
-                std::max(0ms, std::chrono::ceil<std::chrono::milliseconds>(m_due - now)).count());
+            return static_cast<int>(std::max(0ms, std::chrono::ceil<std::chrono::milliseconds>(m_due - now)).count());
         return m_tree.hasLeft() ? static_cast<int>(returnTime.count()) : -1;
     }
 
@@ -168,8 +166,9 @@ public:
         try {
             return std::make_unique<InotifyStream>(roots, listener);
         } catch (const std::exception& failure) {
-            ignoringFailure(
-                [&] { listener.missed(fmt::format("Files could not be watched: {}.", failure.what())); });
+            ignoringFailure([&] {
+                listener.missed(fmt::format("Changes could not be watched as they happen: {}.", failure.what()));
+            });
             return nullptr;
         }
     }

@@ -70,19 +70,24 @@ void WatchedTree::handle(const inotify_event& event) {
     }
     Folder* const folder = known(event.wd);
     if (!folder) return;
-    if ((event.mask & IN_IGNORED) != 0) {
-        if (folder->root) {
-            loseRoot(*folder);
-        } else {
-            unlink(*folder);
-        }
-        return forget(*folder);
-    }
+    if ((event.mask & IN_IGNORED) != 0) return end(*folder);
     const auto path = pathOf(*folder, &Root::text);
     if (!path) return;  // What happens where it has gone is nobody's business.
     m_teller.happened(name.empty() ? *path : joined(*path, name));
     const bool isComingOrGoing = (event.mask & wayEvents) != 0;
     if ((event.mask & IN_ISDIR) != 0 && isComingOrGoing && !name.empty()) settle(*folder, name);
+}
+
+/// The system has ended a watch: the folder was removed, or its volume went, under which there may be another folder.
+void WatchedTree::end(Folder& folder) {
+    const auto root = folder.root;
+    Folder* const above = folder.above;
+    const std::string name = folder.name;
+    if (root) loseRoot(folder);
+    unlink(folder);
+    forget(folder);
+    if (root) settleRoot(*root, Tells::everything);
+    if (above) settle(*above, name);
 }
 
 void WatchedTree::lookAgain(std::timespec time) {
@@ -147,6 +152,7 @@ void WatchedTree::settleRoot(std::size_t root, Tells tells) {
     if (number < 0) return noteUnwatched(error);
 
     auto& folder = m_folders[number];
+    if (folder && folder->root) return;  // A mount shows one folder at two roots.
     if (folder) {
         unlink(*folder);
     } else {
@@ -290,7 +296,7 @@ void WatchedTree::miss(std::string sentence) {
     if (m_missed.insert(sentence).second) m_teller.missed(sentence);
 }
 
-std::optional<std::string> WatchedTree::pathOf(const Folder& folder, std::string Root::* form) const {
+std::optional<std::string> WatchedTree::pathOf(const Folder& folder, std::string Root::*form) const {
     std::vector<const Folder*> trail;
     const Folder* top = &folder;
     for (; top->above; top = top->above) trail.push_back(top);

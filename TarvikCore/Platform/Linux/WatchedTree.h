@@ -89,6 +89,7 @@ private:
     void settleRoot(std::size_t root, Tells tells);
     void settle(Folder& above, const std::string& name);
     void loseRoot(Folder& folder);
+    void end(Folder& folder);
 
     Folder* known(int watch) const;
     /// The folder of a watch, at this place from now on; `isNew` when it was not there before. Null when it cannot be
@@ -105,7 +106,7 @@ private:
     void miss(std::string sentence);
 
     /// Where the folder is by what is told, or by what is opened; nothing for one that has left.
-    std::optional<std::string> pathOf(const Folder& folder, std::string Root::* form) const;
+    std::optional<std::string> pathOf(const Folder& folder, std::string Root::*form) const;
 
     const int m_inotify;
     const Teller m_teller;

@@ -158,7 +158,9 @@ public:
 
 private:
     static std::unique_ptr<Stream> refused(const Listener& listener) {
-        ignoringFailure([&] { listener.missed("Files could not be watched: the system gives no events of them."); });
+        ignoringFailure([&] {
+            listener.missed("Changes could not be watched as they happen: the system gives no events of them.");
+        });
         return nullptr;
     }
 };

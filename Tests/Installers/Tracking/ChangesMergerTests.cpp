@@ -24,8 +24,9 @@ TEST(ChangesMerger, TakesTheComparisonAloneWithoutLiveEvents) {
 }
 
 TEST(ChangesMerger, TakesOnlyWhatTheActionsNameWithoutAPackage) {
-    EXPECT_THAT(ChangesMerger::merge(atFirst, atLast, {"installed-app\t/b\t/a\tmore", "ran-script\t/s.sh"}, {"/passing"}),
-                ElementsAre("/a", "/b"));
+    EXPECT_THAT(
+        ChangesMerger::merge(atFirst, atLast, {"installed-app\t/b\t/a\tmore", "ran-script\t/s.sh"}, {"/passing"}),
+        ElementsAre("/a", "/b"));
     EXPECT_THAT(ChangesMerger::merge(atFirst, atLast, {"ran-script\t/s.sh"}, {"/passing"}), IsEmpty());
     for (const auto* line : {"installed-pkg", "installed-pkg /x.pkg", " installed-pkg\t/x.pkg", "installed-pkgs\t/x"})
         EXPECT_THAT(ChangesMerger::merge(atFirst, atLast, {line}, {"/passing"}), IsEmpty()) << line;

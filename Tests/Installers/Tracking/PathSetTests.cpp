@@ -50,7 +50,8 @@ TEST(PathSet, TakesOnlyWhatComesAfterAllThatIsThere) {
 TEST(PathSet, KnowsNeitherPartsNorContinuationsOfItsPaths) {
     const PathSet set({"/folder/file", "/folder/file.txt"});
     EXPECT_TRUE(set.contains("/folder/file"));
-    for (const auto* other : {"", "/", "/folder", "/folder/fil", "/folder/file.", "/folder/file.txt.", "/folder/file/x"})
+    for (const auto* other :
+         {"", "/", "/folder", "/folder/fil", "/folder/file.", "/folder/file.txt.", "/folder/file/x"})
         EXPECT_FALSE(set.contains(other)) << other;
 }
 

@@ -15,8 +15,8 @@ class ReceiptScannerTest : public testing::Test {
 protected:
     /// What is captured when the tool prints this and ends with this status.
     ReceiptSnapshot captured(const std::string& output, int status = 0) {
-        world.host.tools.pkgutil = world.tool("pkgutil", "[ \"$*\" = --pkgs ] && printf '" + output + "'\nexit " +
-                                                             std::to_string(status));
+        world.host.tools.pkgutil =
+            world.tool("pkgutil", "[ \"$*\" = --pkgs ] && printf '" + output + "'\nexit " + std::to_string(status));
         return ReceiptScanner::capture(world.host);
     }
 

@@ -88,7 +88,7 @@ TEST_F(SnapshotterTest, TakesRootsInAnyOrderAndInEachOther) {
     makeFile(world / "a/.hidden/file");
     makeFile(world / "a b/d");
     makeFile(world / "z");
-    const std::vector<std::string> expected = {"/a", "/a b", "/a b/d", "/a/.hidden", "/a/.hidden/file",
+    const std::vector<std::string> expected = {"/a",   "/a b",   "/a b/d", "/a/.hidden", "/a/.hidden/file",
                                                "/a/b", "/a/b/c", "/z"};
     EXPECT_EQ(captured({world / "z", world / "a b", world / "a/b", world / "a/.hidden", world / "a", world / "a"}),
               expected);

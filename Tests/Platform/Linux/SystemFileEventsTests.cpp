@@ -203,10 +203,10 @@ TEST_F(LostEventsTest, AreMadeUpForByALookAtWhatIsThere) {
     fs::rename(world / "ready", root / "moved in");
     fs::last_write_time(root / "new/deep/file", past);
     gate.open();
-    EXPECT_THAT(log.missingOf({root / "new", root / "new/deep/file", root / "old/changed", root / "removed",
-                               root / "removed/deep", root / "renamed", root / "named/deep",
-                               root / "moved in/deep/file"}),
-                IsEmpty());
+    EXPECT_THAT(
+        log.missingOf({root / "new", root / "new/deep/file", root / "old/changed", root / "removed",
+                       root / "removed/deep", root / "renamed", root / "named/deep", root / "moved in/deep/file"}),
+        IsEmpty());
     EXPECT_THAT(log.sentences(), ElementsAre(HasSubstr("at once")));
     for (const fs::path folder : {"new/deep", "named/deep", "moved in/deep"}) {
         makeFile(root / folder / "later");
