@@ -103,11 +103,11 @@ std::optional<Attachment> Attachments::withIdentity(const std::string& identity)
     return std::nullopt;
 }
 
-int Attachments::freeNumber() const {
+int Attachments::freeNumber(int from) const {
     std::set<std::string> taken;  // By what devices are called: a container of APFS has a number of its own.
     for (const int number : numbers())
         for (const Entity& entity : recordOf(number).entities) taken.insert(entity.device);
-    int number = firstNumber;
+    int number = std::max(from, firstNumber);
     while (taken.contains("/dev/disk" + std::to_string(number))) ++number;
     return number;
 }

@@ -28,8 +28,8 @@ public:
     /// The attached image with this identity whose volumes still stand.
     std::optional<Attachment> withIdentity(const std::string& identity) const;
 
-    /// A disk's number that is free.
-    int freeNumber() const;
+    /// The first disk's number that is free; none below `from`.
+    int freeNumber(int from = 0) const;
     /// A new empty folder for the image that becomes the disk of this number.
     fs::path begin(int number);
     /// Shows the volumes, which lie in `folders` in the order of the entities that have a mount point, under names like

@@ -28,12 +28,14 @@
 //   be written to, where a Mac refuses. Nobody may try. For root, permissions do not count at all.
 // - Owners are not kept, as a Mac ignores them too on images that are not told otherwise. Set-user-id and the like, and
 //   devices, which a Mac shows, are not there.
+// - On APFS each of several names of a file becomes a file of its own.
 // - An HFS Plus volume on which files have several names is refused: 7-Zip takes such names for empty files.
 // - Extended attributes and resource forks are kept where the file system of the machine keeps such attributes; on
 //   Linux their names begin with "user.". Of names, a line break and a colon become "_".
 // - It knows compressed images, those of a disk as it is, and discs; HFS, HFS Plus and APFS volumes, and ISO 9660. Of a
 //   disc that is also a Mac's disk, the Mac's volumes are taken. Other volumes (FAT, NTFS, UDF), images in several
 //   files, sparse ones and those of a virtual machine are not mountable.
+// - A container with several APFS volumes is refused: 7-Zip does not tell apart which items are whose.
 // - Of images whose pieces are in LZFSE, 7-Zip takes those for damaged in which a block is stored as it is.
 // - An encrypted image asks for no password, one with a licence shows none: both fail at once.
 // - The volumes of an image that is being used can be detached.
