@@ -4,6 +4,7 @@
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
+#include "hdiutil/OpenItems.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -158,6 +159,12 @@ std::optional<int> Attachments::numberOf(std::string_view target) const {
             if (path && stands(entity) && *path == entity.mountPoint) return number;
         }
     return std::nullopt;
+}
+
+bool Attachments::isBusy(int number) const {
+    const Attachment attachment = recordOf(number);
+    return std::any_of(attachment.entities.begin(), attachment.entities.end(),
+                       [](const Entity& entity) { return stands(entity) && OpenItems::areBelow(entity.mountPoint); });
 }
 
 void Attachments::end(int number) {

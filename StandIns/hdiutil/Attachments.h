@@ -40,6 +40,8 @@ public:
 
     /// The disk of an attached image that a path of a volume or a name of a device means.
     std::optional<int> numberOf(std::string_view target) const;
+    /// Whether something on one of the image's volumes is in use.
+    bool isBusy(int number) const;
     /// Takes the image's volumes away, whatever is in them.
     void end(int number);
 

@@ -58,7 +58,8 @@ void seal(std::string& disk, std::size_t number) {
 std::uint32_t hashOf(const std::string& name) {
     std::uint32_t sum = 0xFFFFFFFF;
     for (const char letter : name)
-        for (const unsigned byte : std::array<unsigned, 4>{static_cast<unsigned char>(letter >= 'A' && letter <= 'Z' ? letter + 32 : letter), 0, 0, 0}) {
+        for (const unsigned byte : std::array<unsigned, 4>{
+                 static_cast<unsigned char>(letter >= 'A' && letter <= 'Z' ? letter + 32 : letter), 0, 0, 0}) {
             sum ^= byte;
             for (int bit = 0; bit < 8; ++bit) sum = sum >> 1 ^ (sum & 1 ? 0x82F63B78U : 0U);
         }
@@ -72,7 +73,8 @@ std::string nameText(const std::string& name) {
 std::string inode(std::uint64_t folder, std::uint64_t number, const std::string& name, mode_t mode, std::size_t size,
                   std::uint32_t entries) {
     Bytes bytes;
-    bytes.little(folder).little(number).little(time).little(time).little(time).little(time).little(std::uint64_t{0x8000});
+    bytes.little(folder).little(number).little(time).little(time).little(time).little(time).little(
+        std::uint64_t{0x8000});
     bytes.little(entries).zeros(4 + 4 + 4).little(std::uint32_t{501}).little(std::uint32_t{20});
     bytes.little(static_cast<std::uint16_t>(mode)).zeros(2 + 8);
     const bool hasData = S_ISREG(mode);
@@ -115,17 +117,26 @@ std::vector<Record> recordsOf(const std::vector<Item>& items, std::string& disk)
         const std::uint16_t type = S_ISDIR(item.mode) ? 4 : S_ISLNK(item.mode) ? 10 : 8;
         enter(numberAt(item.folder), item.name, number, type);
         if (item.sameAs > 0) continue;
-        records.push_back({number, 3, {}, inode(numberAt(item.folder), number, item.name, item.mode, item.content.size(), S_ISDIR(item.mode) ? entries[at + 1] : names[at + 1])});
+        records.push_back({number,
+                           3,
+                           {},
+                           inode(numberAt(item.folder), number, item.name, item.mode, item.content.size(),
+                                 S_ISDIR(item.mode) ? entries[at + 1] : names[at + 1])});
         if (S_ISLNK(item.mode)) {
             const std::string name = nameText("com.apple.fs.symlink");
             records.push_back({number, xattr, Bytes().little(static_cast<std::uint16_t>(name.size())).text(name).all(),
-                               Bytes().little(std::uint16_t{6}).little(static_cast<std::uint16_t>(item.content.size() + 1)).text(nameText(item.content)).all()});
+                               Bytes()
+                                   .little(std::uint16_t{6})
+                                   .little(static_cast<std::uint16_t>(item.content.size() + 1))
+                                   .text(nameText(item.content))
+                                   .all()});
         } else if (S_ISREG(item.mode)) {
             records.push_back({number, dataStream, {}, Bytes().little(std::uint32_t{1}).all()});
             if (item.content.empty()) continue;
             const std::size_t blocks = (item.content.size() + block - 1) / block;
-            records.push_back({number, extent, Bytes().little(std::uint64_t{0}).all(),
-                               Bytes().little(std::uint64_t{blocks * block}).little(std::uint64_t{freeBlock}).zeros(8).all()});
+            records.push_back(
+                {number, extent, Bytes().little(std::uint64_t{0}).all(),
+                 Bytes().little(std::uint64_t{blocks * block}).little(std::uint64_t{freeBlock}).zeros(8).all()});
             disk.replace(freeBlock * block, item.content.size(), item.content);
             freeBlock += blocks;
         }
@@ -150,7 +161,8 @@ void fill(std::string& disk, std::size_t number, const std::vector<Record>& reco
         const std::string key = Bytes().little(record.type << 60 | record.number).text(record.key).all();
         values.insert(0, record.value);  // Values grow downwards from the end.
         places.little(static_cast<std::uint16_t>(keys.size())).little(static_cast<std::uint16_t>(key.size()));
-        places.little(static_cast<std::uint16_t>(values.size())).little(static_cast<std::uint16_t>(record.value.size()));
+        places.little(static_cast<std::uint16_t>(values.size()))
+            .little(static_cast<std::uint16_t>(record.value.size()));
         keys.text(key);
         longestKey = std::max(longestKey, key.size());
         longestValue = std::max(longestValue, record.value.size());
@@ -159,7 +171,9 @@ void fill(std::string& disk, std::size_t number, const std::vector<Record>& reco
     if (used > block) throw std::runtime_error("too many items for one node");
     Bytes node;
     node.text(disk.substr(number * block, 32)).little(std::uint16_t{3}).little(std::uint16_t{0});
-    node.little(static_cast<std::uint32_t>(records.size())).little(std::uint16_t{0}).little(static_cast<std::uint16_t>(table));
+    node.little(static_cast<std::uint32_t>(records.size()))
+        .little(std::uint16_t{0})
+        .little(static_cast<std::uint16_t>(table));
     node.little(static_cast<std::uint16_t>(keys.size())).little(static_cast<std::uint16_t>(block - used));
     node.little(std::uint16_t{0xFFFF}).zeros(2).little(std::uint16_t{0xFFFF}).zeros(2);
     node.text(places.all()).text(keys.all()).zeros(block - used).text(values);

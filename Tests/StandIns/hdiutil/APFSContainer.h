@@ -16,7 +16,7 @@ struct Item {
     std::size_t folder;  ///< its place in the list, from 1; 0 is the volume's own folder
     std::string name;    ///< in ASCII
     mode_t mode;
-    std::string content;  ///< of a file, up to a block of it; of a link, where it leads
+    std::string content;     ///< of a file, up to a block of it; of a link, where it leads
     std::size_t sameAs = 0;  ///< the place of a file, from 1, of which this is one more name
 };
 
