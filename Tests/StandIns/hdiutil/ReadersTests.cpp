@@ -7,8 +7,11 @@
 #include "hdiutil/Attachment.h"
 #include "hdiutil/CompressedImage.h"
 #include "hdiutil/Disk.h"
+#include "hdiutil/EntrySpool.h"
 #include "hdiutil/ListingParser.h"
 #include "hdiutil/TarList.h"
+#include "hdiutil/VolumeStream.h"
+#include "hdiutil/VolumeWriter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -237,6 +240,42 @@ TEST_F(HdiutilRecords, TakeAnyBytes) {
     }
     std::printf("tried %u images (%u with a trailer, %u whole) and %u records\n", rounds, images, passed, rounds);
     EXPECT_GT(images, rounds / 10);
+}
+
+TEST_F(HdiutilRecords, AreWrittenBelowTheVolumeAlone) {
+    constexpr unsigned rounds = 1'000;
+    const fs::path place = folder / "place";
+    unsigned whole = 0;
+    std::size_t items = 0;
+    for (unsigned round = 0; round < rounds; ++round) {
+        fs::remove_all(place);
+        makeFolder(place / "volume");
+        Mutator texts(round, {"/", "..", "/../", "One/link/", "\nPath = One/../../up\nSize = 1\n\n",
+                              "Path = One/link\n", "Path = /etc/x\nSize = 2\n\n", (folder / "place").native()});
+        EntrySpool entries;
+        std::int64_t bytes = 0;
+        for (const Entry& entry : parsed(texts.mutated(listing), 64).entries) {
+            entries.add(entry);
+            if (entry.type != Entry::Type::folder) bytes += entry.size;
+        }
+        entries.rewind();
+        try {
+            VolumeWriter writer(place / "volume");
+            VolumeStream stream(entries, round % 2 == 0 ? "One" : "", writer);
+            const std::string content(static_cast<std::size_t>(std::min<std::int64_t>(bytes, 100'000)), '.');
+            for (std::size_t at = 0; at < content.size(); at += 5) stream.take(std::string_view(content).substr(at, 5));
+            stream.end();
+            writer.finish();
+            ++whole;
+        } catch (const Failure& failure) {
+            EXPECT_FALSE(failure.description().empty());
+        }
+        ASSERT_THAT(Files::names(place), ElementsAre("volume")) << round;
+        items += Files::names(place / "volume").size();
+    }
+    std::printf("wrote %u of %u lists whole, %zu items\n", whole, rounds, items);
+    EXPECT_GT(whole, rounds / 10);
+    EXPECT_LT(whole, rounds);
 }
 
 TEST_F(HdiutilRecords, OfBrokenImagesLeaveNothing) {

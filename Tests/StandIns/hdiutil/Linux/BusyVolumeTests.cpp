@@ -2,8 +2,9 @@
 #include "StandIns/StandInRun.h"
 #include "StandIns/hdiutil/ImageWorld.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
 
 namespace tarvik::test {
 namespace {
