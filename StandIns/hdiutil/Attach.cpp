@@ -20,12 +20,12 @@ constexpr const char* apfsVolume = "41504653-0000-11AA-AA11-00306543ECAC";
 
 /// Tells of a disk as a Mac does: the disk, its slices, and for an APFS container one more disk with its volumes.
 /// A volume's mount point is where it shall be shown.
-void tell(const DiskContents::Contents& contents, int number, const fs::path& volumes, Attachment& attachment,
-          std::vector<fs::path>& folders) {
+void tell(const DiskContents::Contents& contents, int number, const fs::path& volumes, const Attachments& attachments,
+          Attachment& attachment, std::vector<fs::path>& folders) {
     auto& entities = attachment.entities;
     const std::string disk = fmt::format("/dev/disk{}", number);
     if (!contents.scheme.empty()) entities.push_back({disk, contents.scheme, contents.scheme});
-    int nextDisk = number + 1;
+    int lastDisk = number;
     for (const auto& [slice, opened] : contents.slices) {
         const bool isWholeDisk = contents.scheme.empty();
         const std::string device = isWholeDisk ? disk : fmt::format("{}s{}", disk, slice.number);
@@ -38,7 +38,8 @@ void tell(const DiskContents::Contents& contents, int number, const fs::path& vo
         }
         entities.push_back(entity);
         if (!isContainer) continue;
-        const std::string container = fmt::format("/dev/disk{}", nextDisk++);
+        lastDisk = attachments.freeNumber(lastDisk + 1);
+        const std::string container = fmt::format("/dev/disk{}", lastDisk);
         entities.push_back({container, apfsContainer, apfsContainer});
         int volume = 0;
         for (const auto& each : opened) {
@@ -63,7 +64,7 @@ Attachment run(const fs::path& root, const fs::path& path) {
         const fs::path folder = attachments.begin(number);
         Attachment attachment{image.path(), identity, {}};
         std::vector<fs::path> folders;
-        tell(DiskContents::open(image, folder), number, root / "Volumes", attachment, folders);
+        tell(DiskContents::open(image, folder), number, root / "Volumes", attachments, attachment, folders);
         attachments.show(number, attachment, folders);
         return attachment;
     } catch (...) {

@@ -4,6 +4,7 @@
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
+#include "hdiutil/OpenItems.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -103,11 +104,11 @@ std::optional<Attachment> Attachments::withIdentity(const std::string& identity)
     return std::nullopt;
 }
 
-int Attachments::freeNumber() const {
+int Attachments::freeNumber(int from) const {
     std::set<std::string> taken;  // By what devices are called: a container of APFS has a number of its own.
     for (const int number : numbers())
         for (const Entity& entity : recordOf(number).entities) taken.insert(entity.device);
-    int number = firstNumber;
+    int number = std::max(from, firstNumber);
     while (taken.contains("/dev/disk" + std::to_string(number))) ++number;
     return number;
 }
@@ -158,6 +159,12 @@ std::optional<int> Attachments::numberOf(std::string_view target) const {
             if (path && stands(entity) && *path == entity.mountPoint) return number;
         }
     return std::nullopt;
+}
+
+bool Attachments::isBusy(int number) const {
+    const Attachment attachment = recordOf(number);
+    return std::any_of(attachment.entities.begin(), attachment.entities.end(),
+                       [](const Entity& entity) { return stands(entity) && OpenItems::areBelow(entity.mountPoint); });
 }
 
 void Attachments::end(int number) {

@@ -28,8 +28,8 @@ public:
     /// The attached image with this identity whose volumes still stand.
     std::optional<Attachment> withIdentity(const std::string& identity) const;
 
-    /// A disk's number that is free.
-    int freeNumber() const;
+    /// The first disk's number that is free; none below `from`.
+    int freeNumber(int from = 0) const;
     /// A new empty folder for the image that becomes the disk of this number.
     fs::path begin(int number);
     /// Shows the volumes, which lie in `folders` in the order of the entities that have a mount point, under names like
@@ -40,6 +40,8 @@ public:
 
     /// The disk of an attached image that a path of a volume or a name of a device means.
     std::optional<int> numberOf(std::string_view target) const;
+    /// Whether something on one of the image's volumes is in use.
+    bool isBusy(int number) const;
     /// Takes the image's volumes away, whatever is in them.
     void end(int number);
 

@@ -80,7 +80,7 @@ void ListingParser::takeHeader(std::string_view line) {
     constexpr std::string_view name = "volume_name: ";
     if (line == "----------") m_isInEntries = true;
     if (line.starts_with(type)) m_types.emplace_back(line.substr(type.size()));
-    if (line.starts_with(name)) m_volumeName = line.substr(name.size());
+    if (line.starts_with(name)) m_volumeNames.emplace_back(line.substr(name.size()));
 }
 
 void ListingParser::takeField(std::string_view key, std::string_view value) {
@@ -112,7 +112,7 @@ void ListingParser::give() {
         entry.type = Entry::Type::attribute;
         entry.attribute = entry.path.substr(colon + 1);
         entry.path.resize(colon);
-    } else if (isFolder) {
+    } else if (isFolder || letter == 'd') {
         entry.type = Entry::Type::folder;
     } else if (letter == 'l') {
         entry.type = Entry::Type::link;

@@ -24,8 +24,8 @@ public:
 
     /// What was opened, from the outside in: "Dmg", "HFS".
     const std::vector<std::string>& types() const { return m_types; }
-    /// What an APFS container says its volume is called; empty where nothing says so.
-    const std::string& volumeName() const { return m_volumeName; }
+    /// What an APFS container says its volumes are called; nothing for other formats.
+    const std::vector<std::string>& volumeNames() const { return m_volumeNames; }
 
 private:
     void takeLine(std::string_view line);
@@ -36,7 +36,7 @@ private:
     Sink m_sink;
     std::string m_line;  // what has come of a line that has not ended
     std::vector<std::string> m_types;
-    std::string m_volumeName;
+    std::vector<std::string> m_volumeNames;
     bool m_isInEntries = false;
     std::optional<Entry> m_entry;
     bool m_isFolder = false;

@@ -75,6 +75,7 @@ void VolumeStream::endEntry() {
         case Type::file:
             return m_writer.close();
         case Type::link:
+            if (m_text.ends_with('\0')) m_text.pop_back();  // APFS keeps the end of the text with it.
             return m_writer.link(m_entry, m_path, m_text);
         case Type::attribute:
             return m_writer.attribute(

@@ -47,7 +47,8 @@ std::string checkedName(std::string_view name) {
 
 VolumeWriter::VolumeWriter(const fs::path& folder) : m_top(::open(folder.c_str(), folderFlags)) {
     if (!m_top) fail(errno);
-    ::umask(0);  // The image's permissions are meant.
+    m_mask = ::umask(0);  // There is no other way to ask for it.
+    ::umask(m_mask);
 }
 
 FileDescriptor VolumeWriter::openFolder(std::string_view path, bool makes) {
@@ -99,6 +100,7 @@ void VolumeWriter::open(const Entry& entry, std::string_view path) {
     m_file = FileDescriptor(
         ::openat(parent, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, entry.permissions));
     if (!m_file) fail(errno);
+    if ((entry.permissions & m_mask) != 0) check(::fchmod(m_file.get(), entry.permissions));
     m_fileTime = entry.modified;
 }
 

@@ -41,6 +41,7 @@ private:
     FileDescriptor openFolder(std::string_view path, bool makes);
 
     FileDescriptor m_top;
+    mode_t m_mask = 0;  // the user's, which must not change what the image says
     std::string m_parentPath;
     FileDescriptor m_parent;
     FileDescriptor m_file;

@@ -82,7 +82,9 @@ Opened openAPFS(const SevenZip::Source& source, const fs::path& folder) {
     ListingParser parser([&](const Entry& entry) { entries.add(entry); });
     const bool isWhole = SevenZip::list(source, [&](std::string_view piece) { parser.take(piece); });
     parser.end();
-    if (!isWhole) failAsDamaged();
+    if (!isWhole || parser.volumeNames().empty()) failAsDamaged();
+    if (parser.volumeNames().size() > 1)
+        throw Failure("hdiutil", 1, "containers with several APFS volumes cannot be read here");
     requireSpace(folder, entries.neededBytes());
     VolumeWriter writer(folder);
     entries.rewind();
@@ -90,7 +92,7 @@ Opened openAPFS(const SevenZip::Source& source, const fs::path& folder) {
     if (!SevenZip::read(source, {}, [&](std::string_view bytes) { stream.take(bytes); })) failAsDamaged();
     stream.end();
     writer.finish();
-    return {shownName(parser.volumeName()), "apfs", folder};
+    return {shownName(parser.volumeNames().front()), "apfs", folder};
 }
 
 fs::path newFolder(const fs::path& parent) {

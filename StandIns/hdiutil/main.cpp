@@ -6,10 +6,12 @@
 #include "hdiutil/Attachments.h"
 #include "hdiutil/Tool.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string>
+#include <thread>
 
 // Attaches and detaches disk images as a Mac's hdiutil(1) does, on the machine in the folder that the environment
 // variable TARVIK_ROOT names; without one it refuses.
@@ -28,15 +30,19 @@
 //   be written to, where a Mac refuses. Nobody may try. For root, permissions do not count at all.
 // - Owners are not kept, as a Mac ignores them too on images that are not told otherwise. Set-user-id and the like, and
 //   devices, which a Mac shows, are not there.
+// - On APFS each of several names of a file becomes a file of its own.
 // - An HFS Plus volume on which files have several names is refused: 7-Zip takes such names for empty files.
 // - Extended attributes and resource forks are kept where the file system of the machine keeps such attributes; on
 //   Linux their names begin with "user.". Of names, a line break and a colon become "_".
 // - It knows compressed images, those of a disk as it is, and discs; HFS, HFS Plus and APFS volumes, and ISO 9660. Of a
 //   disc that is also a Mac's disk, the Mac's volumes are taken. Other volumes (FAT, NTFS, UDF), images in several
 //   files, sparse ones and those of a virtual machine are not mountable.
+// - A container with several APFS volumes is refused: 7-Zip does not tell apart which items are whose.
 // - Of images whose pieces are in LZFSE, 7-Zip takes those for damaged in which a block is stored as it is.
 // - An encrypted image asks for no password, one with a licence shows none: both fail at once.
-// - The volumes of an image that is being used can be detached.
+// - Volumes on which something is open are not detached, with status 16, as by a Mac's tool; of programs of others, and
+// on
+//   a Mac, that is not known.
 // - No other command and no other option is understood.
 
 namespace {
@@ -45,6 +51,7 @@ using tarvik::hdiutil::Arguments;
 namespace fs = tarvik::fs;
 
 constexpr int failed = 1;
+constexpr int busy = 16;  // EBUSY
 
 /// Written for people; the program is asked for its status.
 void complain(const Arguments& arguments, const std::string& what) {
@@ -74,11 +81,25 @@ int attach(const Arguments& arguments) {
     }
 }
 
+/// Gives programs a moment to end that are about to.
+bool comesToRest(const tarvik::hdiutil::Attachments& attachments, int number) {
+    constexpr int looks = 10;
+    for (int look = 0; look < looks; ++look) {
+        if (!attachments.isBusy(number)) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return false;
+}
+
 int detach(const Arguments& arguments) {
     try {
         tarvik::hdiutil::Attachments attachments(machine());
         const auto number = attachments.numberOf(arguments.target);
         if (!number) throw tarvik::Failure("hdiutil", failed, "No such file or directory");
+        if (!comesToRest(attachments, *number)) {
+            complain(arguments, "couldn't unmount \"disk" + std::to_string(*number) + "\" - Resource busy");
+            return busy;
+        }
         attachments.end(*number);
         if (!arguments.isQuiet) std::printf("\"disk%d\" ejected.\n", *number);
         return 0;

@@ -7,8 +7,11 @@
 #include "hdiutil/Attachment.h"
 #include "hdiutil/CompressedImage.h"
 #include "hdiutil/Disk.h"
+#include "hdiutil/EntrySpool.h"
 #include "hdiutil/ListingParser.h"
 #include "hdiutil/TarList.h"
+#include "hdiutil/VolumeStream.h"
+#include "hdiutil/VolumeWriter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,11 +35,22 @@ DiskReader::Read readerOf(const std::string& disk) {
 /// A disk with Apple's partition table: its own place, and two volumes.
 std::string appleDisk(std::uint16_t block) {
     const auto partition = [&](std::uint32_t first, std::uint32_t count, const std::string& type) {
-        return Bytes().text("PM").zeros(2).big(std::uint32_t{3}).big(first).big(count).zeros(32).text(type).padTo(block).all();
+        return Bytes()
+            .text("PM")
+            .zeros(2)
+            .big(std::uint32_t{3})
+            .big(first)
+            .big(count)
+            .zeros(32)
+            .text(type)
+            .padTo(block)
+            .all();
     };
     Bytes disk;
     disk.text("ER").big(block).padTo(block);
-    disk.text(partition(1, 3, "Apple_partition_map")).text(partition(8, 4, "Apple_HFS")).text(partition(12, 400, "Apple_HFS"));
+    disk.text(partition(1, 3, "Apple_partition_map"))
+        .text(partition(8, 4, "Apple_HFS"))
+        .text(partition(12, 400, "Apple_HFS"));
     return disk.zeros(std::size_t{16} * block).all();
 }
 
@@ -94,16 +108,17 @@ Warnings: 1
 struct Parsed {
     std::vector<Entry> entries;
     std::vector<std::string> types;
-    std::string volumeName;
+    std::vector<std::string> volumeNames;
 };
 
 Parsed parsed(const std::string& text, std::size_t pieceSize) {
     Parsed result;
     ListingParser parser([&](const Entry& entry) { result.entries.push_back(entry); });
-    for (std::size_t at = 0; at < text.size(); at += pieceSize) parser.take(std::string_view(text).substr(at, pieceSize));
+    for (std::size_t at = 0; at < text.size(); at += pieceSize)
+        parser.take(std::string_view(text).substr(at, pieceSize));
     parser.end();
     result.types = parser.types();
-    result.volumeName = parser.volumeName();
+    result.volumeNames = parser.volumeNames();
     return result;
 }
 
@@ -111,13 +126,12 @@ TEST(HdiutilListing, IsReadInPiecesOfAnySize) {
     using Type = Entry::Type;
     const Parsed whole = parsed(listing, listing.size());
     EXPECT_THAT(whole.types, ElementsAre("Dmg", "HFS"));
-    EXPECT_EQ(whole.volumeName, "Own Name");
-    EXPECT_THAT(whole.entries,
-                ElementsAre(Entry{Type::folder, "One", "", 0, 0755, {1'795'380'004, 500'000'000}, ""},
-                            Entry{Type::file, "One/a = b", "", 12, 0750, {-1, 0}, ""},
-                            Entry{Type::attribute, "One/a = b", "com.apple.x", 3, 0644, {}, ""},
-                            Entry{Type::link, "One/link", "", 4, 0755, {}, ""},
-                            Entry{Type::other, "One/pipe", "", 0, 0755, {}, ""}));
+    EXPECT_THAT(whole.volumeNames, ElementsAre("Own Name"));
+    EXPECT_THAT(whole.entries, ElementsAre(Entry{Type::folder, "One", "", 0, 0755, {1'795'380'004, 500'000'000}, ""},
+                                           Entry{Type::file, "One/a = b", "", 12, 0750, {-1, 0}, ""},
+                                           Entry{Type::attribute, "One/a = b", "com.apple.x", 3, 0644, {}, ""},
+                                           Entry{Type::link, "One/link", "", 4, 0755, {}, ""},
+                                           Entry{Type::other, "One/pipe", "", 0, 0755, {}, ""}));
     for (const std::size_t size : {1U, 2U, 7U, 100U}) EXPECT_EQ(parsed(listing, size).entries, whole.entries) << size;
 }
 
@@ -127,7 +141,8 @@ TEST(HdiutilDisk, ReadsApplesTable) {
         const Disk layout = DiskReader::layout(readerOf(disk), disk.size());
         EXPECT_EQ(layout.scheme, "Apple_partition_scheme");
         ASSERT_EQ(layout.slices.size(), 3U) << block;
-        EXPECT_EQ(layout.slices[1], (Slice{"Apple_HFS", "Apple_HFS", 2, std::uint64_t{8} * block, std::uint64_t{4} * block}));
+        EXPECT_EQ(layout.slices[1],
+                  (Slice{"Apple_HFS", "Apple_HFS", 2, std::uint64_t{8} * block, std::uint64_t{4} * block}));
         EXPECT_EQ(layout.slices[2].offset + layout.slices[2].size, disk.size()) << "cut off at the end of the disk";
     }
 }
@@ -137,11 +152,17 @@ TEST(HdiutilDisk, ReadsAUniqueTableAndABootRecord) {
     for (const auto& stretch : Practice::PartitionTable::around({std::string(8192, 'v')})) disk += stretch.bytes;
     const Disk layout = DiskReader::layout(readerOf(disk), disk.size());
     EXPECT_EQ(layout.scheme, "GUID_partition_scheme");
-    EXPECT_THAT(layout.slices,
-                ElementsAre(Slice{"Apple_HFS", "48465300-0000-11AA-AA11-00306543ECAC", 1, 20480, 8192}));
+    EXPECT_THAT(layout.slices, ElementsAre(Slice{"Apple_HFS", "48465300-0000-11AA-AA11-00306543ECAC", 1, 20480, 8192}));
 
-    const std::string record = Bytes().zeros(446).text(std::string_view("\0\0\0\0\xAF\0\0\0", 8)).little(std::uint32_t{4})
-                                   .little(std::uint32_t{8}).zeros(48).text("\x55\xAA").zeros(8192).all();
+    const std::string record = Bytes()
+                                   .zeros(446)
+                                   .text(std::string_view("\0\0\0\0\xAF\0\0\0", 8))
+                                   .little(std::uint32_t{4})
+                                   .little(std::uint32_t{8})
+                                   .zeros(48)
+                                   .text("\x55\xAA")
+                                   .zeros(8192)
+                                   .all();
     EXPECT_EQ(DiskReader::layout(readerOf(record), record.size()),
               (Disk{"FDisk_partition_scheme", {{"Apple_HFS", "0xAF", 1, 2048, 4096}}}));
     EXPECT_EQ(DiskReader::layout(readerOf("text"), 4), Disk());
@@ -170,7 +191,8 @@ TEST(HdiutilReaders, TakeAnyBytes) {
             DiskReader::formatAt(readerOf(disk), slice.offset);
             ++slices;
         }
-        Mutator texts(round, {"\nPath = ", "----------\n", "Size = 99999999999999999999", "Mode = ", " = ", ":", "\n\n"});
+        Mutator texts(round,
+                      {"\nPath = ", "----------\n", "Size = 99999999999999999999", "Mode = ", " = ", ":", "\n\n"});
         const std::string text = texts.mutated(listing);
         for (const Entry& entry : parsed(text, 1 + round % 50).entries) {
             ASSERT_GE(entry.size, 0);
@@ -182,7 +204,8 @@ TEST(HdiutilReaders, TakeAnyBytes) {
         ASSERT_GE(list.neededBytes(), 0);
         DiskReader::contentOfName(text);
     }
-    std::printf("tried %u disks, %u lists, %u lines: %u slices and %u entries found\n", rounds, rounds, rounds, slices, entries);
+    std::printf("tried %u disks, %u lists, %u lines: %u slices and %u entries found\n", rounds, rounds, rounds, slices,
+                entries);
     EXPECT_GT(slices, rounds / 2);
     EXPECT_GT(entries, rounds);
 }
@@ -217,6 +240,42 @@ TEST_F(HdiutilRecords, TakeAnyBytes) {
     }
     std::printf("tried %u images (%u with a trailer, %u whole) and %u records\n", rounds, images, passed, rounds);
     EXPECT_GT(images, rounds / 10);
+}
+
+TEST_F(HdiutilRecords, AreWrittenBelowTheVolumeAlone) {
+    constexpr unsigned rounds = 1'000;
+    const fs::path place = folder / "place";
+    unsigned whole = 0;
+    std::size_t items = 0;
+    for (unsigned round = 0; round < rounds; ++round) {
+        fs::remove_all(place);
+        makeFolder(place / "volume");
+        Mutator texts(round, {"/", "..", "/../", "One/link/", "\nPath = One/../../up\nSize = 1\n\n",
+                              "Path = One/link\n", "Path = /etc/x\nSize = 2\n\n", (folder / "place").native()});
+        EntrySpool entries;
+        std::int64_t bytes = 0;
+        for (const Entry& entry : parsed(texts.mutated(listing), 64).entries) {
+            entries.add(entry);
+            if (entry.type != Entry::Type::folder) bytes += entry.size;
+        }
+        entries.rewind();
+        try {
+            VolumeWriter writer(place / "volume");
+            VolumeStream stream(entries, round % 2 == 0 ? "One" : "", writer);
+            const std::string content(static_cast<std::size_t>(std::min<std::int64_t>(bytes, 100'000)), '.');
+            for (std::size_t at = 0; at < content.size(); at += 5) stream.take(std::string_view(content).substr(at, 5));
+            stream.end();
+            writer.finish();
+            ++whole;
+        } catch (const Failure& failure) {
+            EXPECT_FALSE(failure.description().empty());
+        }
+        ASSERT_THAT(Files::names(place), ElementsAre("volume")) << round;
+        items += Files::names(place / "volume").size();
+    }
+    std::printf("wrote %u of %u lists whole, %zu items\n", whole, rounds, items);
+    EXPECT_GT(whole, rounds / 10);
+    EXPECT_LT(whole, rounds);
 }
 
 TEST_F(HdiutilRecords, OfBrokenImagesLeaveNothing) {
