@@ -86,7 +86,8 @@ TEST(HostileArchive, WritesNothingOutside) {
 
 TEST(HostileArchive, KeepsLinksThatOnlyLeadOutside) {
     HostileWorld world;
-    EXPECT_EQ(world.expand(MadeZip().addLink("Applications", "/Applications").add({.name = "App.app/file"}).bytes()), 0);
+    EXPECT_EQ(world.expand(MadeZip().addLink("Applications", "/Applications").add({.name = "App.app/file"}).bytes()),
+              0);
     EXPECT_EQ(Files::readLink(world.expanded / "Applications"), "/Applications");
 }
 
@@ -166,8 +167,9 @@ std::string baseOfFuzz(const std::string& outside, unsigned kind) {
 
 /// What means something to a reader of archives.
 Mutator mutatorOfArchives(unsigned seed) {
-    return {seed, {std::string("PK\3\4"), std::string("PK\1\2"), std::string("PK\5\6"), std::string("PK\6\6"),
-                   std::string("PK\6\7"), std::string("PK\7\b"), "../", "/", "link", lowFirst(1, 2), lowFirst(0, 8)}};
+    return {seed,
+            {std::string("PK\3\4"), std::string("PK\1\2"), std::string("PK\5\6"), std::string("PK\6\6"),
+             std::string("PK\6\7"), std::string("PK\7\b"), "../", "/", "link", lowFirst(1, 2), lowFirst(0, 8)}};
 }
 
 TEST(HostileArchive, IsReadWithoutHarmHoweverItIsBroken) {
