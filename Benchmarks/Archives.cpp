@@ -39,8 +39,8 @@ public:
 
     void pack(const std::string& options) const {
         fs::remove(archive());
-        Measure::program(
-            {"/bin/sh", "-c", fmt::format("cd '{}' && zip -qry{} '{}' .", tree().native(), options, archive().native())});
+        Measure::program({"/bin/sh", "-c",
+                          fmt::format("cd '{}' && zip -qry{} '{}' .", tree().native(), options, archive().native())});
     }
     /// What an expander is to find: nothing of the one before, and nothing that is still to be written.
     void prepare() const {
@@ -82,13 +82,15 @@ void measure(int rounds) {
     Table::heading(fmt::format("Zip archives, medians of {} rounds; ext4 in an image file on the disk", rounds));
     place.pack("");
     compareExpanders(place, fmt::format("{} files, {} MB", practice.files, practice.bytes / megabyte), rounds);
-    Table::milliseconds("  of this, the look before", [&] { ZipCheck::of(place.archive()); }, rounds, "");
+    Table::milliseconds(
+        "  of this, the look before", [&] { ZipCheck::of(place.archive()); }, rounds, "");
     fs::remove_all(place.tree());
     for (unsigned number = 0; number < 4; ++number)
         test::makeFileOfSize(place.tree() / std::to_string(number), 250 * megabyte, number);
     place.pack("1");
     compareExpanders(place, "4 files, 1,000 MB", rounds);
-    Table::milliseconds("  of this, the look before", [&] { ZipCheck::of(place.archive()); }, rounds, "");
+    Table::milliseconds(
+        "  of this, the look before", [&] { ZipCheck::of(place.archive()); }, rounds, "");
 }
 
 }  // namespace tarvik::ArchiveSpeed

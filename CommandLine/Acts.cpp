@@ -7,6 +7,7 @@
 #include "CommandLine/DriveActs.h"
 #include "CommandLine/FolderActs.h"
 #include "CommandLine/HealthActs.h"
+#include "CommandLine/InstallActs.h"
 #include "CommandLine/LauncherActs.h"
 #include "CommandLine/LinkActs.h"
 #include "CommandLine/Output/Terminal.h"
@@ -22,7 +23,7 @@ using Verb = Options::Verb;
 
 /// Whether the act looks at what is the user's, of which a Mac may keep some from the command.
 bool looksAround(Verb verb) {
-    return verb != Verb::drives && verb != Verb::backupList;
+    return verb != Verb::drives && verb != Verb::backupList && verb != Verb::installOptions;
 }
 
 }  // namespace
@@ -62,6 +63,12 @@ void perform(const Host& host, const Options& options) {
             return UninstallActs::list(host, options);
         case Verb::uninstallUndo:
             return UninstallActs::undo(host, options);
+        case Verb::installInspect:
+            return InstallActs::inspect(host, options);
+        case Verb::installOptions:
+            return InstallActs::list(host, options.format);
+        case Verb::installPlan:
+            return InstallActs::plan(host, options);
         case Verb::dedupe:
             return options.removes ? DedupeActs::remove(host, options) : DedupeActs::list(host, options.format);
     }

@@ -7,12 +7,15 @@
 #include "CommandLine/Grammar/Options.h"
 #include "CommandLine/Output/Columns.h"
 #include "CommandLine/Output/Terminal.h"
+#include "Installers/Planning/InstallerOptionLoader.h"
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Basics/Failure.h"
+#include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/Host.h"
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
 #include "UninstallRun/UninstallHistory.h"
+#include "UninstallRun/UninstallUndo.h"
 
 #include <fmt/format.h>
 
@@ -113,10 +116,27 @@ Candidates applicationsFor(const Host& host, const CompletionPlace& place) {
     return candidates;
 }
 
-Candidates uninstallsFor(const Host& host) {
+/// Of those that are wholly back, nothing can be put back.
+bool isWanted(const Host& host, const AppUninstallSession& session, const CompletionPlace& place) {
+    if (place.verb != "uninstall undo") return true;
+    const auto items = UninstallUndo::look(host, session);
+    return std::any_of(items.begin(), items.end(),
+                       [](const auto& item) { return item.state != UninstallUndo::Item::State::back; });
+}
+
+Candidates uninstallsFor(const Host& machine, const CompletionPlace& place) {
+    const Host host = UninstallHistory::knownMachine(machine);
     Candidates found;
     for (const auto& session : UninstallHistory::list(host))
-        found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
+        if (isWanted(host, session, place))
+            found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
+    return found;
+}
+
+Candidates installerOptionsFor(const Host& host) {
+    Candidates found;
+    for (const auto& option : InstallerOptionLoader::loadAll(AppStorageNames::userInstallerOptionsRoot(host)))
+        found.push_back({option.id, option.label});
     return found;
 }
 
@@ -129,7 +149,9 @@ Candidates onMachine(const Host& host, const CompletionPlace& place) {
         case Kind::applicationOrPath:
             return applicationsFor(host, place);
         case Kind::uninstall:
-            return uninstallsFor(host);
+            return uninstallsFor(host, place);
+        case Kind::installerOption:
+            return installerOptionsFor(host);
         case Kind::words:
         case Kind::path:
         case Kind::folder:
@@ -165,6 +187,7 @@ std::string_view kindOf(const CompletionPlace& place, std::string_view typed) {
             return looksLikePath(typed) ? "folders" : "nothing";
         case Kind::words:
         case Kind::uninstall:
+        case Kind::installerOption:
             break;
     }
     return "nothing";

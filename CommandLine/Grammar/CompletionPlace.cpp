@@ -112,7 +112,9 @@ private:
         if (name == "NAME|PATH") m_place.kind = Kind::applicationOrPath;
         // What moves is a folder.
         if (name == "PATH") m_place.kind = m_place.verb == "move folder" ? Kind::folder : Kind::path;
-        if (name == "ID") m_place.kind = Kind::uninstall;
+        if (name == "SOURCE") m_place.kind = Kind::path;
+        if (name == "ID")
+            m_place.kind = m_awaiting || !m_place.prefix.empty() ? Kind::installerOption : Kind::uninstall;
         if (name == "WHAT") {
             m_place.kind = Kind::path;
             m_place.candidates = {{"receipts", "what installers have noted"},

@@ -25,6 +25,7 @@ struct CompletionPlace {
         application,        ///< an application: its name, its identifier or its path
         applicationOrPath,  ///< the same, or the path of anything
         uninstall,          ///< the id of an uninstall of the past
+        installerOption,    ///< the id of an option for installers
         path,
         folder,
     };

@@ -28,7 +28,7 @@ constexpr std::string_view questions =
     "only look.";
 
 /// What a reader wants to know of a verb beyond its help.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 13> remarks = {{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 16> remarks = {{
     {"apps", "Without a NAME, the list is sorted by size, the largest first."},
     {"launchers",
      "A launcher is a small application that bears the name and icon of one on the drive and opens it. One whose "
@@ -67,6 +67,17 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 13> remarks 
     {"uninstall undo",
      "Nothing that stands at an old place is replaced: what cannot come back is told, with the reason, and stays where "
      "it is. Receipts do not come back."},
+    {"install inspect",
+     "An image is mounted for reading and an archive unpacked for the look, and both are cleared away again. The "
+     "status "
+     "is 0 whatever is found. All that the system says of a package's signature is shown; the forms for programs leave "
+     "it out."},
+    {"install options",
+     "An option says which installers may run and where applications go. Those that came with the program can be "
+     "replaced, as a whole, by files of your own with the same id."},
+    {"install plan",
+     "Without --option, the first of the list is taken. One that could write elsewhere than below the drive and in the "
+     "folder for launchers is refused."},
     {"dedupe",
      "Applications are compared by their bundle identifiers, in /Applications and the user's own Applications folder. "
      "Only a launcher ever goes, and only when a real application on the internal disk stays; a launcher that opens "
@@ -93,7 +104,9 @@ const Definitions files = {
     {"DRIVE/TarvikBackups", "The backups on a drive, a folder for each."},
     {".TarvikTrash", "What was disposed of beside it, where there is no Trash."},
     {"~/Library/Application Support/Tarvik/health-manifest.json", "What was moved, and from where."},
-    {"~/Library/Application Support/Tarvik/UninstallSessions", "What was uninstalled, a folder for each time."}};
+    {"~/Library/Application Support/Tarvik/UninstallSessions", "What was uninstalled, a folder for each time."},
+    {"~/Library/Application Support/Tarvik/InstallerOptions",
+     "Options for installers of your own, a TOML file for each."}};
 
 const Definitions examples = {
     {"tarvik apps", "Which applications are large?"},
@@ -101,6 +114,7 @@ const Definitions examples = {
     {"tarvik move app \"Logic Pro\" --drive \"Studio Drive\"", "Move it with its data."},
     {"tarvik move restore \"Logic Pro\" ~/Movies", "Bring an application and a folder back."},
     {"tarvik uninstall \"Logic Pro\" --dry-run", "What belongs to it, and what of it would go?"},
+    {"tarvik install inspect ~/Downloads/Mixer.dmg", "What is in it, and can it be trusted?"},
     {"tarvik links --format tsv", "All links, for a script."}};
 
 /// Text as the formatter shall show it, to the letter: a hyphen is one, and no line is taken for a request.

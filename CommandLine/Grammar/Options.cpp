@@ -1,7 +1,11 @@
 #include "CommandLine/Grammar/Options.h"
 
 #include "CommandLine/Grammar/CompletionScripts.h"
+#include "CommandLine/Grammar/GrammarParts.h"
+#include "CommandLine/Grammar/InstallGrammar.h"
 #include "CommandLine/Grammar/ManPage.h"
+#include "CommandLine/Grammar/UninstallGrammar.h"
+#include "CommandLine/Grammar/ValuedOptions.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -19,37 +23,20 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 using Verb = Options::Verb;
-
-/// The options that take a value, and what it is.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 6> valued = {{{"--root", "DIR"},
-                                                                                  {"--home", "DIR"},
-                                                                                  {"--format", "FORMAT"},
-                                                                                  {"--drive", "DRIVE"},
-                                                                                  {"--strategy", "STRATEGY"},
-                                                                                  {"--with", "WHAT"}}};
-
-/// What help shows behind the name of an argument that can be given several times.
-constexpr const char* several = "...";
+using namespace GrammarParts;
 
 /// The options that only some verbs take, and which these are.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 9> owned = {
-    {{"--drive", "move app, move folder and backup"},
+constexpr std::array<std::pair<std::string_view, std::string_view>, 10> owned = {
+    {{"--drive", "move app, move folder, backup and install plan"},
      {"--dry-run", "move app and uninstall"},
      {"--no-data", "move app alone"},
      {"--only-app", "uninstall alone"},
+     {"--option", "install plan alone"},
      {"--quit-running", "move app and uninstall"},
      {"--remove", "dedupe alone"},
      {"--repair", "launchers alone"},
      {"--strategy", "health repair alone"},
      {"--with", "uninstall alone"}}};
-
-/// The words of a verb, or the beginning of several: "move restore", "move"; empty for the whole command.
-std::string wordsOf(const CLI::App& app) {
-    const auto* parent = app.get_parent();
-    if (!parent) return {};
-    const auto before = wordsOf(*parent);
-    return before.empty() ? app.get_name() : before + " " + app.get_name();
-}
 
 std::string usageOf(const CLI::App& app) {
     std::vector<std::string_view> usages;
@@ -105,19 +92,18 @@ public:
         addOption(m_app, "--root", m_root, "Work on the machine in this folder instead of this machine");
         addOption(m_app, "--home", m_home, "The home folder of the user who is meant");
         addOption(m_app, "--format", m_format, "How results are written: human, tsv or toml");
-        m_app.add_flag("--yes", m_options.yes, "Go ahead without asking")->disable_flag_override();
+        addFlag(m_app, "--yes", m_options.yes, "Go ahead without asking");
         m_app.footer(
             "Exit status: 0 done, 1 the act failed, 2 the command line was wrong.\n"
             "Results go to standard output, everything else to standard error.");
 
         addVerb(m_app, "drives", "List the drives");
         m_apps = addVerb(m_app, "apps", "List the applications, or tell all about one");
-        m_apps->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
-            ->type_name("");
+        addArgument(*m_apps, "NAME", m_name, "An application: its name, its bundle identifier or its path");
         addVerb(m_app, "links", "List the links that stand where things are moved from");
-        addVerb(m_app, "launchers", "List the launchers of applications on drives, and what is wrong with them")
-            ->add_flag("--repair", m_options.repairs, "Make the ones that are missing, and mend what can be mended")
-            ->disable_flag_override();
+        addFlag(
+            *addVerb(m_app, "launchers", "List the launchers of applications on drives, and what is wrong with them"),
+            "--repair", m_options.repairs, "Make the ones that are missing, and mend what can be mended");
         m_move = addVerb(m_app, "move", "Move something to a drive, or back");
         m_move->require_subcommand(0, 1);
         m_moveApp =
@@ -125,25 +111,22 @@ public:
         // One name only: the library would take a name in brackets for a list. The others are left over.
         m_moveApp->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
             ->type_name(several);
-        addOption(*m_moveApp, "--drive", m_drive, "The drive: its mount path or its name");
-        m_moveApp->add_flag("--dry-run", m_options.isDryRun, "Change nothing, only show what would be done")
-            ->disable_flag_override();
-        m_moveApp->add_flag("--no-data", m_leavesData, "Leave the data where it is, move only the applications")
-            ->disable_flag_override();
-        m_moveApp->add_flag("--quit-running", m_options.quitsRunning, "Quit applications that are running first")
-            ->disable_flag_override();
+        addOption(*m_moveApp, "--drive", m_options.drive, "The drive: its mount path or its name");
+        addFlag(*m_moveApp, "--dry-run", m_options.isDryRun, "Change nothing, only show what would be done");
+        addFlag(*m_moveApp, "--no-data", m_leavesData, "Leave the data where it is, move only the applications");
+        addFlag(*m_moveApp, "--quit-running", m_options.quitsRunning, "Quit applications that are running first");
         auto* folder = addVerb(*m_move, "folder", "Move a folder to a drive and link its old path to it");
-        folder->add_option("PATH", m_path, "The folder")->type_name("");
-        addOption(*folder, "--drive", m_drive, "The drive: its mount path or its name");
+        addArgument(*folder, "PATH", m_path, "The folder");
+        addOption(*folder, "--drive", m_options.drive, "The drive: its mount path or its name");
         m_restore = addVerb(*m_move, "restore", "Bring back what links and launchers lead to");
         m_restore->add_option("NAME|PATH", m_name, "An application, or the path of a link")->type_name(several);
         m_backup = addVerb(m_app, "backup", "Copy things to a drive, or list the copies");
         m_backup->require_subcommand(0, 1);
         m_backupCreate = addVerb(*m_backup, "create", "Make a dated copy of files, folders or applications on a drive");
         m_backupCreate->add_option("PATH", m_path, "A file, a folder or an application")->type_name(several);
-        addOption(*m_backupCreate, "--drive", m_drive, "The drive: its mount path or its name");
+        addOption(*m_backupCreate, "--drive", m_options.drive, "The drive: its mount path or its name");
         auto* list = addVerb(*m_backup, "list", "List the backups on a drive");
-        addOption(*list, "--drive", m_drive, "The drive: its mount path or its name");
+        addOption(*list, "--drive", m_options.drive, "The drive: its mount path or its name");
         m_health =
             addVerb(m_app, "health", "Check everything that was moved, and the links and launchers that stand for it");
         m_health->require_subcommand(0, 1);
@@ -153,10 +136,10 @@ public:
         m_healthRepair->add_option("PATH", m_path, "The place of a finding")->type_name(several);
         addOption(*m_healthRepair, "--strategy", m_options.strategy,
                   "How, where there are several ways: the name of a repair");
-        addUninstall();
-        addVerb(m_app, "dedupe", "Find launchers that stand beside the real application that they open")
-            ->add_flag("--remove", m_options.removes, "Move them to the Trash")
-            ->disable_flag_override();
+        m_uninstall.emplace(m_app, m_options);
+        m_install.emplace(m_app, m_options);
+        addFlag(*addVerb(m_app, "dedupe", "Find launchers that stand beside the real application that they open"),
+                "--remove", m_options.removes, "Move them to the Trash");
         m_completion = addVerb(m_app, Verbs::completion, "Print a script that completes the command in a shell");
         m_completion
             ->add_option("SHELL", m_shell, fmt::format("One of: {}", fmt::join(CompletionScripts::shells, ", ")))
@@ -188,53 +171,6 @@ public:
     }
 
 private:
-    static void addOption(CLI::App& app, const char* name, std::string& value, const char* description) {
-        app.add_option(name, value, description)->type_name(valueOf(name));
-    }
-
-    static std::string valueOf(std::string_view option) {
-        const auto* entry =
-            std::find_if(valued.begin(), valued.end(), [&](const auto& each) { return each.first == option; });
-        return std::string(entry->second);
-    }
-
-    static CLI::App* addVerb(CLI::App& parent, std::string_view name, const char* description) {
-        auto* verb = parent.add_subcommand(std::string(name), description)->group("Verbs");
-        verb->footer("Every verb takes the options of \"tarvik --help\" too.");
-        return verb;
-    }
-
-    void addUninstall() {
-        m_uninstall =
-            addVerb(m_app, "uninstall", "Move an application and all that belongs to it to the Trash, or have it back");
-        m_uninstall->require_subcommand(0, 1);
-        m_uninstall
-            ->add_option("NAME", m_uninstalledName, "An application: its name, its bundle identifier or its path")
-            ->type_name("");
-        m_uninstall->add_flag("--only-app", m_options.onlyApp, "Leave everything but the application itself")
-            ->disable_flag_override();
-        // One by one: the library would take a path in brackets for a list.
-        m_uninstall
-            ->add_option_function<std::string>(
-                "--with", [this](const std::string& what) { m_options.with.push_back(what); },
-                "What goes too: receipts, launch-daemons, external-target, or a path that the plan shows")
-            ->type_name("WHAT")
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-            ->trigger_on_parse();
-        m_uninstall->add_flag("--quit-running", m_options.quitsRunning, "Quit what is running first")
-            ->disable_flag_override();
-        m_uninstall->add_flag("--dry-run", m_options.isDryRun, "Change nothing, only show what would be done")
-            ->disable_flag_override();
-        m_uninstallApps =
-            addVerb(*m_uninstall, "apps", "List what can be uninstalled, or tell all about one application");
-        m_uninstallApps->add_option("NAME", m_name, "An application: its name, its bundle identifier or its path")
-            ->type_name("");
-        m_uninstallList = addVerb(*m_uninstall, "list", "List the uninstalls of the past, or tell all about one");
-        m_uninstallList->add_option("ID", m_name, "An uninstall of the past")->type_name("");
-        m_uninstallUndo = addVerb(*m_uninstall, "undo", "Put back what an uninstall has moved to the Trash");
-        m_uninstallUndo->add_option("ID", m_name, "An uninstall of the past")->type_name("");
-    }
-
     WrongUse wrong(std::string sentence) const { return {std::move(sentence), usageOf(meant())}; }
 
     /// The innermost verb that was named, or the command itself.
@@ -247,8 +183,7 @@ private:
     void takeVerb() {
         for (const auto& entry : Verbs::beginningWith(wordsOf(meant())))
             if (entry.verb && entry.words == wordsOf(meant())) m_options.verb = *entry.verb;
-        if (m_options.paths.empty()) m_options.path = m_path;
-        m_options.drive = m_drive;
+        if (!m_path.empty() && m_options.paths.empty()) m_options.path = m_path;
         m_options.includesData = !m_leavesData;
         requireArguments();
     }
@@ -265,33 +200,19 @@ private:
         if (std::find(paths.begin(), paths.end(), "") != paths.end()) throw wrong("A PATH is empty.");
         if (verb == Verb::backupCreate && paths.empty())
             throw wrong("Name what shall be backed up: a PATH is missing.");
-        if (verb == Verb::backupCreate && m_drive.empty())
+        if (verb == Verb::backupCreate && m_options.drive.empty())
             throw wrong("Name the drive that the backup shall go to, with --drive DRIVE.");
-        if (verb == Verb::backupList && m_drive.empty())
+        if (verb == Verb::backupList && m_options.drive.empty())
             throw wrong("Name the drive whose backups shall be listed, with --drive DRIVE.");
         if (verb == Verb::moveFolder && m_path.empty())
             throw wrong("Name the folder that shall move: a PATH is missing.");
         if (verb == Verb::moveRestore && names.empty())
             throw wrong("Name the links or the applications that shall come back: a NAME or a PATH is missing.");
-        if (verb == Verb::moveFolder && m_drive.empty())
+        if (verb == Verb::moveFolder && m_options.drive.empty())
             throw wrong("Name the drive that the folder shall move to, with --drive DRIVE.");
-        const bool hasWishes =
-            m_options.onlyApp || m_options.isDryRun || m_options.quitsRunning || !m_options.with.empty();
-        if (m_uninstall->parsed() && verb != Verb::uninstall && m_uninstall->count("NAME") > 0 && !names.empty())
-            refuseSurplus(m_uninstalledName);
-        if (m_uninstall->parsed() && verb != Verb::uninstall && m_uninstall->count("NAME") > 0)
-            throw wrong(fmt::format("\"{}\" stands before the verb {}.", m_uninstalledName, wordsOf(meant())));
-        if (m_uninstall->parsed() && verb != Verb::uninstall && hasWishes)
-            for (const char* const name : {"--only-app", "--with", "--quit-running", "--dry-run"})
-                if (m_uninstall->count(name) > 0)
-                    throw wrong(fmt::format("{} does not belong to {}.", name, wordsOf(meant())));
-        if (verb == Verb::uninstall && names.empty())
-            throw wrong("Name the application that shall go: a NAME is missing.");
-        if (verb == Verb::uninstallUndo && names.empty())
-            throw wrong("Name the uninstall that shall be taken back: an ID is missing.");
-        if (std::find(m_options.with.begin(), m_options.with.end(), "") != m_options.with.end())
-            throw wrong("--with needs a value: --with WHAT.");
-        if (verb == Verb::moveApp && m_drive.empty())
+        if (auto complaint = m_uninstall->complaint()) throw wrong(*std::move(complaint));
+        if (auto complaint = m_install->complaint()) throw wrong(*std::move(complaint));
+        if (verb == Verb::moveApp && m_options.drive.empty())
             throw wrong("Name the drive that the applications shall move to, with --drive DRIVE.");
     }
 
@@ -306,15 +227,17 @@ private:
     /// The library has refused an option. Why, is seen in the arguments.
     [[noreturn]] void refuseMisusedOption(const Arguments& arguments) const {
         const auto end = std::find(arguments.begin(), arguments.end(), "--");
-        for (const auto& [name, value] : valued) {
+        for (const auto& [name, value] : valuedOptions) {
             if (name == "--with") continue;
             const auto isIt = [option = std::string(name)](const std::string& word) {
                 return word == option || word.starts_with(option + "=");
             };
             if (std::count_if(arguments.begin(), end, isIt) > 1)
                 throw wrong(fmt::format("{} can be given only once.", name));
+            if (std::find(arguments.begin(), end, std::string(name) + "=") != end)
+                throw wrong(fmt::format("{} needs a value: {} {}.", name, name, value));
         }
-        for (const auto& [name, value] : valued) refuseMissingValue(name, arguments);
+        for (const auto& [name, value] : valuedOptions) refuseMissingValue(name, arguments);
         for (auto word = arguments.begin(); word != end; ++word)
             for (const std::string flag : {"--yes", "--help", "--version", "--dry-run", "--no-data", "--only-app",
                                            "--quit-running", "--remove", "--repair"})
@@ -325,12 +248,10 @@ private:
     /// Takes the words that the library has left over, and those behind the mark, for what the verb still lacks.
     /// @returns the rest.
     Arguments takeWords(Arguments marked) {
-        if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") +
-                m_uninstallApps->count("NAME") + m_uninstallList->count("ID") + m_uninstallUndo->count("ID") >
-            0)
+        if (m_apps->count("NAME") + m_moveApp->count("NAME") + m_restore->count("NAME|PATH") > 0)
             m_options.names = {m_name};
-        else if (m_uninstall->count("NAME") > 0 && m_uninstall->get_subcommands().empty())
-            m_options.names = {m_uninstalledName};
+        m_uninstall->takeName();
+        m_install->takeSource();
         if (m_backupCreate->count("PATH") + m_healthRepair->count("PATH") > 0) m_options.paths = {m_path};
         const auto isOption = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
         Arguments rest;
@@ -346,6 +267,7 @@ private:
     }
 
     bool takesWord(const std::string& word) {
+        if (m_install->takesWord(word)) return true;
         const auto words = wordsOf(meant());
         const bool takesSeveral = words == "move app" || words == "move restore";
         const bool takesOne = words == "apps" || words.starts_with("uninstall");
@@ -367,6 +289,7 @@ private:
         requireVerb(m_app, words);
         if (m_move->parsed()) requireVerb(*m_move, words);
         if (m_backup->parsed()) requireVerb(*m_backup, words);
+        if (m_install->whole().parsed()) requireVerb(m_install->whole(), words);
         if (words.empty()) return;
         const auto& word = words.front();
         for (const auto& [name, owners] : owned)
@@ -378,14 +301,10 @@ private:
     }
 
     [[noreturn]] void refuseSurplus(const std::string& word) const {
-        const auto argument = m_uninstallList->parsed() || m_uninstallUndo->parsed() ? "ID"
-                              : m_apps->parsed() || m_uninstall->parsed()            ? "NAME"
-                                                                                     : "PATH";
-        throw wrong(m_path.empty() && m_options.names.empty()
-                        ? fmt::format("\"{}\" is one word too many.", word)
-                        : fmt::format("\"{}\" is one word too many: one {} at a time, and in quotes when it holds a "
-                                      "space.",
-                                      word, argument));
+        const auto argument = m_install->wantsSource() ? "SOURCE" : m_apps->parsed() ? "NAME" : "PATH";
+        const bool hasArgument = !m_path.empty() || !m_options.path.empty() || !m_options.names.empty();
+        throw wrong(hasArgument ? surplusSentence(word, m_uninstall->argument().value_or(argument))
+                                : fmt::format("\"{}\" is one word too many.", word));
     }
 
     void requireVerb(const CLI::App& app, const Arguments& words) const {
@@ -426,7 +345,7 @@ private:
     }
 
     Options m_options;
-    std::string m_root, m_home, m_path, m_name, m_uninstalledName, m_drive, m_shell, m_format = "human";
+    std::string m_root, m_home, m_path, m_name, m_shell, m_format = "human";
     bool m_leavesData = false;
     CLI::App m_app{"Moves what is large to an external drive and leaves a link, so that everything keeps working.",
                    "tarvik"};
@@ -438,11 +357,10 @@ private:
     CLI::App* m_backupCreate = nullptr;
     CLI::App* m_health = nullptr;
     CLI::App* m_healthRepair = nullptr;
-    CLI::App* m_uninstall = nullptr;
-    CLI::App* m_uninstallApps = nullptr;
-    CLI::App* m_uninstallList = nullptr;
-    CLI::App* m_uninstallUndo = nullptr;
     CLI::App* m_completion = nullptr;
+    // Made after all of the above, to which they hold.
+    std::optional<UninstallGrammar> m_uninstall;
+    std::optional<InstallGrammar> m_install;
 };
 
 }  // namespace

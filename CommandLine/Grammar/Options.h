@@ -18,7 +18,7 @@ struct Options {
     using Verb = CommandLine::Verb;
 
     Verb verb = Verb::drives;
-    /// The item of a move, as it was written.
+    /// The item of a move, or the source of an install, as it was written.
     fs::path path;
     /// The applications that are meant, the links of a restore, or an uninstall of the past, as they were written.
     /// `apps` and those that list take one at most; without it, all are meant.
@@ -27,6 +27,8 @@ struct Options {
     std::vector<fs::path> paths;
     /// A mount path or a volume's name, as it was written.
     std::string drive;
+    /// The `id` of an option for installers, as it was written; empty when that was left open.
+    std::string option;
     std::optional<fs::path> root;
     std::optional<fs::path> home;
     Format format = Format::human;

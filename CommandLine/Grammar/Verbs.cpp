@@ -7,7 +7,7 @@ namespace tarvik::CommandLine {
 
 namespace {
 
-constexpr std::array<Verbs::Entry, 17> allVerbs = {{
+constexpr std::array<Verbs::Entry, 20> allVerbs = {{
     {Verb::drives, "drives", "tarvik drives"},
     {Verb::apps, "apps", "tarvik apps [NAME]"},
     {Verb::links, "links", "tarvik links"},
@@ -25,6 +25,9 @@ constexpr std::array<Verbs::Entry, 17> allVerbs = {{
     {Verb::uninstallApps, "uninstall apps", "tarvik uninstall apps [NAME]"},
     {Verb::uninstallList, "uninstall list", "tarvik uninstall list [ID]"},
     {Verb::uninstallUndo, "uninstall undo", "tarvik uninstall undo ID"},
+    {Verb::installInspect, "install inspect", "tarvik install inspect SOURCE"},
+    {Verb::installOptions, "install options", "tarvik install options"},
+    {Verb::installPlan, "install plan", "tarvik install plan SOURCE --drive DRIVE [--option ID]"},
     {Verb::dedupe, "dedupe", "tarvik dedupe [--remove]"},
     {std::nullopt, Verbs::completion, "tarvik completion SHELL"},
 }};

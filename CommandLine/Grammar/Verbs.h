@@ -23,6 +23,9 @@ enum class Verb {
     uninstallApps,
     uninstallList,
     uninstallUndo,
+    installInspect,
+    installOptions,
+    installPlan,
     dedupe
 };
 

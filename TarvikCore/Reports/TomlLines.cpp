@@ -36,6 +36,10 @@ void TomlLines::array(std::string_view key, const std::vector<std::string>& valu
     add(key, fmt::format("[{}]", fmt::join(quoted, ", ")));
 }
 
+void TomlLines::beginTable(std::string_view name) {
+    m_text += fmt::format("[{}]\n", name);
+}
+
 void TomlLines::beginRecord(std::string_view name) {
     m_text += fmt::format("[[{}]]\n", name);
 }

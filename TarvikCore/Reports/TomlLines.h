@@ -15,6 +15,8 @@ public:
     void truth(std::string_view key, bool value);
     /// "key = ["a", "b"]".
     void array(std::string_view key, const std::vector<std::string>& values);
+    /// "[name]": what follows is one record of that name.
+    void beginTable(std::string_view name);
     /// "[[name]]": what follows is one record of a list.
     void beginRecord(std::string_view name);
 

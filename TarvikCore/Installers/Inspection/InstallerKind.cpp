@@ -1,5 +1,7 @@
 #include "Installers/Inspection/InstallerKind.h"
 
+#include "Platform/Text/Json.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -22,6 +24,16 @@ std::optional<InstallerKind> installerKindOf(std::string_view text) {
     const auto* const found = std::find(installerKindTexts.begin(), installerKindTexts.end(), text);
     if (found == installerKindTexts.end()) return std::nullopt;
     return static_cast<InstallerKind>(found - installerKindTexts.begin());
+}
+
+void to_json(nlohmann::json& json, InstallerKind kind) {
+    json = std::string(textOf(kind));
+}
+
+void from_json(const nlohmann::json& json, InstallerKind& kind) {
+    const auto known = installerKindOf(Json::decoded<std::string>(json));
+    if (!known) Json::refuse("a kind of source");
+    kind = *known;
 }
 
 }  // namespace tarvik

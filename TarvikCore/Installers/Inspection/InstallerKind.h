@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <optional>
 #include <string_view>
 
@@ -19,5 +21,9 @@ enum class InstallerKind {
 /// The text that stands for it in records: the enumerator's own name.
 std::string_view textOf(InstallerKind kind);
 std::optional<InstallerKind> installerKindOf(std::string_view text);
+
+/// As its text. @throws Failure on reading another one.
+void to_json(nlohmann::json& json, InstallerKind kind);
+void from_json(const nlohmann::json& json, InstallerKind& kind);
 
 }  // namespace tarvik

@@ -9,4 +9,9 @@ fs::path executable() {
     return fs::read_symlink("/proc/self/exe", ignored);
 }
 
+// The programs stand in PREFIX/libexec/tarvik.
+fs::path resources() {
+    return folder() / "../../share/tarvik";
+}
+
 }  // namespace tarvik::ProgramLocation

@@ -10,4 +10,11 @@ fs::path executable();
 /// The folder that holds it.
 fs::path folder();
 
+/// A file or folder that came with the programs: it stands beside the running one, or among the `resources`. Links in
+/// its path are resolved; empty when it is nowhere.
+fs::path resource(const fs::path& name);
+/// Where the programs' data is when they are installed: the folder for that in the bundle on a Mac, share/tarvik beside
+/// the libexec of the programs elsewhere. It need not be there.
+fs::path resources();
+
 }  // namespace tarvik::ProgramLocation

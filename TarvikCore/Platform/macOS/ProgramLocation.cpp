@@ -17,4 +17,9 @@ fs::path executable() {
     return Files::resolved(path).value_or(fs::path{});
 }
 
+// The programs stand in Contents/MacOS and Contents/Helpers.
+fs::path resources() {
+    return folder() / "../Resources";
+}
+
 }  // namespace tarvik::ProgramLocation

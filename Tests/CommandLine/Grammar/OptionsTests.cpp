@@ -161,12 +161,12 @@ TEST(Options, SaysWhatIsWrong) {
         sentenceOf({}),
         "What shall be done? Name one of: drives, apps, links, launchers, move app, move folder, move restore, backup "
         "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
-        "dedupe, completion.");
+        "install inspect, install options, install plan, dedupe, completion.");
     EXPECT_EQ(sentenceOf({"frobnicate"}),
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
               "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
-              "dedupe, completion.");
+              "install inspect, install options, install plan, dedupe, completion.");
     EXPECT_EQ(sentenceOf({"move"}), "What shall be done? Name one of: move app, move folder, move restore.");
     EXPECT_EQ(sentenceOf({"move", "file"}),
               "There is no \"move file\". There is: move app, move folder, move restore.");
@@ -183,14 +183,15 @@ TEST(Options, SaysWhatIsWrong) {
               "There is no \"frobnicate\". There is: drives, apps, links, launchers, move app, move folder, move "
               "restore, backup "
               "create, backup list, health, health repair, uninstall, uninstall apps, uninstall list, uninstall undo, "
-              "dedupe, completion.");
+              "install inspect, install options, install plan, dedupe, completion.");
     EXPECT_EQ(sentenceOf({"move", "folder", "/f", "/g", "--drive", "D"}),
               "\"/g\" is one word too many: one PATH at a time, and in quotes when it holds a space.");
     EXPECT_EQ(sentenceOf({"move", "folder", "--", "-f", "--drive", "D"}),
               "\"--drive\" is one word too many: behind \"--\" nothing is an option.");
-    EXPECT_EQ(sentenceOf({"drives", "--drive", "D"}), "--drive belongs to move app, move folder and backup.");
+    EXPECT_EQ(sentenceOf({"drives", "--drive", "D"}),
+              "--drive belongs to move app, move folder, backup and install plan.");
     EXPECT_EQ(sentenceOf({"move", "restore", "/f", "--drive=D"}),
-              "--drive belongs to move app, move folder and backup.");
+              "--drive belongs to move app, move folder, backup and install plan.");
 }
 
 TEST(Options, RefusesEmptyPaths) {
@@ -244,7 +245,11 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
         "tarvik uninstall NAME [--only-app] [--with receipts|launch-daemons|external-target|PATH]... [--quit-running] "
         "[--dry-run]\n       tarvik uninstall apps [NAME]\n       tarvik uninstall list [ID]\n       tarvik uninstall "
         "undo ID";
+    const std::string installs =
+        "tarvik install inspect SOURCE\n       tarvik install options\n       tarvik install plan SOURCE --drive DRIVE "
+        "[--option ID]";
     EXPECT_EQ(usageFor({"uninstall"}), uninstalls);
+    EXPECT_EQ(usageFor({"install"}), installs);
     EXPECT_EQ(usageFor({"uninstall", "undo"}), "tarvik uninstall undo ID");
     EXPECT_EQ(usageFor({"drives", "x"}), "tarvik drives");
     EXPECT_EQ(usageFor({"move", "folder"}), folder);
@@ -257,7 +262,8 @@ TEST(Options, ShowsHowTheVerbThatIsMeantIsWritten) {
         usageFor({}),
         "tarvik drives\n       tarvik apps [NAME]\n       tarvik links\n       tarvik launchers [--repair]\n       " +
             app + "\n       " + folder + "\n       " + restore + "\n       " + backups + "\n       " + health +
-            "\n       " + uninstalls + "\n       tarvik dedupe [--remove]\n       tarvik completion SHELL");
+            "\n       " + uninstalls + "\n       " + installs +
+            "\n       tarvik dedupe [--remove]\n       tarvik completion SHELL");
     EXPECT_EQ(usageFor({"backup"}), backups);
     EXPECT_EQ(usageFor({"health", "x"}), health);
 }
@@ -287,7 +293,7 @@ TEST(Options, GivesTheScriptOfAShellAsText) {
 TEST(Options, DescribesWhatHelpShows) {
     const auto command = describe();
     EXPECT_EQ(command.name, "tarvik");
-    EXPECT_EQ(command.usages.size(), 17U);
+    EXPECT_EQ(command.usages.size(), 20U);
     EXPECT_EQ(command.options.front().names, (Arguments{"-h", "--help"}));
     const auto& move =
         *std::find_if(command.verbs.begin(), command.verbs.end(), [](const auto& verb) { return verb.name == "move"; });

@@ -2,6 +2,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/ChildProcess.h"
 #include "Platform/Processes/CommandRunner.h"
+#include "Platform/Processes/ProcessTable.h"
 #include "Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
@@ -188,6 +189,39 @@ TEST(CommandRunner, ACancelledQuestionEndsTheToolAtOnce) {
     EXPECT_EQ(result, (CommandResult{SIGKILL, "", "", true}));
     EXPECT_EQ(::kill(std::stoi(Files::read(ready)), 0), -1) << "it runs still, or nobody has waited for it";
     EXPECT_TRUE(CommandRunner::ask("/bin/echo", {"x"}, {Seconds(100), cancellation}).timedOut);
+}
+
+TEST(CommandRunner, AToolMayRunUntilItIsCancelled) {
+    const Cancellation cancellation;
+    const auto run = [&](const std::string& script) {
+        return CommandRunner::runUntil("/bin/sh", {"-c", script}, cancellation, 3);
+    };
+    EXPECT_EQ(run("echo 12345; echo x >&2; exit 7"), (CommandResult{7, "12", "x\n", false}));
+    EXPECT_EQ(CommandRunner::runUntil("/missing/tool", {}, cancellation).status, CommandResult::notLaunched);
+    cancellation.cancel();
+    EXPECT_EQ(run("exit 0"), (CommandResult{CommandResult::notLaunched, "", "", true}));
+}
+
+TEST(CommandRunner, ACancelledToolEndsWithAllThatItHasStarted) {
+    // The one ends when it is asked to, the other must be killed; the tool itself ends at once and leaves both.
+    const test::TemporaryFolder folder;
+    const Cancellation cancellation;
+    std::thread user([&] {
+        while (!Files::exists(folder / "polite.pid") || !Files::exists(folder / "deaf.pid"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancellation.cancel();
+    });
+    const auto shellOf = [&](const std::string& name, const std::string& first) {
+        return fmt::format("sh -c '{0} echo $$ >{1}; mv {1} {1}.pid; while :; do sleep 0.05; done' & ", first,
+                           (folder / name).native());
+    };
+    const auto result = CommandRunner::runUntil(
+        "/bin/sh", {"-c", shellOf("polite", "") + shellOf("deaf", "trap \"\" TERM;") + "wait"}, cancellation);
+    user.join();
+    EXPECT_EQ(result, (CommandResult{SIGTERM, "", "", true}));
+    for (const char* name : {"polite.pid", "deaf.pid"})
+        while (!ProcessTable::programOf(std::stoi(Files::read(folder / name))).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 TEST(CommandRunner, AnAnswerIsNoLongerThanWanted) {

@@ -1,0 +1,89 @@
+#include "Installers/Planning/InstallerOptionFile.h"
+
+#include "Platform/Text/Text.h"
+
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
+
+namespace tarvik::InstallerOptionFile {
+
+namespace {
+
+/// The library makes a table of each part of a key such as a.b.c, one in the other and as many as there are, and takes
+/// them apart by recursion: many enough end the program. No key of an option has more than one part.
+constexpr std::size_t mostKeyDots = 500;
+
+/// The full stops in a document, a few too many: those in texts are no part of a key.
+std::size_t countKeyDots(std::string_view document) {
+    std::size_t count = 0;
+    for (const std::string_view line : Text::lines(document)) {
+        const auto begin = line.find_first_not_of(" \t");
+        const bool isComment = begin != line.npos && line[begin] == '#';
+        if (!isComment) count += static_cast<std::size_t>(std::count(line.begin(), line.end(), '.'));
+    }
+    return count;
+}
+
+// Each reads a key that must be there. @returns whether it is, with a value of that type.
+
+bool reads(const toml::table& table, std::string_view key, std::string& text) {
+    const auto* const found = table.get_as<std::string>(key);
+    if (found) text = found->get();
+    return found != nullptr;
+}
+
+bool reads(const toml::table& table, std::string_view key, fs::path& path) {
+    std::string text;
+    if (!reads(table, key, text)) return false;
+    path = std::move(text);
+    return true;
+}
+
+bool reads(const toml::table& table, std::string_view key, bool& truth) {
+    const auto* const found = table.get_as<bool>(key);
+    if (found) truth = found->get();
+    return found != nullptr;
+}
+
+bool reads(const toml::table& table, std::string_view key, std::vector<InstallerKind>& kinds) {
+    const auto* const found = table.get_as<toml::array>(key);
+    if (!found) return false;
+    for (const toml::node& each : *found) {
+        const auto* const text = each.as_string();
+        const auto kind = text ? installerKindOf(text->get()) : std::nullopt;
+        if (!kind) return false;
+        kinds.push_back(*kind);
+    }
+    return true;
+}
+
+std::optional<InstallerOption> optionOf(const toml::table& table) {
+    InstallerOption option;
+    const bool isWhole = reads(table, "id", option.id) && reads(table, "label", option.label) &&
+                         reads(table, "strategy", option.strategy) && reads(table, "sourceKinds", option.sourceKinds) &&
+                         reads(table, "allowUntrustedPackages", option.allowUntrustedPackages) &&
+                         (!table.contains("allowUntrustedScripts") ||
+                          reads(table, "allowUntrustedScripts", option.allowUntrustedScripts)) &&
+                         reads(table, "externalRootName", option.externalRootName) &&
+                         reads(table, "applicationLinkRoot", option.applicationLinkRoot) &&
+                         reads(table, "track", option.track) &&
+                         reads(table, "relocateSafeApps", option.relocateSafeApps);
+    return isWhole ? std::optional(std::move(option)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<InstallerOption> parsed(std::string_view text) {
+    if (countKeyDots(text) > mostKeyDots) return std::nullopt;
+    try {
+        return optionOf(toml::parse(text));
+    } catch (const toml::parse_error&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace tarvik::InstallerOptionFile
