@@ -2,11 +2,13 @@
 //   tarvik-benchmark [FILES] [ROUNDS]          all parts
 //   tarvik-benchmark discovery [ROUNDS]        how quickly applications and links are found
 //   tarvik-benchmark health [ROUNDS]           how long the check of everything that was moved takes
+//   tarvik-benchmark archives [ROUNDS]         how quickly zip archives are expanded
 //   tarvik-benchmark installs [FILES] [ROUNDS] applications that are installed on a drive
 //   tarvik-benchmark tracking [ROUNDS]         what an installer has changed, and what watching it costs
 //   tarvik-benchmark uninstall [ROUNDS]        plans of uninstalls, and much that goes to the Trash
 //   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
 //   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
+#include "Archives.h"
 #include "Discovery.h"
 #include "Health.h"
 #include "Installs.h"
@@ -64,6 +66,7 @@ void runPart(const std::string& part, const std::vector<std::string>& words) {
     if (words.size() > 1) setRounds(sizes, words[1]);
     if (part == "discovery") return Discovery::measure(sizes.rounds);
     if (part == "health") return HealthSpeed::measure(sizes.rounds);
+    if (part == "archives") return ArchiveSpeed::measure(sizes.rounds);
     if (part == "tracking") return TrackingSpeed::measure(sizes.rounds);
     if (part == "uninstall") return UninstallSpeed::measure(sizes.rounds);
     WindowSpeed::measure(sizes.rounds);
@@ -75,6 +78,7 @@ void runAll(const Sizes& sizes) {
     const std::string program = ProgramLocation::executable();
     Measure::part({program, "discovery", rounds});
     Measure::part({program, "health", rounds});
+    Measure::part({program, "archives", rounds});
     Measure::part({program, "tracking", rounds});
     Measure::part({program, "uninstall", rounds});
     Measure::part({program, "window", rounds});
@@ -88,7 +92,8 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::string part = words.empty() ? "" : words.front();
-        constexpr std::array parts = {"discovery", "health", "tracking", "uninstall", "window", "moves", "installs"};
+        constexpr std::array parts = {"discovery", "health", "archives", "tracking",
+                                      "uninstall", "window", "moves",    "installs"};
         if (part == "snapshots" && words.size() > 1) {
             TrackingSpeed::compareSnapshots(words[1]);  // What another part runs.
         } else if (std::find(parts.begin(), parts.end(), part) != parts.end()) {

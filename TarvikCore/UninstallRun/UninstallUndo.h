@@ -38,8 +38,8 @@ struct Item {
     bool operator==(const Item&) const = default;
 };
 
-/// One for each item of the session that had gone, in its order. A few status calls an item, but none into a volume that
-/// the host has noted as silent: what is there is stuck. Blocks; any thread; never fails.
+/// One for each item of the session that had gone, in its order. A few status calls an item, but none into a volume
+/// that the host has noted as silent: what is there is stuck. Blocks; any thread; never fails.
 std::vector<Item> look(const Host& host, const AppUninstallSession& session);
 
 /// Brings back what can come, the last one that went first, and tells how it stands with each item afterwards. What

@@ -9,8 +9,8 @@ namespace tarvik {
 
 namespace {
 
-using test::CommandWorld;
 using test::columnOf;
+using test::CommandWorld;
 using test::linesOf;
 using testing::AllOf;
 using testing::Contains;

@@ -304,8 +304,7 @@ TEST(UninstallCommand, IsRefusedWhileAnotherOneRemovesTheSameApplication) {
     UninstallCommandWorld world;
     const auto here = world.folder / "gate";
     world.replaceTool("pkgutil", "case $1 in --forget) touch '" + (here.native() + "-begun") + "'; until [ -e '" +
-                                     (here.native() + "-go") +
-                                     "' ]; do sleep 0.01; done;; *) [ -e '" + here.native() +
+                                     (here.native() + "-go") + "' ]; do sleep 0.01; done;; *) [ -e '" + here.native() +
                                      "-go' ] || echo org.example.sweeper;; esac");
     test::RunningProgram first(world.command, world.onMachine({"uninstall", "Sweeper", "--with", "receipts", "--yes"}));
     ASSERT_TRUE(test::comesToStand(here.native() + "-begun"));

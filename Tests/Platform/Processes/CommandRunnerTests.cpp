@@ -1,4 +1,6 @@
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Processes/ChildProcess.h"
 #include "Platform/Processes/CommandRunner.h"
 #include "Platform/Processes/ProcessTable.h"
 #include "Support/TemporaryFolder.h"
@@ -9,8 +11,10 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <limits>
 #include <string>
+#include <sys/file.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -259,6 +263,33 @@ TEST(CommandRunner, RunsManyToolsAtOnceWithoutMixingThem) {
     for (auto& thread : threads) thread.join();
     for (int tool = 0; tool < toolCount; ++tool)
         EXPECT_EQ(results[tool], (CommandResult{tool, fmt::format("{}\n", tool), "", false}));
+}
+
+TEST(CommandRunner, LetsAToolWriteToWhatIsOpen) {
+    const test::TemporaryFolder folder;
+    const FileDescriptor file(::open((folder / "file").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const auto result = CommandRunner::runWritingTo(file, "/bin/sh", {"-c", "echo answer; echo problem >&2; exit 3"});
+    EXPECT_EQ(result, (CommandResult{3, "", "problem\n", false}));
+    EXPECT_EQ(Files::read(folder / "file"), "answer\n");
+    EXPECT_EQ(CommandRunner::runWritingTo(file, folder / "none", {}).status, CommandResult::notLaunched);
+}
+
+TEST(CommandRunner, LeavesALockWithTheToolForAsLongAsItRuns) {
+    const test::TemporaryFolder folder;
+    const fs::path path = folder / "file";
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(file.get(), LOCK_SH | LOCK_NB), 0);
+    const auto isLocked = [&] {
+        const FileDescriptor other(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        return ::flock(other.get(), LOCK_EX | LOCK_NB) != 0;
+    };
+    {
+        ChildProcess child = ChildProcess::startWritingTo(file, "/bin/sh", {"-c", "exec sleep 600"});
+        file.close();
+        EXPECT_EQ(child.standardOutput(), -1);
+        EXPECT_TRUE(isLocked());
+    }
+    EXPECT_FALSE(isLocked());
 }
 
 }  // namespace
