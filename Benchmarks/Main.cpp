@@ -3,10 +3,12 @@
 //   tarvik-benchmark discovery [ROUNDS]        how quickly applications and links are found
 //   tarvik-benchmark health [ROUNDS]           how long the check of everything that was moved takes
 //   tarvik-benchmark uninstall [ROUNDS]        plans of uninstalls, and much that goes to the Trash
+//   tarvik-benchmark installers [ROUNDS]       how an image is looked through for what can be installed
 //   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
 //   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
 #include "Discovery.h"
 #include "Health.h"
+#include "InstallerLook.h"
 #include "Measure.h"
 #include "Moves.h"
 #include "Platform/Processes/ProgramLocation.h"
@@ -57,6 +59,7 @@ void runPart(const std::string& part, const std::vector<std::string>& words) {
     if (part == "discovery") return Discovery::measure(sizes.rounds);
     if (part == "health") return HealthSpeed::measure(sizes.rounds);
     if (part == "uninstall") return UninstallSpeed::measure(sizes.rounds);
+    if (part == "installers") return InstallerLook::measure(sizes.rounds);
     WindowSpeed::measure(sizes.rounds);
 }
 
@@ -67,6 +70,7 @@ void runAll(const Sizes& sizes) {
     Measure::part({program, "discovery", rounds});
     Measure::part({program, "health", rounds});
     Measure::part({program, "uninstall", rounds});
+    Measure::part({program, "installers", rounds});
     Measure::part({program, "window", rounds});
     Measure::part({program, "moves", std::to_string(sizes.files), rounds});
 }
@@ -77,8 +81,10 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::string part = words.empty() ? "" : words.front();
-        constexpr std::array parts = {"discovery", "health", "uninstall", "window", "moves"};
-        if (std::find(parts.begin(), parts.end(), part) != parts.end()) {
+        constexpr std::array parts = {"discovery", "health", "uninstall", "installers", "window", "moves"};
+        if (words.size() == 2 && part == "contained-items") {
+            InstallerLook::scan(words[1]);
+        } else if (std::find(parts.begin(), parts.end(), part) != parts.end()) {
             runPart(part, words);
         } else {
             runAll(sizesFrom(words, 0));
