@@ -1,15 +1,21 @@
 #include "Installers/Opening/ZipExpander.h"
 
 #include "Copying/FileStash.h"
+#include "Installers/Opening/OpenedLeftovers.h"
+#include "Installers/Opening/ZipCheck.h"
+#include "Installers/Opening/ZipFolder.h"
 #include "Platform/Basics/Failure.h"
-#include "Platform/Basics/Identifier.h"
-#include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"
 #include "Platform/Processes/CommandRunner.h"
+#include "Platform/Storage/VolumeCapacityProbe.h"
+#include "Platform/Text/Text.h"
+
+#include <fmt/format.h>
 
 #include <cerrno>
-#include <string>
+#include <cstdint>
+#include <utility>
 
 namespace tarvik::ZipExpander {
 
@@ -17,13 +23,6 @@ namespace {
 
 constexpr const char* domain = "zip";
 constexpr int unsafePaths = 1;
-
-fs::path makeFolder(const Host& host) {
-    Files::createFolder(host.temporary);
-    fs::path folder = host.temporary / ("TarvikZip-" + newIdentifier());
-    if (!Files::claim(folder)) throw FileError("create the folder", folder, EEXIST);
-    return folder;
-}
 
 /// Whether something below the folder does not lie below it by its path. It is asked of the names alone.
 bool containsUnsafePath(const fs::path& root) {
@@ -37,20 +36,47 @@ bool containsUnsafePath(const fs::path& root) {
     return false;
 }
 
+[[noreturn]] void refuseAsUnsafe() {
+    throw Failure(domain, unsafePaths, "Archive contains unsafe paths.");
+}
+
+/// Nothing of an archive that would do harm is ever unpacked.
+void refuseHarm(const Host& host, const fs::path& archive) {
+    const ZipCheck check = ZipCheck::of(archive);
+    if (check.isUnsafe) refuseAsUnsafe();
+    Files::createFolder(host.temporary);
+    const std::int64_t free = VolumeCapacityProbe::freeBytes(host, host.temporary);
+    if (free > 0 && check.unpackedSize > free)
+        throw Failure(domain, ENOSPC,
+                      fmt::format("Not enough space to expand the archive. Need {}, have {}.",
+                                  Text::byteCount(check.unpackedSize), Text::byteCount(free)));
+}
+
 }  // namespace
 
-fs::path expand(const Host& host, const fs::path& archive) {
-    const fs::path folder = makeFolder(host);
-    const auto result = CommandRunner::run(host.tools.ditto, {"-x", "-k", archive.native(), folder.native()});
+fs::path expand(const Host& host, const fs::path& archive, OpenedHold& hold) {
+    OpenedLeftovers::sweep(host);
+    refuseHarm(host, archive);
+    ZipFolder folder = ZipFolder::make(host);
+    // The tool writes nothing to its standard output. That it has the folder open there keeps the folder locked, should
+    // this process be killed, until the tool has ended too.
+    const auto result = CommandRunner::runWritingTo(folder.handle, host.tools.ditto,
+                                                    {"-x", "-k", archive.native(), folder.path.native()});
     if (!result.succeeded()) {
-        FileStash::moveAside(host, folder, "zip-failed");
+        FileStash::moveAside(host, folder.path, "zip-failed");
         throw Failure(domain, result.status, result.stderr);
     }
-    if (containsUnsafePath(folder)) {
-        FileStash::moveAside(host, folder, "zip-unsafe");
-        throw Failure(domain, unsafePaths, "Archive contains unsafe paths.");
+    if (containsUnsafePath(folder.path)) {
+        FileStash::moveAside(host, folder.path, "zip-unsafe");
+        refuseAsUnsafe();
     }
-    return folder;
+    hold = OpenedHold(std::move(folder.handle));
+    return folder.path;
+}
+
+fs::path expand(const Host& host, const fs::path& archive) {
+    OpenedHold hold;
+    return expand(host, archive, hold);
 }
 
 }  // namespace tarvik::ZipExpander

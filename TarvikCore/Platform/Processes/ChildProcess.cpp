@@ -35,9 +35,9 @@ private:
     const fs::path& m_program;
 };
 
-/// Moves a descriptor above the standard streams. Where this process has none of its own, a pipe would take their
-/// place, and the child would find its own output at its standard input.
-FileDescriptor aboveStandardStreams(FileDescriptor descriptor, const Check& check) {
+/// A second descriptor for the same, above the standard streams. Where this process has none of its own, a pipe would
+/// take their place, and the child would find its own output at its standard input.
+FileDescriptor aboveStandardStreams(const FileDescriptor& descriptor, const Check& check) {
     FileDescriptor moved(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
     if (!moved) check(errno);
     return moved;
@@ -46,8 +46,7 @@ FileDescriptor aboveStandardStreams(FileDescriptor descriptor, const Check& chec
 Pipe makePipe(const Check& check) {
     Pipe pipe = Pipe::make();
     if (!pipe.readEnd) check(errno);
-    return {aboveStandardStreams(std::move(pipe.readEnd), check),
-            aboveStandardStreams(std::move(pipe.writeEnd), check)};
+    return {aboveStandardStreams(pipe.readEnd, check), aboveStandardStreams(pipe.writeEnd, check)};
 }
 
 class FileActions {
@@ -118,16 +117,26 @@ int statusOf(int waitStatus) {
 
 ChildProcess ChildProcess::start(const fs::path& program, const std::vector<std::string>& arguments,
                                  const EnvironmentChange& change) {
+    Pipe output = makePipe(Check(program));
+    return spawn(program, arguments, change, std::move(output.writeEnd), std::move(output.readEnd));
+}
+
+ChildProcess ChildProcess::startWritingTo(const FileDescriptor& output, const fs::path& program,
+                                          const std::vector<std::string>& arguments) {
+    return spawn(program, arguments, {}, aboveStandardStreams(output, Check(program)), FileDescriptor());
+}
+
+ChildProcess ChildProcess::spawn(const fs::path& program, const std::vector<std::string>& arguments,
+                                 const EnvironmentChange& change, FileDescriptor output, FileDescriptor readEnd) {
     const Check check(program);
     const auto texts = commandLine(program, arguments);
     const auto list = listOf(texts, check);
     const auto variables = changedEnvironment(change);
     const auto environment = listOf(variables, check);
-    Pipe output = makePipe(check);
     Pipe error = makePipe(check);
 
     FileActions actions(check);
-    check(::posix_spawn_file_actions_adddup2(&actions.value, output.writeEnd.get(), STDOUT_FILENO));
+    check(::posix_spawn_file_actions_adddup2(&actions.value, output.get(), STDOUT_FILENO));
     check(::posix_spawn_file_actions_adddup2(&actions.value, error.writeEnd.get(), STDERR_FILENO));
     Attributes attributes(check);
     setOrdinarySignals(attributes, check);
@@ -137,7 +146,7 @@ ChildProcess ChildProcess::start(const fs::path& program, const std::vector<std:
 
     pid_t process = -1;
     check(::posix_spawn(&process, program.c_str(), &actions.value, &attributes.value, list.data(), environment.data()));
-    return {process, std::move(output.readEnd), std::move(error.readEnd)};
+    return {process, std::move(readEnd), std::move(error.readEnd)};
 }
 
 ChildProcess::ChildProcess(pid_t process, FileDescriptor standardOutput, FileDescriptor standardError)

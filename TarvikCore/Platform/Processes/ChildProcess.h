@@ -23,10 +23,15 @@ public:
     /// @throws FileError with the verb "start" when the program cannot be run.
     static ChildProcess start(const fs::path& program, const std::vector<std::string>& arguments,
                               const EnvironmentChange& change = {});
+    /// The same with `output` as its standard output, which it has open for as long as it runs, also when this process
+    /// ends before it. There is no pipe on that then.
+    static ChildProcess startWritingTo(const FileDescriptor& output, const fs::path& program,
+                                       const std::vector<std::string>& arguments);
     ChildProcess(ChildProcess&&) noexcept;
     ChildProcess& operator=(ChildProcess&&) noexcept;
     ~ChildProcess();
 
+    /// -1 where there is no pipe.
     int standardOutput() const { return m_standardOutput.get(); }
     int standardError() const { return m_standardError.get(); }
 
@@ -40,6 +45,8 @@ public:
     void kill();
 
 private:
+    static ChildProcess spawn(const fs::path& program, const std::vector<std::string>& arguments,
+                              const EnvironmentChange& change, FileDescriptor output, FileDescriptor readEnd);
     ChildProcess(pid_t process, FileDescriptor standardOutput, FileDescriptor standardError);
     void end() noexcept;
 

@@ -126,6 +126,21 @@ CommandResult CommandRunner::run(const fs::path& path, const std::vector<std::st
     }
 }
 
+CommandResult CommandRunner::runWritingTo(const FileDescriptor& output, const fs::path& path,
+                                          const std::vector<std::string>& arguments) {
+    try {
+        ChildProcess child = ChildProcess::startWritingTo(output, path, arguments);
+        Output gathered(child);
+        gathered.reader.readToEnd();
+        CommandResult result;
+        result.status = child.wait();
+        result.stderr = gathered.standardError();
+        return result;
+    } catch (const Failure& failure) {
+        return notLaunched(failure);
+    }
+}
+
 CommandResult CommandRunner::ask(const fs::path& path, const std::vector<std::string>& arguments,
                                  const Bounds& bounds) {
     const Time time{bounds.limit, &bounds.cancellation};

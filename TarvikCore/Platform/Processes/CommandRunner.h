@@ -2,6 +2,7 @@
 
 #include "Platform/Basics/Cancellation.h"
 #include "Platform/Basics/Path.h"
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Processes/CommandResult.h"
 #include "Platform/Processes/EnvironmentChange.h"
 
@@ -21,6 +22,11 @@ namespace tarvik::CommandRunner {
 CommandResult run(const fs::path& path, const std::vector<std::string>& arguments,
                   std::optional<std::chrono::duration<double>> timeout = std::nullopt,
                   const EnvironmentChange& change = {});
+
+/// The same without a limit, and with `output` as the tool's standard output, so that nothing is gathered of that. The
+/// tool has it open for as long as it runs, also when this process ends before it: a lock on it lasts as long.
+CommandResult runWritingTo(const FileDescriptor& output, const fs::path& path,
+                           const std::vector<std::string>& arguments);
 
 /// What an answer may cost.
 struct Bounds {

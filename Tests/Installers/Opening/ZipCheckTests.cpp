@@ -1,0 +1,175 @@
+#include "Installers/Opening/ZipCheck.h"
+#include "Support/MadeZip.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/Tree.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace tarvik::test {
+namespace {
+
+ZipCheck checkOfBytes(const std::string& bytes) {
+    const TemporaryFolder folder;
+    makeFile(folder / "archive.zip", bytes);
+    return ZipCheck::of(folder / "archive.zip");
+}
+
+bool isUnsafe(const MadeZip& archive) {
+    return checkOfBytes(archive.bytes()).isUnsafe;
+}
+
+/// A single file, and otherwise what every archive has.
+bool isUnsafe(const MadeZip::Entry& entry) {
+    return isUnsafe(MadeZip().addFolder("App.app/").add({.name = "App.app/first"}).add(entry).add({.name = "last"}));
+}
+
+TEST(ZipCheck, FindsNoFaultWithOrdinaryArchives) {
+    MadeZip archive;
+    archive.addFolder("App.app/").add({.name = "App.app/Contents/Info.plist", .content = "<plist/>"});
+    archive.addLink("App.app/Contents/Frameworks/F.framework/Versions/Current", "A");
+    archive.add({.name = "App.app/Contents/Frameworks/F.framework/Versions/A/F", .content = "code"});
+    archive.addLink("Applications", "/Applications");
+    archive.add({.name = "...", .content = "dots"}).add({.name = "a..b/c..", .content = "dots"});
+    archive.add({.name = "./here//twice", .content = "said in vain"});
+    archive.add({.name = "dir\\file", .system = 0});
+    archive.add({.name = "__MACOSX/App.app/Contents/._Info.plist", .content = "attributes"});
+    archive.add({.name = "__MACOSX/._Applications", .content = "attributes of a link"});
+    const ZipCheck check = checkOfBytes(archive.bytes());
+    EXPECT_FALSE(check.isUnsafe);
+    EXPECT_EQ(check.unpackedSize, 8 + 1 + 4 + 13 + 4 + 4 + 12 + 10 + 20);
+}
+
+TEST(ZipCheck, TakesAnEmptyArchiveAndWhatIsNoneForSafe) {
+    EXPECT_FALSE(isUnsafe(MadeZip()));
+    EXPECT_EQ(checkOfBytes(""), ZipCheck());
+    EXPECT_EQ(checkOfBytes("PK"), ZipCheck());
+    EXPECT_EQ(checkOfBytes(std::string(100'000, 'P')), ZipCheck());
+    const TemporaryFolder folder;
+    EXPECT_EQ(ZipCheck::of(folder / "none"), ZipCheck());
+    EXPECT_EQ(ZipCheck::of(folder.path()), ZipCheck());
+    makePipe(folder / "pipe");
+    EXPECT_EQ(ZipCheck::of(folder / "pipe"), ZipCheck());
+}
+
+TEST(ZipCheck, FindsNamesThatLeadOut) {
+    for (const std::string name : {"/etc/passwd", "../evil", "a/../../evil", "a/..", "..", "App.app/../x", "\\evil",
+                                   "a\\..\\..\\evil", "a/..\\evil", "__MACOSX/._..", "__MACOSX/a/._..", "a/._.."})
+        EXPECT_TRUE(isUnsafe({.name = name})) << name;
+    EXPECT_TRUE(isUnsafe({.name = std::string("a\0/b", 4)}));
+}
+
+TEST(ZipCheck, FindsPathsThroughALinkInAnyOrder) {
+    const MadeZip::Entry below{.name = "link/evil"};
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/tmp").add(below)));
+    EXPECT_TRUE(isUnsafe(MadeZip().add(below).addLink("link", "/tmp")));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link/", "/tmp").add(below)));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("./link", "/tmp").add({.name = "link//deeper/evil"})));
+    EXPECT_FALSE(isUnsafe(MadeZip().addLink("link", "/tmp").add({.name = "link2/good"})));
+}
+
+TEST(ZipCheck, TakesNamesThatAVolumeTakesForOneForOne) {
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("LINK", "/tmp").add({.name = "link/evil"})));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("caf\xC3\xA9", "/tmp").add({.name = "cafe\xCC\x81/evil"})));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("caf\xC3\xA9", "/tmp").add({.name = "caf\x82/evil"})));
+    const std::string path = lowFirst(1, 1) + lowFirst(0, 4) + "link";
+    EXPECT_TRUE(isUnsafe(MadeZip()
+                             .addLink("link", "/tmp")
+                             .add({.name = "other/evil", .extra = MadeZip::field(0x7075, path + "/evil")})));
+}
+
+TEST(ZipCheck, FindsWhatIsWrittenThroughALinkOfTheSameName) {
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/etc/passwd").add({.name = "link"})));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/etc/passwd").add({.name = "Link"})));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/tmp").addFolder("link/")));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "a").addLink("link", "/tmp")));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink(".", "/tmp")));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("a", "/tmp").add({.name = "__MACOSX/a/._evil"})));
+    EXPECT_FALSE(isUnsafe(MadeZip().add({.name = "file"}).add({.name = "File"})));
+}
+
+TEST(ZipCheck, FindsLinksWhereverTheirModeStands) {
+    const std::string asi = lowFirst(0, 4) + lowFirst(0120777, 2) + lowFirst(4, 4) + lowFirst(0, 4) + "/tmp";
+    EXPECT_TRUE(isUnsafe(
+        MadeZip().add({.name = "link", .mode = 0, .extra = MadeZip::field(0x756E, asi)}).add({.name = "link/evil"})));
+    EXPECT_TRUE(isUnsafe(
+        MadeZip().add({.name = "link", .content = "/tmp", .mode = 0120777, .system = 0}).add({.name = "link/evil"})));
+}
+
+TEST(ZipCheck, FindsDevicesPipesAndHardLinks) {
+    for (const unsigned mode : {0020666U, 0060666U, 0010666U, 0140666U})
+        EXPECT_TRUE(isUnsafe({.name = "device", .mode = mode})) << mode;
+    const std::string hardLink = lowFirst(0, 12) + "/etc/passwd";
+    EXPECT_TRUE(isUnsafe({.name = "hard", .extra = MadeZip::field(0x000D, hardLink)}));
+    EXPECT_FALSE(isUnsafe({.name = "times", .extra = MadeZip::field(0x000D, lowFirst(0, 12))}));
+    EXPECT_FALSE(isUnsafe({.name = "setuid", .mode = 0104755}));
+}
+
+TEST(ZipCheck, BelievesNeitherOfTwoHeadersThatDiffer) {
+    EXPECT_TRUE(isUnsafe({.name = "good", .localName = "../evil"}));
+    EXPECT_TRUE(isUnsafe({.name = "../evil", .localName = "good"}));
+    MadeZip links;
+    links.add({.name = "one", .content = "/tmp", .mode = 0120777, .localName = "two"}).add({.name = "two/evil"});
+    EXPECT_TRUE(isUnsafe(links));
+}
+
+TEST(ZipCheck, FindsEntriesThatTheDirectoryHides) {
+    EXPECT_TRUE(isUnsafe({.name = "../evil", .isListed = false}));
+    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/tmp").add({.name = "link", .isListed = false})));
+    const std::string evil = MadeZip().add({.name = "../evil"}).bytesOfEntries();
+    EXPECT_TRUE(checkOfBytes(evil + MadeZip().add({.name = "good"}).bytes()).isUnsafe);
+    EXPECT_TRUE(isUnsafe({.name = "inside", .content = evil, .hasDescriptor = true}));
+    EXPECT_FALSE(isUnsafe({.name = "inside.zip", .content = evil})) << "its length stands before it";
+    EXPECT_FALSE(isUnsafe({.name = "good", .isListed = false}));
+}
+
+TEST(ZipCheck, LooksAtEverythingWhereTheDirectoryIsMissing) {
+    EXPECT_TRUE(checkOfBytes(MadeZip().add({.name = "good"}).add({.name = "../evil"}).bytesOfEntries()).isUnsafe);
+    EXPECT_FALSE(checkOfBytes(MadeZip().add({.name = "good"}).addLink("a", "b").bytesOfEntries()).isUnsafe);
+    std::string cut = MadeZip().addLink("link", "/tmp").add({.name = "link/evil"}).bytes();
+    EXPECT_TRUE(checkOfBytes(cut.substr(0, cut.size() - 1)).isUnsafe);
+    const std::string good = MadeZip().addLink("link", "/tmp").add({.name = "good"}).bytes();
+    EXPECT_FALSE(checkOfBytes(good.substr(0, good.size() - 1)).isUnsafe);
+}
+
+TEST(ZipCheck, TrustsNoDirectoryWhereTwoCouldBeMeant) {
+    // Each of the two records reaches to the end of the file.
+    const std::string evil = MadeZip().addLink("link", "/tmp").add({.name = "link/evil"}).bytes();
+    const std::string good = MadeZip().add({.name = "good"}).bytes();
+    std::string both = evil.substr(0, evil.size() - 2) + lowFirst(good.size(), 2) + good;
+    EXPECT_TRUE(checkOfBytes(both).isUnsafe);
+}
+
+TEST(ZipCheck, ReadsAnArchiveThatBeginsLaterThanItsFile) {
+    const std::string shell = "#!/bin/sh\nexit\n";
+    EXPECT_FALSE(checkOfBytes(shell + MadeZip().add({.name = "good", .content = "1234"}).bytes()).isUnsafe);
+    EXPECT_EQ(checkOfBytes(shell + MadeZip().add({.name = "good", .content = "1234"}).bytes()).unpackedSize, 4);
+    EXPECT_TRUE(checkOfBytes(shell + MadeZip().add({.name = "../evil"}).bytes()).isUnsafe);
+}
+
+TEST(ZipCheck, AddsUpWhatIsClaimed) {
+    MadeZip bomb;
+    for (int i = 0; i < 10; ++i)
+        bomb.add({.name = "f" + std::to_string(i), .content = "1", .claimedSize = 4'000'000'000});
+    EXPECT_EQ(checkOfBytes(bomb.bytes()).unpackedSize, 40'000'000'000);
+    const std::string huge = MadeZip::field(1, lowFirst(0xFFFFFFFFFFFFFFFF, 8));
+    MadeZip overflowing;
+    for (const char* name : {"a", "b"}) overflowing.add({.name = name, .extra = huge, .claimedSize = 0xFFFFFFFF});
+    EXPECT_EQ(checkOfBytes(overflowing.bytes()).unpackedSize, std::numeric_limits<std::int64_t>::max());
+}
+
+TEST(ZipCheck, TakesNamesOfAnyLength) {
+    std::string deep;
+    for (int level = 0; level < 10'000; ++level) deep += "a/";
+    EXPECT_FALSE(isUnsafe({.name = deep + "file"}));
+    EXPECT_TRUE(isUnsafe({.name = deep + "../file"}));
+    EXPECT_TRUE(isUnsafe(MadeZip().add({.name = deep + "file"}).addLink("A/a/a", "/tmp")));
+    EXPECT_FALSE(isUnsafe({.name = std::string(4096, 'n')}));
+    EXPECT_FALSE(isUnsafe({.name = std::string(0xFFFF, 'n')}));
+}
+
+}  // namespace
+}  // namespace tarvik::test
