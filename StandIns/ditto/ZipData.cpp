@@ -49,8 +49,7 @@ public:
 
     /// Empty at the end, and where the file ends before.
     std::string_view next() {
-        const auto piece =
-            m_bytes.at(m_at, static_cast<std::size_t>(std::min<std::uint64_t>(m_left, pieceLength)));
+        const auto piece = m_bytes.at(m_at, static_cast<std::size_t>(std::min<std::uint64_t>(m_left, pieceLength)));
         m_at += piece.size();
         m_left -= piece.size();
         return piece;

@@ -32,11 +32,22 @@ DiskReader::Read readerOf(const std::string& disk) {
 /// A disk with Apple's partition table: its own place, and two volumes.
 std::string appleDisk(std::uint16_t block) {
     const auto partition = [&](std::uint32_t first, std::uint32_t count, const std::string& type) {
-        return Bytes().text("PM").zeros(2).big(std::uint32_t{3}).big(first).big(count).zeros(32).text(type).padTo(block).all();
+        return Bytes()
+            .text("PM")
+            .zeros(2)
+            .big(std::uint32_t{3})
+            .big(first)
+            .big(count)
+            .zeros(32)
+            .text(type)
+            .padTo(block)
+            .all();
     };
     Bytes disk;
     disk.text("ER").big(block).padTo(block);
-    disk.text(partition(1, 3, "Apple_partition_map")).text(partition(8, 4, "Apple_HFS")).text(partition(12, 400, "Apple_HFS"));
+    disk.text(partition(1, 3, "Apple_partition_map"))
+        .text(partition(8, 4, "Apple_HFS"))
+        .text(partition(12, 400, "Apple_HFS"));
     return disk.zeros(std::size_t{16} * block).all();
 }
 
@@ -100,7 +111,8 @@ struct Parsed {
 Parsed parsed(const std::string& text, std::size_t pieceSize) {
     Parsed result;
     ListingParser parser([&](const Entry& entry) { result.entries.push_back(entry); });
-    for (std::size_t at = 0; at < text.size(); at += pieceSize) parser.take(std::string_view(text).substr(at, pieceSize));
+    for (std::size_t at = 0; at < text.size(); at += pieceSize)
+        parser.take(std::string_view(text).substr(at, pieceSize));
     parser.end();
     result.types = parser.types();
     result.volumeName = parser.volumeName();
@@ -112,12 +124,11 @@ TEST(HdiutilListing, IsReadInPiecesOfAnySize) {
     const Parsed whole = parsed(listing, listing.size());
     EXPECT_THAT(whole.types, ElementsAre("Dmg", "HFS"));
     EXPECT_EQ(whole.volumeName, "Own Name");
-    EXPECT_THAT(whole.entries,
-                ElementsAre(Entry{Type::folder, "One", "", 0, 0755, {1'795'380'004, 500'000'000}, ""},
-                            Entry{Type::file, "One/a = b", "", 12, 0750, {-1, 0}, ""},
-                            Entry{Type::attribute, "One/a = b", "com.apple.x", 3, 0644, {}, ""},
-                            Entry{Type::link, "One/link", "", 4, 0755, {}, ""},
-                            Entry{Type::other, "One/pipe", "", 0, 0755, {}, ""}));
+    EXPECT_THAT(whole.entries, ElementsAre(Entry{Type::folder, "One", "", 0, 0755, {1'795'380'004, 500'000'000}, ""},
+                                           Entry{Type::file, "One/a = b", "", 12, 0750, {-1, 0}, ""},
+                                           Entry{Type::attribute, "One/a = b", "com.apple.x", 3, 0644, {}, ""},
+                                           Entry{Type::link, "One/link", "", 4, 0755, {}, ""},
+                                           Entry{Type::other, "One/pipe", "", 0, 0755, {}, ""}));
     for (const std::size_t size : {1U, 2U, 7U, 100U}) EXPECT_EQ(parsed(listing, size).entries, whole.entries) << size;
 }
 
@@ -127,7 +138,8 @@ TEST(HdiutilDisk, ReadsApplesTable) {
         const Disk layout = DiskReader::layout(readerOf(disk), disk.size());
         EXPECT_EQ(layout.scheme, "Apple_partition_scheme");
         ASSERT_EQ(layout.slices.size(), 3U) << block;
-        EXPECT_EQ(layout.slices[1], (Slice{"Apple_HFS", "Apple_HFS", 2, std::uint64_t{8} * block, std::uint64_t{4} * block}));
+        EXPECT_EQ(layout.slices[1],
+                  (Slice{"Apple_HFS", "Apple_HFS", 2, std::uint64_t{8} * block, std::uint64_t{4} * block}));
         EXPECT_EQ(layout.slices[2].offset + layout.slices[2].size, disk.size()) << "cut off at the end of the disk";
     }
 }
@@ -137,11 +149,17 @@ TEST(HdiutilDisk, ReadsAUniqueTableAndABootRecord) {
     for (const auto& stretch : Practice::PartitionTable::around({std::string(8192, 'v')})) disk += stretch.bytes;
     const Disk layout = DiskReader::layout(readerOf(disk), disk.size());
     EXPECT_EQ(layout.scheme, "GUID_partition_scheme");
-    EXPECT_THAT(layout.slices,
-                ElementsAre(Slice{"Apple_HFS", "48465300-0000-11AA-AA11-00306543ECAC", 1, 20480, 8192}));
+    EXPECT_THAT(layout.slices, ElementsAre(Slice{"Apple_HFS", "48465300-0000-11AA-AA11-00306543ECAC", 1, 20480, 8192}));
 
-    const std::string record = Bytes().zeros(446).text(std::string_view("\0\0\0\0\xAF\0\0\0", 8)).little(std::uint32_t{4})
-                                   .little(std::uint32_t{8}).zeros(48).text("\x55\xAA").zeros(8192).all();
+    const std::string record = Bytes()
+                                   .zeros(446)
+                                   .text(std::string_view("\0\0\0\0\xAF\0\0\0", 8))
+                                   .little(std::uint32_t{4})
+                                   .little(std::uint32_t{8})
+                                   .zeros(48)
+                                   .text("\x55\xAA")
+                                   .zeros(8192)
+                                   .all();
     EXPECT_EQ(DiskReader::layout(readerOf(record), record.size()),
               (Disk{"FDisk_partition_scheme", {{"Apple_HFS", "0xAF", 1, 2048, 4096}}}));
     EXPECT_EQ(DiskReader::layout(readerOf("text"), 4), Disk());
@@ -170,7 +188,8 @@ TEST(HdiutilReaders, TakeAnyBytes) {
             DiskReader::formatAt(readerOf(disk), slice.offset);
             ++slices;
         }
-        Mutator texts(round, {"\nPath = ", "----------\n", "Size = 99999999999999999999", "Mode = ", " = ", ":", "\n\n"});
+        Mutator texts(round,
+                      {"\nPath = ", "----------\n", "Size = 99999999999999999999", "Mode = ", " = ", ":", "\n\n"});
         const std::string text = texts.mutated(listing);
         for (const Entry& entry : parsed(text, 1 + round % 50).entries) {
             ASSERT_GE(entry.size, 0);
@@ -182,7 +201,8 @@ TEST(HdiutilReaders, TakeAnyBytes) {
         ASSERT_GE(list.neededBytes(), 0);
         DiskReader::contentOfName(text);
     }
-    std::printf("tried %u disks, %u lists, %u lines: %u slices and %u entries found\n", rounds, rounds, rounds, slices, entries);
+    std::printf("tried %u disks, %u lists, %u lines: %u slices and %u entries found\n", rounds, rounds, rounds, slices,
+                entries);
     EXPECT_GT(slices, rounds / 2);
     EXPECT_GT(entries, rounds);
 }

@@ -59,9 +59,9 @@ void makeTree(const fs::path& tree) {
 TEST(DittoArchive, ReadsWhatOtherProgramsMake) {
     const TemporaryFolder folder;
     makeTree(folder / "tree");
-    const std::vector<std::string> makers = {"zip -qry ../archive.zip .", "zip -qry0 ../archive.zip .",
-                                             "zip -qry - . > ../archive.zip", "bsdtar --format zip -cf ../archive.zip .",
-                                             "7zz a -snl ../archive.zip . > ../log"};
+    const std::vector<std::string> makers = {
+        "zip -qry ../archive.zip .", "zip -qry0 ../archive.zip .", "zip -qry - . > ../archive.zip",
+        "bsdtar --format zip -cf ../archive.zip .", "7zz a -snl ../archive.zip . > ../log"};
     for (const std::string& maker : makers) {
         runIn(folder / "tree", "rm -f ../archive.zip && " + maker);
         expectExpanded(folder / "archive.zip", folder / "goal");
@@ -103,8 +103,9 @@ TEST(DittoArchive, IsMadeByTestsAsOtherProgramsReadIt) {
         .addLink("link", "folder/file")
         .writeTo(folder / "archive.zip");
     expectExpanded(folder / "archive.zip", folder / "ours");
-    runIn(folder.path(), "unzip -q archive.zip -d unzip && 7zz x -oseven archive.zip > log && "
-                         "python3 -c 'import zipfile; assert zipfile.ZipFile(\"archive.zip\").testzip() is None'");
+    runIn(folder.path(),
+          "unzip -q archive.zip -d unzip && 7zz x -oseven archive.zip > log && "
+          "python3 -c 'import zipfile; assert zipfile.ZipFile(\"archive.zip\").testzip() is None'");
     EXPECT_EQ(pictureOf(folder / "unzip"), pictureOf(folder / "ours"));
     EXPECT_EQ(pictureOf(folder / "seven"), pictureOf(folder / "ours"));
 }
@@ -290,10 +291,7 @@ TEST(DittoArchive, MergesIntoWhatIsThere) {
     makeFile(folder / "goal/kept");
     makeFile(folder / "goal/replaced", "old and longer");
     makeLink(folder / "goal/link", "nowhere");
-    MadeZip()
-        .add({.name = "replaced", .content = "new"})
-        .addLink("link", "kept")
-        .writeTo(folder / "archive.zip");
+    MadeZip().add({.name = "replaced", .content = "new"}).addLink("link", "kept").writeTo(folder / "archive.zip");
     expectExpanded(folder / "archive.zip", folder / "goal");
     EXPECT_EQ(contentOf(folder / "goal/replaced"), "new");
     EXPECT_EQ(contentOf(folder / "goal/link"), "content");
