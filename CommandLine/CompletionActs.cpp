@@ -15,6 +15,7 @@
 #include "Platform/Storage/DriveScanner.h"
 #include "Platform/Text/Text.h"
 #include "UninstallRun/UninstallHistory.h"
+#include "UninstallRun/UninstallUndo.h"
 
 #include <fmt/format.h>
 
@@ -115,10 +116,20 @@ Candidates applicationsFor(const Host& host, const CompletionPlace& place) {
     return candidates;
 }
 
-Candidates uninstallsFor(const Host& host) {
+/// Of those that are wholly back, nothing can be put back.
+bool isWanted(const Host& host, const AppUninstallSession& session, const CompletionPlace& place) {
+    if (place.verb != "uninstall undo") return true;
+    const auto items = UninstallUndo::look(host, session);
+    return std::any_of(items.begin(), items.end(),
+                       [](const auto& item) { return item.state != UninstallUndo::Item::State::back; });
+}
+
+Candidates uninstallsFor(const Host& machine, const CompletionPlace& place) {
+    const Host host = UninstallHistory::knownMachine(machine);
     Candidates found;
     for (const auto& session : UninstallHistory::list(host))
-        found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
+        if (isWanted(host, session, place))
+            found.push_back({session.id, fmt::format("{}, {}", session.appName, Text::date(session.createdAt))});
     return found;
 }
 
@@ -138,7 +149,7 @@ Candidates onMachine(const Host& host, const CompletionPlace& place) {
         case Kind::applicationOrPath:
             return applicationsFor(host, place);
         case Kind::uninstall:
-            return uninstallsFor(host);
+            return uninstallsFor(host, place);
         case Kind::installerOption:
             return installerOptionsFor(host);
         case Kind::words:

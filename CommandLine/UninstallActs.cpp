@@ -173,6 +173,7 @@ struct Complaints {
             if (line.starts_with(beginning)) return line.substr(beginning.size());
         return std::nullopt;
     }
+    bool has(const std::string& line) const { return std::find(lines.begin(), lines.end(), line) != lines.end(); }
 };
 
 /// Why the item is where it was.
@@ -183,25 +184,32 @@ std::string reasonOf(const AppUninstallSession::MovedItem& item, const Complaint
                : fmt::format("{} could not be moved and stays.", item.originalPath.native());
 }
 
-std::string endSentence(const AppUninstallSession& session) {
+/// The receipts that `pkgutil` has called forgotten and still lists.
+std::int64_t stubbornReceipts(const Complaints& complaints) {
+    return std::count_if(complaints.lines.begin(), complaints.lines.end(),
+                         [](const std::string& line) { return line.starts_with("receipt-stays\t"); });
+}
+
+std::string endSentence(const AppUninstallSession& session, std::int64_t forgottenReceipts) {
     const auto all = std::ssize(session.movedItems);
     const auto gone = session.goneCount();
     auto text = gone == all ? fmt::format("Uninstalled {} — {}.", session.appName, Text::counted(all, "item"))
                             : fmt::format("Moved {} of {} of {} to the Trash.", gone, Text::counted(all, "item"),
                                           session.appName);
-    if (!session.forgottenReceipts.empty())
-        text += fmt::format(" {} forgotten.", session.forgottenReceipts.size() == 1
-                                                  ? "1 receipt was"
-                                                  : fmt::format("{} receipts were", session.forgottenReceipts.size()));
+    if (forgottenReceipts > 0)
+        text += fmt::format(" {} {} forgotten.", Text::counted(forgottenReceipts, "receipt"),
+                            forgottenReceipts == 1 ? "was" : "were");
     return text;
 }
 
 void tellEnd(const AppUninstallSession& session, const Choice& choice, const Complaints& complaints, Format format) {
     // Before the result, which may find no room.
     if (format == Format::human) Terminal::say(fmt::format("To have it back: tarvik uninstall undo {}", session.id));
-    Terminal::writeResult(format == Format::human ? Columns::oneLine(endSentence(session)) + "\n"
+    const auto stubborn = stubbornReceipts(complaints);
+    const auto forgotten = std::ssize(session.forgottenReceipts) - stubborn;
+    Terminal::writeResult(format == Format::human ? Columns::oneLine(endSentence(session, forgotten)) + "\n"
                                                   : sessionText(session, format));
-    std::int64_t stayed = 0;
+    std::int64_t stayed = stubborn;
     std::size_t failedReceipts = 0;
     for (const auto& item : session.movedItems) {
         if (item.succeeded) continue;
@@ -210,12 +218,15 @@ void tellEnd(const AppUninstallSession& session, const Choice& choice, const Com
     }
     for (const UninstallCandidate& candidate : choice.plan.candidates) {
         if (candidate.category != UninstallCategory::receipts) continue;
-        const auto why = complaints.behind(fmt::format("forget-receipt-fail\t{}\t", candidate.path.native()));
+        const std::string& identifier = candidate.path.native();
+        if (complaints.has("receipt-stays\t" + identifier))
+            Terminal::say(
+                fmt::format("The receipt {} is still there, though pkgutil has called it forgotten.", identifier));
+        const auto why = complaints.behind(fmt::format("forget-receipt-fail\t{}\t", identifier));
         if (!why) continue;
         ++stayed;
         ++failedReceipts;
-        Terminal::say(fmt::format("The receipt {} was not forgotten{}{}", candidate.path.native(),
-                                  why->empty() ? "." : ": ", *why));
+        Terminal::say(fmt::format("The receipt {} was not forgotten{}{}", identifier, why->empty() ? "." : ": ", *why));
     }
     const auto handled = session.movedItems.size() + session.forgottenReceipts.size() + failedReceipts;
     if (handled < choice.paths.size())
@@ -326,7 +337,8 @@ void uninstall(const Host& host, const Options& options) {
     tellEnd(session, choice, complaints, options.format);
 }
 
-void list(const Host& host, const Options& options) {
+void list(const Host& machine, const Options& options) {
+    const Host host = UninstallHistory::knownMachine(machine);
     if (!options.names.empty()) {
         const AppUninstallSession session = chosenSession(host, options);
         return Terminal::writeResult(
@@ -349,7 +361,8 @@ void list(const Host& host, const Options& options) {
     Terminal::writeResult(toml("sessions", records));
 }
 
-void undo(const Host& host, const Options& options) {
+void undo(const Host& machine, const Options& options) {
+    const Host host = UninstallHistory::knownMachine(machine);
     const AppUninstallSession session = chosenSession(host, options);
     const auto before = UninstallUndo::look(host, session);
     const auto isIn = [](UndoItem::State state) {

@@ -177,6 +177,7 @@ std::string session(const Past& past, const fs::path& home) {
     for (const auto& item : session.movedItems) {
         if (item.succeeded) continue;
         text += fmt::format("{}Stayed: {}\n", isFirst ? "\n" : "", shown(item.originalPath, home));
+        if (item.error) text += fmt::format("        {}\n", Columns::oneLine(*item.error));
         isFirst = false;
     }
     for (const std::string& receipt : session.forgottenReceipts)

@@ -13,12 +13,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <string>
 
 namespace tarvik::FileCopier {
 
 namespace {
+
+/// For how long a wish to stop may stay unseen.
+constexpr std::chrono::milliseconds longestDeafness{100};
 
 /// What a tool says of its failure. It may go on about millions of files: the first line tells why, the others are
 /// only counted.
@@ -61,13 +65,14 @@ const EnvironmentChange completeCopies = {{"DITTONORSRC", std::nullopt}, {"COPYF
 
 }  // namespace
 
-void runDitto(const Host& host, const fs::path& from, const fs::path& to) {
+void runDitto(const Host& host, const fs::path& from, const fs::path& to, const Cancellation& cancellation) {
     ChildProcess ditto = ChildProcess::start(host.tools.ditto, {"--rsrc", from.native(), to.native()}, completeCopies);
     Complaints complaints;
     StreamReader reader;
     reader.add(ditto.standardError(), [&complaints](std::string_view piece) { complaints.add(piece); });
     reader.add(ditto.standardOutput(), {});  // Read so that the tool never waits for us.
-    reader.readToEnd();
+    while (!reader.hasEnded() && !cancellation.isCancelled()) reader.read(longestDeafness);
+    if (!reader.hasEnded()) ditto.kill();
     const int status = ditto.wait();
     if (status == 0) return;
     std::string message = complaints.sentence();

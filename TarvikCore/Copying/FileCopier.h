@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Basics/Cancellation.h"
 #include "Platform/Basics/Path.h"
 #include "Platform/Machine/Host.h"
 
@@ -17,7 +18,8 @@ using ProgressCallback = std::function<void(std::int64_t copied, std::int64_t to
 /// A partial copy is the caller's to dispose of.
 /// @throws Failure of the domain "FileCopier" with the tool's exit status as its code, and the first line in which the
 /// tool told why, and how many came behind it; FileError when it cannot be run.
-void runDitto(const Host& host, const fs::path& from, const fs::path& to);
+/// Once cancelled, the tool is killed, and that is a failure like any other.
+void runDitto(const Host& host, const fs::path& from, const fs::path& to, const Cancellation& cancellation = {});
 /// The same with reports every half second of what has arrived.
 void runDitto(const Host& host, const fs::path& from, const fs::path& to, std::int64_t totalBytes,
               const ProgressCallback& progress);

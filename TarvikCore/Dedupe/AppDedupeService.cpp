@@ -5,6 +5,7 @@
 #include "Discovery/AppBundleEnumerator.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Storage/SizeCalculator.h"
@@ -33,10 +34,11 @@ std::optional<std::string> nonEmptyText(const PropertyList& list, std::string_vi
 }
 
 /// Bytes that are no text name a path only where something bears that name.
-std::optional<fs::path> targetOf(const fs::path& bundle) {
+std::optional<fs::path> targetOf(const Host& host, const fs::path& bundle) {
     auto target = AppClassifier::readLauncherTarget(bundle);
     if (!target || target->empty()) return std::nullopt;
-    return Text::isValidUtf8(target->native()) || Files::exists(*target) ? std::move(target) : std::nullopt;
+    const bool isText = Text::isValidUtf8(target->native());
+    return isText || SilentVolumes::hold(host, *target) || Files::exists(*target) ? std::move(target) : std::nullopt;
 }
 
 /// Whether a folder above the bundle is a link, up to the folder of applications that it is in.
@@ -63,7 +65,7 @@ std::optional<AppDedupeItem> itemAt(const Host& host, const fs::path& bundle) {
     if (!identifier) return std::nullopt;
 
     AppDedupeItem item{.path = bundle, .bundleIdentifier = *identifier};
-    item.targetPath = targetOf(bundle);
+    item.targetPath = targetOf(host, bundle);
     const bool isLauncher = item.targetPath || info.text("CFBundleExecutable") == LauncherLayout::executable ||
                             identifier->ends_with(LauncherLayout::identifierSuffix);
     item.effectiveBundleIdentifier = Text::replacing(*identifier, LauncherLayout::identifierSuffix, "");
@@ -81,6 +83,7 @@ Items discoverItems(const Host& host, const std::vector<fs::path>& roots, const 
     for (const fs::path& root : roots) {
         for (const fs::path& bundle : AppBundleEnumerator::bundles(root)) {
             if (cancellation.isCancelled()) break;
+            if (SilentVolumes::hold(host, bundle)) continue;
             if (auto item = itemAt(host, bundle)) byPath.insert_or_assign(bundle.native(), std::move(*item));
         }
     }
@@ -95,18 +98,19 @@ bool isRealLocalApp(const AppDedupeItem& item) {
 }
 
 /// Whether the launcher opens something that is there and is not what stays. A text that is no whole path opens
-/// nothing; what may not be looked at may be there.
-bool opensAnother(const AppDedupeItem& launcher, const AppDedupeItem& keep) {
+/// nothing; what may not be looked at may be there, and so may what is on a volume that does not answer.
+bool opensAnother(const Host& host, const AppDedupeItem& launcher, const AppDedupeItem& keep) {
     if (!launcher.targetPath || !launcher.targetPath->is_absolute()) return false;
     const fs::path target = Files::standardized(*launcher.targetPath);
+    if (SilentVolumes::hold(host, target)) return true;
     if (target == Files::standardized(keep.path) || Files::isMissing(target)) return false;
     // A volume that folds names has more than one spelling for it.
     return !Files::isSameItem(Files::info(target), Files::info(keep.path));
 }
 
-bool canGo(const AppDedupeItem& item, const AppDedupeItem& keep) {
+bool canGo(const Host& host, const AppDedupeItem& item, const AppDedupeItem& keep) {
     return item.path != keep.path && item.kind == AppDedupeItemKind::tarvikLauncher && isRealLocalApp(keep) &&
-           !opensAnother(item, keep);
+           !opensAnother(host, item, keep);
 }
 
 /// What a walk reaches by two paths can only go once.
@@ -121,7 +125,7 @@ AppDedupeGroup groupOf(const Host& host, Items items) {
     AppDedupeGroup group;
     group.keep = preferredKeepItem(host, items);
     for (const AppDedupeItem& item : items)
-        if (canGo(item, group.keep) && !holdsSameItem(group.remove, item.path)) group.remove.push_back(item);
+        if (canGo(host, item, group.keep) && !holdsSameItem(group.remove, item.path)) group.remove.push_back(item);
     group.bundleIdentifier = group.keep.effectiveBundleIdentifier;
     group.displayName = group.keep.displayName;
     group.items = std::move(items);
@@ -151,7 +155,7 @@ void refuseWhenChanged(const Host& host, const AppDedupeItem& planned, const App
     if (!kept || !isRealLocalApp(*kept) || kept->effectiveBundleIdentifier != keep.effectiveBundleIdentifier)
         refuse(fmt::format("{} stays: the application that it duplicates is not at {} any more.", planned.path.native(),
                            keep.path.native()));
-    if (launcher->effectiveBundleIdentifier != kept->effectiveBundleIdentifier || opensAnother(*launcher, *kept))
+    if (launcher->effectiveBundleIdentifier != kept->effectiveBundleIdentifier || opensAnother(host, *launcher, *kept))
         refuse(fmt::format("{} opens another application now.", planned.path.native()));
 }
 
@@ -178,7 +182,9 @@ std::vector<fs::path> applicationRoots(const Host& host) {
     return {SystemFolders::applications(host), Files::standardized(host.home / "Applications")};
 }
 
-AppDedupePlan plan(const Host& host, const std::vector<fs::path>& applicationRoots, const Cancellation& cancellation) {
+AppDedupePlan plan(const Host& machine, const std::vector<fs::path>& applicationRoots,
+                   const Cancellation& cancellation) {
+    const Host host = SilentVolumes::noted(machine);
     std::map<std::string, Items> byIdentifier;
     for (AppDedupeItem& item : discoverItems(host, applicationRoots, cancellation))
         byIdentifier[item.effectiveBundleIdentifier].push_back(std::move(item));
@@ -197,8 +203,9 @@ AppDedupePlan plan(const Host& host, const std::vector<fs::path>& applicationRoo
     return plan;
 }
 
-AppDedupeRunResult run(const Host& host, const std::optional<AppDedupePlan>& plan, bool dryRun,
+AppDedupeRunResult run(const Host& machine, const std::optional<AppDedupePlan>& plan, bool dryRun,
                        const Cancellation& cancellation) {
+    const Host host = SilentVolumes::noted(machine);
     AppDedupeRunResult result{.plan = plan ? *plan : AppDedupeService::plan(host, applicationRoots(host), cancellation),
                               .dryRun = dryRun};
     for (const AppDedupeGroup& group : result.plan.groups) {

@@ -4,6 +4,7 @@
 #include "AppData/SupplementalInstall.h"
 #include "Applications/AppClassifier.h"
 #include "Applications/AppFlags.h"
+#include "Applications/ExternalTarget.h"
 #include "Discovery/AppBundleEnumerator.h"
 #include "Discovery/AppBundleScanRoots.h"
 #include "Platform/Files/Files.h"
@@ -65,21 +66,11 @@ void addBundlesBelow(const Host& host, const fs::path& root, int maxDepth, Recor
         if (!records.contains(bundle.native())) records.emplace(bundle.native(), build(host, bundle));
 }
 
-/// Where a link or launcher leads: absolute and standardized, nothing when its text leads nowhere.
-std::optional<fs::path> targetOf(const AppRecord& record) {
-    if (!record.externalTargetPath) return std::nullopt;
-    const fs::path& target = *record.externalTargetPath;
-    if (target.is_absolute()) return Files::standardized(target);
-    // A link's text is taken from where the link stands; a launcher has no such place.
-    if (!record.isSymlink) return std::nullopt;
-    return Files::standardized(record.bundlePath.parent_path() / target);
-}
-
 /// Adds the bundles behind links and launchers. Where these lead in turn is not followed.
 void mergeExternalTargets(const Host& host, Records& records) {
     std::vector<fs::path> targets;
     for (const auto& [path, record] : records)
-        if (auto target = targetOf(record)) targets.push_back(std::move(*target));
+        if (auto target = ExternalTarget::of(record)) targets.push_back(std::move(*target));
     for (const fs::path& target : targets)
         if (!records.contains(target.native()) && Files::itemExists(target))
             records.emplace(target.native(), build(host, target));

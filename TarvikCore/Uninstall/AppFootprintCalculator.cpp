@@ -1,10 +1,10 @@
 #include "Uninstall/AppFootprintCalculator.h"
 
 #include "AppData/SupplementalInstall.h"
+#include "Applications/ExternalTarget.h"
 #include "Discovery/AppBundleEnumerator.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Storage/SizingService.h"
-#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/RelatedFileScanner.h"
 
 namespace tarvik::AppFootprintCalculator {

@@ -1,8 +1,9 @@
 #include "Uninstall/AppUninstallPlanner.h"
 
+#include "Applications/ExternalTarget.h"
 #include "Health/SpotlightHealthCheck.h"
 #include "Platform/Basics/Parallel.h"
-#include "Uninstall/ExternalTarget.h"
+#include "Platform/Machine/SilentVolumes.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -32,8 +33,9 @@ std::vector<std::string> warningsOf(const AppRecord& app, const std::vector<Unin
 
 }  // namespace
 
-AppUninstallPlan plan(const Host& host, const AppRecord& app, const UninstallSelection& selection,
+AppUninstallPlan plan(const Host& machine, const AppRecord& app, const UninstallSelection& selection,
                       RelatedFileScanner::Sizes sizes, const Cancellation& cancellation) {
+    const Host host = SilentVolumes::noted(machine);
     AppUninstallPlan plan{.app = app};
     std::vector<std::string> ofSearch;
     // Each of the two waits for a tool.

@@ -1,14 +1,15 @@
 #include "Uninstall/RelatedFileScanner.h"
 
 #include "AppData/DataName.h"
+#include "Applications/ExternalTarget.h"
 #include "Platform/Basics/Parallel.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/StoredSpelling.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/SystemFolders.h"
 #include "Platform/Storage/SizingService.h"
 #include "Platform/Text/PropertyList.h"
-#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/PackageReceipts.h"
 #include "Uninstall/RelatedPlaces.h"
 #include "Uninstall/UninstallRefusal.h"
@@ -71,7 +72,7 @@ void addExecutables(Findings& findings, const Host& host, const AppRecord& app) 
                    .defaultSelected = true,
                    .isSymlink = app.isSymlink}});
     const auto target = ExternalTarget::of(app);
-    if (target && isCopyOfApplication(host, app, *target))
+    if (target && !SilentVolumes::hold(host, *target) && isCopyOfApplication(host, app, *target))
         findings.add({{.path = *target,
                        .category = UninstallCategory::executable,
                        .reason = "External target app",
@@ -89,14 +90,19 @@ Finding foundAt(const fs::path& path, const Place& place) {
             place.fileSize};
 }
 
+/// What leads to a volume that does not answer counts as away.
+bool isThere(const Host& host, const fs::path& path) {
+    return !SilentVolumes::hold(host, path) && Files::exists(path);
+}
+
 void addFrom(Findings& findings, const Host& host, const Place& place) {
     if (place.match == Place::Match::beginningOfName) {
         for (const std::string& name : Files::names(place.folder))
-            if (name.starts_with(place.name) && Files::exists(place.folder / name))
+            if (name.starts_with(place.name) && isThere(host, place.folder / name))
                 findings.add(foundAt(place.folder / name, place));
         return;
     }
-    if (!Files::exists(place.folder / place.name)) return;
+    if (!isThere(host, place.folder / place.name)) return;
     if (holdsRecords(host, place.folder / place.name)) return;
     // Directly in the home stand also the Trash and what every program reads.
     if (place.folder == host.home && SystemFolders::isImmovable(host, place.folder / place.name)) return;
@@ -109,6 +115,7 @@ void addFrom(Findings& findings, const Host& host, const Place& place) {
 /// In bytes.
 std::int64_t sizeOf(const Host& host, const Finding& finding, const Cancellation& cancellation) {
     const fs::path& path = finding.candidate.path;
+    if (SilentVolumes::hold(host, path)) return 0;
     if (finding.fileSize == Place::FileSize::length) {
         const auto item = Files::infoFollowingLinks(path);
         if (!item) return 0;

@@ -1,5 +1,6 @@
 #include "UninstallRun/AppUninstallRunner.h"
 
+#include "Applications/ExternalTarget.h"
 #include "Copying/FileStash.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Basics/Notify.h"
@@ -12,7 +13,7 @@
 #include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
 #include "Uninstall/AppUninstallPlanner.h"
-#include "Uninstall/ExternalTarget.h"
+#include "Uninstall/PackageReceipts.h"
 #include "Uninstall/UninstallRefusal.h"
 #include "UninstallRun/AppUninstallError.h"
 #include "UninstallRun/UninstallCheck.h"
@@ -98,13 +99,18 @@ MovedItem moved(const Host& host, const UninstallCandidate& candidate, const App
     return item;
 }
 
+/// What becomes of the item that has this number in the journal.
 MovedItem movedUnlessChanged(const Host& host, UninstallCheck& check, const UninstallCandidate& candidate,
-                             const AppUninstallReporter& reporter) {
-    const auto reason = check.reasonToStay(candidate);
-    if (!reason) return moved(host, candidate, reporter);
-    notify(reporter.log,
-           fmt::format("stays\t{}\t{}\t{}", textOf(candidate.category), candidate.path.native(), *reason));
-    return itemOf(candidate);
+                             std::size_t number, UninstallJournalFile& journal, const AppUninstallReporter& reporter) {
+    if (const auto reason = check.reasonToStay(candidate)) {
+        notify(reporter.log,
+               fmt::format("stays\t{}\t{}\t{}", textOf(candidate.category), candidate.path.native(), *reason));
+        journal.note(UninstallJournal::lineOf(number, {}) + UninstallJournal::lineOfStay(number, *reason));
+        return itemOf(candidate);
+    }
+    MovedItem item = moved(host, candidate, reporter);
+    journal.note(UninstallJournal::lineOf(number, {item.succeeded, item.trashedTo, item.stashedTo}));
+    return item;
 }
 
 /// An application by its link and by its copy on a drive is one application.
@@ -206,6 +212,8 @@ void handleReceipt(const Host& host, const std::string& identifier, bool dryRun,
     if (result.succeeded()) {
         notify(reporter.log, "forget-receipt\t" + identifier);
         forgotten.push_back(identifier);
+        // Without the rights of root a Mac's may say that a receipt is forgotten which it could not remove.
+        if (!PackageReceipts::named(host, identifier).empty()) notify(reporter.log, "receipt-stays\t" + identifier);
     } else {
         notify(reporter.log, fmt::format("forget-receipt-fail\t{}\t{}", identifier, Text::trimmed(result.stderr)));
     }
@@ -247,10 +255,8 @@ AppUninstallSession run(const Host& host, const AppUninstallPlan& plan, const Un
         } else if (dryRun) {
             session.movedItems.push_back(handleFile(host, *candidate, dryRun, reporter));
         } else {
-            MovedItem item = movedUnlessChanged(host, check, *candidate, reporter);
-            journal->note(
-                UninstallJournal::lineOf(session.movedItems.size(), {item.succeeded, item.trashedTo, item.stashedTo}));
-            session.movedItems.push_back(std::move(item));
+            session.movedItems.push_back(
+                movedUnlessChanged(host, check, *candidate, session.movedItems.size(), *journal, reporter));
         }
     }
 

@@ -2,10 +2,13 @@
 
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "UninstallRun/UninstallJournalFile.h"
 #include "UninstallRun/UninstallSearch.h"
 #include "UninstallRun/UninstallSessionId.h"
 #include "UninstallRun/UninstallSessionStore.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <iterator>
@@ -19,7 +22,11 @@ using MovedItem = AppUninstallSession::MovedItem;
 
 /// What the disk tells of an item of which the run could not tell any more. Only what stands at its place has stayed:
 /// what is found nowhere may be on a drive that is away, or may have been removed since.
-void findOut(UninstallSearch& search, const UninstallJournal::Item& noted, MovedItem& item) {
+void findOut(const Host& host, UninstallSearch& search, const UninstallJournal::Item& noted, MovedItem& item) {
+    if (SilentVolumes::hold(host, noted.place.parent_path())) {
+        item.succeeded = true;
+        return;
+    }
     const auto standing = ItemIdentity::of(noted.place);
     item.succeeded = !standing || !noted.identity || !standing->isSame(*noted.identity);
     if (!item.succeeded || !noted.identity) return;
@@ -38,7 +45,11 @@ bool wentLater(const std::vector<AppUninstallSession>& sessions, const Uninstall
     });
 }
 
-AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::Found& found,
+std::string leftBecause(const std::string& reason) {
+    return fmt::format("It was left as it is: {}.", reason);
+}
+
+AppUninstallSession sessionOf(const Host& host, UninstallSearch& search, const UninstallJournals::Found& found,
                               const std::vector<AppUninstallSession>& recorded) {
     const UninstallJournal& journal = found.journal;
     AppUninstallSession session{.id = UninstallSessionId::ofInterrupted(found.name),
@@ -49,16 +60,29 @@ AppUninstallSession sessionOf(UninstallSearch& search, const UninstallJournals::
                                 .forgottenReceipts = journal.forgottenReceipts};
     for (const auto& noted : journal.items) {
         MovedItem item{.originalPath = noted.path, .category = noted.category, .sizeBytes = noted.sizeBytes};
+        if (!noted.reasonToStay.empty()) item.error = leftBecause(noted.reasonToStay);
         if (noted.end) {
             item.trashedTo = noted.end->trashedTo;
             item.stashedTo = noted.end->stashedTo;
             item.succeeded = noted.end->succeeded;
         } else if (!wentLater(recorded, journal, noted.path)) {
-            findOut(search, noted, item);
+            findOut(host, search, noted, item);
         }
         session.movedItems.push_back(std::move(item));
     }
     return session;
+}
+
+/// The record does not tell why an item has stayed; the journal beside it does.
+void addReasons(const fs::path& root, AppUninstallSession& session) {
+    const auto hasStayed = [](const MovedItem& item) { return !item.succeeded && !item.error; };
+    if (std::none_of(session.movedItems.begin(), session.movedItems.end(), hasStayed)) return;
+    const auto journal = UninstallJournals::ofSession(root, session.id);
+    if (!journal) return;
+    for (MovedItem& item : session.movedItems) {
+        const auto* const noted = hasStayed(item) ? journal->itemAt(item.originalPath) : nullptr;
+        if (noted && !noted->reasonToStay.empty()) item.error = leftBecause(noted->reasonToStay);
+    }
 }
 
 /// A record under another name than its own is none that a run has written, nor is one that bears the name of an
@@ -68,6 +92,10 @@ bool isRecordOf(const AppUninstallSession& session, const std::string& id) {
 }
 
 }  // namespace
+
+Host knownMachine(const Host& host) {
+    return Files::names(AppStorageNames::uninstallSessionRoot(host)).empty() ? host : SilentVolumes::noted(host);
+}
 
 std::vector<AppUninstallSession> list(const Host& host) {
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
@@ -92,14 +120,15 @@ std::vector<AppUninstallSession> list(const Host& host) {
     UninstallSearch search(host);
     std::vector<AppUninstallSession> unfinished;
     unfinished.reserve(interrupted.size() + damaged.size());
-    for (const auto& found : interrupted) unfinished.push_back(sessionOf(search, found, sessions));
+    for (const auto& found : interrupted) unfinished.push_back(sessionOf(host, search, found, sessions));
     for (const std::string& id : damaged) {
         const auto journal = UninstallJournals::ofSession(root, id);
         if (!journal || journal->sessionId != id) continue;
-        unfinished.push_back(sessionOf(search, {id, *journal}, sessions));
+        unfinished.push_back(sessionOf(host, search, {id, *journal}, sessions));
         unfinished.back().id = id;
     }
     std::move(unfinished.begin(), unfinished.end(), std::back_inserter(sessions));
+    for (AppUninstallSession& session : sessions) addReasons(root, session);
     std::stable_sort(sessions.begin(), sessions.end(),
                      [](const AppUninstallSession& one, const AppUninstallSession& other) {
                          return one.createdAt > other.createdAt;
@@ -109,8 +138,11 @@ std::vector<AppUninstallSession> list(const Host& host) {
 
 std::optional<AppUninstallSession> find(const Host& host, const std::string& id) {
     if (!UninstallSessionId::isOne(id)) return std::nullopt;
-    auto session = UninstallSessionStore::find(id, AppStorageNames::uninstallSessionRoot(host));
-    if (session && isRecordOf(*session, id)) return session;
+    const fs::path root = AppStorageNames::uninstallSessionRoot(host);
+    if (auto session = UninstallSessionStore::find(id, root); session && isRecordOf(*session, id)) {
+        addReasons(root, *session);
+        return session;
+    }
     for (AppUninstallSession& each : list(host))
         if (each.id == id) return std::move(each);
     return std::nullopt;

@@ -12,7 +12,13 @@
 /// nothing fails.
 namespace tarvik::UninstallHistory {
 
-/// The newest first. One that is under way is not among them.
+/// The machine to look at past uninstalls on, here and with `UninstallUndo::look`: its silent volumes are noted, which
+/// are only asked for when there is a past at all.
+Host knownMachine(const Host& host);
+
+/// The newest first. One that is under way is not among them. The `error` of an item that has stayed is the reason why,
+/// where the run knew one. What is on a silent volume of the host is not
+/// asked for; see `SilentVolumes`.
 std::vector<AppUninstallSession> list(const Host& host);
 std::optional<AppUninstallSession> find(const Host& host, const std::string& id);
 

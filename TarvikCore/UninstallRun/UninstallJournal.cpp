@@ -7,6 +7,7 @@
 #include <charconv>
 #include <concepts>
 #include <iterator>
+#include <utility>
 
 namespace tarvik {
 
@@ -158,9 +159,17 @@ void takeEnd(UninstallJournal& journal, const Fields& fields) {
                                                        .stashedTo = readText<fs::path>(fields[4])};
 }
 
+void takeStay(UninstallJournal& journal, const Fields& fields) {
+    if (fields.size() != 3) return;
+    const auto number = readNumber<std::size_t>(fields[1]);
+    auto reason = readText<std::string>(fields[2]);
+    if (number && *number < journal.items.size() && reason) journal.items[*number].reasonToStay = std::move(*reason);
+}
+
 /// What a line behind the opening tells.
 void takeLater(UninstallJournal& journal, const Fields& fields) {
     if (fields[0] == "went") takeEnd(journal, fields);
+    if (fields[0] == "stays") takeStay(journal, fields);
     if (fields.size() != 2) return;
     auto text = readText<std::string>(fields[1]);
     if (text && fields[0] == "forgot")
@@ -212,6 +221,10 @@ std::string UninstallJournal::opening() const {
 
 std::string UninstallJournal::lineOf(std::size_t item, const End& end) {
     return fmt::format("went\t{}\t{}\t{}\t{}\n", item, end.succeeded, written(end.trashedTo), written(end.stashedTo));
+}
+
+std::string UninstallJournal::lineOfStay(std::size_t item, std::string_view reason) {
+    return fmt::format("stays\t{}\t{}\n", item, marked(reason));
 }
 
 std::string UninstallJournal::lineOfReceipt(std::string_view identifier) {

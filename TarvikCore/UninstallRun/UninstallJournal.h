@@ -40,6 +40,8 @@ struct UninstallJournal {
         std::optional<ItemIdentity> identity;
         /// Nothing for one that the run had not come to, or was at when it ended.
         std::optional<End> end = {};
+        /// Why the run has left it where it is, as it told; empty where it has not.
+        std::string reasonToStay = {};
 
         bool operator==(const Item&) const = default;
     };
@@ -62,6 +64,7 @@ struct UninstallJournal {
     /// What is written before the first item goes, and the lines that follow it.
     std::string opening() const;
     static std::string lineOf(std::size_t item, const End& end);
+    static std::string lineOfStay(std::size_t item, std::string_view reason);
     static std::string lineOfReceipt(std::string_view identifier);
     static std::string lineOfSession(std::string_view id);
 

@@ -1,5 +1,6 @@
 #include "UninstallRun/UninstallQuestions.h"
 
+#include "Applications/ExternalTarget.h"
 #include "Platform/Bundles/RunningAppsDetector.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/EnclosingBundles.h"
@@ -14,6 +15,7 @@
 #include <chrono>
 #include <iterator>
 #include <thread>
+#include <utility>
 
 namespace tarvik::UninstallQuestions {
 
@@ -56,8 +58,7 @@ Running runningBundle(const Host& host, const fs::path& bundle, std::string name
 /// The paths by which the application may run, the one at which it really stands first.
 std::vector<fs::path> placesOf(const AppRecord& app) {
     std::vector<fs::path> places;
-    if (app.externalTargetPath && !app.externalTargetPath->empty())
-        places.push_back(Files::standardized(app.bundlePath.parent_path() / *app.externalTargetPath));
+    if (auto target = ExternalTarget::of(app)) places.push_back(std::move(*target));
     places.push_back(Files::standardized(app.bundlePath));
     return places;
 }

@@ -7,6 +7,7 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/KeptAwake.h"
+#include "Platform/Machine/SilentVolumes.h"
 #include "Platform/Machine/TrashCan.h"
 #include "Platform/Storage/DrivePath.h"
 #include "Platform/Text/Text.h"
@@ -84,6 +85,7 @@ public:
 
 private:
     void take(Item& item) const {
+        requireAnswer();
         requirePlace();
         if (m_noted && !m_noted->identity) throw Stuck("Nothing stood there when the uninstall began.");
         const auto standing = looked(m_moved.originalPath);
@@ -98,6 +100,14 @@ private:
         item.place = *place;
         if (standing) throw Stuck(placeIsTaken);
         item.state = State::waiting;
+    }
+
+    /// A call into a volume that hangs may never return. An item that is a link may lead into one: it is not followed.
+    void requireAnswer() const {
+        const auto isSilent = [&](const fs::path& path) { return SilentVolumes::hold(m_host, path.parent_path()); };
+        if (isSilent(m_moved.originalPath) || (m_noted && isSilent(m_noted->place)) ||
+            (m_moved.trashedTo && isSilent(*m_moved.trashedTo)) || (m_moved.stashedTo && isSilent(*m_moved.stashedTo)))
+            throw Stuck("Its drive does not answer.");
     }
 
     static void setBack(Item& item) { item.state = State::back; }
@@ -235,8 +245,9 @@ std::vector<Item> look(const Host& host, const AppUninstallSession& session) {
     return items;
 }
 
-std::vector<Item> putBack(const Host& host, const AppUninstallSession& session, const AppUninstallReporter& reporter,
+std::vector<Item> putBack(const Host& machine, const AppUninstallSession& session, const AppUninstallReporter& reporter,
                           const Cancellation& stop) {
+    const Host host = SilentVolumes::noted(machine);
     const fs::path root = AppStorageNames::uninstallSessionRoot(host);
     const auto locks = UninstallLock::takeAll(root, lockedPathsOf(session), session.appName);
     const KeptAwake awake(host, "An uninstall is being taken back");

@@ -38,13 +38,13 @@ struct Item {
     bool operator==(const Item&) const = default;
 };
 
-/// One for each item of the session that had gone, in its order. A few status calls an item; blocks; any thread; never
-/// fails.
+/// One for each item of the session that had gone, in its order. A few status calls an item, but none into a volume
+/// that the host has noted as silent: what is there is stuck. Blocks; any thread; never fails.
 std::vector<Item> look(const Host& host, const AppUninstallSession& session);
 
 /// Brings back what can come, the last one that went first, and tells how it stands with each item afterwards. What
 /// fails stays where it is, with the reason, and stops no other. One that is stopped ends before its next item.
-/// Receipts do not come back. Blocks; any thread.
+/// Receipts do not come back. Asks for silent volumes itself. Blocks; any thread.
 /// @throws Failure when the session is under way or is being taken back by another run.
 std::vector<Item> putBack(const Host& host, const AppUninstallSession& session, const AppUninstallReporter& reporter,
                           const Cancellation& stop = {});

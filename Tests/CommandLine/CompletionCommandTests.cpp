@@ -9,6 +9,7 @@ namespace tarvik {
 
 namespace {
 
+using test::columnOf;
 using test::CommandWorld;
 using test::linesOf;
 using testing::AllOf;
@@ -45,6 +46,17 @@ TEST(CompletionCommand, OffersTheDrivesThatCanBeMeant) {
     EXPECT_THAT(answer(world, {"backup", "list", "--drive=S"}),
                 ElementsAre("nothing", "--drive=Backup", "--drive=Studio Drive"));
     EXPECT_EQ(answer(world, {"backup", "list", "--drive", "/"}).front(), "folders");
+}
+
+TEST(CompletionCommand, OffersTheUninstallsThatCanBePutBack) {
+    const CommandWorld world;
+    ASSERT_EQ(world.run({"uninstall", "Full House", "--yes"}).status, 0);
+    const auto ids = columnOf(world.run({"uninstall", "list", "--format", "tsv"}).output, "id");
+    ASSERT_EQ(ids.size(), 1U);
+    EXPECT_THAT(answer(world, {"uninstall", "undo", ""}), Contains(ids[0]));
+    ASSERT_EQ(world.run({"uninstall", "undo", ids[0], "--yes"}).status, 0);
+    EXPECT_THAT(answer(world, {"uninstall", "undo", ""}), Not(Contains(ids[0])));
+    EXPECT_THAT(answer(world, {"uninstall", "list", ""}), Contains(ids[0]));
 }
 
 TEST(CompletionCommand, OffersTheApplicationsThatCanBeMeant) {

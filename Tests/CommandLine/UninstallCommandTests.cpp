@@ -304,8 +304,8 @@ TEST(UninstallCommand, IsRefusedWhileAnotherOneRemovesTheSameApplication) {
     UninstallCommandWorld world;
     const auto here = world.folder / "gate";
     world.replaceTool("pkgutil", "case $1 in --forget) touch '" + (here.native() + "-begun") + "'; until [ -e '" +
-                                     (here.native() + "-go") +
-                                     "' ]; do sleep 0.01; done;; *) echo org.example.sweeper;; esac");
+                                     (here.native() + "-go") + "' ]; do sleep 0.01; done;; *) [ -e '" + here.native() +
+                                     "-go' ] || echo org.example.sweeper;; esac");
     test::RunningProgram first(world.command, world.onMachine({"uninstall", "Sweeper", "--with", "receipts", "--yes"}));
     ASSERT_TRUE(test::comesToStand(here.native() + "-begun"));
     test::makeBundle(world.sweeper, {{"CFBundleIdentifier", "org.example.sweeper"}});
@@ -315,6 +315,18 @@ TEST(UninstallCommand, IsRefusedWhileAnotherOneRemovesTheSameApplication) {
     EXPECT_TRUE(fs::exists(world.sweeper));
     test::makeFile(here.native() + "-go");
     EXPECT_EQ(first.finish().status, 0);
+}
+
+TEST(UninstallCommand, TellsOfAReceiptThatIsStillThereWhateverTheToolSays) {
+    TARVIK_NEEDS_MADE_TOOLS();
+    UninstallCommandWorld world;
+    world.replaceTool("pkgutil", "[ \"$1\" = --forget ] || echo org.example.sweeper");
+    const auto finished = world.run({"uninstall", "Sweeper", "--with", "receipts", "--yes"});
+    EXPECT_EQ(finished.status, 1);
+    EXPECT_EQ(finished.output, "Uninstalled Sweeper — 4 items.\n");
+    EXPECT_THAT(linesOf(finished.errors),
+                Contains("The receipt org.example.sweeper is still there, though pkgutil has called it forgotten."));
+    EXPECT_THAT(linesOf(finished.errors), Contains("1 item stayed."));
 }
 
 TEST(UninstallCommand, ForgetsReceiptsWhenToldTo) {

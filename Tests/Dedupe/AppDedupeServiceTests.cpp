@@ -65,6 +65,24 @@ TEST_F(AppDedupeServiceTest, FindsNothingWhereNothingIs) {
     EXPECT_THAT(plan().groups, IsEmpty());
 }
 
+TEST_F(AppDedupeServiceTest, KeepsALauncherWhoseDriveDoesNotAnswer) {
+    makeApp(real);
+    makeLauncher(launcher, onDrive);  // What it opens is gone, unless that cannot be told.
+    EXPECT_THAT(removable(), ElementsAre(launcher));
+    world.host.silentVolumes = {world.drive};
+    EXPECT_THAT(removable(), IsEmpty());
+}
+
+TEST_F(AppDedupeServiceTest, PassesOverALinkIntoADriveThatDoesNotAnswer) {
+    makeApp(onDrive);
+    makeApp(real);
+    makeLauncher(launcher, real);
+    test::makeLink(applications / "Linked.app", onDrive);
+    EXPECT_EQ(plan().groups.at(0).items.size(), 3U);
+    world.host.silentVolumes = {world.drive};
+    EXPECT_EQ(plan().groups.at(0).items.size(), 2U);
+}
+
 TEST_F(AppDedupeServiceTest, LooksInBothFoldersOfApplications) {
     EXPECT_THAT(AppDedupeService::applicationRoots(world.host), ElementsAre(applications, own));
 }

@@ -16,6 +16,13 @@ std::vector<Volume> ChangingVolumes::mounted() const {
     return m_volumes;
 }
 
+std::vector<fs::path> ChangingVolumes::mountPaths() const {
+    const std::lock_guard lock(m_mutex);
+    std::vector<fs::path> paths;
+    for (const Volume& volume : m_volumes) paths.push_back(volume.mountPath);
+    return paths;
+}
+
 std::optional<std::int64_t> ChangingVolumes::availableBytes(const fs::path&) const {
     const std::scoped_lock lock(m_mutex);
     return m_available;

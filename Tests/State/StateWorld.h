@@ -23,6 +23,8 @@ namespace tarvik::test {
 class ChangingVolumes : public VolumeList {
 public:
     std::vector<Volume> mounted() const override;
+    /// Neither counted nor held: no volume is asked.
+    std::vector<fs::path> mountPaths() const override;
     std::optional<std::int64_t> availableBytes(const fs::path&) const override;
 
     void set(std::vector<Volume> volumes);

@@ -1,9 +1,9 @@
+#include "Applications/ExternalTarget.h"
 #include "Discovery/InstalledAppsScanner.h"
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/Mutator.h"
 #include "Support/Tree.h"
-#include "Uninstall/ExternalTarget.h"
 #include "Uninstall/RelatedFileScanner.h"
 #include "Uninstall/ScanWorld.h"
 

@@ -264,6 +264,24 @@ TEST_F(RelatedFileScan, LeavesADanglingLinkAndFollowsOthers) {
     EXPECT_EQ(all[1].sizeBytes, SizingService::size(world.host, world.drive / "Data/Editor"));
 }
 
+TEST_F(RelatedFileScan, TakesForAwayWhatIsOnADriveThatDoesNotAnswer) {
+    const fs::path copy = world.drive / "ExternalTarvik/Apps/Editor.app";
+    fs::remove_all(world.app.bundlePath);
+    test::makeBundle(copy);
+    test::makeLink(world.app.bundlePath, copy);
+    world.app.isSymlink = true;
+    world.app.externalTargetPath = copy;
+    make({"Library/Caches/.keep"});
+    test::makeFile(world.drive / "Data/Editor/file");
+    test::makeLink(world.library / "Caches/Editor", world.drive / "Data/Editor");
+    EXPECT_EQ(world.scan().size(), 3U);
+    world.host.silentVolumes = {world.drive};
+    const auto all = world.scan();
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_EQ(all[0].path, world.app.bundlePath);
+    EXPECT_EQ(all[0].sizeBytes, 0);
+}
+
 TEST_F(RelatedFileScan, FindsThingsInAPlaceThatIsALink) {
     test::makeFile(world.drive / "Caches/Editor/file");
     test::makeLink(world.library / "Caches", world.drive / "Caches");

@@ -233,6 +233,26 @@ TEST_F(AppUninstallRunnerTest, ForgetsReceiptsAndTellsWhyNot) {
     EXPECT_EQ(world.lines.back(), "uninstall-done\titems=0\treceipts=1");
 }
 
+TEST_F(AppUninstallRunnerTest, TellsOfAReceiptThatIsStillThereWhateverTheToolSays) {
+    world.host.tools.pkgutil = world.tool("pkgutil", R"(
+        [ "$1" = "--forget" ] && { echo "Forgot package '$2' on '/'."; exit 0; }
+        echo org.example.stubborn)");
+    world.plan.candidates.push_back(receipt("org.example.stubborn"));
+    const auto session = world.run(false, std::set<std::string>{"org.example.stubborn"});
+    EXPECT_THAT(session.forgottenReceipts, ElementsAre("org.example.stubborn"));
+    EXPECT_EQ(world.lines[1], "forget-receipt\torg.example.stubborn");
+    EXPECT_EQ(world.lines[2], "receipt-stays\torg.example.stubborn");
+}
+
+TEST_F(AppUninstallRunnerTest, EndsWhenTheReceiptToolEnds) {
+    // It has no limit of time: a large machine's may take long.
+    world.host.tools.pkgutil = world.tool("pkgutil", R"([ "$1" = "--forget" ] && sleep 1; exit 1)");
+    world.plan.candidates.push_back(receipt("org.example.slow"));
+    const auto session = world.run(false, std::set<std::string>{"org.example.slow"});
+    EXPECT_THAT(session.forgottenReceipts, IsEmpty());
+    EXPECT_EQ(world.lines[1], "forget-receipt-fail\torg.example.slow\t");
+}
+
 TEST_F(AppUninstallRunnerTest, TrashesALinkAndNeverWhatItLeadsTo) {
     const fs::path copy = world.drive / "ExternalTarvik/Apps/Foo.app";
     makeBundle(copy, {{"CFBundleIdentifier", "org.example.Foo"}});

@@ -111,6 +111,35 @@ TEST_F(UninstallHistoryTest, FindsNothingByWhatIsNoId) {
         EXPECT_EQ(UninstallHistory::find(world.host, id), std::nullopt) << id;
 }
 
+TEST_F(UninstallHistoryTest, TellsWhyAnItemHasStayed) {
+    const fs::path data = world.library("Caches/org.example.Foo");
+    world.addData(data);
+    fs::remove(data);
+    makeFolder(data);
+    const auto session = world.run();
+    ASSERT_FALSE(session.movedItems[1].succeeded);
+    EXPECT_EQ(session.movedItems[1].error, std::nullopt);  // The record has none.
+    const std::string reason = "It was left as it is: something else stands there by now.";
+    EXPECT_EQ(UninstallHistory::list(world.host)[0].movedItems[1].error, reason);
+    EXPECT_EQ(UninstallHistory::find(world.host, session.id)->movedItems[1].error, reason);
+}
+
+TEST_F(UninstallHistoryTest, AsksNothingOfASilentVolume) {
+    const fs::path copy = world.drive / "ExternalTarvik/Apps/Foo.app";
+    makeBundle(copy, {{"CFBundleIdentifier", "org.example.Foo"}});
+    world.plan.candidates.push_back(world.candidate(copy, UninstallCategory::executable));
+    runKilledAt(copy, DeadlyTrash::When::before);
+    world.host.silentVolumes = {world.drive};
+    const auto sessions = UninstallHistory::list(world.host);
+    ASSERT_THAT(sessions, SizeIs(1));
+    EXPECT_TRUE(sessions[0].movedItems[1].succeeded);  // For all that is known.
+    const auto items = UninstallUndo::look(world.host, sessions[0]);
+    EXPECT_EQ(items[1].state, State::stuck);
+    EXPECT_EQ(items[1].reason, "Its drive does not answer.");
+    world.host.silentVolumes.clear();
+    EXPECT_FALSE(UninstallHistory::list(world.host)[0].movedItems[1].succeeded);
+}
+
 TEST_F(UninstallHistoryTest, ShowsADamagedRecordByItsJournal) {
     world.addData(world.library("Caches/Foo"));
     const auto session = world.run();

@@ -1,6 +1,7 @@
 #include "Platform/Files/Files.h"
 #include "Support/Bundles.h"
 #include "Support/FailureOf.h"
+#include "Support/OrdinaryUser.h"
 #include "Support/Tree.h"
 #include "UninstallRun/UninstallLock.h"
 #include "UninstallRun/UninstallRunWorld.h"
@@ -10,6 +11,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sys/stat.h>
 #include <utility>
 
 namespace tarvik::test {
@@ -50,6 +53,47 @@ protected:
 };
 
 }  // namespace
+
+TEST_F(UninstallUndoTest, TakesAwayTheFoldersThatItMadeWhenTheLastCannotBeMade) {
+    const fs::path preferences = world.library("Preferences");
+    const fs::path file = preferences / "ByHost/org.example.Foo.0000.plist";
+    makeFile(file);
+    world.plan.candidates.push_back(world.candidate(file, UninstallCategory::preferences));
+    const auto session = world.run();
+    fs::remove_all(preferences);
+    for (const auto& each : fs::recursive_directory_iterator(world.folder.path()))
+        fs::permissions(each, fs::perms::all);
+    {
+        const OrdinaryUser user(world.folder.path());
+        const auto before = ::umask(0777);  // Nothing can be made in the first one.
+        const auto items = putBack(session);
+        ::umask(before);
+        EXPECT_EQ(items.back().state, State::stuck);
+        EXPECT_THAT(items.back().reason, HasSubstr("ByHost"));
+        EXPECT_EQ(items.front().state, State::back);
+    }
+    EXPECT_FALSE(Files::itemExists(preferences));
+    EXPECT_EQ(putBack(session).back().state, State::back);
+}
+
+TEST_F(UninstallUndoTest, BringsBackThousandsOfItems) {
+    constexpr int count = 5000;
+    const fs::path byHost = world.library("Preferences/ByHost");
+    makeFolder(byHost);
+    for (int number = 0; number < count; ++number) {
+        const fs::path path = byHost / ("org.example.Foo." + std::to_string(number) + ".plist");
+        makeFile(path);
+        world.plan.candidates.push_back(world.candidate(path, UninstallCategory::preferences));
+    }
+    const auto picture = [&] { return pictureOf(byHost) + pictureOf(world.home / "Library/Caches"); };
+    const std::string before = picture();
+    const auto session = world.run();
+    EXPECT_EQ(session.goneCount(), count + 2);
+    EXPECT_TRUE(Files::names(byHost).empty());
+    const auto items = putBack(UninstallSessionStore::find(session.id, world.sessions()).value());
+    EXPECT_TRUE(std::all_of(items.begin(), items.end(), [](const auto& item) { return item.state == State::back; }));
+    EXPECT_EQ(picture(), before);
+}
 
 TEST_F(UninstallUndoTest, BringsEverythingBackAsItWas) {
     fs::permissions(data, fs::perms(0640));

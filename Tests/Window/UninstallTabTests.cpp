@@ -149,6 +149,21 @@ TEST_F(UninstallTab, ShowsWhatWouldGo) {
     EXPECT_EQ(window.text("checkedCountFigure/figureCaption"), "selected");
 }
 
+TEST_F(UninstallTab, PlansTheLinkThatStandsForAMovedApplication) {
+    const fs::path copy = backup / "ExternalTarvik/Apps/Atlas.app";
+    makeBundle(copy, {{"CFBundleIdentifier", identifierOf("Atlas")}});
+    makeLink(applications / "Atlas.app", copy);
+    openTab();
+    choose("Atlas");
+    const auto plan = tab().uninstallPlan();
+    ASSERT_TRUE(plan);
+    ASSERT_EQ(plan->candidates.size(), 2U);
+    EXPECT_EQ(plan->candidates[0].path, applications / "Atlas.app");
+    EXPECT_TRUE(plan->candidates[0].defaultSelected);
+    EXPECT_EQ(plan->candidates[1].path, copy);
+    EXPECT_FALSE(plan->candidates[1].defaultSelected);
+}
+
 TEST_F(UninstallTab, OpensASectionAndTicksItsItems) {
     app("Atlas");
     makeServiceFiles("Atlas");

@@ -83,15 +83,17 @@ QCoro::Task<> UninstallState::scanApps() {
 
 QCoro::Task<> UninstallState::readPast() {
     const int look = ++m_looksAtPast;
-    const auto read = [host = host()] { return UninstallHistory::list(host); };
+    const auto note = [host = host()] { return UninstallHistory::knownMachine(host); };
+    const Host known = co_await inBackground(Priority::userInitiated, note);
+    const auto read = [known] { return UninstallHistory::list(known); };
     std::vector<AppUninstallSession> sessions = co_await inBackground(Priority::userInitiated, read);
     if (look != m_looksAtPast) co_return;
     m_past.setSessions(sessions);
-    const auto lookAtItems = [host = host(), sessions, stop = app().stopMeasuring()] {
+    const auto lookAtItems = [known, sessions, stop = app().stopMeasuring()] {
         PastItems items;
         for (const AppUninstallSession& session : sessions) {
             if (stop.isCancelled()) break;
-            items.emplace_back(session.id, UninstallUndo::look(host, session));
+            items.emplace_back(session.id, UninstallUndo::look(known, session));
         }
         return items;
     };

@@ -122,6 +122,7 @@ private:
     struct Sizing;
     /// What a run takes along: the plan may change while the user is asked.
     struct Run;
+    struct Outcome;
 
     QCoro::Task<> scanApps();
     QCoro::Task<> readPast();
@@ -135,7 +136,7 @@ private:
     QCoro::Task<bool> confirmDestructive(AppUninstallPlan plan, std::set<std::string> checked);
     QCoro::Task<> bringBack(AppUninstallSession session);
 
-    void takeOutcome(const Run& run, const AppUninstallSession& session);
+    void takeOutcome(const Run& run, const Outcome& outcome);
     /// Looks at everything that an act on the disk has changed.
     void lookAgain();
     void setScanning(bool isScanning);

@@ -9,9 +9,11 @@
 #include "State/Threads/LineStream.h"
 #include "State/Uninstall/UninstallState.h"
 #include "UninstallRun/AppUninstallRunner.h"
+#include "UninstallRun/UninstallHistory.h"
 #include "UninstallRun/UninstallQuestions.h"
 
 #include <QScopeGuard>
+#include <QStringList>
 
 #include <algorithm>
 #include <exception>
@@ -40,6 +42,11 @@ struct UninstallState::Run {
     /// The application in the list, which a link may stand for in the plan.
     std::string appId;
     std::vector<UninstallQuestions::Running> running = {};
+};
+
+struct UninstallState::Outcome {
+    AppUninstallSession session;
+    std::size_t receiptsThatStayed = 0;
 };
 
 void UninstallState::runUninstall(bool dryRun) {
@@ -85,18 +92,24 @@ QCoro::Task<> UninstallState::carryOut(Run run, bool dryRun) {
     const LineStream lines([this](const LineStream::Lines& told) { appendUninstallLog(told); });
     const auto act = [host = host(), run, selection = m_selection, dryRun, lines] {
         if (!run.running.empty()) UninstallQuestions::quit(host, run.running);
-        const AppUninstallReporter reporter{[&lines](const std::string& line) { lines.send(line); }};
-        return AppUninstallRunner::run(host, run.plan, selection, dryRun, run.checked, reporter);
+        Outcome outcome;
+        const AppUninstallReporter reporter{[&](const std::string& line) {
+            if (line.starts_with("forget-receipt-fail\t") || line.starts_with("receipt-stays\t"))
+                ++outcome.receiptsThatStayed;
+            lines.send(line);
+        }};
+        outcome.session = AppUninstallRunner::run(host, run.plan, selection, dryRun, run.checked, reporter);
+        return outcome;
     };
-    std::optional<AppUninstallSession> session;
+    std::optional<Outcome> outcome;
     std::string description;
     try {
-        session = co_await inBackground(Priority::userInitiated, act);
+        outcome = co_await inBackground(Priority::userInitiated, act);
     } catch (const std::exception& failure) {
         description = failure.what();
     }
-    if (session) {
-        takeOutcome(run, *session);
+    if (outcome) {
+        takeOutcome(run, *outcome);
     } else {
         app().setError(screenText(description));
         appendUninstallLog({"failed\t" + description});
@@ -105,16 +118,22 @@ QCoro::Task<> UninstallState::carryOut(Run run, bool dryRun) {
     if (!dryRun) lookAgain();
 }
 
-void UninstallState::takeOutcome(const Run& run, const AppUninstallSession& session) {
+void UninstallState::takeOutcome(const Run& run, const Outcome& outcome) {
+    const AppUninstallSession& session = outcome.session;
     const QString items = itemsText(session.movedItems.size());
     if (session.dryRun) return app().setInfo(QStringLiteral("Dry-run complete (%1).").arg(items));
     app().setInfo(QStringLiteral("Uninstalled %1 — %2.").arg(screenText(session.appName), items));
     const auto stayed = static_cast<std::size_t>(std::count_if(session.movedItems.begin(), session.movedItems.end(),
                                                                [](const auto& item) { return !item.succeeded; }));
+    QStringList failures;
     if (stayed > 0) {
-        app().setError(itemsText(stayed) + QStringLiteral(" could not be removed. See past uninstalls."));
+        failures.push_back(itemsText(stayed) + QStringLiteral(" could not be removed. See past uninstalls."));
         m_past.open(session.id);
     }
+    if (outcome.receiptsThatStayed > 0)
+        failures.push_back(screenText(Text::counted(static_cast<std::int64_t>(outcome.receiptsThatStayed), "receipt")) +
+                           QStringLiteral(" could not be forgotten. See the log."));
+    if (!failures.isEmpty()) app().setError(failures.join(QLatin1Char(' ')));
     // The user may have gone on to another application.
     if (m_planned.app() && m_planned.app()->id == run.appId) selectUninstallApp(std::nullopt);
 }
@@ -125,7 +144,9 @@ void UninstallState::putBack(const QString& sessionId) {
 }
 
 QCoro::Task<> UninstallState::bringBack(AppUninstallSession session) {
-    const auto look = [host = host(), session] { return UninstallUndo::look(host, session); };
+    const auto look = [host = host(), session] {
+        return UninstallUndo::look(UninstallHistory::knownMachine(host), session);
+    };
     PutBackItems before;
     {
         const auto preparing = app().prepare();

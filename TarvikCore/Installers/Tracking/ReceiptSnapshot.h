@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <set>
 #include <string>
 
@@ -11,5 +13,9 @@ struct ReceiptSnapshot {
 
     bool operator==(const ReceiptSnapshot&) const = default;
 };
+
+/// One key, `packageIDs`, with a sorted list. @throws Failure on reading another record.
+void to_json(nlohmann::json& json, const ReceiptSnapshot& snapshot);
+void from_json(const nlohmann::json& json, ReceiptSnapshot& snapshot);
 
 }  // namespace tarvik

@@ -18,6 +18,7 @@ inline constexpr std::array<std::string_view, 1> legacyExternalRoots = {"Tarvik"
 inline constexpr std::string_view apps = "Apps";
 inline constexpr std::string_view data = "Data";
 inline constexpr std::string_view folders = "Folders";
+inline constexpr std::string_view plugins = "Plugins";
 /// Beside the external root.
 inline constexpr std::string_view backupsRoot = "TarvikBackups";
 /// Under the support root.

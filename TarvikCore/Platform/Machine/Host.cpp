@@ -2,6 +2,7 @@
 
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Machine/FileEvents.h"
 #include "Platform/Machine/RunningApplications.h"
 #include "Platform/Machine/SleepBlocker.h"
 #include "Platform/Machine/ToolRules.h"
@@ -91,6 +92,7 @@ Host Host::thisMachine(const std::optional<fs::path>& home) {
             .trash = makeSystemTrashCan(real),
             .runningApplications = makeSystemRunningApplications(),
             .sleepBlocker = makeSystemSleepBlocker(),
+            .fileEvents = makeSystemFileEvents(),
             .now = std::chrono::system_clock::now};
 }
 
@@ -103,6 +105,7 @@ Host Host::rootedAt(const fs::path& root, const fs::path& home) {
             .trash = makeRootedTrashCan(home),
             .runningApplications = makeProcessTableApplications({root, home}),
             .sleepBlocker = nullptr,
+            .fileEvents = makeSystemFileEvents(),
             .now = std::chrono::system_clock::now};
 }
 

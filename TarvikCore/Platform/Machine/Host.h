@@ -11,6 +11,7 @@
 
 namespace tarvik {
 
+class FileEvents;
 class RunningApplications;
 class SleepBlocker;
 class TrashCan;
@@ -37,6 +38,8 @@ struct Host {
     std::shared_ptr<const RunningApplications> runningApplications;
     /// Null for a machine that does not sleep; see `KeptAwake`.
     std::shared_ptr<const SleepBlocker> sleepBlocker;
+    /// Null for a machine on which nobody is told of what happens to files.
+    std::shared_ptr<const FileEvents> fileEvents;
     Clock now;
 
     /// The machine that this program runs on, with the user's home folder, or another one. Without one, HOME names it,

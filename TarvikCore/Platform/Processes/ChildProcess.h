@@ -31,6 +31,8 @@ public:
     ChildProcess& operator=(ChildProcess&&) noexcept;
     ~ChildProcess();
 
+    /// By which the system knows it. Once the child has been waited for, it may be another process's.
+    pid_t identifier() const { return m_process; }
     /// -1 where there is no pipe.
     int standardOutput() const { return m_standardOutput.get(); }
     int standardError() const { return m_standardError.get(); }

@@ -2,10 +2,12 @@
 
 #include "Platform/Basics/Failure.h"
 #include "Platform/Processes/ChildProcess.h"
+#include "Platform/Processes/ProcessTree.h"
 #include "Platform/Processes/StreamReader.h"
 #include "Platform/Text/Text.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
 #include <limits>
 #include <string_view>
@@ -20,6 +22,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr Seconds graceAfterTermination{2.0};
+constexpr Seconds forever{std::numeric_limits<double>::infinity()};
 constexpr milliseconds longestSleep{50};
 constexpr milliseconds shortestSleep{1};
 
@@ -98,6 +101,18 @@ bool stopsAfter(const Time& time, ChildProcess& child, StreamReader& output) {
     return true;
 }
 
+/// Ends a child with all that it has started.
+void endWithDescendants(ChildProcess& child, StreamReader& output) {
+    ProcessTree tree(child.identifier());
+    child.terminate();
+    tree.send(SIGTERM);
+    const Time grace{graceAfterTermination};
+    while (!grace.isOver() && (!child.poll() || tree.isRunning())) output.read(longestSleep);
+    tree.send(SIGKILL);
+    child.kill();
+    waitFor(child, output, {forever});
+}
+
 CommandResult notLaunched(const Failure& failure) {
     CommandResult result;
     result.status = CommandResult::notLaunched;
@@ -135,6 +150,28 @@ CommandResult CommandRunner::runWritingTo(const FileDescriptor& output, const fs
         CommandResult result;
         result.status = child.wait();
         result.stderr = gathered.standardError();
+        return result;
+    } catch (const Failure& failure) {
+        return notLaunched(failure);
+    }
+}
+
+CommandResult CommandRunner::runUntil(const fs::path& path, const std::vector<std::string>& arguments,
+                                      const Cancellation& cancellation, std::size_t mostOutput) {
+    const Time time{forever, &cancellation};
+    if (time.isCancelled()) return {.status = CommandResult::notLaunched, .timedOut = true};
+    try {
+        ChildProcess child = ChildProcess::start(path, arguments);
+        Output output(child, mostOutput);
+        CommandResult result;
+        if (!waitFor(child, output.reader, time)) {
+            result.timedOut = true;
+            endWithDescendants(child, output.reader);
+        }
+        while (!output.reader.hasEnded() && !time.isOver()) output.reader.read(longestSleep);
+        result.status = child.wait();
+        result.stdout = output.standardOutput();
+        result.stderr = output.standardError();
         return result;
     } catch (const Failure& failure) {
         return notLaunched(failure);

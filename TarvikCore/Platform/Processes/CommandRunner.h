@@ -28,6 +28,12 @@ CommandResult run(const fs::path& path, const std::vector<std::string>& argument
 CommandResult runWritingTo(const FileDescriptor& output, const fs::path& path,
                            const std::vector<std::string>& arguments);
 
+/// As `run`, for a tool that may take as long as it likes, until it is cancelled: then the tool, and all that it has
+/// started, is asked to end, and killed 2 seconds later, which counts as timed out. What runs for another user cannot
+/// be told to end, and is waited for. Of each stream no more than `mostOutput` bytes are kept.
+CommandResult runUntil(const fs::path& path, const std::vector<std::string>& arguments,
+                       const Cancellation& cancellation, std::size_t mostOutput = 1'000'000);
+
 /// What an answer may cost.
 struct Bounds {
     std::chrono::duration<double> limit;

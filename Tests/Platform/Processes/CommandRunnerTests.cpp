@@ -1,5 +1,8 @@
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/Files.h"
+#include "Platform/Processes/ChildProcess.h"
 #include "Platform/Processes/CommandRunner.h"
+#include "Platform/Processes/ProcessTable.h"
 #include "Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
@@ -8,8 +11,10 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <limits>
 #include <string>
+#include <sys/file.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -186,6 +191,39 @@ TEST(CommandRunner, ACancelledQuestionEndsTheToolAtOnce) {
     EXPECT_TRUE(CommandRunner::ask("/bin/echo", {"x"}, {Seconds(100), cancellation}).timedOut);
 }
 
+TEST(CommandRunner, AToolMayRunUntilItIsCancelled) {
+    const Cancellation cancellation;
+    const auto run = [&](const std::string& script) {
+        return CommandRunner::runUntil("/bin/sh", {"-c", script}, cancellation, 3);
+    };
+    EXPECT_EQ(run("echo 12345; echo x >&2; exit 7"), (CommandResult{7, "12", "x\n", false}));
+    EXPECT_EQ(CommandRunner::runUntil("/missing/tool", {}, cancellation).status, CommandResult::notLaunched);
+    cancellation.cancel();
+    EXPECT_EQ(run("exit 0"), (CommandResult{CommandResult::notLaunched, "", "", true}));
+}
+
+TEST(CommandRunner, ACancelledToolEndsWithAllThatItHasStarted) {
+    // The one ends when it is asked to, the other must be killed; the tool itself ends at once and leaves both.
+    const test::TemporaryFolder folder;
+    const Cancellation cancellation;
+    std::thread user([&] {
+        while (!Files::exists(folder / "polite.pid") || !Files::exists(folder / "deaf.pid"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        cancellation.cancel();
+    });
+    const auto shellOf = [&](const std::string& name, const std::string& first) {
+        return fmt::format("sh -c '{0} echo $$ >{1}; mv {1} {1}.pid; while :; do sleep 0.05; done' & ", first,
+                           (folder / name).native());
+    };
+    const auto result = CommandRunner::runUntil(
+        "/bin/sh", {"-c", shellOf("polite", "") + shellOf("deaf", "trap \"\" TERM;") + "wait"}, cancellation);
+    user.join();
+    EXPECT_EQ(result, (CommandResult{SIGTERM, "", "", true}));
+    for (const char* name : {"polite.pid", "deaf.pid"})
+        while (!ProcessTable::programOf(std::stoi(Files::read(folder / name))).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 TEST(CommandRunner, AnAnswerIsNoLongerThanWanted) {
     const auto asked = [](const std::string& script, std::size_t most) {
         return CommandRunner::ask("/bin/sh", {"-c", script}, {.limit = Seconds(100), .mostOutput = most});
@@ -225,6 +263,33 @@ TEST(CommandRunner, RunsManyToolsAtOnceWithoutMixingThem) {
     for (auto& thread : threads) thread.join();
     for (int tool = 0; tool < toolCount; ++tool)
         EXPECT_EQ(results[tool], (CommandResult{tool, fmt::format("{}\n", tool), "", false}));
+}
+
+TEST(CommandRunner, LetsAToolWriteToWhatIsOpen) {
+    const test::TemporaryFolder folder;
+    const FileDescriptor file(::open((folder / "file").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    const auto result = CommandRunner::runWritingTo(file, "/bin/sh", {"-c", "echo answer; echo problem >&2; exit 3"});
+    EXPECT_EQ(result, (CommandResult{3, "", "problem\n", false}));
+    EXPECT_EQ(Files::read(folder / "file"), "answer\n");
+    EXPECT_EQ(CommandRunner::runWritingTo(file, folder / "none", {}).status, CommandResult::notLaunched);
+}
+
+TEST(CommandRunner, LeavesALockWithTheToolForAsLongAsItRuns) {
+    const test::TemporaryFolder folder;
+    const fs::path path = folder / "file";
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(file.get(), LOCK_SH | LOCK_NB), 0);
+    const auto isLocked = [&] {
+        const FileDescriptor other(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+        return ::flock(other.get(), LOCK_EX | LOCK_NB) != 0;
+    };
+    {
+        ChildProcess child = ChildProcess::startWritingTo(file, "/bin/sh", {"-c", "exec sleep 600"});
+        file.close();
+        EXPECT_EQ(child.standardOutput(), -1);
+        EXPECT_TRUE(isLocked());
+    }
+    EXPECT_FALSE(isLocked());
 }
 
 }  // namespace

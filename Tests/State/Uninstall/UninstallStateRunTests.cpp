@@ -259,6 +259,22 @@ TEST_F(UninstallRunTest, ListsThePastTheNewestFirst) {
     EXPECT_THAT(past(), ElementsAre("Brush", "Atlas"));
 }
 
+TEST_F(UninstallRunTest, TellsOfReceiptsThatAreStillThere) {
+    // One that cannot be forgotten, and one that only the tool calls so.
+    world.host.tools.pkgutil = world.tool("pkgutil", R"(
+        [ "$1 $2" = "--forget one" ] && { echo "No receipt for 'one' found." >&2; exit 1; }
+        [ "$1" = "--forget" ] || { echo one; echo two; })");
+    state = std::make_unique<AppState>(world.host, dialogs);
+    makeApp("Atlas");
+    choose("Atlas");
+    ASSERT_THAT(tab().uninstallPlan()->candidates, testing::SizeIs(4));
+    tab().toggleCategoryChecked(UninstallCategory::receipts);
+    remove();
+    EXPECT_EQ(info(), "Uninstalled Atlas — 2 items.");
+    EXPECT_EQ(error(), "2 receipts could not be forgotten. See the log.");
+    EXPECT_THAT(log(), Contains("receipt-stays\ttwo"));
+}
+
 TEST_F(UninstallRunTest, TellsWhatCouldNotBeRemoved) {
     makeApp("Atlas");
     choose("Atlas");
@@ -270,7 +286,7 @@ TEST_F(UninstallRunTest, TellsWhatCouldNotBeRemoved) {
     EXPECT_EQ(error(), "1 item could not be removed. See past uninstalls.");
     ASSERT_EQ(past().size(), 3U);
     EXPECT_EQ(past()[0], "Atlas (1 item could not be removed)");
-    EXPECT_EQ(past()[2], "  Atlas: not removed (It was left as it is.)");
+    EXPECT_EQ(past()[2], "  Atlas: not removed (It was left as it is: something else stands there by now.)");
     EXPECT_TRUE(fs::exists(cacheOf("Atlas")));
 }
 

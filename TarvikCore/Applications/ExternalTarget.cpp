@@ -1,4 +1,4 @@
-#include "Uninstall/ExternalTarget.h"
+#include "Applications/ExternalTarget.h"
 
 #include "Platform/Files/Files.h"
 

@@ -1,0 +1,50 @@
+#include "Installers/Tracking/FilesystemEventRecorder.h"
+
+#include "Platform/Files/Files.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace tarvik {
+
+FilesystemEventRecorder::FilesystemEventRecorder(const Host& host, const std::vector<fs::path>& roots)
+    : m_source(host.fileEvents) {
+    std::transform(roots.begin(), roots.end(), std::back_inserter(m_roots), Files::standardized);
+}
+
+FilesystemEventRecorder::~FilesystemEventRecorder() {
+    m_stream.reset();  // While what it tells still has a place to go.
+}
+
+void FilesystemEventRecorder::start() {
+    if (m_stream || m_roots.empty() || !m_source) return;
+    m_stream = m_source->begin(m_roots, {.happened = [this](const std::vector<std::string>& paths) { record(paths); },
+                                         .missed = [this](const std::string& sentence) { warn(sentence); }});
+}
+
+std::vector<std::string> FilesystemEventRecorder::stop() {
+    m_stream.reset();
+    const std::lock_guard guard(m_lock);
+    return {m_paths.begin(), m_paths.end()};
+}
+
+std::vector<std::string> FilesystemEventRecorder::warnings() const {
+    const std::lock_guard guard(m_lock);
+    return m_warnings;
+}
+
+void FilesystemEventRecorder::record(const std::vector<std::string>& paths) {
+    std::vector<std::string> standardized;
+    standardized.reserve(paths.size());
+    for (const std::string& path : paths) standardized.push_back(Files::standardized(path).native());
+    const std::lock_guard guard(m_lock);
+    m_paths.insert(std::make_move_iterator(standardized.begin()), std::make_move_iterator(standardized.end()));
+}
+
+void FilesystemEventRecorder::warn(const std::string& sentence) {
+    const std::lock_guard guard(m_lock);
+    if (std::find(m_warnings.begin(), m_warnings.end(), sentence) == m_warnings.end()) m_warnings.push_back(sentence);
+}
+
+}  // namespace tarvik
