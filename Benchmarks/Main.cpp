@@ -6,11 +6,13 @@
 //   tarvik-benchmark installs [FILES] [ROUNDS] applications that are installed on a drive
 //   tarvik-benchmark tracking [ROUNDS]         what an installer has changed, and what watching it costs
 //   tarvik-benchmark uninstall [ROUNDS]        plans of uninstalls, and much that goes to the Trash
+//   tarvik-benchmark installers [ROUNDS]       how an image is looked through for what can be installed
 //   tarvik-benchmark window [ROUNDS]           how quickly the window shows many applications
 //   tarvik-benchmark moves [FILES] [ROUNDS]    moves and what they consist of
 #include "Archives.h"
 #include "Discovery.h"
 #include "Health.h"
+#include "InstallerLook.h"
 #include "Installs.h"
 #include "Measure.h"
 #include "Moves.h"
@@ -69,6 +71,7 @@ void runPart(const std::string& part, const std::vector<std::string>& words) {
     if (part == "archives") return ArchiveSpeed::measure(sizes.rounds);
     if (part == "tracking") return TrackingSpeed::measure(sizes.rounds);
     if (part == "uninstall") return UninstallSpeed::measure(sizes.rounds);
+    if (part == "installers") return InstallerLook::measure(sizes.rounds);
     WindowSpeed::measure(sizes.rounds);
 }
 
@@ -81,6 +84,7 @@ void runAll(const Sizes& sizes) {
     Measure::part({program, "archives", rounds});
     Measure::part({program, "tracking", rounds});
     Measure::part({program, "uninstall", rounds});
+    Measure::part({program, "installers", rounds});
     Measure::part({program, "window", rounds});
     Measure::part({program, "moves", std::to_string(sizes.files), rounds});
     Measure::part({program, "installs", std::to_string(sizes.files), rounds});
@@ -92,10 +96,12 @@ int main(int argc, char** argv) {
     try {
         const std::vector<std::string> words(argv + 1, argv + argc);
         const std::string part = words.empty() ? "" : words.front();
-        constexpr std::array parts = {"discovery", "health", "archives", "tracking",
-                                      "uninstall", "window", "moves",    "installs"};
+        constexpr std::array parts = {"discovery",  "health", "archives", "tracking", "uninstall",
+                                      "installers", "window", "moves",    "installs"};
         if (part == "snapshots" && words.size() > 1) {
             TrackingSpeed::compareSnapshots(words[1]);  // What another part runs.
+        } else if (part == "contained-items" && words.size() > 1) {
+            InstallerLook::scan(words[1]);  // The same.
         } else if (std::find(parts.begin(), parts.end(), part) != parts.end()) {
             runPart(part, words);
         } else {

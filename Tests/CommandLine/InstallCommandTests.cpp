@@ -133,7 +133,7 @@ TEST(InstallCommand, DetachesAnImageBeforeASignalEndsIt) {
     TARVIK_NEEDS_MADE_TOOLS();
     InstallCommandWorld world;
     test::makeFile(world.downloads / "Mixer.dmg");
-    const fs::path volume = world.machine.root / "Volumes" / "Mixer";
+    const fs::path volume = world.folder / "Attached" / "Mixer";
     test::makeBundle(volume / "Mixer.app");
     // What is attached is told only after the signal has come, which the tool itself survives.
     world.attachAs(volume, fmt::format("trap '' INT TERM HUP\ntouch '{}'\n{}", (world.folder / "begun").native(),

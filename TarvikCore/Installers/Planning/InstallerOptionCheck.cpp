@@ -13,7 +13,6 @@ namespace {
 
 /// Whether the text is names with single slashes between them, none of which leads up or breaks a line.
 bool isPlainRelativePath(std::string_view text) {
-    if (!DataName::isUsable(text)) return false;
     while (true) {
         const std::string_view name = text.substr(0, text.find('/'));
         if (!DataName::isOneComponent(name)) return false;

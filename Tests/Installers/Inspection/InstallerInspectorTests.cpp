@@ -86,8 +86,8 @@ TEST(InstallerInspector, GoesByTheNameOfAnApplicationThatIsNotThere) {
 
 TEST(InstallerInspector, ShowsWhatIsOnTheVolumesOfAnImage) {
     SourceWorld world;
-    const fs::path second = world.folder / "Volumes" / "B";
-    const fs::path first = world.folder / "Volumes" / "A";
+    const fs::path second = world.folder / "Attached" / "B";
+    const fs::path first = world.folder / "Attached" / "A";
     makeBundle(second / "Editor.app");
     makeFile(first / "Tool.pkg");
     makeFile(first / "Extras" / "More.app" / "x");
@@ -105,7 +105,7 @@ TEST(InstallerInspector, ShowsWhatIsOnTheVolumesOfAnImage) {
 
 TEST(InstallerInspector, FindsNothingInAnImageOfAScript) {
     SourceWorld world;
-    const fs::path volume = world.folder / "Volumes" / "A";
+    const fs::path volume = world.folder / "Attached" / "A";
     makeFile(volume / "install.sh", "#!/bin/sh\n");
     world.attachAs({volume});
     const InstallerInspection inspection = world.inspect("Editor.dmg");
