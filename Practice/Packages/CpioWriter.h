@@ -7,8 +7,8 @@
 
 namespace tarvik::Practice {
 
-/// Writes an archive of cpio in its portable form ("070707"), as payloads and scripts of packages are. It writes whatever
-/// it is told, names that no reader should believe too.
+/// Writes an archive of cpio in its portable form ("070707"), as payloads and scripts of packages are. It writes
+/// whatever it is told, names that no reader should believe too.
 class CpioWriter {
 public:
     struct Item {
@@ -28,7 +28,9 @@ public:
     };
 
     void add(const Item& item);
-    void addFolder(const std::string& path, mode_t permissions = 0755) { add({.path = path, .mode = 0040000 | permissions}); }
+    void addFolder(const std::string& path, mode_t permissions = 0755) {
+        add({.path = path, .mode = 0040000 | permissions});
+    }
     void addFile(const std::string& path, const std::string& bytes, mode_t permissions = 0644) {
         add({.path = path, .mode = 0100000 | permissions, .bytes = bytes});
     }

@@ -23,10 +23,10 @@ void addParts(XarWriter& archive, const Component& component, const std::string&
 std::string packageInfo(const Component& component) {
     std::string scripts;
     for (const char* name : {"preinstall", "postinstall"})
-        if (component.scripts.contains(name))
-            scripts += "    <" + std::string(name) + " file=\"./" + name + "\"/>\n";
-    return xmlHead + ("<pkg-info format-version=\"2\" identifier=\"" + component.identifier + "\" version=\"" +
-                      component.version + "\" install-location=\"" + component.place + "\" auth=\"root\">\n") +
+        if (component.scripts.contains(name)) scripts += "    <" + std::string(name) + " file=\"./" + name + "\"/>\n";
+    return xmlHead +
+           ("<pkg-info format-version=\"2\" identifier=\"" + component.identifier + "\" version=\"" +
+            component.version + "\" install-location=\"" + component.place + "\" auth=\"root\">\n") +
            "  <payload/>\n" + (scripts.empty() ? "" : "  <scripts>\n" + scripts + "  </scripts>\n") + "</pkg-info>\n";
 }
 

@@ -2,11 +2,10 @@
 
 #include "Platform/Basics/Failure.h"
 
+#include <algorithm>
 #include <bzlib.h>
 #include <lzma.h>
 #include <zlib.h>
-
-#include <algorithm>
 
 namespace tarvik::Practice {
 

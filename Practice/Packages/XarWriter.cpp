@@ -2,11 +2,10 @@
 
 #include "Platform/Basics/Failure.h"
 
-#include <openssl/evp.h>
-#include <openssl/sha.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <openssl/evp.h>
+#include <openssl/sha.h>
 
 namespace tarvik::Practice {
 
@@ -132,9 +131,8 @@ void XarWriter::addFile(const std::string& path, const std::string& bytes, Compr
 
 std::string XarWriter::elementOf(std::size_t index, std::size_t& offset) const {
     const Entry& entry = m_entries[index];
-    const std::string name = entry.path.substr(parentOf(entry.path).empty() && entry.path.find('/') == std::string::npos
-                                                   ? 0
-                                                   : entry.path.rfind('/') + 1);
+    const std::string name = entry.path.substr(
+        parentOf(entry.path).empty() && entry.path.find('/') == std::string::npos ? 0 : entry.path.rfind('/') + 1);
     std::string content = element("name", escaped(name)) + entry.type + entry.elements;
     if (entry.hasData) {
         content += element("data", entry.checksums + "<encoding style=\"" + entry.encoding + "\"/>" +
@@ -149,7 +147,8 @@ std::string XarWriter::elementOf(std::size_t index, std::size_t& offset) const {
 std::string XarWriter::elementsBelow(const std::string& folder, std::size_t& offset) const {
     std::string all;
     for (std::size_t index = 0; index < m_entries.size(); ++index)
-        if (parentOf(m_entries[index].path) == folder && m_entries[index].path != folder) all += elementOf(index, offset);
+        if (parentOf(m_entries[index].path) == folder && m_entries[index].path != folder)
+            all += elementOf(index, offset);
     return all;
 }
 

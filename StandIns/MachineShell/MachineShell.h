@@ -35,8 +35,9 @@ struct Command {
 /// The status of a program that is not there.
 inline constexpr int notFound = 127;
 
-/// Runs it on the machine at `root`, a real path, and waits for its end. @returns its exit status, `notFound` when it is
-/// not there, 126 when it cannot be started, 128 and the number of the signal that ended it. Ending this process ends it.
+/// Runs it on the machine at `root`, a real path, and waits for its end. @returns its exit status, `notFound` when it
+/// is not there, 126 when it cannot be started, 128 and the number of the signal that ended it. Ending this process
+/// ends it.
 /// @throws Failure where this system cannot keep a program in a folder: nothing has run then. One thread, and no other.
 int run(const fs::path& root, const Command& command);
 

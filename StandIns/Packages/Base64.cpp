@@ -1,9 +1,8 @@
 #include "Packages/Base64.h"
 
-#include <openssl/evp.h>
-
 #include <cctype>
 #include <climits>
+#include <openssl/evp.h>
 
 namespace tarvik::packages {
 

@@ -76,7 +76,9 @@ void giveStatus(int item, const ItemStatus& status, const fs::path& path) {
 }  // namespace
 
 BoundedTree::BoundedTree(const fs::path& root, Links links)
-    : m_root(root), m_rootText(root.native()), m_links(links),
+    : m_root(root),
+      m_rootText(root.native()),
+      m_links(links),
       m_rootHandle(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     if (!m_rootHandle) throw FileError("open the folder", root, errno);
 }

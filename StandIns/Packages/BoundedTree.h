@@ -29,7 +29,8 @@ class BoundedTree {
 public:
     enum class Links {
         refused,   ///< a link on the way to an item is a failure
-        followed,  ///< it is followed as on the machine whose "/" the folder is; a path below the folder's own is meant so
+        followed,  ///< it is followed as on the machine whose "/" the folder is; a path below the folder's own is meant
+                   ///< so
     };
     /// @throws FileError when `root` is no folder.
     BoundedTree(const fs::path& root, Links links);

@@ -22,7 +22,8 @@ struct ArchiveEnd {
 
 SafeName::Components safeComponents(const char* name) {
     const auto components = name ? SafeName::components(name) : std::nullopt;
-    if (!components) failUnsafe(std::string("The payload holds an item that would lie elsewhere: ") + (name ? name : ""));
+    if (!components)
+        failUnsafe(std::string("The payload holds an item that would lie elsewhere: ") + (name ? name : ""));
     return *components;
 }
 

@@ -2,11 +2,10 @@
 
 #include "Packages/PackageFailure.h"
 
-#include <openssl/evp.h>
-
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <openssl/evp.h>
 
 namespace tarvik::packages {
 

@@ -65,9 +65,10 @@ private:
             *isGiven = true;
             return m_bytes;
         };
-        const bool isPacked = m_bytes.starts_with(std::string_view("\xfd"
-                                                                   "7zXZ\0",
-                                                                   6));
+        const bool isPacked =
+            m_bytes.starts_with(std::string_view("\xfd"
+                                                 "7zXZ\0",
+                                                 6));
         m_chunk = isPacked ? unpackedSource(Packing::lzma, std::move(plain)) : std::move(plain);
         return true;
     }

@@ -4,12 +4,11 @@
 #include "Packages/Pbzx.h"
 
 #include <bzlib.h>
-#include <lzma.h>
-#include <zlib.h>
-
 #include <cstddef>
+#include <lzma.h>
 #include <memory>
 #include <vector>
+#include <zlib.h>
 
 namespace tarvik::packages {
 

@@ -50,7 +50,7 @@ public:
         m_path.push_back(name);
         m_text.clear();
         m_attributes = attributes;
-        if (m_path.size() < 3 || m_path[0] != "xar" || m_path[1] != "toc") return;
+        if (!isInTable()) return;
         if (name == "file" && isInFilesOnly()) {
             beginEntry();
         } else if (m_path.size() == 3 && (name == "signature" || name == "x-signature")) {
@@ -65,7 +65,7 @@ public:
 
     void end() {
         const std::string name = m_path.back();
-        if (m_path.size() > 3 && m_path[1] == "toc") {
+        if (m_path.size() > 3 && isInTable()) {
             if (m_path[2] == "checksum") readPlace(contents.checksum, name);
             if (m_path[2] == "signature" || m_path[2] == "x-signature") readSignature(name);
             if (m_path[2] == "file") readEntry(name);
@@ -86,6 +86,8 @@ private:
         const auto found = m_attributes.find(key);
         return found == m_attributes.end() ? std::string() : found->second;
     }
+
+    bool isInTable() const { return m_path.size() >= 3 && m_path[0] == "xar" && m_path[1] == "toc"; }
 
     bool isInFilesOnly() const {
         return std::all_of(m_path.begin() + 2, m_path.end(), [](const std::string& each) { return each == "file"; });

@@ -2,9 +2,10 @@
 
 #include "Packages/PackageFailure.h"
 
+#include <libxml/xmlreader.h>
+
 #include <algorithm>
 #include <climits>
-#include <libxml/xmlreader.h>
 #include <memory>
 
 namespace tarvik::packages::Xml {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// Runs a script with the system's own shell, on the machine in the folder that the environment variable TARVIK_ROOT names,
-// and so that it sees no other: what it sees is told in `MachineShell`. Without such a machine it runs nothing.
+// Runs a script with the system's own shell, on the machine in the folder that the environment variable TARVIK_ROOT
+// names, and so that it sees no other: what it sees is told in `MachineShell`. Without such a machine it runs nothing.
 //
 //     bash SCRIPT [ARGUMENT...]
 //

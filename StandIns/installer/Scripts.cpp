@@ -48,7 +48,8 @@ void clearLeftovers(const fs::path& root) {
     if (folder.empty()) return;
     for (const std::string& name : Files::names(folder))
         if (name.starts_with(sandboxPrefix))
-            if (const FileDescriptor lock = lockOf(folder / name)) ignoringFailure([&] { Files::removeItem(folder / name); });
+            if (const FileDescriptor lock = lockOf(folder / name))
+                ignoringFailure([&] { Files::removeItem(folder / name); });
 }
 
 Components componentsOf(const fs::path& relative) {
@@ -60,8 +61,7 @@ FileDescriptor logOf(const fs::path& root) {
     const auto folder = realFolder(root, "private/var/log");
     if (!folder) packages::failUnsafe("The machine keeps its logs outside of itself.");
     const fs::path file = *folder / "install.log";
-    FileDescriptor log(
-        ::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644));
+    FileDescriptor log(::open(file.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644));
     if (!log) throw FileError("open", file, errno);
     return log;
 }

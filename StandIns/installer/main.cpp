@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-// Installs packages, as a Mac's installer(8) does, on the machine in the folder that the environment variable TARVIK_ROOT
-// names, and on no other:
+// Installs packages, as a Mac's installer(8) does, on the machine in the folder that the environment variable
+// TARVIK_ROOT names, and on no other:
 //
 //     installer -pkg PACKAGE -target /
 //
@@ -21,7 +21,8 @@
 //   rights of set-id bits never.
 // - A package is looked through to its end before anything is written. One that would write outside of the machine, or
 //   make devices, installs nothing; nor does a product that decides by a script of its own what it installs.
-// - Scripts see the machine alone (`MachineShell`), and none of a Mac's programs but the stand-ins. Where that cannot be,
+// - Scripts see the machine alone (`MachineShell`), and none of a Mac's programs but the stand-ins. Where that cannot
+// be,
 //   a package with scripts is not installed.
 // - Files of a Mac's attributes ("._name") stay files. An application that was moved is not looked for.
 
@@ -78,15 +79,17 @@ int main(int argc, char** argv) {
         }
         return install(*root, Files::standardized(*package));
     } catch (const installer::ScriptFailure& failure) {
-        std::fprintf(stderr,
-                     "installer: The install failed. (The Installer encountered an error that caused the installation to "
-                     "fail. Contact the software manufacturer for assistance. %s)\n",
-                     failure.what());
+        std::fprintf(
+            stderr,
+            "installer: The install failed. (The Installer encountered an error that caused the installation to "
+            "fail. Contact the software manufacturer for assistance. %s)\n",
+            failure.what());
     } catch (const std::exception& failure) {
-        std::fprintf(stderr,
-                     "installer: %s\ninstaller: The install failed. (The Installer encountered an error that caused the "
-                     "installation to fail. Contact the software manufacturer for assistance.)\n",
-                     failure.what());
+        std::fprintf(
+            stderr,
+            "installer: %s\ninstaller: The install failed. (The Installer encountered an error that caused the "
+            "installation to fail. Contact the software manufacturer for assistance.)\n",
+            failure.what());
     }
     return failed;
 }

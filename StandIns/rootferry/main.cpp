@@ -16,9 +16,10 @@
 //     rootferry COMMAND [ARGUMENT...]
 //
 // It ends with the command's status, and with 127 when there is none of that name. What a command sees, and that it
-// reaches nothing else, is told in `MachineShell`; its root is whoever runs this. `installer` and `bash` are the stand-ins
-// of these names, which take care of that themselves. Paths in arguments may begin with the machine's folder, or be as
-// on the machine; what they name outside of it can be read and not changed. Without such a machine nothing is run.
+// reaches nothing else, is told in `MachineShell`; its root is whoever runs this. `installer` and `bash` are the
+// stand-ins of these names, which take care of that themselves. Paths in arguments may begin with the machine's folder,
+// or be as on the machine; what they name outside of it can be read and not changed. Without such a machine nothing is
+// run.
 
 namespace {
 

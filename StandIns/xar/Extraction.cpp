@@ -30,7 +30,8 @@ bool isNamed(const std::string& path, const std::vector<std::string>& names) {
            std::any_of(names.begin(), names.end(), [&](const auto& name) { return isAtOrBelow(path, name); });
 }
 
-/// All entries with safe paths, whether they are wanted or not: what is hostile in one place is not believed in another.
+/// All entries with safe paths, whether they are wanted or not: what is hostile in one place is not believed in
+/// another.
 std::vector<Item> checked(const XarContents& contents) {
     std::vector<Item> items;
     std::map<std::string, Type> types;
@@ -55,8 +56,7 @@ std::vector<Item> checked(const XarContents& contents) {
 /// The entry that a hard link is one with.
 const Item& originalOf(const Item& link, const std::map<std::string, const Item*>& byId) {
     const auto found = byId.find(link.entry->target);
-    if (found == byId.end())
-        failUnsafe("The archive holds a hard link to what is not in it: " + link.entry->path);
+    if (found == byId.end()) failUnsafe("The archive holds a hard link to what is not in it: " + link.entry->path);
     return *found->second;
 }
 

@@ -156,9 +156,10 @@ int statusOf(int status) {
 }
 
 [[noreturn]] void refuse(const std::string& reason) {
-    throw Failure("MachineShell", 1,
-                  "A program of a machine in a folder runs only where it can be kept in it, and this system refuses that: " +
-                      reason + ".");
+    throw Failure(
+        "MachineShell", 1,
+        "A program of a machine in a folder runs only where it can be kept in it, and this system refuses that: " +
+            reason + ".");
 }
 
 int waitFor(pid_t child) {

@@ -37,15 +37,16 @@ std::string identityOf(const std::string& file) {
 }
 
 /// What a program needs to act as root on files and on its own processes, and nothing that reaches further.
-constexpr std::array keptRights = {CAP_CHOWN, CAP_DAC_OVERRIDE, CAP_FOWNER, CAP_FSETID, CAP_KILL, CAP_SETGID, CAP_SETUID};
+constexpr std::array keptRights = {CAP_CHOWN, CAP_DAC_OVERRIDE, CAP_FOWNER, CAP_FSETID,
+                                   CAP_KILL,  CAP_SETGID,       CAP_SETUID};
 
 }  // namespace
 
 pid_t fork() {
-    // The plain call: libraries that have threads of their own would start them again in the child, which could then not
-    // have namespaces. The flags are unsigned long to the kernel.
-    constexpr unsigned long flags = CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWIPC |
-                                    CLONE_NEWUTS | SIGCHLD;
+    // The plain call: libraries that have threads of their own would start them again in the child, which could then
+    // not have namespaces. The flags are unsigned long to the kernel.
+    constexpr unsigned long flags =
+        CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWIPC | CLONE_NEWUTS | SIGCHLD;
     const auto child = static_cast<pid_t>(::syscall(SYS_clone, flags, nullptr, nullptr, nullptr, nullptr));
     if (child == 0) ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     return child;

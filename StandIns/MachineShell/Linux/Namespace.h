@@ -13,8 +13,8 @@ pid_t fork();
 /// alone, as root or as itself. False, and errno, when the system refuses.
 bool mapUsers(pid_t child, bool asRoot);
 
-/// Gives up for good every right of root but those over files and processes that the caller sees. False, and errno, when
-/// the system refuses.
+/// Gives up for good every right of root but those over files and processes that the caller sees. False, and errno,
+/// when the system refuses.
 bool dropRights();
 
 }  // namespace tarvik::MachineShell::Namespace

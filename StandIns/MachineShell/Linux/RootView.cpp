@@ -33,8 +33,9 @@ void must(int result, const char* verb, const fs::path& path) {
 }
 
 Piece pieceOf(const fs::path& source, const fs::path& place, Use use) {
-    Piece piece{place, FileDescriptor(::open_tree(AT_FDCWD, source.c_str(),
-                                                  OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_RECURSIVE | AT_SYMLINK_NOFOLLOW)),
+    Piece piece{place,
+                FileDescriptor(::open_tree(AT_FDCWD, source.c_str(),
+                                           OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_RECURSIVE | AT_SYMLINK_NOFOLLOW)),
                 Files::isFolder(source)};
     if (!piece.tree) throw FileError("hold", source, errno);
     struct mount_attr attributes {};
@@ -79,7 +80,8 @@ struct NewRoot {
             const fs::path item = fs::path("/usr/bin") / name;
             const auto text = Files::linkText(item);
             if (!text || !text->native().starts_with("/etc/")) continue;
-            if (const auto program = Files::resolved(item)) links.emplace_back(fs::path(".system/programs") / name, *program);
+            if (const auto program = Files::resolved(item))
+                links.emplace_back(fs::path(".system/programs") / name, *program);
         }
         for (const char* name : {"null", "zero", "full", "random", "urandom"})
             pieces.push_back(pieceOf(fs::path("/dev") / name, fs::path("dev") / name, Use::device));
@@ -100,8 +102,7 @@ struct NewRoot {
                 pieces.push_back(pieceOf(item, name, name == "System" ? Use::readOnly : Use::readWrite));
         }
         for (const char* name : {"etc", "var"})
-            if (!Files::itemExists(root / name) && name != above)
-                links.emplace_back(name, fs::path("private") / name);
+            if (!Files::itemExists(root / name) && name != above) links.emplace_back(name, fs::path("private") / name);
         if (Files::isFolder("/usr/local") && Files::isFolder(root / "usr/local"))
             pieces.push_back(pieceOf(root / "usr/local", "usr/local", Use::readWrite));
         pieces.push_back(pieceOf(root, root.relative_path(), Use::readWrite));
@@ -113,7 +114,8 @@ struct NewRoot {
         const bool isTaken = std::any_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
             return Files::isAtOrBelow(item, "/" / piece.place) || Files::isAtOrBelow("/" / piece.place, item);
         });
-        const bool isLink = std::any_of(links.begin(), links.end(), [&](const auto& link) { return link.first == first; });
+        const bool isLink =
+            std::any_of(links.begin(), links.end(), [&](const auto& link) { return link.first == first; });
         if (first.empty() || isTaken || isLink || Files::isAtOrBelow(item, root)) return;
         pieces.push_back(pieceOf(item, item.relative_path(), Use::readOnly));
     }
@@ -134,7 +136,8 @@ void put(const Piece& piece) {
         const FileDescriptor file(::open(piece.place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
         if (!file) throw FileError("create", piece.place, errno);
     }
-    must(::move_mount(piece.tree.get(), "", AT_FDCWD, piece.place.c_str(), MOVE_MOUNT_F_EMPTY_PATH), "show", piece.place);
+    must(::move_mount(piece.tree.get(), "", AT_FDCWD, piece.place.c_str(), MOVE_MOUNT_F_EMPTY_PATH), "show",
+         piece.place);
 }
 
 void mountOwn(const char* type, const fs::path& place, unsigned long flags, const char* data) {
@@ -145,9 +148,9 @@ void mountOwn(const char* type, const fs::path& place, unsigned long flags, cons
 }  // namespace
 
 const std::vector<fs::path>& standardFolders() {
-    static const std::vector<fs::path> folders{"Applications", "Library", "Users", "Volumes",
+    static const std::vector<fs::path> folders{"Applications", "Library",     "Users",       "Volumes",
                                                "private",      "private/etc", "private/tmp", "private/var",
-                                               "opt",          "usr",     "usr/local"};
+                                               "opt",          "usr",         "usr/local"};
     return folders;
 }
 
@@ -166,7 +169,8 @@ void enter(const fs::path& root, const fs::path& standIns, const std::vector<fs:
     mountOwn("tmpfs", "tmp", MS_NOSUID | MS_NODEV, "mode=1777,size=512m");
     // What lies above others comes first, so that it does not cover them.
     std::stable_sort(view.pieces.begin(), view.pieces.end(), [](const Piece& one, const Piece& other) {
-        return std::distance(one.place.begin(), one.place.end()) < std::distance(other.place.begin(), other.place.end());
+        return std::distance(one.place.begin(), one.place.end()) <
+               std::distance(other.place.begin(), other.place.end());
     });
     for (const Piece& piece : view.pieces) put(piece);
     makeFolders(fs::path(programsPlace).relative_path());
@@ -181,7 +185,8 @@ void enter(const fs::path& root, const fs::path& standIns, const std::vector<fs:
     ::mount("proc", "proc", "proc", MS_RDONLY | MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr);
     must(::umount2(".", MNT_DETACH), "leave", "/");
     must(::chdir("/"), "enter", "/");
-    must(::mount(nullptr, "/", nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY | MS_NOSUID | MS_NODEV, nullptr), "close", "/");
+    must(::mount(nullptr, "/", nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY | MS_NOSUID | MS_NODEV, nullptr), "close",
+         "/");
 }
 
 }  // namespace tarvik::MachineShell::RootView

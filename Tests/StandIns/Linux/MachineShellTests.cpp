@@ -44,8 +44,9 @@ protected:
 };
 
 TEST_F(MachineShell, RunsAScriptOnTheMachine) {
-    const auto result = script("echo \"$HOME $1\"; echo wrong >&2; mkdir /Library/New; echo x > /Applications/file\n"
-                               "ls /; exit 7");
+    const auto result = script(
+        "echo \"$HOME $1\"; echo wrong >&2; mkdir /Library/New; echo x > /Applications/file\n"
+        "ls /; exit 7");
     EXPECT_EQ(result.status, 7);
     EXPECT_THAT(result.stdout, HasSubstr("/Users/me \n"));
     EXPECT_THAT(result.stdout, HasSubstr("Applications\n"));
@@ -68,7 +69,8 @@ TEST_F(MachineShell, FindsAScriptByEitherOfItsPathsAndOutsideOfTheMachine) {
 
 TEST_F(MachineShell, ShowsNothingOfTheMachineThatRuns) {
     makeFile(folder / "secret", "secret");
-    const auto result = script("cat '" + (folder / "secret").native() + "'; ls /root /home /work; cat /etc/passwd; echo done");
+    const auto result =
+        script("cat '" + (folder / "secret").native() + "'; ls /root /home /work; cat /etc/passwd; echo done");
     EXPECT_EQ(result.stdout, "done\n");
 }
 
@@ -78,8 +80,9 @@ TEST_F(MachineShell, LetsNothingBeChangedOutsideOfTheMachine) {
     EXPECT_THAT(contentOf(folder / "out.sh"), HasSubstr("rm -f"));
     makeFile(folder / "beside/victim", "safe");
     for (const std::string& line :
-         {std::string("touch /usr/x"), std::string("touch /x"), std::string("touch /bin/x"), "rm -r '" + (folder / "beside").native() + "'",
-          std::string("mount -o remount,rw /usr"), std::string("mount -o remount,rw /"), std::string("umount /usr"),
+         {std::string("touch /usr/x"), std::string("touch /x"), std::string("touch /bin/x"),
+          "rm -r '" + (folder / "beside").native() + "'", std::string("mount -o remount,rw /usr"),
+          std::string("mount -o remount,rw /"), std::string("umount /usr"),
           std::string("mknod /Applications/disk b 8 0"), std::string("echo x > /proc/sys/kernel/core_pattern"),
           std::string("unshare -m mount -o remount,rw,bind /usr"), std::string("chroot /proc/1/root touch /usr/x"),
           std::string("ls /proc/1/root/Users /proc/1/fd/3"), std::string("exec 3<>/dev/tcp/127.0.0.1/22"),
@@ -110,8 +113,9 @@ TEST_F(MachineShell, FollowsTheLinksThatMovesLeave) {
 }
 
 TEST_F(MachineShell, EndsWhatAScriptLeavesRunning) {
-    const auto result = script("(while :; do echo x >> /Users/me/log; sleep 0.05; done) >/dev/null 2>&1 &\n"
-                               "while ! test -s /Users/me/log; do sleep 0.05; done; echo ready");
+    const auto result = script(
+        "(while :; do echo x >> /Users/me/log; sleep 0.05; done) >/dev/null 2>&1 &\n"
+        "while ! test -s /Users/me/log; do sleep 0.05; done; echo ready");
     EXPECT_EQ(result.stdout, "ready\n");
     const auto size = statusOf(machine / "Users/me/log").st_size;
     // It can write only while the process that has ended lives: the namespaces are gone.
@@ -191,7 +195,8 @@ TEST_F(MachineShell, RunsNothingWithoutAMachineInAFolder) {
 /// Packages with scripts.
 class InstallerScripts : public MachineShell {
 protected:
-    CommandResult install(const std::map<std::string, std::string>& scripts, const fs::path& name = "Editor.pkg") const {
+    CommandResult install(const std::map<std::string, std::string>& scripts,
+                          const fs::path& name = "Editor.pkg") const {
         auto component = editorComponent();
         component.place = "/Library/Acme";
         component.scripts = scripts;
@@ -202,13 +207,15 @@ protected:
 
 TEST_F(InstallerScripts, RunAroundThePayloadWithAMacsArgumentsAndEnvironment) {
     const auto result = install(
-        {{"preinstall", "#!/bin/bash\ntest ! -e /Library/Acme/Applications || exit 1\n"
-                        "printf '%s\\n' \"$0\" \"$1\" \"$2\" \"$3\" \"$4\" \"$#\" > /Users/me/pre\ncat beside > /Users/me/beside\n"},
+        {{"preinstall",
+          "#!/bin/bash\ntest ! -e /Library/Acme/Applications || exit 1\n"
+          "printf '%s\\n' \"$0\" \"$1\" \"$2\" \"$3\" \"$4\" \"$#\" > /Users/me/pre\ncat beside > /Users/me/beside\n"},
          {"beside", "a file beside"},
-         {"postinstall", "#!/bin/bash\ntest -e /Library/Acme/Applications/Editor.app || exit 1\n"
-                         "test -f \"$PACKAGE_PATH\" || exit 1; test -d \"$INSTALLER_TEMP\" || exit 1\n"
-                         "echo \"$SCRIPT_NAME $USER $HOME $COMMAND_LINE_INSTALL $INSTALL_PKG_SESSION_ID $(id -u)\" > /Users/me/post\n"
-                         "echo said\n"}});
+         {"postinstall",
+          "#!/bin/bash\ntest -e /Library/Acme/Applications/Editor.app || exit 1\n"
+          "test -f \"$PACKAGE_PATH\" || exit 1; test -d \"$INSTALLER_TEMP\" || exit 1\n"
+          "echo \"$SCRIPT_NAME $USER $HOME $COMMAND_LINE_INSTALL $INSTALL_PKG_SESSION_ID $(id -u)\" > /Users/me/post\n"
+          "echo said\n"}});
     EXPECT_EQ(result.status, 0) << result.stderr << contentOf(machine / "private/var/log/install.log");
     EXPECT_THAT(contentOf(machine / "Users/me/pre"),
                 testing::MatchesRegex("/private/tmp/PKInstallSandbox\\.[0-9A-F]+/Scripts/preinstall\n" +
@@ -222,10 +229,11 @@ TEST_F(InstallerScripts, RunAroundThePayloadWithAMacsArgumentsAndEnvironment) {
 TEST_F(InstallerScripts, ThatFailFailTheInstall) {
     const auto result = install({{"postinstall", "#!/bin/sh\nexit 1\n"}});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.stderr,
-              "installer: The install failed. (The Installer encountered an error that caused the installation to fail. "
-              "Contact the software manufacturer for assistance. An error occurred while running scripts from the package "
-              "\u201CEditor\u201D.)\n");
+    EXPECT_EQ(
+        result.stderr,
+        "installer: The install failed. (The Installer encountered an error that caused the installation to fail. "
+        "Contact the software manufacturer for assistance. An error occurred while running scripts from the package "
+        "\u201CEditor\u201D.)\n");
     EXPECT_THAT(result.stdout, Not(HasSubstr("successful")));
     EXPECT_EQ(runStandIn("pkgutil", {"--pkgs"}).stdout, "");
     EXPECT_THAT(Files::names(machine / "private/tmp"), testing::IsEmpty());

@@ -91,8 +91,9 @@ TEST_F(Xar, ReadsWhatOtherProgramsWriteAndTheyReadWhatItReads) {
     makeFile(tree / "\u00E9\u4E2D", "name");
     for (const char* compression : {"gzip", "bzip2", "xz", "none"}) {
         fs::remove(archive);
-        const auto made = CommandRunner::run("/usr/bin/bsdtar", {"--format=xar", std::string("--options=compression=") + compression,
-                                                                 "-cf", archive, "-C", tree, "."});
+        const auto made = CommandRunner::run(
+            "/usr/bin/bsdtar",
+            {"--format=xar", std::string("--options=compression=") + compression, "-cf", archive, "-C", tree, "."});
         ASSERT_EQ(made.status, 0) << made.stderr;
         fs::remove_all(goal);
         makeFolder(goal);
@@ -123,9 +124,10 @@ TEST_F(Xar, RefusesEntriesThatWouldLieElsewhere) {
         writer.addFile(path, "outside");
         expectRefused(writer, "lie elsewhere");
     }
-    write(XarWriter::around("<xar><toc><checksum style=\"sha1\"><offset>0</offset><size>20</size></checksum>"
-                            "<file id=\"1\"><name>/tmp/x</name><type>file</type></file></toc></xar>",
-                            ""));
+    write(
+        XarWriter::around("<xar><toc><checksum style=\"sha1\"><offset>0</offset><size>20</size></checksum>"
+                          "<file id=\"1\"><name>/tmp/x</name><type>file</type></file></toc></xar>",
+                          ""));
     EXPECT_EQ(list().stdout, "/tmp/x\n");
     EXPECT_EQ(extract().status, 1);
     EXPECT_EQ(Files::names(goal).size(), 0U);
@@ -213,8 +215,9 @@ TEST_F(Xar, DoesNotBelieveSizes) {
     EXPECT_EQ(list().status, 1);
     // An entry that says it has more bytes than there is space on any volume.
     XarWriter huge;
-    huge.addOther("huge", "<type>file</type><data><offset>0</offset><length>1</length><size>99999999999999999</size>"
-                          "<encoding style=\"application/octet-stream\"/></data>");
+    huge.addOther("huge",
+                  "<type>file</type><data><offset>0</offset><length>1</length><size>99999999999999999</size>"
+                  "<encoding style=\"application/octet-stream\"/></data>");
     expectRefused(huge, "not enough space");
     // One whose bytes unpack to more than it says.
     XarWriter more;
@@ -246,7 +249,8 @@ TEST_F(Xar, FindsEveryDamage) {
 TEST_F(Xar, RefusesBrokenTables) {
     for (const char* table :
          {"", "<xar>", "<xar><toc></xar>", "no xml", "<xar><toc><file><type>file</type></file></toc></xar>",
-          "<!DOCTYPE x [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;&a;\">]><xar><toc><file><name>&b;</name></file></toc></xar>",
+          "<!DOCTYPE x [<!ENTITY a \"aaaa\"><!ENTITY b "
+          "\"&a;&a;&a;\">]><xar><toc><file><name>&b;</name></file></toc></xar>",
           "<xar><toc><checksum style=\"sha1\"><offset>-1</offset><size>20</size></checksum></toc></xar>",
           "<xar><toc><checksum style=\"sha1\"><offset>99999999</offset><size>20</size></checksum></toc></xar>",
           "<xar><toc><checksum style=\"sha1\"><offset>0</offset><size>99999999999</size></checksum></toc></xar>",

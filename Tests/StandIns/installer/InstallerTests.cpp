@@ -56,8 +56,9 @@ protected:
 TEST_F(Installer, InstallsAPackageAndRemembersIt) {
     const auto result = install(made(editorComponent()));
     EXPECT_EQ(result.status, 0) << result.stderr;
-    EXPECT_EQ(result.stdout, "installer: Package name is Editor\ninstaller: Installing at base path /\n"
-                             "installer: The install was successful.\n");
+    EXPECT_EQ(result.stdout,
+              "installer: Package name is Editor\ninstaller: Installing at base path /\n"
+              "installer: The install was successful.\n");
     EXPECT_EQ(contentOf(app / "Current"), "#!/bin/sh\n");
     EXPECT_EQ(statusOf(app / "Editor").st_mode & 07777, 0755U);
     EXPECT_EQ(statusOf(app / "Info.plist").st_mode & 07777, 0644U);
@@ -97,15 +98,17 @@ TEST_F(Installer, InstallsAProductOfSeveralPackagesEachAtItsPlace) {
     tool.identifier = "com.acme.tool";
     tool.place = "/usr/local/bin";
     tool.payload.addFile("./tool", "tool", 0755);
-    const auto package = makePackage(folder / "Suite.pkg", PackageWriter::product("Acme Suite", {editorComponent(), tool}));
+    const auto package =
+        makePackage(folder / "Suite.pkg", PackageWriter::product("Acme Suite", {editorComponent(), tool}));
     const auto result = install(package);
     EXPECT_EQ(result.status, 0) << result.stderr;
     EXPECT_THAT(result.stdout, HasSubstr("Package name is Acme Suite\n"));
     EXPECT_EQ(contentOf(machine / "usr/local/bin/tool"), "tool");
     EXPECT_TRUE(Files::exists(app / "Info.plist"));
     EXPECT_EQ(receipts(), "com.acme.editor\ncom.acme.tool\n");
-    EXPECT_EQ(PropertyList::dictionaryAt(machine / "private/var/db/receipts/com.acme.tool.plist").text("InstallPrefixPath"),
-              "usr/local/bin");
+    EXPECT_EQ(
+        PropertyList::dictionaryAt(machine / "private/var/db/receipts/com.acme.tool.plist").text("InstallPrefixPath"),
+        "usr/local/bin");
 }
 
 TEST_F(Installer, PassesOverChoicesThatAreNotSelected) {
@@ -155,12 +158,13 @@ TEST_F(Installer, InstallsPackagesThatAreFolders) {
     makeBundle(meta / "Contents/Packages/One.pkg", "com.acme.one", "one");
     makeBundle(meta / "Contents/Packages/Two.pkg", "com.acme.two", "two");
     const auto entry = [](const char* name, const char* selection) {
-        return PropertyList(PropertyList::Dictionary{{"IFPkgFlagPackageLocation", name},
-                                                     {"IFPkgFlagPackageSelection", selection}});
+        return PropertyList(
+            PropertyList::Dictionary{{"IFPkgFlagPackageLocation", name}, {"IFPkgFlagPackageSelection", selection}});
     };
     makeFile(meta / "Contents/Info.plist",
-             PropertyList(PropertyList::Dictionary{{"IFPkgFlagPackageList", PropertyList::List{entry("One.pkg", "required"),
-                                                                                              entry("Two.pkg", "unselected")}}})
+             PropertyList(
+                 PropertyList::Dictionary{{"IFPkgFlagPackageList", PropertyList::List{entry("One.pkg", "required"),
+                                                                                      entry("Two.pkg", "unselected")}}})
                  .xml());
     const auto result = install(meta);
     EXPECT_EQ(result.status, 0) << result.stderr;
@@ -232,7 +236,8 @@ TEST_F(Installer, RefusesPackageInfosThatReachElsewhere) {
     component.place = "/../../x";
     expectRefused(made(component), "would install elsewhere");
     XarWriter script;
-    script.addFile("PackageInfo", "<pkg-info identifier=\"a\"><scripts><preinstall file=\"../../x\"/></scripts></pkg-info>");
+    script.addFile("PackageInfo",
+                   "<pkg-info identifier=\"a\"><scripts><preinstall file=\"../../x\"/></scripts></pkg-info>");
     expectRefused(makePackage(folder / "S.pkg", script), "script that lies elsewhere");
 }
 
@@ -240,7 +245,8 @@ TEST_F(Installer, WritesThroughLinksOfTheMachineToPlacesOfTheMachine) {
     const fs::path onDrive = machine / "Volumes/Drive/Editor.app";
     makeFolder(onDrive);
     // As this system says it, as the machine's programs do, and from where it stands.
-    for (const fs::path& target : {onDrive, fs::path("/Volumes/Drive/Editor.app"), fs::path("../Volumes/Drive/Editor.app")}) {
+    for (const fs::path& target :
+         {onDrive, fs::path("/Volumes/Drive/Editor.app"), fs::path("../Volumes/Drive/Editor.app")}) {
         fs::remove_all(machine / "Applications");
         fs::remove_all(onDrive);
         makeFolder(onDrive);
