@@ -10,6 +10,7 @@ namespace tarvik::packages {
 class PackageFailure : public Failure {
 public:
     enum class Kind {
+        foreign,  ///< it is not even of its kind
         damaged,  ///< it is not what it says
         unsafe,   ///< it would write where it must not
         tooLarge  ///< more than there is room for, or than is believed
@@ -22,6 +23,10 @@ public:
 private:
     Kind m_kind;
 };
+
+[[noreturn]] inline void failForeign(const std::string& sentence) {
+    throw PackageFailure(PackageFailure::Kind::foreign, sentence);
+}
 
 [[noreturn]] inline void failDamaged(const std::string& sentence) {
     throw PackageFailure(PackageFailure::Kind::damaged, sentence);

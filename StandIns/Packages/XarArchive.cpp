@@ -82,7 +82,7 @@ XarArchive XarArchive::open(const fs::path& file) {
     FileDescriptor handle(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!handle || ::fstat(handle.get(), &status) != 0) throw FileError("open", file, errno);
-    if (!S_ISREG(status.st_mode)) failDamaged(noArchive);
+    if (!S_ISREG(status.st_mode)) failForeign(noArchive);
     XarArchive archive(std::move(handle));
     archive.m_fileSize = static_cast<std::uint64_t>(status.st_size);
     archive.readTable();
@@ -90,13 +90,13 @@ XarArchive XarArchive::open(const fs::path& file) {
 }
 
 void XarArchive::readTable() {
-    if (m_fileSize < headerSize) failDamaged(noArchive);
+    if (m_fileSize < headerSize) failForeign(noArchive);
     const std::string header = rawBytes(0, headerSize);
-    if (!header.starts_with("xar!")) failDamaged(noArchive);
+    if (!header.starts_with("xar!")) failForeign(noArchive);
     const std::uint64_t ownSize = numberIn(header, 4, 2);
     const std::uint64_t packed = numberIn(header, 8, 8);
     const std::uint64_t unpacked = numberIn(header, 16, 8);
-    if (ownSize < headerSize || ownSize > largestHeader || numberIn(header, 6, 2) != 1) failDamaged(noArchive);
+    if (ownSize < headerSize || ownSize > largestHeader || numberIn(header, 6, 2) != 1) failDamaged(damaged);
     if (unpacked > largestTable || packed > largestTable) failTooLarge("The table of contents is too large.");
     if (packed > m_fileSize - std::min(m_fileSize, ownSize)) failDamaged(damaged);
     const std::string table = rawBytes(ownSize, packed);

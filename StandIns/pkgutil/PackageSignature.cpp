@@ -6,7 +6,6 @@
 #include "pkgutil/Chain.h"
 
 #include <algorithm>
-#include <climits>
 #include <memory>
 #include <openssl/bio.h>
 #include <openssl/cms.h>
@@ -145,13 +144,8 @@ Judgement judged(const fs::path& package, const std::optional<fs::path>& trusted
     if (Files::exists(package / ".")) return {};
     try {
         return judgedArchive(XarArchive::open(package), trusted);
-    } catch (const packages::PackageFailure&) {
-        constexpr std::size_t magicSize = 4;
-        try {
-            return {Files::read(package, INT_MAX).substr(0, magicSize) == "xar!" ? Status::invalid : Status::none, {}};
-        } catch (const FileError&) {
-            return {};
-        }
+    } catch (const packages::PackageFailure& failure) {
+        return {failure.kind() == packages::PackageFailure::Kind::foreign ? Status::none : Status::invalid, {}};
     }
 }
 

@@ -111,6 +111,10 @@ struct NewRoot {
     /// At its own path, where that is one that this root makes itself.
     void addShown(const fs::path& root, const fs::path& item) {
         const std::string first = firstStep(item);
+        // What is no item of a disk is the system's, and a socket is a way out.
+        const bool isItem =
+            Files::isFolder(item) || Files::info(item).value_or(Files::ItemInfo{}).type == Files::ItemType::regular;
+        if (!isItem || (isOfSystem(first) && first != "tmp") || isOneOf(first, {"run", "sys"})) return;
         const bool isTaken = std::any_of(pieces.begin(), pieces.end(), [&](const Piece& piece) {
             return Files::isAtOrBelow(item, "/" / piece.place) || Files::isAtOrBelow("/" / piece.place, item);
         });

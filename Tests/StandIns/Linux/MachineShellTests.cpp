@@ -151,6 +151,15 @@ TEST_F(MachineShell, RunsCommandsWithRootsRightsInTheMachine) {
     EXPECT_TRUE(Files::exists(folder / "source/file"));
 }
 
+TEST_F(MachineShell, ShowsNoSocketsAndNothingOfTheRunningSystem) {
+    makeSocket(folder / "socket");
+    makeFile(folder / "file");
+    EXPECT_EQ(ferry({"test", "-e", folder / "file"}).status, 0);
+    EXPECT_NE(ferry({"test", "-e", folder / "socket"}).status, 0);
+    EXPECT_NE(ferry({"test", "-e", "/sys/kernel"}).status, 0);
+    EXPECT_NE(ferry({"test", "-e", "/etc/passwd"}).status, 0);
+}
+
 TEST_F(MachineShell, RunsTheStandInsOfInstallerAndBash) {
     const auto package = makePackage(folder / "Editor.pkg", Practice::PackageWriter::component(editorComponent()));
     const auto result = ferry({"installer", "-pkg", package, "-target", "/"});
