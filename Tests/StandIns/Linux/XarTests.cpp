@@ -162,6 +162,12 @@ TEST_F(Xar, NeverWritesThroughALink) {
     makeLink(goal / "c", folder.path());
     EXPECT_EQ(extract().status, 1);
     EXPECT_FALSE(Files::itemExists(folder / "outside"));
+    // One that leads to a place in the goal.
+    makeFolder(goal / "sub");
+    fs::remove(goal / "c");
+    makeLink(goal / "c", "sub");
+    EXPECT_EQ(extract().status, 1);
+    EXPECT_EQ(Files::names(goal / "sub").size(), 0U);
     // A link in the place of a file is replaced, not followed.
     makeFile(folder / "victim", "safe");
     XarWriter file;
