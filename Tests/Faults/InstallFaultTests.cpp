@@ -1,7 +1,7 @@
 // Every changing system call of an install is made to fail, and the program is killed at every one of them: of the
-// program itself, and of the tool that copies. Whatever happens, what stood on the drive before is whole, there or where
-// the failure says; what stands there now is whole; nothing stays attached or lies in the temporary folder; and the
-// next try succeeds.
+// program itself, and of the tool that copies. Whatever happens, what stood on the drive before is whole, there or
+// where the failure says; what stands there now is whole; nothing stays attached or lies in the temporary folder; and
+// the next try succeeds.
 #include "Discovery/AppScanner.h"
 #include "Faults/FaultPoints.h"
 #include "Faults/FaultTrees.h"
@@ -76,8 +76,8 @@ public:
     }
     CommandResult run(const Fault& fault) const {
         return runTraced({"-e", "trace=" + fault.call, "-e",
-                    "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal) +
-                        (fault.isForGood ? "+" : "")});
+                          "inject=" + fault.call + ":" + fault.effect + ":when=" + std::to_string(fault.ordinal) +
+                              (fault.isForGood ? "+" : "")});
     }
     /// On what the last run has left.
     CommandResult runAgain() const { return runOnWhatIsThere({}); }
@@ -149,15 +149,15 @@ private:
     }
 
     void makeImage() const {
-        const auto made = CommandRunner::run(
-            "/usr/bin/xorriso", {"-as", "mkisofs", "-quiet", "-R", "-V", "Mixer", "-o",
-                                 (m_folder / "Mixer.dmg").native(), m_new.parent_path().native()});
+        const auto made =
+            CommandRunner::run("/usr/bin/xorriso", {"-as", "mkisofs", "-quiet", "-R", "-V", "Mixer", "-o",
+                                                    (m_folder / "Mixer.dmg").native(), m_new.parent_path().native()});
         if (!made.succeeded()) throw std::runtime_error(made.stderr);
     }
     void makeArchive() const {
-        const auto made = CommandRunner::run(
-            "/bin/sh", {"-c", "cd '" + m_new.parent_path().native() + "' && zip -qry '" +
-                                  (m_folder / "Mixer.zip").native() + "' Mixer.app"});
+        const auto made =
+            CommandRunner::run("/bin/sh", {"-c", "cd '" + m_new.parent_path().native() + "' && zip -qry '" +
+                                                     (m_folder / "Mixer.zip").native() + "' Mixer.app"});
         if (!made.succeeded()) throw std::runtime_error(made.stderr);
     }
 
@@ -180,19 +180,19 @@ private:
         return runOnWhatIsThere(tracing);
     }
     CommandResult runOnWhatIsThere(const std::vector<std::string>& tracing) const {
-        std::vector<std::string> tracer;
-        if (!tracing.empty()) tracer = {"/usr/bin/strace", "-qqq", "-y", "-o", (m_folder / "log").native()};
-        tracer.insert(tracer.end(), tracing.begin(), tracing.end());
+        std::vector<std::string> traced;
+        if (!tracing.empty()) traced = {"/usr/bin/strace", "-qqq", "-y", "-o", (m_folder / "log").native()};
+        traced.insert(traced.end(), tracing.begin(), tracing.end());
         for (const char* name : {"ditto", "hdiutil"}) {
             const bool isVictim = m_victim == InstallVictim::copier && std::string(name) == "ditto";
             std::string line = "exec";
             if (isVictim)
-                for (const auto& word : tracer) line += " '" + word + "'";
+                for (const auto& word : traced) line += " '" + word + "'";
             putScript(programs() / "stand-ins" / name,
                       line + " '" + (programOfThisBuild("stand-ins") / name).native() + "' \"$@\"");
         }
         std::vector<std::string> words;
-        if (m_victim == InstallVictim::program) words = tracer;
+        if (m_victim == InstallVictim::program) words = traced;
         words.insert(words.end(), {(programs() / "install-act").native(), m_root.native(),
                                    (m_root / "Users/ada").native(), m_drive.path().native(), source().native()});
         return CommandRunner::run(words.front(), {words.begin() + 1, words.end()});
@@ -217,7 +217,8 @@ protected:
         ASSERT_GE(points.size(), 5U);
         expectDone(world);
         for (const Fault& point : points) {
-            for (const char* error : {"error=EIO", "error=ENOSPC", "error=EACCES"}) tryError(world, point, error, false);
+            for (const char* error : {"error=EIO", "error=ENOSPC", "error=EACCES"})
+                tryError(world, point, error, false);
             tryError(world, point, "error=EIO", true);
             tryKill(world, point);
             if (testing::Test::HasFailure()) return;  // One point tells enough.
