@@ -28,7 +28,7 @@ endif()
 if(APPLE)
     set(thisSystem macOS)
     # Homebrew keeps these apart from the system's own.
-    foreach(formula icu4c openssl@3)
+    foreach(formula icu4c libarchive openssl@3)
         execute_process(COMMAND brew --prefix ${formula} OUTPUT_VARIABLE prefix OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
         list(APPEND CMAKE_PREFIX_PATH ${prefix})
     endforeach()

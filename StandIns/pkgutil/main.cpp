@@ -1,3 +1,5 @@
+#include "Platform/Files/Files.h"
+#include "pkgutil/PackageSignature.h"
 #include "pkgutil/Pattern.h"
 #include "pkgutil/Receipts.h"
 
@@ -12,17 +14,22 @@
 #include <string_view>
 #include <vector>
 
-// Tells and forgets receipts of packages, as a Mac's pkgutil(1) does, on the machine in the folder that the environment
-// variable TARVIK_ROOT names; without one there are no packages.
+// Tells and forgets receipts of packages, and tells who has signed a package, as a Mac's pkgutil(1) does, on the
+// machine in the folder that the environment variable TARVIK_ROOT names; without one there are no packages.
 //
-//     pkgutil --pkgs | --pkgs=REGEXP | --files ID | --forget ID
+//     pkgutil --pkgs | --pkgs=REGEXP | --files ID | --forget ID | --check-signature PACKAGE
 //
 // The manual page tells what these do, and neither words nor exit statuses. Both are from published sessions:
 // - "No receipt for 'ID' found at '/'." and status 1 for a package that is not there; status 1, and no words, when no
 //   package fits a pattern.
 // - A receipt that cannot be removed is told of on standard error, and then the tool says that the package is
 //   forgotten all the same. The sessions do not show the status. It is 0 here: whoever believes it is wrong.
+// - The words about a signature. The sessions show no status for a package that is signed and not trusted. It is 1
+// here,
+//   as for one without a signature.
 // What differs, and why nothing may count on it:
+// - Trusted are the certificates that lie as files, PEM or DER, in the machine's Library/Keychains/TrustedCertificates,
+//   and no others. No notary and no other machine is asked, and a time stamp counts for nothing.
 // - On a Mac only root may forget a receipt. Here it is whoever may write in the receipts' folder.
 // - A bill of materials is a text (see `Receipts`). No other command and no option is understood.
 
@@ -93,6 +100,22 @@ int forget(const std::string& identifier) {
     return 0;
 }
 
+int checkSignature(const tarvik::fs::path& package) {
+    namespace PackageSignature = tarvik::pkgutil::PackageSignature;
+    if (!tarvik::Files::exists(package)) {
+        std::fprintf(stderr, "Could not open package: %s\n", package.c_str());
+        return failed;
+    }
+    const char* root = std::getenv("TARVIK_ROOT");
+    const auto machine = root ? tarvik::Files::resolved(root) : std::nullopt;
+    const auto trusted = machine ? std::optional(*machine / "Library/Keychains/TrustedCertificates") : std::nullopt;
+    const auto judgement = PackageSignature::judged(package, trusted);
+    std::fputs(PackageSignature::described(package, judgement).c_str(), stdout);
+    const bool isTrusted = judgement.status == PackageSignature::Status::trusted ||
+                           judgement.status == PackageSignature::Status::developer;
+    return isTrusted ? 0 : failed;
+}
+
 /// What a word like "--pkgs=REGEXP" says behind its beginning.
 std::optional<std::string> valueOf(std::string_view word, std::string_view beginning) {
     if (!word.starts_with(beginning)) return std::nullopt;
@@ -105,7 +128,11 @@ int answer(const std::vector<std::string_view>& words) {
         if (const auto pattern = valueOf(words[0], "--pkgs=")) return listFitting(*pattern);
     if (words.size() == 2 && words[0] == "--files") return listFiles(std::string(words[1]));
     if (words.size() == 2 && words[0] == "--forget") return forget(std::string(words[1]));
-    std::fputs("Usage: pkgutil --pkgs | --pkgs=REGEXP | --files package-id | --forget package-id\n", stderr);
+    if (words.size() == 2 && words[0] == "--check-signature") return checkSignature(words[1]);
+    std::fputs(
+        "Usage: pkgutil --pkgs | --pkgs=REGEXP | --files package-id | --forget package-id | --check-signature "
+        "package\n",
+        stderr);
     return failed;
 }
 

@@ -34,12 +34,12 @@ constexpr std::array rules = {
              "it reads and forgets the receipts of the machine that runs"},
     ToolRule{&ToolTable::hdiutil, "hdiutil", "/usr/bin/hdiutil", standIn, "it mounts among the real volumes"},
     ToolRule{&ToolTable::xar, "xar", "/usr/bin/xar", itself, "it unpacks into the folder that it is given"},
-    ToolRule{&ToolTable::installer, "installer", "/usr/sbin/installer", none,
+    ToolRule{&ToolTable::installer, "installer", "/usr/sbin/installer", standIn,
              "a package installs wherever it likes, as root"},
-    ToolRule{&ToolTable::bash, "bash", "/bin/bash", none, "a script does whatever it likes"},
+    ToolRule{&ToolTable::bash, "bash", "/bin/bash", standIn, "a script does whatever it likes"},
     ToolRule{&ToolTable::xattr, "xattr", "/usr/bin/xattr", itself, "it changes the items that it is given"},
-    ToolRule{&ToolTable::rootferry, "rootferry", "/usr/local/bin/rootferry", none,
-             "nothing in a folder is worth the rights of root"},
+    ToolRule{&ToolTable::rootferry, "rootferry", "/usr/local/bin/rootferry", standIn,
+             "the rights of root reach the machine that runs"},
     ToolRule{&ToolTable::externalAppLauncher, "external-app-launcher", "", itself, "it is copied, not run"},
 };
 

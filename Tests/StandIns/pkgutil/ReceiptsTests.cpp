@@ -162,7 +162,7 @@ TEST_F(PkgutilReceipts, AreAllThatItIsAskedFor) {
                                                       {"--files"},
                                                       {"--expand", "a", "b"},
                                                       {"--pkgs", "x"},
-                                                      {"--check-signature", "a.pkg"}}) {
+                                                      {"--check-signature"}}) {
         const auto result = run(arguments);
         EXPECT_EQ(result.status, 1);
         EXPECT_THAT(result.stderr, HasSubstr("Usage: pkgutil "));
