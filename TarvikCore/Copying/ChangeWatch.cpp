@@ -70,11 +70,15 @@ bool hasChanged(const struct stat& status, const Mark& mark) {
     return isAfter(SystemCalls::statusChangeTime(status), mark.time);
 }
 
-std::optional<fs::path> changedBelow(const Host&, const fs::path& root, const Mark& mark) {
+std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark) {
     struct stat status {};
     if (::lstat(root.c_str(), &status) != 0) throw FileError("read", root, errno);
     if (isAnother(status, mark) || isAfter(SystemCalls::contentChangeTime(status), mark.time)) return fs::path();
     if (!S_ISDIR(status.st_mode)) return std::nullopt;
+    return changedInside(host, root, mark);
+}
+
+std::optional<fs::path> changedInside(const Host&, const fs::path& root, const Mark& mark) {
     TreeWalk walk(root, {.order = TreeWalk::Order::any});
     if (walk.rootError()) throw FileError("read", root, walk.rootError());
     while (walk.next()) {

@@ -56,4 +56,8 @@ bool hasChanged(const struct stat& status, const Mark& mark);
 /// then.
 std::optional<fs::path> changedBelow(const Host& host, const fs::path& root, const Mark& mark);
 
+/// The same without the root itself, whose time may tell of another time altogether: that of a bundle that was unpacked
+/// is whatever its maker's clock said.
+std::optional<fs::path> changedInside(const Host& host, const fs::path& root, const Mark& mark);
+
 }  // namespace tarvik::ChangeWatch

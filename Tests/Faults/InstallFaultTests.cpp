@@ -180,19 +180,19 @@ private:
         return runOnWhatIsThere(tracing);
     }
     CommandResult runOnWhatIsThere(const std::vector<std::string>& tracing) const {
-        std::vector<std::string> tracer;
-        if (!tracing.empty()) tracer = {"/usr/bin/strace", "-qqq", "-y", "-o", (m_folder / "log").native()};
-        tracer.insert(tracer.end(), tracing.begin(), tracing.end());
+        std::vector<std::string> traced;
+        if (!tracing.empty()) traced = {"/usr/bin/strace", "-qqq", "-y", "-o", (m_folder / "log").native()};
+        traced.insert(traced.end(), tracing.begin(), tracing.end());
         for (const char* name : {"ditto", "hdiutil"}) {
             const bool isVictim = m_victim == InstallVictim::copier && std::string(name) == "ditto";
             std::string line = "exec";
             if (isVictim)
-                for (const auto& word : tracer) line += " '" + word + "'";
+                for (const auto& word : traced) line += " '" + word + "'";
             putScript(programs() / "stand-ins" / name,
                       line + " '" + (programOfThisBuild("stand-ins") / name).native() + "' \"$@\"");
         }
         std::vector<std::string> words;
-        if (m_victim == InstallVictim::program) words = tracer;
+        if (m_victim == InstallVictim::program) words = traced;
         words.insert(words.end(), {(programs() / "install-act").native(), m_root.native(),
                                    (m_root / "Users/ada").native(), m_drive.path().native(), source().native()});
         return CommandRunner::run(words.front(), {words.begin() + 1, words.end()});

@@ -1,6 +1,5 @@
 #include "Installers/Install/AppInstallEngine.h"
 
-#include "Copying/ChangeWatch.h"
 #include "Copying/CopyPlace.h"
 #include "Copying/CopyProof.h"
 #include "Copying/Disposal.h"
@@ -12,6 +11,7 @@
 #include "Copying/MoverError.h"
 #include "Discovery/AppScanner.h"
 #include "Installers/Install/InstallCancellation.h"
+#include "Installers/Install/SourceWatch.h"
 #include "Installers/Planning/InstallerOptionCheck.h"
 #include "Installers/Planning/InstallerOptionPlaces.h"
 #include "Launchers/LauncherAppBuilder.h"
@@ -106,7 +106,11 @@ Disposal::Outcome makeRoom(const Host& host, const Places& places, const std::st
 class GrowingApp {
 public:
     GrowingApp(const Host& host, const Places& places, const TargetDrive& drive)
-        : m_host(host), m_places(places), m_drive(drive), m_start(markOf(places)), m_copy(places.goal) {}
+        : m_host(host),
+          m_places(places),
+          m_drive(drive),
+          m_source(places.source, depthFor(places)),
+          m_copy(places.goal) {}
 
     /// Leaves nothing when it fails.
     void fill(const Cancellation& cancellation) {
@@ -142,24 +146,15 @@ public:
 private:
     static constexpr std::string_view verifyFailed = "verify-failed";
 
-    /// What is written through a memory mapping is seen only after a flush: that is worth its time where the source is
-    /// not to stay.
-    static ChangeWatch::Mark markOf(const Places& places) {
-        return places.isSourceReplaced() ? ChangeWatch::mark(places.source) : ChangeWatch::markUnflushed(places.source);
+    static SourceWatch::Depth depthFor(const Places& places) {
+        return places.isSourceReplaced() ? SourceWatch::Depth::mappedWrites : SourceWatch::Depth::writes;
     }
 
     std::optional<std::string> reasonAgainst() const {
         if (auto reason = CopyProof::reasonAgainst(m_host, m_places.source, m_copy.path(), CopyProof::Count::yes))
             return reason;
         if (!m_drive.holds(m_places.appsRoot)) return "The target drive was disconnected while it was written to.";
-        try {
-            const auto changed = ChangeWatch::changedBelow(m_host, m_places.source, m_start);
-            if (!changed) return std::nullopt;
-            const fs::path item = changed->empty() ? fs::path(m_places.name()) : m_places.name() / *changed;
-            return fmt::format("{} was changed while it was copied.", item.native());
-        } catch (const FileError& error) {
-            return error.description();
-        }
+        return m_source.reasonAgainstCopy(m_host);
     }
 
     Failure failureOf(const std::string& reason) const {
@@ -185,7 +180,7 @@ private:
     const Host& m_host;
     const Places& m_places;
     const TargetDrive& m_drive;
-    ChangeWatch::Mark m_start;
+    SourceWatch m_source;
     CopyPlace m_copy;
 };
 

@@ -17,7 +17,7 @@ namespace {
 class ExpandedArchive {
 public:
     ExpandedArchive(const Host& host, const fs::path& archive)
-        : m_host(host), m_folder(ZipExpander::expand(host, archive)) {}
+        : m_host(host), m_folder(ZipExpander::expand(host, archive, m_hold)) {}
     ~ExpandedArchive() {
         FileStash::moveAside(m_host, m_folder, "zip-run");
         // Where nothing takes it, it is only in the way: the archive holds it all.
@@ -32,6 +32,7 @@ public:
 
 private:
     const Host& m_host;
+    OpenedHold m_hold;
     fs::path m_folder;
 };
 

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
@@ -157,6 +158,18 @@ TEST_F(AppInstallEngineTest, BelievesNoCopyOfWhatChangedMeanwhile) {
     world.withDitto(R"(cp -aT "$2" "$3"; printf CONTENT > "$2/Contents/Resources/data")");
     EXPECT_EQ(install(), "install-app 2: Editor.app/Contents/Resources/data was changed while it was copied.");
     EXPECT_THAT(namesOnDrive(), IsEmpty());
+}
+
+TEST_F(AppInstallEngineTest, BelievesNoCopyOfWhatWasReplacedMeanwhile) {
+    world.withDitto(R"(cp -aT "$2" "$3"; mv "$2" "$2.old"; cp -a "$2.old" "$2")");
+    EXPECT_EQ(install(), "install-app 2: Editor.app was changed while it was copied.");
+}
+
+TEST_F(AppInstallEngineTest, TakesWhatBearsATimeOfTheFuture) {
+    const auto future = fs::file_time_type::clock::now() + std::chrono::hours(5);
+    fs::last_write_time(source / "Contents/Resources/data", future);
+    fs::last_write_time(source, future);
+    EXPECT_EQ(install(), "done");
 }
 
 TEST_F(AppInstallEngineTest, LetsTheLauncherTakeTheSourcesPlace) {

@@ -38,16 +38,21 @@ protected:
     fs::path noting(const std::string& name, const std::string& lines) {
         return world.tool(name, "echo " + name + " \"$@\" >> '" + said.native() + "'\n" + lines);
     }
-    /// An attach that shows the folders, and a detach that succeeds for `goes`.
+    /// An attach that shows the folders, which are out of sight until then, and a detach that succeeds for `goes`.
     void mountBy(const std::vector<fs::path>& volumes, const std::string& goes = "*") {
+        const fs::path contents = world.folder / "in the image";
+        makeFolder(contents);
         std::string list = "<plist version=\"1.0\"><dict><key>system-entities</key><array>";
-        for (const auto& volume : volumes)
+        for (const auto& volume : volumes) {
             list += "<dict><key>mount-point</key><string>" + volume.native() + "</string></dict>";
+            fs::rename(volume, contents / volume.filename());
+        }
         list += "<dict><key>dev-entry</key><string>/dev/disk9</string></dict></array></dict></plist>";
         makeFile(world.folder / "answer", list);
-        world.host.tools.hdiutil =
-            noting("hdiutil", "case $1 in attach) cat '" + (world.folder / "answer").native() +
-                                  "';; detach) case $2 in " + goes + ") exit 0;; esac; exit 1;; esac");
+        const std::string attach = "cp -a '" + contents.native() + "/.' '" + (world.folder / "Volumes").native() +
+                                   "'; cat '" + (world.folder / "answer").native() + "'";
+        world.host.tools.hdiutil = noting("hdiutil", "case $1 in attach) " + attach + ";; detach) case $2 in " + goes +
+                                                         ") exit 0;; esac; exit 1;; esac");
     }
     /// A ditto that expands every archive to what lies in `contents`, and copies as before.
     void expandTo(const fs::path& contents) {
