@@ -47,8 +47,7 @@ void compareListings(const fs::path& volume, int rounds) {
     Table::heading(fmt::format("Two folders with {} items, {} rounds", count, rounds));
 
     // First, while this program is still small: the system counts its memory to those that it starts.
-    const auto run =
-        Measure::program({ProgramLocation::executable().native(), "snapshots", volume.native()});
+    const auto run = Measure::program({ProgramLocation::executable().native(), "snapshots", volume.native()});
     Table::line("peak memory of two snapshots, 10,000 new", fmt::format("{} MB", run.peakMemory / 1'000'000), "", "",
                 "", "150 MB");
 
@@ -56,8 +55,15 @@ void compareListings(const fs::path& volume, int rounds) {
     const std::string find = fmt::format("find '{}' '{}' > '{}' && LC_ALL=C sort -o '{}.sorted' '{}'",
                                          applications.native(), support.native(), listing, listing, listing);
     Table::compare(
-        "snapshot", [&] { Snapshotter::capture({applications, support}); }, "find > file, sort",
-        [&] { Measure::program({"sh", "-c", find}); }, rounds, "<= 1.00");
+        "snapshot",
+        [&] {
+            Snapshotter::capture({applications, support});
+        },
+        "find > file, sort",
+        [&] {
+            Measure::program({"sh", "-c", find});
+        },
+        rounds, "<= 1.00");
 }
 
 /// How often a path of `expected` is not in `seen`. Both are sorted.
