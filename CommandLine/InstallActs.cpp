@@ -20,7 +20,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -85,11 +84,13 @@ Record recordOf(const InstallerOption& option) {
 
 /// Says of each option that cannot be used why.
 void sayWhatIsRefused(const std::vector<InstallerOption>& all) {
-    for (const InstallerOption& option : all) try {
+    for (const InstallerOption& option : all) {
+        try {
             InstallerOptionCheck::requireSafe(option);
         } catch (const Failure& failure) {
             Terminal::say(failure.description());
         }
+    }
 }
 
 }  // namespace
@@ -107,6 +108,7 @@ void list(const Host& host, Format format) {
     const auto all = allOptions(host);
     if (format == Format::human && all.empty()) return Terminal::say("There are no options for installers.");
     std::vector<Record> records;
+    records.reserve(all.size());
     for (const InstallerOption& option : all) records.push_back(recordOf(option));
     Terminal::writeResult(format == Format::human ? InstallTexts::options(all)
                           : format == Format::tsv ? TSVFormatter::options(all)

@@ -52,8 +52,12 @@ std::vector<InstallerOption> loadAll(const fs::path& userRoot) {
 std::vector<InstallerOption> loadAll(const fs::path& builtInRoot, const fs::path& userRoot) {
     std::map<std::string, InstallerOption> byId;
     for (const fs::path& root : {builtInRoot, userRoot})
-        for (const fs::path& file : optionFiles(root))
-            if (auto option = readOption(file)) byId.insert_or_assign(option->id, *std::move(option));
+        for (const fs::path& file : optionFiles(root)) {
+            auto option = readOption(file);
+            if (!option) continue;
+            const std::string id = option->id;
+            byId.insert_or_assign(id, *std::move(option));
+        }
     std::vector<InstallerOption> options;
     options.reserve(byId.size());
     for (auto& [id, option] : byId) options.push_back(std::move(option));
