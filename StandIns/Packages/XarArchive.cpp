@@ -144,8 +144,8 @@ ByteSource XarArchive::packedSource(const XarEntry& entry) const {
     };
     auto state = std::make_shared<State>(State{m_heap + place.offset, place.length, {}});
     return [this, state]() -> std::string_view {
-        constexpr std::uint64_t blockSize = 65536;
-        const std::uint64_t size = std::min(blockSize, state->left);
+        constexpr std::uint64_t pieceSize = 65536;
+        const std::uint64_t size = std::min(pieceSize, state->left);
         state->block = rawBytes(state->at, size);
         state->at += size;
         state->left -= size;

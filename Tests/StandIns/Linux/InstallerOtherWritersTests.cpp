@@ -31,7 +31,8 @@ protected:
         makeLink(tree / "link", "Applications/Editor.app");
         fs::create_hard_link(tree / "large", tree / "twin");
         fs::permissions(tree / "empty", fs::perms(0640));
-        makeFile(parts / "PackageInfo", "<pkg-info identifier=\"com.acme.other\" version=\"3\" install-location=\"/Goal\"/>");
+        makeFile(parts / "PackageInfo",
+                 "<pkg-info identifier=\"com.acme.other\" version=\"3\" install-location=\"/Goal\"/>");
     }
 
     TemporaryFolder folder;
@@ -49,8 +50,8 @@ TEST_F(PackagesOfOthers, AreInstalledAsTheyWereMade) {
           std::string("cpio -o --quiet --format=newc"), std::string("bsdtar -cf - --format=odc -n -T - | xz"),
           std::string("bsdtar -cf - --format=newc -n -T - | gzip")}) {
         shell(inTree + packer + payload);
-        shell("rm -f '" + (folder / "Other.pkg").native() + "'; cd '" + parts.native() + "' && bsdtar --format=xar -cf '" +
-              (folder / "Other.pkg").native() + "' PackageInfo Payload");
+        shell("rm -f '" + (folder / "Other.pkg").native() + "'; cd '" + parts.native() +
+              "' && bsdtar --format=xar -cf '" + (folder / "Other.pkg").native() + "' PackageInfo Payload");
         const auto result = runStandIn("installer", {"-pkg", folder / "Other.pkg", "-target", "/"});
         ASSERT_EQ(result.status, 0) << packer << result.stderr;
         EXPECT_EQ(pictureOf(machine / "Goal"), pictureOf(tree)) << packer;

@@ -83,7 +83,7 @@ TEST_F(Installer, ReadsPayloadsPackedInEveryWay) {
         auto component = editorComponent();
         component.compression = compression;
         std::string large;
-        for (int line = 0; line < 300'000; ++line) large += std::to_string(line * 7919) + "\n";
+        for (int line = 0; line < 300'000; ++line) large += std::to_string(line * 7919LL) + "\n";
         component.payload.addFile("./Library/large", large);
         const auto result = install(made(component));
         EXPECT_EQ(result.status, 0) << static_cast<int>(compression) << result.stderr;
