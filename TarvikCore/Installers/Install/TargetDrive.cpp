@@ -4,7 +4,7 @@
 
 namespace tarvik {
 
-TargetDrive::TargetDrive(const Host& host, fs::path mountPath, const std::optional<std::string>& mark)
+TargetDrive::TargetDrive(const Host& host, const fs::path& mountPath, const std::optional<std::string>& mark)
     : m_mountPath(Files::standardized(mountPath)), m_volume(DriveGuard::ofMarked(host, m_mountPath, mark)) {}
 
 }  // namespace tarvik

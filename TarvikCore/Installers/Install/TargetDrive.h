@@ -17,7 +17,7 @@ class TargetDrive {
 public:
     /// The drive that is mounted there, and bore this mark (`DriveScanner::markOf`) when the user chose it; without one
     /// any will do. @throws Failure "Target drive disconnected" when none is, or another one.
-    TargetDrive(const Host& host, fs::path mountPath, const std::optional<std::string>& mark = std::nullopt);
+    TargetDrive(const Host& host, const fs::path& mountPath, const std::optional<std::string>& mark = std::nullopt);
 
     const fs::path& mountPath() const { return m_mountPath; }
 
