@@ -8,6 +8,17 @@
 
 namespace tarvik {
 
+namespace {
+
+/// A system mostly tells standardized paths, and there are many of them: those that surely are need no second look.
+std::string standardizedText(const std::string& path) {
+    const bool surelyIs = path.starts_with('/') && path.size() > 1 && path.back() != '/' &&
+                          path.find("//") == path.npos && path.find("/.") == path.npos;
+    return surelyIs ? path : Files::standardized(path).native();
+}
+
+}  // namespace
+
 FilesystemEventRecorder::FilesystemEventRecorder(const Host& host, const std::vector<fs::path>& roots)
     : m_source(host.fileEvents) {
     std::transform(roots.begin(), roots.end(), std::back_inserter(m_roots), Files::standardized);
@@ -26,7 +37,9 @@ void FilesystemEventRecorder::start() {
 std::vector<std::string> FilesystemEventRecorder::stop() {
     m_stream.reset();
     const std::lock_guard guard(m_lock);
-    return {m_paths.begin(), m_paths.end()};
+    std::vector<std::string> paths(m_paths.begin(), m_paths.end());
+    std::sort(paths.begin(), paths.end());
+    return paths;
 }
 
 std::vector<std::string> FilesystemEventRecorder::warnings() const {
@@ -37,7 +50,7 @@ std::vector<std::string> FilesystemEventRecorder::warnings() const {
 void FilesystemEventRecorder::record(const std::vector<std::string>& paths) {
     std::vector<std::string> standardized;
     standardized.reserve(paths.size());
-    for (const std::string& path : paths) standardized.push_back(Files::standardized(path).native());
+    for (const std::string& path : paths) standardized.push_back(standardizedText(path));
     const std::lock_guard guard(m_lock);
     m_paths.insert(std::make_move_iterator(standardized.begin()), std::make_move_iterator(standardized.end()));
 }

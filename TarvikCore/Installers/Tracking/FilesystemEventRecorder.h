@@ -6,8 +6,8 @@
 
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace tarvik {
@@ -42,7 +42,7 @@ private:
     std::vector<fs::path> m_roots;
     mutable std::mutex m_lock;  // Guards what follows the stream: it tells from a thread of its own.
     std::unique_ptr<FileEvents::Stream> m_stream;
-    std::set<std::string> m_paths;
+    std::unordered_set<std::string> m_paths;
     std::vector<std::string> m_warnings;
 };
 

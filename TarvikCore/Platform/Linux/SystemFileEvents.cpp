@@ -32,7 +32,7 @@ using namespace std::chrono_literals;
 constexpr auto latency = 250ms;
 /// How long events gather before they are read: each look at them holds up those who make them. The system keeps 16,384
 /// by default.
-constexpr auto rest = 2ms;
+constexpr auto rest = 5ms;
 /// How long a folder that has left may take to come back under another name.
 constexpr auto returnTime = 250ms;
 /// The coarsest times that a volume keeps, those of FAT.

@@ -26,9 +26,13 @@ fs::path realPlace(const fs::path& path) {
     return path == path.parent_path() ? path : realPlace(path.parent_path()) / path.filename();
 }
 
-std::string joined(std::string path, std::string_view name) {
+void append(std::string& path, std::string_view name) {
     if (!path.ends_with('/')) path += '/';
     path += name;
+}
+
+std::string joined(std::string path, std::string_view name) {
+    append(path, name);
     return path;
 }
 
@@ -61,7 +65,7 @@ void WatchedTree::begin() {
 }
 
 void WatchedTree::handle(const inotify_event& event) {
-    const std::string name(event.len > 0 ? event.name : "");
+    const std::string_view name(event.len > 0 ? event.name : "");
     if (const auto ways = m_ways.find(event.wd); ways != m_ways.end()) {
         const auto met = ways->second;
         if ((event.mask & IN_IGNORED) != 0) m_ways.erase(ways);
@@ -71,11 +75,17 @@ void WatchedTree::handle(const inotify_event& event) {
     Folder* const folder = known(event.wd);
     if (!folder) return;
     if ((event.mask & IN_IGNORED) != 0) return end(*folder);
-    const auto path = pathOf(*folder, &Root::text);
-    if (!path) return;  // What happens where it has gone is nobody's business.
-    m_teller.happened(name.empty() ? *path : joined(*path, name));
+    if (m_pathWatch != event.wd) {
+        const auto path = pathOf(*folder, &Root::text);
+        if (!path) return;  // What happens where it has gone is nobody's business.
+        m_path = *path;
+        m_pathWatch = event.wd;
+    }
+    m_eventPath = m_path;
+    if (!name.empty()) append(m_eventPath, name);
+    m_teller.happened(m_eventPath);
     const bool isComingOrGoing = (event.mask & wayEvents) != 0;
-    if ((event.mask & IN_ISDIR) != 0 && isComingOrGoing && !name.empty()) settle(*folder, name);
+    if ((event.mask & IN_ISDIR) != 0 && isComingOrGoing && !name.empty()) settle(*folder, std::string(name));
 }
 
 /// The system has ended a watch: the folder was removed, or its volume went, under which there may be another folder.
@@ -161,6 +171,7 @@ void WatchedTree::settleRoot(std::size_t root, Tells tells) {
     }
     folder->root = root;
     folder->round = m_round;
+    m_pathWatch = -1;
     m_rootFolders[root] = folder.get();
     if (tells != Tells::nothing) m_teller.happened(text);
     walk(folder.get(), text, place, tells);
@@ -215,6 +226,7 @@ WatchedTree::Folder* WatchedTree::placed(int watch, Folder& above, std::string_v
         }
         folder->above = &above;
         folder->name = name;
+        m_pathWatch = -1;
         above.below.emplace(name, folder.get());
     }
     folder->round = m_round;
@@ -230,6 +242,7 @@ void WatchedTree::leave(Folder& folder) {
 void WatchedTree::unlink(Folder& folder) {
     if (folder.above) folder.above->below.erase(folder.name);
     folder.above = nullptr;
+    m_pathWatch = -1;
 }
 
 /// A folder that has left, with all that is below it.
@@ -302,7 +315,7 @@ std::optional<std::string> WatchedTree::pathOf(const Folder& folder, std::string
     for (; top->above; top = top->above) trail.push_back(top);
     if (!top->root) return std::nullopt;
     std::string path = m_roots[*top->root].*form;
-    for (auto part = trail.rbegin(); part != trail.rend(); ++part) path = joined(std::move(path), (*part)->name);
+    for (auto part = trail.rbegin(); part != trail.rend(); ++part) append(path, (*part)->name);
     return path;
 }
 

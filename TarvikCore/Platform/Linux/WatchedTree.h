@@ -116,6 +116,10 @@ private:
     std::unordered_map<int, std::vector<Way>> m_ways;
     std::deque<Left> m_left;
     std::set<std::string> m_missed;
+    // Most events come in runs in one folder: its path is kept until any folder changes its place.
+    int m_pathWatch = -1;
+    std::string m_path;
+    std::string m_eventPath;
     std::timespec m_changedSince{};
     unsigned m_round = 0;
 };
