@@ -1,7 +1,7 @@
 #include "CommandLine/InstallTexts.h"
 
 #include "CommandLine/Output/Columns.h"
-#include "Platform/Files/Files.h"
+#include "Installers/Opening/ZipFolder.h"
 #include "Platform/Text/Text.h"
 
 #include <fmt/format.h>
@@ -46,9 +46,9 @@ std::string yesOrNo(bool is) {
 
 /// Where the item is: its path, or of what was unpacked its path in the archive.
 std::string placeOf(const InstallableItem& item, const fs::path& temporary) {
-    if (!Files::isAtOrBelow(item.path, temporary)) return Columns::oneLine(item.path.native());
     const fs::path unpacked = item.path.lexically_relative(temporary);
-    return Columns::oneLine(unpacked.lexically_relative(*unpacked.begin()).native());
+    const bool isUnpacked = !unpacked.empty() && ZipFolder::isName(unpacked.begin()->native());
+    return Columns::oneLine((isUnpacked ? unpacked.lexically_relative(*unpacked.begin()) : item.path).native());
 }
 
 std::string warningsOf(const std::vector<std::string>& warnings) {

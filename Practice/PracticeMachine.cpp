@@ -6,6 +6,7 @@
 #include "Practice/Dice.h"
 #include "Practice/DriftedItems.h"
 #include "Practice/Duplicates.h"
+#include "Practice/InstallerSamples.h"
 #include "Practice/Records.h"
 #include "Practice/SpecialApps.h"
 #include "Practice/TreeWriter.h"
@@ -198,6 +199,7 @@ Machine build(const fs::path& folder, const Options& options) {
         addSpecialApps(writer, machine, records);
         addUninstallSamples(writer, machine);
         addDuplicates(writer, machine);
+        addInstallerSamples(writer, machine);
         if (options.broken) addDriftedItems(writer, machine, records);
         records.write(writer, machine);
     }

@@ -40,9 +40,8 @@
 // - A container with several APFS volumes is refused: 7-Zip does not tell apart which items are whose.
 // - Of images whose pieces are in LZFSE, 7-Zip takes those for damaged in which a block is stored as it is.
 // - An encrypted image asks for no password, one with a licence shows none: both fail at once.
-// - Volumes on which something is open are not detached, with status 16, as by a Mac's tool; of programs of others, and
-// on
-//   a Mac, that is not known.
+// - Volumes on which something is open are not detached, with status 16, as by a Mac's tool; of programs of
+//   others, and on a Mac, that is not known.
 // - No other command and no other option is understood.
 
 namespace {

@@ -3,6 +3,7 @@
 #include "Copying/FileStash.h"
 #include "Installers/Inspection/ContainedItemScanner.h"
 #include "Installers/Inspection/ContainedItems.h"
+#include "Installers/Opening/OpenedHold.h"
 #include "Installers/Opening/ZipExpander.h"
 #include "Platform/Basics/Failure.h"
 
@@ -14,7 +15,7 @@ namespace {
 class ExpandedArchive {
 public:
     ExpandedArchive(const Host& host, const fs::path& archive)
-        : m_host(host), m_folder(ZipExpander::expand(host, archive)) {}
+        : m_host(host), m_folder(ZipExpander::expand(host, archive, m_hold)) {}
     ~ExpandedArchive() {
         ignoringFailure([&] { FileStash::moveAside(m_host, m_folder, "zip-inspect"); });
     }
@@ -25,6 +26,7 @@ public:
 
 private:
     const Host& m_host;
+    OpenedHold m_hold;
     const fs::path m_folder;
 };
 

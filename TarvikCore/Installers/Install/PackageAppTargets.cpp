@@ -70,7 +70,8 @@ public:
         ignoringFailure([&] {
             Files::createFolder(host.temporary);
             clearLeftovers(host.temporary);
-            for (int attempt = 0; attempt < mostAttempts && m_folder.empty(); ++attempt) claim(host.temporary);
+            for (int attempt = 1; attempt <= mostAttempts && m_folder.empty(); ++attempt)
+                claim(host.temporary, attempt == mostAttempts);
         });
     }
     ~ScratchFolder() {
@@ -86,16 +87,23 @@ public:
 private:
     static constexpr int mostAttempts = 5;
 
-    void claim(const fs::path& temporary) {
+    void claim(const fs::path& temporary, bool isLast) {
         const fs::path folder = temporary / (std::string(folderPrefix) + newIdentifier());
         if (!Files::claim(folder)) return;
         m_held = ItemLock::hold(folder);
-        // Another one may have cleared it away before it was held.
-        if (Files::itemExists(folder)) m_folder = folder;
+        // Another one may be clearing it away before it is held. Where nothing can be locked, nothing is cleared.
+        if (ItemLock::isHeldAt(folder, m_held) || isLast)
+            m_folder = folder;
+        else
+            ignoringFailure([&] { Files::removeItem(folder); });
+    }
+    static bool isName(std::string_view name) {
+        constexpr std::size_t uuidLength = 36;
+        return name.starts_with(folderPrefix) && name.size() == folderPrefix.size() + uuidLength;
     }
     static void clearLeftovers(const fs::path& temporary) {
         for (const auto& name : Files::names(temporary)) {
-            if (!name.starts_with(folderPrefix)) continue;
+            if (!isName(name)) continue;
             const FileDescriptor lock = ItemLock::holdAlone(temporary / name);
             if (lock) ignoringFailure([&] { Files::removeItem(temporary / name); });
         }

@@ -6,6 +6,7 @@
 #include "Platform/Basics/Failure.h"
 #include "Platform/Processes/CommandRunner.h"
 
+#include <string>
 #include <unistd.h>
 
 namespace tarvik::DiskImageMounter {
@@ -20,12 +21,16 @@ constexpr int unreadableAnswer = 1;
 DiskImageMount attach(const Host& host, const fs::path& image) {
     OpenedLeftovers::sweep(host);
     DiskImageNote note = DiskImageNote::make(host, image);
+    bool isAnswerUnread = false;
     try {
         const auto result = CommandRunner::runWritingTo(note.file(), host.tools.hdiutil,
                                                         {"attach", image.native(), "-plist", "-nobrowse", "-readonly"});
         if (!result.succeeded()) throw Failure(domain, result.status, result.stderr);
+        isAnswerUnread = true;
         DiskImageMount mount{.imagePath = image, .mountPoints = {}, .devicePaths = {}};
-        if (!DiskImageTool::readAnswer(note.answer(), mount))
+        const std::string answer = note.answer();
+        isAnswerUnread = false;
+        if (!DiskImageTool::readAnswer(answer, mount))
             throw Failure(domain, unreadableAnswer, "The answer of hdiutil could not be read.");
         mount.isBorrowed = note.wasThere(mount);
         if (mount.isBorrowed) {
@@ -35,7 +40,8 @@ DiskImageMount attach(const Host& host, const fs::path& image) {
         }
         return mount;
     } catch (...) {
-        note.remove();
+        // An answer that could not be read from the disk now may be at the next start.
+        if (!isAnswerUnread) note.remove();
         throw;
     }
 }

@@ -17,15 +17,16 @@ namespace {
 /// them apart by recursion: many enough end the program. No key of an option has more than one part.
 constexpr std::size_t mostKeyDots = 500;
 
-/// The full stops in a document, a few too many: those in texts are no part of a key.
-std::size_t countKeyDots(std::string_view document) {
-    std::size_t count = 0;
+/// The full stops of the line that has most, a few too many: those in texts are no part of a key. No key goes on in
+/// another line.
+std::size_t mostDotsOfLine(std::string_view document) {
+    std::size_t most = 0;
     for (const std::string_view line : Text::lines(document)) {
         const auto begin = line.find_first_not_of(" \t");
         const bool isComment = begin != line.npos && line[begin] == '#';
-        if (!isComment) count += static_cast<std::size_t>(std::count(line.begin(), line.end(), '.'));
+        if (!isComment) most = std::max(most, static_cast<std::size_t>(std::count(line.begin(), line.end(), '.')));
     }
-    return count;
+    return most;
 }
 
 // Each reads a key that must be there. @returns whether it is, with a value of that type.
@@ -78,7 +79,7 @@ std::optional<InstallerOption> optionOf(const toml::table& table) {
 }  // namespace
 
 std::optional<InstallerOption> parsed(std::string_view text) {
-    if (countKeyDots(text) > mostKeyDots) return std::nullopt;
+    if (mostDotsOfLine(text) > mostKeyDots) return std::nullopt;
     try {
         return optionOf(toml::parse(text));
     } catch (const toml::parse_error&) {

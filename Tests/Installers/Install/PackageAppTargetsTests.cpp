@@ -148,7 +148,7 @@ TEST_F(PackageAppTargetsTest, AreNoneWhereTheTemporaryFolderCannotBeMade) {
 }
 
 TEST_F(PackageAppTargetsTest, LeaveNothingOfAKilledLook) {
-    const fs::path leftover = world.host.temporary / "TarvikPkgInfo-LEFT";
+    const fs::path leftover = world.host.temporary / "TarvikPkgInfo-01BE468E-9C73-4533-82F2-5C3C70B1431C";
     makeFile(leftover / "PackageInfo");
     makeFile(world.host.temporary / "TarvikZip-OTHER/file");
     unpackBy("exit 0");

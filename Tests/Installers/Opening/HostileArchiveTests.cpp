@@ -1,7 +1,7 @@
 #include "Installers/Opening/ZipCheck.h"
 #include "Installers/Opening/ZipExpander.h"
 #include "Platform/Files/Files.h"
-#include "Support/MadeZip.h"
+#include "Practice/Archives/ZipWriter.h"
 #include "Support/Mutator.h"
 #include "Support/RealVolume.h"
 #include "Support/ThrownFailure.h"
@@ -19,6 +19,7 @@
 namespace tarvik::test {
 namespace {
 
+using Practice::ZipWriter;
 using ::testing::IsEmpty;
 
 /// A world deep enough that what climbs out of the temporary folder still lands in it, with this system's own tool. All
@@ -65,19 +66,20 @@ private:
 TEST(HostileArchive, WritesNothingOutside) {
     HostileWorld world;
     const std::string out = world.outside;
-    const std::vector<MadeZip> archives = {
-        MadeZip().add({.name = "../evil"}),
-        MadeZip().add({.name = out + "/evil"}),
-        MadeZip().addLink("link", out).add({.name = "link/evil"}),
-        MadeZip().addLink("link", out + "/victim").add({.name = "link", .content = "evil"}),
-        MadeZip().add({.name = "link/evil"}).addLink("link", out),
-        MadeZip().add({.name = "good", .localName = "../evil"}),
-        MadeZip().add({.name = "../evil", .isListed = false}),
-        MadeZip().add({.name = "device", .mode = 0060666}),
-        MadeZip().add({.name = "hard", .extra = MadeZip::field(0x000D, lowFirst(0, 12) + out + "/victim")}),
-        MadeZip().addLink("one", "..").addLink("one/two", "..").add({.name = "one/two/evil"}),
+    const std::vector<ZipWriter> archives = {
+        ZipWriter().add({.name = "../evil"}),
+        ZipWriter().add({.name = out + "/evil"}),
+        ZipWriter().addLink("link", out).add({.name = "link/evil"}),
+        ZipWriter().addLink("link", out + "/victim").add({.name = "link", .content = "evil"}),
+        ZipWriter().add({.name = "link/evil"}).addLink("link", out),
+        ZipWriter().add({.name = "good", .localName = "../evil"}),
+        ZipWriter().add({.name = "../evil", .isListed = false}),
+        ZipWriter().add({.name = "device", .mode = 0060666}),
+        ZipWriter().add(
+            {.name = "hard", .extra = ZipWriter::field(0x000D, Practice::lowFirst(0, 12) + out + "/victim")}),
+        ZipWriter().addLink("one", "..").addLink("one/two", "..").add({.name = "one/two/evil"}),
     };
-    for (const MadeZip& archive : archives) {
+    for (const ZipWriter& archive : archives) {
         EXPECT_EQ(world.expand(archive.bytes()), 1);
         EXPECT_THAT(Files::names(world.host.temporary), IsEmpty());
         EXPECT_THAT(Files::names(world.trash->folder), IsEmpty()) << "nothing was unpacked";
@@ -86,7 +88,7 @@ TEST(HostileArchive, WritesNothingOutside) {
 
 TEST(HostileArchive, KeepsLinksThatOnlyLeadOutside) {
     HostileWorld world;
-    EXPECT_EQ(world.expand(MadeZip().addLink("Applications", "/Applications").add({.name = "App.app/file"}).bytes()),
+    EXPECT_EQ(world.expand(ZipWriter().addLink("Applications", "/Applications").add({.name = "App.app/file"}).bytes()),
               0);
     EXPECT_EQ(Files::readLink(world.expanded / "Applications"), "/Applications");
 }
@@ -96,7 +98,7 @@ TEST(HostileArchive, NeverStaysInTheTemporaryFolderWhereItsNamesAreTooMuch) {
     std::string deep;
     for (int level = 0; level < 10'000; ++level) deep += "d/";
     for (const std::string& name : {deep + "file", std::string(4096, 'n'), std::string(300, 'n') + "/file"}) {
-        EXPECT_NE(world.expand(MadeZip().add({.name = "first"}).add({.name = name}).bytes()), 0);
+        EXPECT_NE(world.expand(ZipWriter().add({.name = "first"}).add({.name = name}).bytes()), 0);
         EXPECT_THAT(Files::names(world.host.temporary), IsEmpty());
         world.clear();
     }
@@ -105,7 +107,7 @@ TEST(HostileArchive, NeverStaysInTheTemporaryFolderWhereItsNamesAreTooMuch) {
 /// On a volume that takes them for one, the tool says so or lets the last one win; outside nothing changes.
 TEST(HostileArchive, MayHoldNamesThatDifferOnlyInCase) {
     HostileWorld world;
-    const std::string bytes = MadeZip().add({.name = "file"}).add({.name = "FILE"}).add({.name = "File/x"}).bytes();
+    const std::string bytes = ZipWriter().add({.name = "file"}).add({.name = "FILE"}).add({.name = "File/x"}).bytes();
     const int code = world.expand(bytes);
     EXPECT_FALSE(ZipCheck::of(world.archive).isUnsafe);
     if (code != 0) return;
@@ -119,7 +121,7 @@ TEST(HostileArchive, IsRefusedWhenItClaimsMoreThanTheVolumeHolds) {
     world.host.temporary = volume / "tmp";
     makeFolder(world.host.temporary);
     world.volumes->available = 2 * megabyte;
-    MadeZip bomb;
+    ZipWriter bomb;
     for (int i = 0; i < 100; ++i) bomb.add({.name = std::to_string(i), .content = "1", .claimedSize = 100'000'000});
     makeFile(world.archive, bomb.bytes());
     EXPECT_LT(fs::file_size(world.archive), 10'240U);
@@ -134,7 +136,7 @@ TEST(HostileArchive, LeavesNothingInTheTemporaryFolderWhenTheDriveIsFull) {
     const RealVolume volume = RealVolume::memory(world.folder.path(), 2 * megabyte);
     world.host.temporary = volume / "tmp";
     world.volumes->available = std::nullopt;
-    MadeZip().add({.name = "large", .content = std::string(5'000'000, 'x')}).writeTo(world.archive);
+    ZipWriter().add({.name = "large", .content = std::string(5'000'000, 'x')}).writeTo(world.archive);
     const Failure failure = failureThrownBy([&] { ZipExpander::expand(world.host, world.archive); });
     EXPECT_EQ(failure.domain(), "zip");
     EXPECT_THAT(failure.description(), ::testing::HasSubstr("No space left on device"));
@@ -142,7 +144,7 @@ TEST(HostileArchive, LeavesNothingInTheTemporaryFolderWhenTheDriveIsFull) {
 }
 
 TEST(HostileArchive, IsReadQuicklyHoweverManyEntriesItHas) {
-    MadeZip archive;
+    ZipWriter archive;
     for (int i = 0; i < 50'000; ++i)
         archive.add({.name = "folder " + std::to_string(i % 100) + "/file " + std::to_string(i)});
     archive.addLink("folder 7x", "/tmp");
@@ -155,7 +157,7 @@ TEST(HostileArchive, IsReadQuicklyHoweverManyEntriesItHas) {
 
 /// An archive with everything that a hostile one may try, parts of which are then broken.
 std::string baseOfFuzz(const std::string& outside, unsigned kind) {
-    MadeZip archive;
+    ZipWriter archive;
     archive.addFolder("folder/").add({.name = "folder/file", .content = "content"});
     archive.add({.name = "late", .content = "late sizes", .hasDescriptor = true});
     archive.addLink(kind % 2 == 0 ? "link" : "lynk", outside).add({.name = "link/evil", .content = "evil"});
@@ -169,7 +171,8 @@ std::string baseOfFuzz(const std::string& outside, unsigned kind) {
 Mutator mutatorOfArchives(unsigned seed) {
     return {seed,
             {std::string("PK\3\4"), std::string("PK\1\2"), std::string("PK\5\6"), std::string("PK\6\6"),
-             std::string("PK\6\7"), std::string("PK\7\b"), "../", "/", "link", lowFirst(1, 2), lowFirst(0, 8)}};
+             std::string("PK\6\7"), std::string("PK\7\b"), "../", "/", "link", Practice::lowFirst(1, 2),
+             Practice::lowFirst(0, 8)}};
 }
 
 TEST(HostileArchive, IsReadWithoutHarmHoweverItIsBroken) {

@@ -2,7 +2,7 @@
 #include "Installers/Opening/OpenedLeftovers.h"
 #include "Installers/Opening/ZipExpander.h"
 #include "Platform/Files/Files.h"
-#include "Support/MadeZip.h"
+#include "Practice/Archives/ZipWriter.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
 
@@ -19,6 +19,7 @@
 namespace tarvik::test {
 namespace {
 
+using Practice::ZipWriter;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -53,7 +54,7 @@ class LeftoversWorld : public World {
 public:
     LeftoversWorld() : started(folder / "started"), go(folder / "go"), point(folder / "Volumes/Image") {
         makeFile(folder / "image.dmg");
-        MadeZip().add({.name = "file"}).writeTo(folder / "archive.zip");
+        ZipWriter().add({.name = "file"}).writeTo(folder / "archive.zip");
         withDitto("echo half > \"$4/half\"; touch '" + started.native() + "'; " + waitFor(go) + "\ntouch \"$4/rest\"");
         hdiutil("touch '" + started.native() + "'; " + waitFor(go));
     }

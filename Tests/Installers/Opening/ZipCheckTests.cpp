@@ -1,5 +1,5 @@
 #include "Installers/Opening/ZipCheck.h"
-#include "Support/MadeZip.h"
+#include "Practice/Archives/ZipWriter.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
@@ -12,23 +12,25 @@
 namespace tarvik::test {
 namespace {
 
+using Practice::ZipWriter;
+
 ZipCheck checkOfBytes(const std::string& bytes) {
     const TemporaryFolder folder;
     makeFile(folder / "archive.zip", bytes);
     return ZipCheck::of(folder / "archive.zip");
 }
 
-bool isUnsafe(const MadeZip& archive) {
+bool isUnsafe(const ZipWriter& archive) {
     return checkOfBytes(archive.bytes()).isUnsafe;
 }
 
 /// A single file, and otherwise what every archive has.
-bool isUnsafe(const MadeZip::Entry& entry) {
-    return isUnsafe(MadeZip().addFolder("App.app/").add({.name = "App.app/first"}).add(entry).add({.name = "last"}));
+bool isUnsafe(const ZipWriter::Entry& entry) {
+    return isUnsafe(ZipWriter().addFolder("App.app/").add({.name = "App.app/first"}).add(entry).add({.name = "last"}));
 }
 
 TEST(ZipCheck, FindsNoFaultWithOrdinaryArchives) {
-    MadeZip archive;
+    ZipWriter archive;
     archive.addFolder("App.app/").add({.name = "App.app/Contents/Info.plist", .content = "<plist/>"});
     archive.addLink("App.app/Contents/Frameworks/F.framework/Versions/Current", "A");
     archive.add({.name = "App.app/Contents/Frameworks/F.framework/Versions/A/F", .content = "code"});
@@ -44,7 +46,7 @@ TEST(ZipCheck, FindsNoFaultWithOrdinaryArchives) {
 }
 
 TEST(ZipCheck, TakesAnEmptyArchiveAndWhatIsNoneForSafe) {
-    EXPECT_FALSE(isUnsafe(MadeZip()));
+    EXPECT_FALSE(isUnsafe(ZipWriter()));
     EXPECT_EQ(checkOfBytes(""), ZipCheck());
     EXPECT_EQ(checkOfBytes("PK"), ZipCheck());
     EXPECT_EQ(checkOfBytes(std::string(100'000, 'P')), ZipCheck());
@@ -63,100 +65,102 @@ TEST(ZipCheck, FindsNamesThatLeadOut) {
 }
 
 TEST(ZipCheck, FindsPathsThroughALinkInAnyOrder) {
-    const MadeZip::Entry below{.name = "link/evil"};
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/tmp").add(below)));
-    EXPECT_TRUE(isUnsafe(MadeZip().add(below).addLink("link", "/tmp")));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link/", "/tmp").add(below)));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("./link", "/tmp").add({.name = "link//deeper/evil"})));
-    EXPECT_FALSE(isUnsafe(MadeZip().addLink("link", "/tmp").add({.name = "link2/good"})));
+    const ZipWriter::Entry below{.name = "link/evil"};
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link", "/tmp").add(below)));
+    EXPECT_TRUE(isUnsafe(ZipWriter().add(below).addLink("link", "/tmp")));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link/", "/tmp").add(below)));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("./link", "/tmp").add({.name = "link//deeper/evil"})));
+    EXPECT_FALSE(isUnsafe(ZipWriter().addLink("link", "/tmp").add({.name = "link2/good"})));
 }
 
 TEST(ZipCheck, TakesNamesThatAVolumeTakesForOneForOne) {
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("LINK", "/tmp").add({.name = "link/evil"})));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("caf\xC3\xA9", "/tmp").add({.name = "cafe\xCC\x81/evil"})));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("caf\xC3\xA9", "/tmp").add({.name = "caf\x82/evil"})));
-    const std::string path = lowFirst(1, 1) + lowFirst(0, 4) + "link";
-    EXPECT_TRUE(isUnsafe(MadeZip()
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("LINK", "/tmp").add({.name = "link/evil"})));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("caf\xC3\xA9", "/tmp").add({.name = "cafe\xCC\x81/evil"})));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("caf\xC3\xA9", "/tmp").add({.name = "caf\x82/evil"})));
+    const std::string path = Practice::lowFirst(1, 1) + Practice::lowFirst(0, 4) + "link";
+    EXPECT_TRUE(isUnsafe(ZipWriter()
                              .addLink("link", "/tmp")
-                             .add({.name = "other/evil", .extra = MadeZip::field(0x7075, path + "/evil")})));
+                             .add({.name = "other/evil", .extra = ZipWriter::field(0x7075, path + "/evil")})));
 }
 
 TEST(ZipCheck, FindsWhatIsWrittenThroughALinkOfTheSameName) {
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/etc/passwd").add({.name = "link"})));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/etc/passwd").add({.name = "Link"})));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/tmp").addFolder("link/")));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "a").addLink("link", "/tmp")));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink(".", "/tmp")));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("a", "/tmp").add({.name = "__MACOSX/a/._evil"})));
-    EXPECT_FALSE(isUnsafe(MadeZip().add({.name = "file"}).add({.name = "File"})));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link", "/etc/passwd").add({.name = "link"})));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link", "/etc/passwd").add({.name = "Link"})));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link", "/tmp").addFolder("link/")));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link", "a").addLink("link", "/tmp")));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink(".", "/tmp")));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("a", "/tmp").add({.name = "__MACOSX/a/._evil"})));
+    EXPECT_FALSE(isUnsafe(ZipWriter().add({.name = "file"}).add({.name = "File"})));
 }
 
 TEST(ZipCheck, FindsLinksWhereverTheirModeStands) {
-    const std::string asi = lowFirst(0, 4) + lowFirst(0120777, 2) + lowFirst(4, 4) + lowFirst(0, 4) + "/tmp";
+    const std::string asi = Practice::lowFirst(0, 4) + Practice::lowFirst(0120777, 2) + Practice::lowFirst(4, 4) +
+                            Practice::lowFirst(0, 4) + "/tmp";
+    EXPECT_TRUE(isUnsafe(ZipWriter()
+                             .add({.name = "link", .mode = 0, .extra = ZipWriter::field(0x756E, asi)})
+                             .add({.name = "link/evil"})));
     EXPECT_TRUE(isUnsafe(
-        MadeZip().add({.name = "link", .mode = 0, .extra = MadeZip::field(0x756E, asi)}).add({.name = "link/evil"})));
-    EXPECT_TRUE(isUnsafe(
-        MadeZip().add({.name = "link", .content = "/tmp", .mode = 0120777, .system = 0}).add({.name = "link/evil"})));
+        ZipWriter().add({.name = "link", .content = "/tmp", .mode = 0120777, .system = 0}).add({.name = "link/evil"})));
 }
 
 TEST(ZipCheck, FindsDevicesPipesAndHardLinks) {
     for (const unsigned mode : {0020666U, 0060666U, 0010666U, 0140666U})
         EXPECT_TRUE(isUnsafe({.name = "device", .mode = mode})) << mode;
-    const std::string hardLink = lowFirst(0, 12) + "/etc/passwd";
-    EXPECT_TRUE(isUnsafe({.name = "hard", .extra = MadeZip::field(0x000D, hardLink)}));
-    EXPECT_FALSE(isUnsafe({.name = "times", .extra = MadeZip::field(0x000D, lowFirst(0, 12))}));
+    const std::string hardLink = Practice::lowFirst(0, 12) + "/etc/passwd";
+    EXPECT_TRUE(isUnsafe({.name = "hard", .extra = ZipWriter::field(0x000D, hardLink)}));
+    EXPECT_FALSE(isUnsafe({.name = "times", .extra = ZipWriter::field(0x000D, Practice::lowFirst(0, 12))}));
     EXPECT_FALSE(isUnsafe({.name = "setuid", .mode = 0104755}));
 }
 
 TEST(ZipCheck, BelievesNeitherOfTwoHeadersThatDiffer) {
     EXPECT_TRUE(isUnsafe({.name = "good", .localName = "../evil"}));
     EXPECT_TRUE(isUnsafe({.name = "../evil", .localName = "good"}));
-    MadeZip links;
+    ZipWriter links;
     links.add({.name = "one", .content = "/tmp", .mode = 0120777, .localName = "two"}).add({.name = "two/evil"});
     EXPECT_TRUE(isUnsafe(links));
 }
 
 TEST(ZipCheck, FindsEntriesThatTheDirectoryHides) {
     EXPECT_TRUE(isUnsafe({.name = "../evil", .isListed = false}));
-    EXPECT_TRUE(isUnsafe(MadeZip().addLink("link", "/tmp").add({.name = "link", .isListed = false})));
-    const std::string evil = MadeZip().add({.name = "../evil"}).bytesOfEntries();
-    EXPECT_TRUE(checkOfBytes(evil + MadeZip().add({.name = "good"}).bytes()).isUnsafe);
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("link", "/tmp").add({.name = "link", .isListed = false})));
+    const std::string evil = ZipWriter().add({.name = "../evil"}).bytesOfEntries();
+    EXPECT_TRUE(checkOfBytes(evil + ZipWriter().add({.name = "good"}).bytes()).isUnsafe);
     EXPECT_TRUE(isUnsafe({.name = "inside", .content = evil, .hasDescriptor = true}));
     EXPECT_FALSE(isUnsafe({.name = "inside.zip", .content = evil})) << "its length stands before it";
     EXPECT_FALSE(isUnsafe({.name = "good", .isListed = false}));
 }
 
 TEST(ZipCheck, LooksAtEverythingWhereTheDirectoryIsMissing) {
-    EXPECT_TRUE(checkOfBytes(MadeZip().add({.name = "good"}).add({.name = "../evil"}).bytesOfEntries()).isUnsafe);
-    EXPECT_FALSE(checkOfBytes(MadeZip().add({.name = "good"}).addLink("a", "b").bytesOfEntries()).isUnsafe);
-    std::string cut = MadeZip().addLink("link", "/tmp").add({.name = "link/evil"}).bytes();
+    EXPECT_TRUE(checkOfBytes(ZipWriter().add({.name = "good"}).add({.name = "../evil"}).bytesOfEntries()).isUnsafe);
+    EXPECT_FALSE(checkOfBytes(ZipWriter().add({.name = "good"}).addLink("a", "b").bytesOfEntries()).isUnsafe);
+    std::string cut = ZipWriter().addLink("link", "/tmp").add({.name = "link/evil"}).bytes();
     EXPECT_TRUE(checkOfBytes(cut.substr(0, cut.size() - 1)).isUnsafe);
-    const std::string good = MadeZip().addLink("link", "/tmp").add({.name = "good"}).bytes();
+    const std::string good = ZipWriter().addLink("link", "/tmp").add({.name = "good"}).bytes();
     EXPECT_FALSE(checkOfBytes(good.substr(0, good.size() - 1)).isUnsafe);
 }
 
 TEST(ZipCheck, TrustsNoDirectoryWhereTwoCouldBeMeant) {
     // Each of the two records reaches to the end of the file.
-    const std::string evil = MadeZip().addLink("link", "/tmp").add({.name = "link/evil"}).bytes();
-    const std::string good = MadeZip().add({.name = "good"}).bytes();
-    std::string both = evil.substr(0, evil.size() - 2) + lowFirst(good.size(), 2) + good;
+    const std::string evil = ZipWriter().addLink("link", "/tmp").add({.name = "link/evil"}).bytes();
+    const std::string good = ZipWriter().add({.name = "good"}).bytes();
+    std::string both = evil.substr(0, evil.size() - 2) + Practice::lowFirst(good.size(), 2) + good;
     EXPECT_TRUE(checkOfBytes(both).isUnsafe);
 }
 
 TEST(ZipCheck, ReadsAnArchiveThatBeginsLaterThanItsFile) {
     const std::string shell = "#!/bin/sh\nexit\n";
-    EXPECT_FALSE(checkOfBytes(shell + MadeZip().add({.name = "good", .content = "1234"}).bytes()).isUnsafe);
-    EXPECT_EQ(checkOfBytes(shell + MadeZip().add({.name = "good", .content = "1234"}).bytes()).unpackedSize, 4);
-    EXPECT_TRUE(checkOfBytes(shell + MadeZip().add({.name = "../evil"}).bytes()).isUnsafe);
+    EXPECT_FALSE(checkOfBytes(shell + ZipWriter().add({.name = "good", .content = "1234"}).bytes()).isUnsafe);
+    EXPECT_EQ(checkOfBytes(shell + ZipWriter().add({.name = "good", .content = "1234"}).bytes()).unpackedSize, 4);
+    EXPECT_TRUE(checkOfBytes(shell + ZipWriter().add({.name = "../evil"}).bytes()).isUnsafe);
 }
 
 TEST(ZipCheck, AddsUpWhatIsClaimed) {
-    MadeZip bomb;
+    ZipWriter bomb;
     for (int i = 0; i < 10; ++i)
         bomb.add({.name = "f" + std::to_string(i), .content = "1", .claimedSize = 4'000'000'000});
     EXPECT_EQ(checkOfBytes(bomb.bytes()).unpackedSize, 40'000'000'000);
-    const std::string huge = MadeZip::field(1, lowFirst(0xFFFFFFFFFFFFFFFF, 8));
-    MadeZip overflowing;
+    const std::string huge = ZipWriter::field(1, Practice::lowFirst(0xFFFFFFFFFFFFFFFF, 8));
+    ZipWriter overflowing;
     for (const char* name : {"a", "b"}) overflowing.add({.name = name, .extra = huge, .claimedSize = 0xFFFFFFFF});
     EXPECT_EQ(checkOfBytes(overflowing.bytes()).unpackedSize, std::numeric_limits<std::int64_t>::max());
 }
@@ -166,7 +170,7 @@ TEST(ZipCheck, TakesNamesOfAnyLength) {
     for (int level = 0; level < 10'000; ++level) deep += "a/";
     EXPECT_FALSE(isUnsafe({.name = deep + "file"}));
     EXPECT_TRUE(isUnsafe({.name = deep + "../file"}));
-    EXPECT_TRUE(isUnsafe(MadeZip().add({.name = deep + "file"}).addLink("A/a/a", "/tmp")));
+    EXPECT_TRUE(isUnsafe(ZipWriter().add({.name = deep + "file"}).addLink("A/a/a", "/tmp")));
     EXPECT_FALSE(isUnsafe({.name = std::string(4096, 'n')}));
     EXPECT_FALSE(isUnsafe({.name = std::string(0xFFFF, 'n')}));
 }

@@ -1,7 +1,7 @@
 #include "Installers/Opening/OpenedLeftovers.h"
 #include "Installers/Opening/ZipExpander.h"
 #include "Platform/Files/Files.h"
-#include "Support/MadeZip.h"
+#include "Practice/Archives/ZipWriter.h"
 #include "Support/ThrownFailure.h"
 #include "Support/Tree.h"
 #include "Support/World.h"
@@ -18,6 +18,7 @@
 namespace tarvik::test {
 namespace {
 
+using Practice::ZipWriter;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
@@ -25,7 +26,7 @@ using ::testing::StartsWith;
 /// A world with an archive, whose tool notes that it was started and does what the script says: "$4" is the goal.
 class ExpandingWorld : public World {
 public:
-    explicit ExpandingWorld(const std::string& script, const MadeZip& content = MadeZip().add({.name = "good"}))
+    explicit ExpandingWorld(const std::string& script, const ZipWriter& content = ZipWriter().add({.name = "good"}))
         : archive(folder / "My archive.zip") {
         withDitto("echo \"$1 $2 $3\" > " + called().native() + "\n" + script);
         content.writeTo(archive);
@@ -67,8 +68,8 @@ TEST(ZipExpander, SaysThatTheToolIsMissing) {
 }
 
 TEST(ZipExpander, StartsNoToolOnAnArchiveThatIsNotSafe) {
-    for (const MadeZip& archive :
-         {MadeZip().add({.name = "../evil"}), MadeZip().addLink("link", "/tmp").add({.name = "link/evil"})}) {
+    for (const ZipWriter& archive :
+         {ZipWriter().add({.name = "../evil"}), ZipWriter().addLink("link", "/tmp").add({.name = "link/evil"})}) {
         const ExpandingWorld world("true", archive);
         const auto failure = failureThrownBy([&] { ZipExpander::expand(world.host, world.archive); });
         EXPECT_EQ(failure.domain(), "zip");
@@ -81,7 +82,7 @@ TEST(ZipExpander, StartsNoToolOnAnArchiveThatIsNotSafe) {
 }
 
 TEST(ZipExpander, StartsNoToolOnAnArchiveThatWouldFillTheVolume) {
-    ExpandingWorld world("true", MadeZip().add({.name = "bomb", .content = "1", .claimedSize = 4'000'000'000}));
+    ExpandingWorld world("true", ZipWriter().add({.name = "bomb", .content = "1", .claimedSize = 4'000'000'000}));
     world.volumes->available = 3'999'999'999;
     const auto failure = failureThrownBy([&] { ZipExpander::expand(world.host, world.archive); });
     EXPECT_EQ(failure.domain(), "zip");
@@ -118,7 +119,7 @@ TEST(ZipExpander, KeepsTheFolderFromOtherStartsAsLongAsItIsHeld) {
 
 TEST(ZipExpander, KeepsTheFolderFromOtherStartsWhileTheToolRuns) {
     World world;
-    makeFile(world.folder / "archive.zip", MadeZip().bytes());
+    makeFile(world.folder / "archive.zip", ZipWriter().bytes());
     const fs::path started = world.folder / "started";
     const fs::path go = world.folder / "go";
     world.withDitto("touch " + started.native() + "\n" + waitFor(go) + "\ntouch \"$4/file\"");

@@ -1,8 +1,8 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/CommandRunner.h"
+#include "Practice/Archives/ZipWriter.h"
 #include "StandIns/Linux/DittoRun.h"
 #include "Support/ExtendedAttributes.h"
-#include "Support/MadeZip.h"
 #include "Support/RealVolume.h"
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
@@ -17,6 +17,7 @@
 namespace tarvik::test {
 namespace {
 
+using Practice::ZipWriter;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -96,7 +97,7 @@ TEST(DittoArchive, ReadsWhatPythonMakes) {
 
 TEST(DittoArchive, IsMadeByTestsAsOtherProgramsReadIt) {
     const TemporaryFolder folder;
-    MadeZip()
+    ZipWriter()
         .addFolder("folder/")
         .add({.name = "folder/file", .content = "content", .mode = 0100755})
         .add({.name = "late", .content = "sizes behind", .hasDescriptor = true})
@@ -121,7 +122,7 @@ TEST(DittoArchive, KeepsTimes) {
 
 TEST(DittoArchive, ReadsNamesInCP437AndKeepsDecomposedOnes) {
     const TemporaryFolder folder;
-    MadeZip()
+    ZipWriter()
         .add({.name = "caf\x82", .content = "CP437"})
         .add({.name = "caf\xC3\xA9 2", .content = "UTF-8 without a flag"})
         .add({.name = "cafe\xCC\x81 3", .content = "decomposed", .flags = 1U << 11U})
@@ -132,7 +133,7 @@ TEST(DittoArchive, ReadsNamesInCP437AndKeepsDecomposedOnes) {
 
 /// Big numbers first, as RFC 1740 has them.
 std::string highFirst(std::uint32_t value, int count) {
-    const std::string low = lowFirst(value, count);
+    const std::string low = Practice::lowFirst(value, count);
     return {low.rbegin(), low.rend()};
 }
 
@@ -158,7 +159,7 @@ std::string attributeFile(const std::string& name, const std::string& value, con
 TEST(DittoArchive, GivesAttributesFromTheirFilesToTheItems) {
     const TemporaryFolder folder;
     const std::string attributes = attributeFile("com.apple.quarantine", "0081;x", "fork");
-    MadeZip()
+    ZipWriter()
         .add({.name = "folder/file"})
         .add({.name = "__MACOSX/folder/._file", .content = attributes})
         .add({.name = "__MACOSX/._late", .content = attributes})
@@ -180,7 +181,7 @@ TEST(DittoArchive, GivesAttributesFromTheirFilesToTheItems) {
 TEST(DittoArchive, PassesOverWhatIsBrokenInFilesOfAttributes) {
     const TemporaryFolder folder;
     const std::string whole = attributeFile("com.apple.quarantine", "0081;x", "fork");
-    MadeZip archive;
+    ZipWriter archive;
     archive.add({.name = "file"});
     for (std::size_t length = 8; length < whole.size(); ++length)
         archive.add({.name = "__MACOSX/._file", .content = whole.substr(0, length)});
@@ -210,7 +211,7 @@ TEST(DittoArchive, SaysWhatIsNoArchive) {
 
 TEST(DittoArchive, EndsWithTheFirstEntryThatIsBrokenOrEncrypted) {
     const TemporaryFolder folder;
-    std::string bytes = MadeZip()
+    std::string bytes = ZipWriter()
                             .add({.name = "first", .content = "whole"})
                             .add({.name = "second", .content = "the broken one"})
                             .add({.name = "third"})
@@ -235,7 +236,7 @@ TEST(DittoArchive, EndsWithTheFirstEntryThatIsBrokenOrEncrypted) {
 
 TEST(DittoArchive, FailsOnACutArchive) {
     const TemporaryFolder folder;
-    const std::string bytes = MadeZip().add({.name = "file", .content = std::string(1000, 'x')}).bytes();
+    const std::string bytes = ZipWriter().add({.name = "file", .content = std::string(1000, 'x')}).bytes();
     for (const std::size_t length : {bytes.size() - 1, bytes.size() - 30, std::size_t{500}, std::size_t{10}}) {
         makeFile(folder / "cut.zip", bytes.substr(0, length));
         EXPECT_EQ(expand(folder / "cut.zip", folder / "goal").status, 1) << length;
@@ -246,23 +247,23 @@ TEST(DittoArchive, FailsOnACutArchive) {
 TEST(DittoArchive, GoesWhereverNamesLead) {
     const TemporaryFolder folder;
     const fs::path goal = folder / "deep/goal";
-    MadeZip().add({.name = "../evil"}).writeTo(folder / "climbing.zip");
+    ZipWriter().add({.name = "../evil"}).writeTo(folder / "climbing.zip");
     expectExpanded(folder / "climbing.zip", goal);
     EXPECT_TRUE(Files::itemExists(folder / "deep/evil"));
-    MadeZip().addLink("link", "../..").add({.name = "link/through"}).writeTo(folder / "through.zip");
+    ZipWriter().addLink("link", "../..").add({.name = "link/through"}).writeTo(folder / "through.zip");
     expectExpanded(folder / "through.zip", goal);
     EXPECT_TRUE(Files::itemExists(folder / "through"));
-    MadeZip().addLink("over", "../../victim").add({.name = "over", .content = "new"}).writeTo(folder / "over.zip");
+    ZipWriter().addLink("over", "../../victim").add({.name = "over", .content = "new"}).writeTo(folder / "over.zip");
     expectExpanded(folder / "over.zip", goal);
     EXPECT_EQ(contentOf(folder / "victim"), "new");
-    MadeZip().add({.name = "/absolute"}).writeTo(folder / "absolute.zip");
+    ZipWriter().add({.name = "/absolute"}).writeTo(folder / "absolute.zip");
     expectExpanded(folder / "absolute.zip", goal);
     EXPECT_TRUE(Files::itemExists(goal / "absolute")) << "the one exception";
 }
 
 TEST(DittoArchive, MakesNoDevicesAndKeepsSetIdsForTheSuperuserAlone) {
     const TemporaryFolder folder;
-    MadeZip()
+    ZipWriter()
         .add({.name = "device", .mode = 0020666})
         .add({.name = "pipe", .mode = 0010666})
         .add({.name = "setuid", .mode = 0104755})
@@ -280,7 +281,7 @@ TEST(DittoArchive, SaysThatTheDiskIsFull) {
     TARVIK_NEEDS_MEMORY_VOLUMES();
     const TemporaryFolder folder;
     const RealVolume volume = RealVolume::memory(folder.path(), megabyte);
-    MadeZip().add({.name = "large", .content = std::string(3'000'000, 'x')}).writeTo(folder / "archive.zip");
+    ZipWriter().add({.name = "large", .content = std::string(3'000'000, 'x')}).writeTo(folder / "archive.zip");
     const auto run = expand(folder / "archive.zip", volume / "goal");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.message, "ditto: " + (volume / "goal/large").native() + ": No space left on device\n");
@@ -291,7 +292,7 @@ TEST(DittoArchive, MergesIntoWhatIsThere) {
     makeFile(folder / "goal/kept");
     makeFile(folder / "goal/replaced", "old and longer");
     makeLink(folder / "goal/link", "nowhere");
-    MadeZip().add({.name = "replaced", .content = "new"}).addLink("link", "kept").writeTo(folder / "archive.zip");
+    ZipWriter().add({.name = "replaced", .content = "new"}).addLink("link", "kept").writeTo(folder / "archive.zip");
     expectExpanded(folder / "archive.zip", folder / "goal");
     EXPECT_EQ(contentOf(folder / "goal/replaced"), "new");
     EXPECT_EQ(contentOf(folder / "goal/link"), "content");

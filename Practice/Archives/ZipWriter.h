@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-namespace tarvik::test {
+namespace tarvik::Practice {
 
-/// What a zip archive holds, byte by byte as a test wants it: no tool writes what an attacker does. Nothing is
-/// compressed.
-class MadeZip {
+/// Writes a zip archive, byte by byte as it is told: no tool writes what an attacker does. Nothing is compressed, and
+/// the same entries give the same bytes.
+class ZipWriter {
 public:
     struct Entry {
         std::string name;
@@ -35,15 +35,16 @@ public:
         unsigned system = 3;
     };
 
-    MadeZip& add(Entry entry);
+    ZipWriter& add(Entry entry);
     /// A link is an entry whose content is where it leads.
-    MadeZip& addLink(const std::string& name, const std::string& target);
+    ZipWriter& addLink(const std::string& name, const std::string& target);
     /// A folder is an entry whose name ends with a slash.
-    MadeZip& addFolder(const std::string& name);
+    ZipWriter& addFolder(const std::string& name);
 
     std::string bytes() const;
     /// Without the directory and its record.
     std::string bytesOfEntries() const;
+    /// In the place of what stands there. @throws FileError
     void writeTo(const fs::path& file) const;
 
     /// An extra field.
@@ -56,4 +57,4 @@ private:
 /// Numbers as archives have them: the low byte first.
 std::string lowFirst(std::uint64_t value, int count);
 
-}  // namespace tarvik::test
+}  // namespace tarvik::Practice

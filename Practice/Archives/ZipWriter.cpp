@@ -1,10 +1,10 @@
-#include "Support/MadeZip.h"
+#include "Practice/Archives/ZipWriter.h"
 
-#include "Support/Tree.h"
+#include "Platform/Files/Files.h"
 
 #include <utility>
 
-namespace tarvik::test {
+namespace tarvik::Practice {
 
 namespace {
 
@@ -22,15 +22,15 @@ constexpr unsigned descriptorFlag = 1U << 3U;
 /// 1 January 1980.
 constexpr unsigned firstDate = 0x21;
 
-unsigned flagsOf(const MadeZip::Entry& entry) {
+unsigned flagsOf(const ZipWriter::Entry& entry) {
     return entry.flags | (entry.hasDescriptor ? descriptorFlag : 0U);
 }
 
-std::string sumAndSizes(const MadeZip::Entry& entry, std::uint64_t size) {
+std::string sumAndSizes(const ZipWriter::Entry& entry, std::uint64_t size) {
     return lowFirst(checkSumOf(entry.content), 4) + lowFirst(entry.content.size(), 4) + lowFirst(size, 4);
 }
 
-std::string localOf(const MadeZip::Entry& entry) {
+std::string localOf(const ZipWriter::Entry& entry) {
     const std::string name = entry.localName.value_or(entry.name);
     std::string bytes("PK\3\4");
     bytes += lowFirst(20, 2) + lowFirst(flagsOf(entry), 2) + lowFirst(0, 2) + lowFirst(0, 2) + lowFirst(firstDate, 2);
@@ -40,7 +40,7 @@ std::string localOf(const MadeZip::Entry& entry) {
     return bytes;
 }
 
-std::string centralOf(const MadeZip::Entry& entry, std::uint64_t offset) {
+std::string centralOf(const ZipWriter::Entry& entry, std::uint64_t offset) {
     std::string bytes("PK\1\2");
     bytes += lowFirst(entry.system << 8U | 20U, 2) + lowFirst(20, 2) + lowFirst(flagsOf(entry), 2);
     bytes += lowFirst(0, 2) + lowFirst(0, 2) + lowFirst(firstDate, 2);
@@ -58,26 +58,26 @@ std::string lowFirst(std::uint64_t value, int count) {
     return bytes;
 }
 
-MadeZip& MadeZip::add(Entry entry) {
+ZipWriter& ZipWriter::add(Entry entry) {
     m_entries.push_back(std::move(entry));
     return *this;
 }
 
-MadeZip& MadeZip::addLink(const std::string& name, const std::string& target) {
+ZipWriter& ZipWriter::addLink(const std::string& name, const std::string& target) {
     return add({.name = name, .content = target, .mode = 0120755});
 }
 
-MadeZip& MadeZip::addFolder(const std::string& name) {
+ZipWriter& ZipWriter::addFolder(const std::string& name) {
     return add({.name = name, .mode = 040755});
 }
 
-std::string MadeZip::bytesOfEntries() const {
+std::string ZipWriter::bytesOfEntries() const {
     std::string bytes;
     for (const Entry& entry : m_entries) bytes += localOf(entry);
     return bytes;
 }
 
-std::string MadeZip::bytes() const {
+std::string ZipWriter::bytes() const {
     std::string bytes;
     std::string directory;
     std::uint64_t count = 0;
@@ -93,12 +93,14 @@ std::string MadeZip::bytes() const {
     return bytes + lowFirst(directory.size(), 4) + lowFirst(offset, 4) + lowFirst(0, 2);
 }
 
-void MadeZip::writeTo(const fs::path& file) const {
-    makeFile(file, bytes());
+void ZipWriter::writeTo(const fs::path& file) const {
+    Files::createFolder(file.parent_path());
+    fs::remove(file);
+    Files::createFile(file, bytes());
 }
 
-std::string MadeZip::field(unsigned identifier, std::string_view content) {
+std::string ZipWriter::field(unsigned identifier, std::string_view content) {
     return lowFirst(identifier, 2) + lowFirst(content.size(), 2) + std::string(content);
 }
 
-}  // namespace tarvik::test
+}  // namespace tarvik::Practice
