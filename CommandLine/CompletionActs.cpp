@@ -7,7 +7,7 @@
 #include "CommandLine/Grammar/Options.h"
 #include "CommandLine/Output/Columns.h"
 #include "CommandLine/Output/Terminal.h"
-#include "Installers/Planning/InstallerOptionLoader.h"
+#include "Installers/Options/InstallerOptionLoader.h"
 #include "MovePlan/DriveChoice.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Machine/AppStorageNames.h"

@@ -48,7 +48,10 @@ void open(const fs::path& image, const fs::path& folder) {
     TarList list;
     runBsdtar({"-tvf", image.native()}, [&](std::string_view piece) { list.take(piece); });
     Volumes::requireSpace(folder, list.neededBytes());
-    runBsdtar({"-xp", "--no-same-owner", "-f", image.native(), "-C", folder.native()}, {});
+    // Permissions as they are, but not the rights of others: without them restored, the mask alone takes from them.
+    const mode_t mask = ::umask(0);
+    runBsdtar({"-x", "--no-same-permissions", "--no-same-owner", "-f", image.native(), "-C", folder.native()}, {});
+    ::umask(mask);
     disarm(folder);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Installers/Inspection/InstallerInspection.h"
-#include "Installers/Planning/InstallerOption.h"
+#include "Installers/Options/InstallerOption.h"
 #include "Installers/Planning/InstallerPlan.h"
 
 #include <string>

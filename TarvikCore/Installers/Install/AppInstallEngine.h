@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Installers/Install/TargetDrive.h"
-#include "Installers/Planning/InstallerOption.h"
+#include "Installers/Options/InstallerOption.h"
 #include "Installers/Reporting/InstallerRunReporter.h"
 #include "Platform/Basics/Cancellation.h"
 #include "Platform/Basics/Path.h"

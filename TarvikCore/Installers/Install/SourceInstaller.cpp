@@ -7,7 +7,7 @@
 #include "Installers/Install/PkgSourceInstaller.h"
 #include "Installers/Install/ScriptSourceInstaller.h"
 #include "Installers/Install/ZipSourceInstaller.h"
-#include "Installers/Planning/InstallerOptionCheck.h"
+#include "Installers/Options/InstallerOptionCheck.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 

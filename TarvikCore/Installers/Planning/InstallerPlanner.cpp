@@ -2,7 +2,7 @@
 
 #include "Health/SpotlightHealthCheck.h"
 #include "Installers/Inspection/InstallerInspector.h"
-#include "Installers/Planning/InstallerOptionPlaces.h"
+#include "Installers/Options/InstallerOptionPlaces.h"
 #include "Platform/Files/LastComponent.h"
 
 #include <fmt/format.h>

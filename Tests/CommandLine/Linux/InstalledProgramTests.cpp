@@ -1,6 +1,6 @@
 #include "CommandLine/CommandWorld.h"
 #include "CommandLine/Lines.h"
-#include "Installers/Planning/InstallerOptionLoader.h"
+#include "Installers/Options/InstallerOptionLoader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "Installers/Planning/InstallerOptionCheck.h"
-#include "Installers/Planning/InstallerOptionPlaces.h"
+#include "Installers/Options/InstallerOptionCheck.h"
+#include "Installers/Options/InstallerOptionPlaces.h"
 #include "Support/FailureOf.h"
 #include "Support/HostOf.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Installers/Planning/InstallerOption.h"
+#include "Installers/Options/InstallerOption.h"
 #include "Platform/Machine/Host.h"
 
 /// Where an option puts things. Pure, and right only for an option that is safe (`InstallerOptionCheck`).

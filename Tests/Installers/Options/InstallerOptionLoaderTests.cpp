@@ -1,5 +1,5 @@
-#include "Installers/Planning/InstallerOptionCheck.h"
-#include "Installers/Planning/InstallerOptionLoader.h"
+#include "Installers/Options/InstallerOptionCheck.h"
+#include "Installers/Options/InstallerOptionLoader.h"
 #include "Platform/Machine/AppStorageNames.h"
 #include "Support/FailureOf.h"
 #include "Support/TemporaryFolder.h"

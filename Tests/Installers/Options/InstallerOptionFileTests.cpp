@@ -1,4 +1,4 @@
-#include "Installers/Planning/InstallerOptionFile.h"
+#include "Installers/Options/InstallerOptionFile.h"
 #include "Support/Mutator.h"
 
 #include <gtest/gtest.h>
@@ -105,7 +105,10 @@ TEST(InstallerOptionFile, NeverNestsSoDeeplyThatReadingItEndsTheProgram) {
     for (int each = 0; each < 400'000; ++each) key += "a.";
     EXPECT_EQ(InstallerOptionFile::parsed(whole + key + "b = 1\n"), std::nullopt);
     EXPECT_EQ(InstallerOptionFile::parsed(whole + "[" + key + "b]\n"), std::nullopt);
-    EXPECT_EQ(InstallerOptionFile::parsed(whole + "# " + key + "\n \t# " + key + "\n"), wholeRecord());
+    // What looks like a comment is the end of a text, and a key follows it.
+    EXPECT_EQ(InstallerOptionFile::parsed(whole + "k = [\"\"\"\n#\"\"\", {" + key.substr(0, 98'000) + "b = 1}]\n"),
+              std::nullopt);
+    EXPECT_EQ(InstallerOptionFile::parsed(whole + "# " + key.substr(0, 3000) + "\n"), wholeRecord());
     EXPECT_EQ(InstallerOptionFile::parsed(whole + key.substr(0, 1000) + "b = 1\n"), wholeRecord());
 }
 

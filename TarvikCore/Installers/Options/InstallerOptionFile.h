@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Installers/Planning/InstallerOption.h"
+#include "Installers/Options/InstallerOption.h"
 
 #include <optional>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Installers/Planning/InstallerOption.h"
+#include "Installers/Options/InstallerOption.h"
 
 /// Whether what a user has written into an option may be followed.
 namespace tarvik::InstallerOptionCheck {

@@ -1,6 +1,6 @@
-#include "Installers/Planning/InstallerOptionLoader.h"
+#include "Installers/Options/InstallerOptionLoader.h"
 
-#include "Installers/Planning/InstallerOptionFile.h"
+#include "Installers/Options/InstallerOptionFile.h"
 #include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Files/TreeWalk.h"

@@ -1,4 +1,4 @@
-#include "Installers/Planning/InstallerOptionPlaces.h"
+#include "Installers/Options/InstallerOptionPlaces.h"
 
 #include "Platform/Machine/AppStorageNames.h"
 #include "Platform/Machine/SystemFolders.h"

@@ -1,6 +1,4 @@
-#include "Installers/Planning/InstallerOptionFile.h"
-
-#include "Platform/Text/Text.h"
+#include "Installers/Options/InstallerOptionFile.h"
 
 #include <toml++/toml.h>
 
@@ -14,20 +12,10 @@ namespace tarvik::InstallerOptionFile {
 namespace {
 
 /// The library makes a table of each part of a key such as a.b.c, one in the other and as many as there are, and takes
-/// them apart by recursion: many enough end the program. No key of an option has more than one part.
-constexpr std::size_t mostKeyDots = 500;
-
-/// The full stops of the line that has most, a few too many: those in texts are no part of a key. No key goes on in
-/// another line.
-std::size_t mostDotsOfLine(std::string_view document) {
-    std::size_t most = 0;
-    for (const std::string_view line : Text::lines(document)) {
-        const auto begin = line.find_first_not_of(" \t");
-        const bool isComment = begin != line.npos && line[begin] == '#';
-        if (!isComment) most = std::max(most, static_cast<std::size_t>(std::count(line.begin(), line.end(), '.')));
-    }
-    return most;
-}
+/// them apart by recursion: many enough end the program, on a thread with little stack sooner. No key of an option has
+/// more than one part. All full stops count, those in texts and in what looks like a comment too, which may stand in a
+/// text.
+constexpr std::ptrdiff_t mostFullStops = 2000;
 
 // Each reads a key that must be there. @returns whether it is, with a value of that type.
 
@@ -79,7 +67,7 @@ std::optional<InstallerOption> optionOf(const toml::table& table) {
 }  // namespace
 
 std::optional<InstallerOption> parsed(std::string_view text) {
-    if (mostDotsOfLine(text) > mostKeyDots) return std::nullopt;
+    if (std::count(text.begin(), text.end(), '.') > mostFullStops) return std::nullopt;
     try {
         return optionOf(toml::parse(text));
     } catch (const toml::parse_error&) {

@@ -1,4 +1,4 @@
-#include "Installers/Planning/InstallerOptionCheck.h"
+#include "Installers/Options/InstallerOptionCheck.h"
 
 #include "AppData/DataName.h"
 #include "Platform/Basics/Failure.h"
