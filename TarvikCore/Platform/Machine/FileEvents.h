@@ -37,8 +37,8 @@ public:
 
     /// Blocks until what happens next is seen. A root need not be there: it is told of when it comes, with all that is
     /// in it. What happens inside a folder that is made, or moved in, is seen as soon as the system tells of the folder
-    /// itself; what it holds by then is told of too. Never throws. Null when nothing can be watched; the listener is
-    /// told why.
+    /// itself; what it holds by then is told of too, but on a Mac not of a folder that was moved in whole. Never
+    /// throws. Null when nothing can be watched; the listener is told why.
     virtual std::unique_ptr<Stream> begin(const std::vector<fs::path>& roots, Listener listener) const = 0;
 };
 

@@ -104,9 +104,11 @@ void streamCallback(ConstFSEventStreamRef, void* info, std::size_t count, void* 
         }
         if (!paths.empty()) context->happened(paths);
     });
-    constexpr FSEventStreamEventFlags dropped =
-        kFSEventStreamEventFlagUserDropped | kFSEventStreamEventFlagKernelDropped;
-    if (std::any_of(flags, flags + count, [](FSEventStreamEventFlags flag) { return (flag & dropped) != 0; }))
+    // <FSEvents.h>: of what is below such a path, the system has told only in part.
+    constexpr FSEventStreamEventFlags inPart = kFSEventStreamEventFlagMustScanSubDirs |
+                                               kFSEventStreamEventFlagUserDropped |
+                                               kFSEventStreamEventFlagKernelDropped;
+    if (std::any_of(flags, flags + count, [](FSEventStreamEventFlags flag) { return (flag & inPart) != 0; }))
         context->lost();
 }
 
