@@ -29,18 +29,17 @@ struct ListedData {
     bool isCertain = false;
 };
 
-/// Calls `use` with each place in the range where "PK" and then `third` and `fourth` stand.
+/// Calls `use` with each place in the range where the signature of a header begins, which may end behind the range.
 template <typename Use>
 void forEachSignature(ZipBytes& bytes, ZipRange range, const Use& use) {
     constexpr std::size_t signatureLength = 4;
     constexpr std::size_t step = ZipBytes::windowSize / 4;
     std::vector<std::uint64_t> places;
     for (std::uint64_t at = range.begin; at < range.end; at += step) {
-        const std::string_view piece =
-            bytes.at(at, static_cast<std::size_t>(std::min<std::uint64_t>(step + signatureLength - 1, range.end - at)));
+        const auto end = static_cast<std::size_t>(std::min<std::uint64_t>(step, range.end - at));
+        const std::string_view piece = bytes.at(at, end + signatureLength - 1);
         places.clear();
-        for (std::size_t found = piece.find('P'); found < std::min(piece.size(), step);
-             found = piece.find('P', found + 1))
+        for (std::size_t found = piece.find('P'); found < end; found = piece.find('P', found + 1))
             if (const auto signature = piece.substr(found, signatureLength);
                 signature == ZipHeader::localSignature || signature == ZipHeader::centralSignature)
                 places.push_back(at + found);
@@ -70,9 +69,14 @@ private:
         std::sort(m_data.begin(), m_data.end(),
                   [](const ListedData& one, const ListedData& other) { return one.range.begin < other.range.begin; });
         std::uint64_t end = 0;
+        // Any number of entries may claim the same data: whatever lies before this was looked through.
+        std::uint64_t searched = 0;
         for (const ListedData& data : m_data) {
             if (data.range.begin > end) addHidden({end, data.range.begin});
-            if (!data.isCertain) addHidden({data.range.begin + 1, data.range.end});
+            if (!data.isCertain) {
+                addHidden({std::max(searched, data.range.begin + 1), data.range.end});
+                searched = std::max(searched, data.range.end);
+            }
             end = std::max(end, data.range.end);
         }
         if (directory.begin > end) addHidden({end, directory.begin});
