@@ -177,6 +177,12 @@ TEST(ZipCheck, LooksAtDataThatManyEntriesShareOnce) {
     EXPECT_TRUE(checkOfBytes(shared(ZipWriter().add({.name = "../evil"}).bytesOfEntries())).isUnsafe);
 }
 
+TEST(ZipCheck, RefusesToReadOneLongNameAgainAndAgain) {
+    const std::string one = ZipWriter().add({.name = "a", .localName = std::string(60'000, 'n')}).bytes();
+    EXPECT_FALSE(checkOfBytes(withRepeatedDirectory(one, 2)).isUnsafe);
+    EXPECT_TRUE(checkOfBytes(withRepeatedDirectory(one, 50)).isUnsafe);
+}
+
 TEST(ZipCheck, LooksAtEverythingWhereTheDirectoryIsMissing) {
     EXPECT_TRUE(checkOfBytes(ZipWriter().add({.name = "good"}).add({.name = "../evil"}).bytesOfEntries()).isUnsafe);
     EXPECT_FALSE(checkOfBytes(ZipWriter().add({.name = "good"}).addLink("a", "b").bytesOfEntries()).isUnsafe);
