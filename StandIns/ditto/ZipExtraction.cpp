@@ -14,7 +14,9 @@
 
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <ctime>
 #include <fcntl.h>
 #include <optional>
@@ -31,6 +33,9 @@ namespace tarvik::ditto::ZipExtraction {
 namespace {
 
 constexpr std::string_view attributesFolder = "__MACOSX/";
+/// What is read into memory whole. No link can be as long as the first (symlink(2)).
+constexpr std::uint64_t linkEnd = PATH_MAX;
+constexpr std::uint64_t mostAttributes = std::uint64_t{64} << 20U;
 constexpr mode_t allPermissions = 0777;
 constexpr mode_t privilegedPermissions = 07777;
 constexpr mode_t folderWhileWritten = S_IRWXU;
@@ -125,6 +130,17 @@ bool isThere(const fs::path& path) {
     return ::lstat(path.c_str(), &status) == 0;
 }
 
+/// Opens the file for new content, empty. What stands there and is no regular file is unlinked first, so that no link
+/// is followed and no pipe waited for.
+FileDescriptor openNew(const fs::path& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && ::unlink(path.c_str()) != 0)
+        throw ItemError(path, errno);
+    FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!file) throw ItemError(path, errno);
+    return file;
+}
+
 /// Set-id bits are for the superuser alone, as in a copy.
 mode_t allowedPermissions(unsigned permissions) {
     return permissions & (::geteuid() == 0 ? privilegedPermissions : allPermissions);
@@ -167,6 +183,7 @@ void Extraction::makeFolder(const Item& item) {
 }
 
 void Extraction::makeLink(const Item& item, const ZipHeader& entry) {
+    if (entry.size >= linkEnd) throw ItemError(item.path, ENAMETOOLONG);
     const std::string target = content(item, entry);
     makeFolders(item.path.parent_path());
     if (::symlink(target.c_str(), item.path.c_str()) != 0) {
@@ -179,9 +196,8 @@ void Extraction::makeLink(const Item& item, const ZipHeader& entry) {
 
 void Extraction::makeFile(const Item& item, const ZipHeader& entry) {
     makeFolders(item.path.parent_path());
-    // An existing file is written into, and a link followed: the page only says that a file is overwritten.
-    FileDescriptor file(::open(item.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file) throw ItemError(item.path, errno);
+    // An existing file is written into: the page only says that a file is overwritten.
+    FileDescriptor file = openNew(item.path);
     ZipData::read(m_data, entry, m_shift, item.path,
                   [&](std::string_view bytes) { writeAll(file.get(), bytes.data(), bytes.size(), item.path); });
     const std::array times{item.changed, item.changed};
@@ -191,14 +207,14 @@ void Extraction::makeFile(const Item& item, const ZipHeader& entry) {
 }
 
 void Extraction::extractAttributes(const Item& item, const ZipHeader& entry, const fs::path& owner) {
+    if (entry.size > mostAttributes) throw ItemError(item.path, EFBIG);
     const std::string bytes = content(item, entry);
     const bool areAttributes = AppleDouble::isHeader(bytes);
     if (areAttributes && isThere(owner) && AttributeFile::give(AttributeFile::read(bytes), owner)) return;
     // Where there is no place for attributes, a Mac keeps them in a file beside the item.
     const fs::path beside = areAttributes ? owner.parent_path() / ("._" + owner.filename().native()) : item.path;
     makeFolders(beside.parent_path());
-    FileDescriptor file(::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file) throw ItemError(beside, errno);
+    const FileDescriptor file = openNew(beside);
     writeAll(file.get(), bytes.data(), bytes.size(), beside);
     if (areAttributes && !isThere(owner)) m_waiting.emplace_back(beside, owner);
 }

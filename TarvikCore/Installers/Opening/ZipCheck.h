@@ -10,7 +10,8 @@ namespace tarvik {
 struct ZipCheck {
     /// Whether a tool that believes all that it reads could write elsewhere than into the folder that it is given: by
     /// an entry that is absolute or climbs, through a link that the archive makes itself, by a device or a hard link. A
-    /// link that only leads elsewhere is no such thing.
+    /// link that only leads elsewhere is no such thing. An archive whose headers overlap so much that it would take for
+    /// ever to read them counts as such.
     bool isUnsafe = false;
     /// What the files take when they are unpacked, in bytes, as the directory claims it; 0 where it cannot be read.
     std::int64_t unpackedSize = 0;

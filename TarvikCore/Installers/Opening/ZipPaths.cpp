@@ -9,9 +9,6 @@ namespace tarvik {
 
 namespace {
 
-/// Folders repeat from entry to entry. There is no need to look for that among fewer than this.
-constexpr std::size_t fewFolders = std::size_t{1} << 16;
-
 /// The hash FNV-1a, which can be continued byte by byte. Two paths that clash by chance cost a refusal, and no more.
 class PathHash {
 public:
@@ -61,16 +58,6 @@ std::uint64_t hashOf(std::string_view path) {
     return hash.value();
 }
 
-void makeUnique(std::vector<std::uint64_t>& hashes) {
-    std::sort(hashes.begin(), hashes.end());
-    hashes.erase(std::unique(hashes.begin(), hashes.end()), hashes.end());
-}
-
-bool haveOneInCommon(const std::vector<std::uint64_t>& sorted, const std::vector<std::uint64_t>& wanted) {
-    return std::any_of(wanted.begin(), wanted.end(),
-                       [&](std::uint64_t hash) { return std::binary_search(sorted.begin(), sorted.end(), hash); });
-}
-
 }  // namespace
 
 void ZipPaths::add(const ZipHeader& entry) {
@@ -84,25 +71,28 @@ void ZipPaths::add(const ZipHeader& central, const ZipHeader& local) {
     if (local.name != central.name || local.unicodeName != central.unicodeName || local.isUtf8 != central.isUtf8)
         for (auto& name : local.names())
             if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
-    for (const std::string& name : names) add(name, isLink ? &m_links : &m_others);
+    for (const std::string& name : names) add(name, isLink ? m_links : m_others);
 }
 
 void ZipPaths::addAgain(const ZipHeader& local) {
-    for (const std::string& name : local.names()) add(name, nullptr);
+    if (local.kind == ZipHeader::Kind::other) m_isUnsafe = true;
+    const bool isLink = local.kind == ZipHeader::Kind::link;
+    for (const std::string& name : local.names()) add(name, isLink ? m_localLinks : m_localOthers);
 }
 
-void ZipPaths::add(std::string_view name, std::vector<std::uint64_t>* whole) {
+void ZipPaths::add(std::string_view name, PathHashes& whole) {
     if (leadsOut(name)) m_isUnsafe = true;
     const std::string path = keyOf(name);
     // What is the folder itself can be nothing else.
-    if (path.empty() && whole == &m_links) m_isUnsafe = true;
+    if (path.empty() && (&whole == &m_links || &whole == &m_localLinks)) m_isUnsafe = true;
     addFolders(path);
-    if (whole) whole->push_back(hashOf(path));
+    whole.add(hashOf(path));
     addOwnerOfAttributes(path);
 }
 
 /// A Mac keeps attributes in files of their own, "__MACOSX/FOLDER/._NAME" or "FOLDER/._NAME", and gives them to
-/// "FOLDER/NAME" when it unpacks them: so that is a path that is written to as well. A link may have attributes.
+/// "FOLDER/NAME" when it unpacks them: so that is a path that is written to as well. A link may have attributes. Where
+/// they cannot be given, those of the first kind come to lie at "FOLDER/._NAME".
 void ZipPaths::addOwnerOfAttributes(std::string_view path) {
     constexpr std::string_view folderOfAttributes = "__macosx/";
     constexpr std::string_view prefix = "._";
@@ -116,6 +106,7 @@ void ZipPaths::addOwnerOfAttributes(std::string_view path) {
     owner.erase(0, folderOfAttributes.size());
     if (leadsOut(owner)) m_isUnsafe = true;
     addFolders(owner);
+    m_others.add(hashOf(path.substr(folderOfAttributes.size())));
 }
 
 void ZipPaths::addFolders(std::string_view path) {
@@ -124,21 +115,16 @@ void ZipPaths::addFolders(std::string_view path) {
     m_lastFolder = path.substr(0, end);
     PathHash hash;
     for (const char byte : path.substr(0, end)) {
-        if (byte == '/') m_folders.push_back(hash.value());
+        if (byte == '/') m_folders.add(hash.value());
         hash.add(byte);
     }
-    m_folders.push_back(hash.value());
-    if (m_folders.size() < m_mostFolders) return;
-    makeUnique(m_folders);
-    m_mostFolders = std::max(fewFolders, m_folders.size() * 2);
+    m_folders.add(hash.value());
 }
 
 bool ZipPaths::areUnsafe() {
-    if (m_isUnsafe || m_links.empty()) return m_isUnsafe;
-    std::sort(m_links.begin(), m_links.end());
-    if (std::adjacent_find(m_links.begin(), m_links.end()) != m_links.end()) return true;
-    makeUnique(m_folders);
-    return haveOneInCommon(m_links, m_folders) || haveOneInCommon(m_links, m_others);
+    if (m_isUnsafe || m_links.haveRepetition() || m_localLinks.haveOneInCommonWith(m_localOthers)) return true;
+    return m_links.haveOneInCommonWith(m_folders) || m_links.haveOneInCommonWith(m_others) ||
+           m_localLinks.haveOneInCommonWith(m_folders) || m_localLinks.haveOneInCommonWith(m_others);
 }
 
 }  // namespace tarvik

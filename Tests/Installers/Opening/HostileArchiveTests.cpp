@@ -77,6 +77,9 @@ TEST(HostileArchive, WritesNothingOutside) {
         ZipWriter().add({.name = "device", .mode = 0060666}),
         ZipWriter().add(
             {.name = "hard", .extra = ZipWriter::field(0x000D, Practice::lowFirst(0, 12) + out + "/victim")}),
+        ZipWriter()
+            .addLink("._victim", out + "/victim")
+            .add({.name = "__MACOSX/._victim", .content = std::string("\0\5\x16\7\0\2\0\0", 8)}),
         ZipWriter().addLink("one", "..").addLink("one/two", "..").add({.name = "one/two/evil"}),
     };
     for (const ZipWriter& archive : archives) {

@@ -93,12 +93,23 @@ TEST(ZipCheck, FindsWhatIsWrittenThroughALinkOfTheSameName) {
     EXPECT_FALSE(isUnsafe(ZipWriter().add({.name = "file"}).add({.name = "File"})));
 }
 
-TEST(ZipCheck, FindsLinksWhereverTheirModeStands) {
+TEST(ZipCheck, FindsFilesOfAttributesThatAreWrittenThroughALink) {
+    const ZipWriter::Entry attributes{.name = "__MACOSX/folder/._x"};
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("folder/._x", "/etc/passwd").add(attributes)));
+    EXPECT_TRUE(isUnsafe(ZipWriter().add(attributes).addLink("folder/._X", "/etc/passwd")));
+    EXPECT_TRUE(isUnsafe(ZipWriter().addLink("._x", "/etc/passwd").add({.name = "__macosx//._x"})));
+    EXPECT_FALSE(isUnsafe(ZipWriter().addLink("folder/x", "/etc/passwd").add(attributes))) << "attributes of a link";
+}
+
+/// The Unix mode of a link, and where it leads, in an extra field.
+ZipWriter::Entry linkByExtraField() {
     const std::string asi = Practice::lowFirst(0, 4) + Practice::lowFirst(0120777, 2) + Practice::lowFirst(4, 4) +
                             Practice::lowFirst(0, 4) + "/tmp";
-    EXPECT_TRUE(isUnsafe(ZipWriter()
-                             .add({.name = "link", .mode = 0, .extra = ZipWriter::field(0x756E, asi)})
-                             .add({.name = "link/evil"})));
+    return {.name = "link", .mode = 0, .extra = ZipWriter::field(0x756E, asi)};
+}
+
+TEST(ZipCheck, FindsLinksWhereverTheirModeStands) {
+    EXPECT_TRUE(isUnsafe(ZipWriter().add(linkByExtraField()).add({.name = "link/evil"})));
     EXPECT_TRUE(isUnsafe(
         ZipWriter().add({.name = "link", .content = "/tmp", .mode = 0120777, .system = 0}).add({.name = "link/evil"})));
 }
@@ -130,6 +141,48 @@ TEST(ZipCheck, FindsEntriesThatTheDirectoryHides) {
     EXPECT_FALSE(isUnsafe({.name = "good", .isListed = false}));
 }
 
+/// An archive whose directory claims that the data of the one entry take `size` bytes.
+std::string withStoredSize(std::string bytes, std::uint64_t size) {
+    constexpr std::size_t storedSizeAt = 20;
+    return bytes.replace(bytes.rfind("PK\1\2") + storedSizeAt, 4, Practice::lowFirst(size, 4));
+}
+
+TEST(ZipCheck, FindsAHiddenEntryThatBeginsBeforeTheEndOfDataAndGoesOnBehindIt) {
+    const std::string evil = ZipWriter().add({.name = "../evil"}).bytesOfEntries();
+    const std::string bytes = ZipWriter().add({.name = "a", .content = "data" + evil, .hasDescriptor = true}).bytes();
+    for (const std::uint64_t size : {4U, 5U, 6U, 7U, 8U, 20U})
+        EXPECT_TRUE(checkOfBytes(withStoredSize(bytes, size)).isUnsafe) << size;
+}
+
+/// An archive whose directory has `count` entries for the one local header.
+std::string withRepeatedDirectory(const std::string& bytes, std::size_t count) {
+    const std::size_t begin = bytes.rfind("PK\1\2");
+    const std::string entry = bytes.substr(begin, bytes.rfind("PK\5\6") - begin);
+    std::string all = bytes.substr(0, begin);
+    for (std::size_t i = 0; i < count; ++i) all += entry;
+    all += "PK\5\6" + Practice::lowFirst(0, 4) + Practice::lowFirst(count, 2) + Practice::lowFirst(count, 2);
+    return all + Practice::lowFirst(count * entry.size(), 4) + Practice::lowFirst(begin, 4) + Practice::lowFirst(0, 2);
+}
+
+TEST(ZipCheck, LooksAtDataThatManyEntriesShareOnce) {
+    constexpr std::size_t many = 50'000;
+    std::string hidden;
+    const std::string one = ZipWriter().add({.name = "f"}).bytesOfEntries();
+    for (std::size_t i = 0; i < many; ++i) hidden += one;
+    const auto shared = [&](const std::string& last) {
+        return withRepeatedDirectory(
+            ZipWriter().add({.name = "a", .content = hidden + last, .hasDescriptor = true}).bytes(), many);
+    };
+    EXPECT_FALSE(checkOfBytes(shared("")).isUnsafe);
+    EXPECT_TRUE(checkOfBytes(shared(ZipWriter().add({.name = "../evil"}).bytesOfEntries())).isUnsafe);
+}
+
+TEST(ZipCheck, RefusesToReadOneLongNameAgainAndAgain) {
+    const std::string one = ZipWriter().add({.name = "a", .localName = std::string(60'000, 'n')}).bytes();
+    EXPECT_FALSE(checkOfBytes(withRepeatedDirectory(one, 2)).isUnsafe);
+    EXPECT_TRUE(checkOfBytes(withRepeatedDirectory(one, 50)).isUnsafe);
+}
+
 TEST(ZipCheck, LooksAtEverythingWhereTheDirectoryIsMissing) {
     EXPECT_TRUE(checkOfBytes(ZipWriter().add({.name = "good"}).add({.name = "../evil"}).bytesOfEntries()).isUnsafe);
     EXPECT_FALSE(checkOfBytes(ZipWriter().add({.name = "good"}).addLink("a", "b").bytesOfEntries()).isUnsafe);
@@ -137,6 +190,21 @@ TEST(ZipCheck, LooksAtEverythingWhereTheDirectoryIsMissing) {
     EXPECT_TRUE(checkOfBytes(cut.substr(0, cut.size() - 1)).isUnsafe);
     const std::string good = ZipWriter().addLink("link", "/tmp").add({.name = "good"}).bytes();
     EXPECT_FALSE(checkOfBytes(good.substr(0, good.size() - 1)).isUnsafe);
+}
+
+TEST(ZipCheck, SeesWhatLocalHeadersTellWhereTheDirectoryIsMissing) {
+    const auto isUnsafeWithoutDirectory = [](const ZipWriter& archive) {
+        return checkOfBytes(archive.bytesOfEntries()).isUnsafe;
+    };
+    const auto link = linkByExtraField();
+    EXPECT_TRUE(isUnsafeWithoutDirectory(ZipWriter().add(link).add({.name = "link/evil"})));
+    EXPECT_TRUE(isUnsafeWithoutDirectory(ZipWriter().add({.name = "link"}).add(link)));
+    EXPECT_FALSE(isUnsafeWithoutDirectory(ZipWriter().add(link).add({.name = "good"})));
+    const std::string hardLink = Practice::lowFirst(0, 12) + "/etc/passwd";
+    EXPECT_TRUE(
+        isUnsafeWithoutDirectory(ZipWriter().add({.name = "hard", .extra = ZipWriter::field(0x000D, hardLink)})));
+    const std::string cut = ZipWriter().add(link).add({.name = "good"}).bytes();
+    EXPECT_FALSE(checkOfBytes(cut.substr(0, cut.size() - 1)).isUnsafe) << "one link has two headers";
 }
 
 TEST(ZipCheck, TrustsNoDirectoryWhereTwoCouldBeMeant) {

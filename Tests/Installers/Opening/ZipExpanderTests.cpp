@@ -87,12 +87,29 @@ TEST(ZipExpander, StartsNoToolOnAnArchiveThatWouldFillTheVolume) {
     const auto failure = failureThrownBy([&] { ZipExpander::expand(world.host, world.archive); });
     EXPECT_EQ(failure.domain(), "zip");
     EXPECT_EQ(failure.code(), ENOSPC);
-    EXPECT_EQ(failure.description(), "Not enough space to expand the archive. Need 4 GB, have 4 GB.");
+    EXPECT_EQ(failure.description(),
+              "Not enough space to expand the archive. Need 4000000000 bytes, have 3999999999 bytes.");
     EXPECT_FALSE(Files::itemExists(world.called()));
+    world.volumes->available = 2'000'000'000;
+    EXPECT_EQ(failureThrownBy([&] { ZipExpander::expand(world.host, world.archive); }).description(),
+              "Not enough space to expand the archive. Need 4 GB, have 2 GB.");
     world.volumes->available = 4'000'000'000;
     ZipExpander::expand(world.host, world.archive);
     world.volumes->available = std::nullopt;
     ZipExpander::expand(world.host, world.archive);
+}
+
+TEST(ZipExpander, RefusesAnArchiveThatWasExchangedAfterTheLook) {
+    // The last one leaves the size as it is, until the clock has gone on.
+    for (const std::string change : {"cp \"$3\" \"$3.new\"; mv \"$3.new\" \"$3\"", "echo >> \"$3\"", "rm \"$3\"",
+                                     "touch \"$3.new\"; until [ \"$3\" -nt \"$3.new\" ]; do touch \"$3\"; done"}) {
+        const ExpandingWorld world(change);
+        const auto failure = failureThrownBy([&] { ZipExpander::expand(world.host, world.archive); });
+        EXPECT_EQ(failure.code(), 1) << change;
+        EXPECT_EQ(failure.description(), "Archive contains unsafe paths.") << change;
+        EXPECT_THAT(world.namesInTemporary(), IsEmpty());
+        EXPECT_THAT(world.namesInTrash(), ElementsAre(StartsWith("TarvikZip-")));
+    }
 }
 
 TEST(ZipExpander, LetsTheToolDecideWhatIsNoArchive) {

@@ -234,6 +234,17 @@ TEST(DittoArchive, EndsWithTheFirstEntryThatIsBrokenOrEncrypted) {
     }
 }
 
+TEST(DittoArchive, RefusesLinksAndFilesOfAttributesThatClaimTooMuchBeforeItReadsThem) {
+    const TemporaryFolder folder;
+    ZipWriter()
+        .add({.name = "link", .content = "to", .mode = 0120777, .claimedSize = 4096})
+        .writeTo(folder / "link.zip");
+    EXPECT_THAT(expand(folder / "link.zip", folder / "goal").message, HasSubstr("link: File name too long"));
+    constexpr std::uint32_t most = 64U << 20U;
+    ZipWriter().add({.name = "__MACOSX/._file", .claimedSize = most + 1}).writeTo(folder / "attributes.zip");
+    EXPECT_THAT(expand(folder / "attributes.zip", folder / "goal").message, HasSubstr("._file: File too large"));
+}
+
 TEST(DittoArchive, FailsOnACutArchive) {
     const TemporaryFolder folder;
     const std::string bytes = ZipWriter().add({.name = "file", .content = std::string(1000, 'x')}).bytes();
@@ -253,12 +264,31 @@ TEST(DittoArchive, GoesWhereverNamesLead) {
     ZipWriter().addLink("link", "../..").add({.name = "link/through"}).writeTo(folder / "through.zip");
     expectExpanded(folder / "through.zip", goal);
     EXPECT_TRUE(Files::itemExists(folder / "through"));
-    ZipWriter().addLink("over", "../../victim").add({.name = "over", .content = "new"}).writeTo(folder / "over.zip");
-    expectExpanded(folder / "over.zip", goal);
-    EXPECT_EQ(contentOf(folder / "victim"), "new");
     ZipWriter().add({.name = "/absolute"}).writeTo(folder / "absolute.zip");
     expectExpanded(folder / "absolute.zip", goal);
     EXPECT_TRUE(Files::itemExists(goal / "absolute")) << "the one exception";
+}
+
+TEST(DittoArchive, PutsFilesInThePlaceOfWhatIsNone) {
+    const TemporaryFolder folder;
+    const std::string attributes = attributeFile("com.apple.quarantine", "0081;x", "fork");
+    makeFile(folder / "victim", "untouched");
+    ZipWriter()
+        .addLink("over", "../victim")
+        .add({.name = "over", .content = "new"})
+        .addLink("._over", "../victim")
+        .add({.name = "._over", .content = "no attributes"})
+        .addLink("._x", "../victim")
+        .add({.name = "__MACOSX/._x", .content = attributes})
+        .writeTo(folder / "archive.zip");
+    makePipe(folder / "goal/over");
+    expectExpanded(folder / "archive.zip", folder / "goal");
+    EXPECT_EQ(contentOf(folder / "victim"), "untouched");
+    EXPECT_EQ(contentOf(folder / "goal/over"), "new");
+    EXPECT_EQ(contentOf(folder / "goal/._over"), "no attributes");
+    EXPECT_EQ(contentOf(folder / "goal/._x"), attributes);
+    for (const char* name : {"over", "._over", "._x"})
+        EXPECT_TRUE(S_ISREG(statusOf(folder / "goal" / name).st_mode)) << name;
 }
 
 TEST(DittoArchive, MakesNoDevicesAndKeepsSetIdsForTheSuperuserAlone) {
