@@ -71,15 +71,15 @@ fs::path itemItself(const fs::path& path) {
 
 }  // namespace
 
-void removeItem(const fs::path& written, Obstacles obstacles) {
-    const fs::path path = itemItself(written);
-    if (!isFolder(path)) {
-        if (::unlink(path.c_str()) != 0) throw FileError("remove", path, errno);
+void removeItem(const fs::path& path, Obstacles obstacles) {
+    const fs::path item = itemItself(path);
+    if (!isFolder(item)) {
+        if (::unlink(item.c_str()) != 0) throw FileError("remove", item, errno);
         return;
     }
     if (obstacles == Obstacles::lookedFor)
-        if (const auto obstacle = TreeObstacle::toRemoval(path)) throw obstacle->error();
-    removeTree(path);
+        if (const auto obstacle = TreeObstacle::toRemoval(item)) throw obstacle->error();
+    removeTree(item);
 }
 
 void removeEmptyFolder(const fs::path& folder) {

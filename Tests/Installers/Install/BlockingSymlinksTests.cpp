@@ -182,14 +182,6 @@ TEST_F(BlockingSymlinksTest, StayWhenTheirCopyLiesInThePackage) {
 
 TEST_F(BlockingSymlinksTest, StayWhenTheInstallIsStoppedBeforeTheFirst) {
     link("A.app", copy);
-    world.cancellation.cancel();
-    BlockingSymlinks::clear(world.host, world.folder / "Some.pkg", false, InstallerRunReporter::silent,
-                            world.cancellation);
-    EXPECT_TRUE(Files::exists(world.launcher("A.app")));
-}
-
-TEST_F(BlockingSymlinksTest, StayWhenItIsStoppedWhileTheyAreToldOf) {
-    link("A.app", copy);
     EXPECT_FALSE(BlockingSymlinks::clear(world.host, world.folder / "Some.pkg", false,
                                          {[&](const std::string&) { world.cancellation.cancel(); }},
                                          world.cancellation));
