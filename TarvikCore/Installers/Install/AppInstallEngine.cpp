@@ -11,6 +11,7 @@
 #include "Copying/MoverError.h"
 #include "Discovery/AppScanner.h"
 #include "Installers/Install/InstallCancellation.h"
+#include "Installers/Install/InstallLinePath.h"
 #include "Installers/Install/SourceWatch.h"
 #include "Installers/Options/InstallerOptionCheck.h"
 #include "Installers/Options/InstallerOptionPlaces.h"
@@ -66,6 +67,7 @@ Failure refusal(std::string description) {
 /// What only leads to an application would be installed in its place, and lead to itself then; and an application that
 /// lies in another one's place would go with it.
 void requireInstallable(const Places& places) {
+    for (const fs::path& path : {places.source, places.goal, places.launcher}) InstallLinePath::require(path);
     if (!Files::itemExists(places.source)) throw FileError("install", places.source, ENOENT);
     const auto leadsTo = Files::isSymbolicLink(places.source) ? Files::linkText(places.source)
                                                               : AppScanner::launcherShimTarget(places.source);
@@ -78,10 +80,36 @@ void requireInstallable(const Places& places) {
         throw refusal(fmt::format("The launcher of {} would take the place of the application itself.", places.name()));
 }
 
-/// Why what stands at the goal cannot be used; nothing when it is the same application.
-std::optional<std::string> reasonAgainstStanding(const Host& host, const Places& places) {
-    if (Files::isSymbolicLink(places.goal)) return "symlink destination";
-    return MoveVerifier::failureReason(host, places.source, places.goal);
+void requireNoneUnderWay(const Places& places) {
+    if (HiddenPlace::isCopyUnderWayTo(places.goal))
+        throw Failure(std::string(installAppDomain), EBUSY,
+                      fmt::format("{} is being installed already.", places.name()));
+}
+
+/// What a look at the goal has found.
+struct Standing {
+    bool isSame = false;
+    /// Why what stands there cannot be used, when something does.
+    std::optional<std::string> reason;
+};
+
+/// Asks last for another install: one that has begun by then has not set the same thing aside.
+Standing lookAtGoal(const Host& host, const Places& places) {
+    Standing standing;
+    if (Files::isSymbolicLink(places.goal)) {
+        standing.reason = "symlink destination";
+    } else if (Files::itemExists(places.goal)) {
+        standing.reason = MoveVerifier::failureReason(host, places.source, places.goal);
+        standing.isSame = !standing.reason;
+    }
+    requireNoneUnderWay(places);
+    return standing;
+}
+
+/// Whether the same application stands there already.
+bool isReused(const Standing& standing, const Places& places, const InstallerRunReporter& reporter) {
+    if (standing.isSame) reporter.log(fmt::format("reuse-app\t{}", places.goal.native()));
+    return standing.isSame;
 }
 
 void requireSpace(const Host& host, const Places& places, const Cancellation& cancellation) {
@@ -202,8 +230,6 @@ std::string whereabouts(const Places& places, const Disposal::Outcome& stood) {
 
 void replaceByCopy(const Host& host, const Places& places, const std::optional<std::string>& reasonAgainstStanding,
                    const TargetDrive& drive, const InstallerRunReporter& reporter, const Cancellation& cancellation) {
-    requireSpace(host, places, cancellation);
-    drive.require(places.appsRoot);
     const auto stood =
         reasonAgainstStanding ? makeRoom(host, places, *reasonAgainstStanding, reporter) : Disposal::Outcome{};
     try {
@@ -223,15 +249,14 @@ void bringToDrive(const Host& host, const Places& places, const TargetDrive& dri
     Files::createFolder(places.appsRoot);
     drive.require(places.appsRoot);
     Leftovers::sweep(host, places.appsRoot);
-    if (HiddenPlace::isCopyUnderWayTo(places.goal))
-        throw Failure(std::string(installAppDomain), EBUSY,
-                      fmt::format("{} is being installed already.", places.name()));
-    std::optional<std::string> reason;
-    if (Files::itemExists(places.goal)) {
-        reason = reasonAgainstStanding(host, places);
-        if (!reason) return reporter.log(fmt::format("reuse-app\t{}", places.goal.native()));
-    }
-    replaceByCopy(host, places, reason, drive, reporter, cancellation);
+    requireNoneUnderWay(places);
+    if (isReused(lookAtGoal(host, places), places, reporter)) return;
+    requireSpace(host, places, cancellation);
+    drive.require(places.appsRoot);
+    // The look is old by now: another install may have put its copy there, which is not to be set aside.
+    const Standing standing = lookAtGoal(host, places);
+    if (isReused(standing, places, reporter)) return;
+    replaceByCopy(host, places, standing.reason, drive, reporter, cancellation);
 }
 
 }  // namespace

@@ -27,8 +27,8 @@ namespace tarvik::AppInstallEngine {
 ///
 /// @throws Failure of the domain "install-app": 2 with the reason when the copy is not what the source is, 1 for a
 /// source that is no application but leads to one, or a launcher that would take the application's own place; "Target
-/// drive disconnected"; MoverError insufficientSpace; what copying and making the launcher throw. After a failure of
-/// the launcher the copy stays.
+/// drive disconnected"; MoverError insufficientSpace; what `InstallLinePath`, copying and making the launcher throw.
+/// After a failure of the launcher the copy stays.
 std::string install(const Host& host, const fs::path& source, const InstallerOption& option, const TargetDrive& drive,
                     const InstallerRunReporter& reporter, const Cancellation& cancellation = {});
 

@@ -13,12 +13,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <iterator>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
 
 namespace tarvik::BlockingSymlinks {
@@ -29,7 +31,10 @@ using namespace std::chrono_literals;
 
 struct BlockingLink {
     fs::path link;
-    fs::path destination;
+    /// As it stands in the link.
+    fs::path text;
+    /// What is removed: a text that ends in "/" or "/." would empty what a link on the drive leads to.
+    fs::path place;
 };
 
 /// Below the folder of volumes and below one of the names in it.
@@ -81,24 +86,71 @@ bool isOnlyAnItemOfADrive(const Host& host, const fs::path& place, const fs::pat
     });
 }
 
+/// `place` with the links above it resolved; what is missing, as of a drive that is away, is taken by its name. Nothing
+/// when it is not certain where that is: on the way stands what cannot be looked at, or a link that leads nowhere.
+std::optional<fs::path> realPlace(const fs::path& place) {
+    fs::path standing = place;
+    struct stat status {};
+    while (::lstat(standing.c_str(), &status) != 0) {
+        if (errno != ENOENT || standing == standing.parent_path()) return std::nullopt;
+        standing = standing.parent_path();
+    }
+    if (standing == place) standing = place.parent_path();
+    const auto resolved = Files::resolved(standing);
+    if (!resolved) return std::nullopt;
+    return *resolved / place.lexically_relative(standing);
+}
+
+/// Whether the package would be lost with the copy, or could not be found without the link.
+bool isNeededBy(const fs::path& package, const BlockingLink& link) {
+    const fs::path written = Files::standardized(package);
+    const fs::path real = Files::resolved(written).value_or(written);
+    const auto holdsPackage = [&](const fs::path& item) {
+        return Files::isItemAtOrBelow(written, item) || Files::isItemAtOrBelow(real, item);
+    };
+    const fs::path place = realPlace(link.place).value_or(link.place);
+    return holdsPackage(link.link) || holdsPackage(link.place) || holdsPackage(place) ||
+           Files::isItemAtOrBelow(place, real);
+}
+
 std::vector<BlockingLink> linksIn(const Host& host, const std::set<fs::path>& targets) {
     std::vector<BlockingLink> links;
     for (const auto& target : targets) {
-        auto destination = Files::linkText(target);
-        if (destination && mayRemoveDestination(host, *destination)) links.push_back({target, *destination});
+        auto text = Files::linkText(target);
+        if (text && mayRemoveDestination(host, *text)) links.push_back({target, *text, Files::standardized(*text)});
     }
     return links;
 }
 
-void removeDirectly(const BlockingLink& link) {
-    ignoringFailure([&] { Files::removeLink(link.link); });
-    if (!Files::itemExists(link.link)) ignoringFailure([&] { Files::removeItem(link.destination); });
+/// The links that go. All are told of.
+std::vector<BlockingLink> choose(const std::vector<BlockingLink>& links, const fs::path& package,
+                                 const InstallerRunReporter& reporter) {
+    std::vector<BlockingLink> chosen;
+    for (const auto& link : links) {
+        const bool stays = isNeededBy(package, link);
+        reporter.log(fmt::format("{}\t{}\t-> {}", stays ? "pre-install-keep-symlink" : "pre-install-clear-symlink",
+                                 link.link.native(), link.text.native()));
+        if (!stays) chosen.push_back(link);
+    }
+    return chosen;
 }
 
-void removeAsRoot(const Host& host, const BlockingLink& link) {
+/// Removes a link, and the copy once the link has gone. Before each of both it is looked at again: by now the link, or
+/// one on the way behind it, may lead elsewhere. Whether the link has gone.
+bool remove(const Host& host, const BlockingLink& link, bool useRootferry) {
+    if (Files::linkText(link.link) != link.text || !mayRemoveDestination(host, link.text)) return false;
     const fs::path tool = Rootferry::path(host);
-    CommandRunner::run(tool, {"rm", "-f", link.link.native()}, 10s);
-    if (!Files::itemExists(link.link)) CommandRunner::run(tool, {"rm", "-rf", link.destination.native()}, 30s);
+    if (useRootferry)
+        CommandRunner::run(tool, {"rm", "-f", link.link.native()}, 10s);
+    else
+        ignoringFailure([&] { Files::removeLink(link.link); });
+    if (Files::itemExists(link.link)) return false;
+    if (!mayRemoveDestination(host, link.text)) return true;
+    if (useRootferry)
+        CommandRunner::run(tool, {"rm", "-rf", link.place.native()}, 30s);
+    else
+        ignoringFailure([&] { Files::removeItem(link.place); });
+    return true;
 }
 
 }  // namespace
@@ -109,23 +161,20 @@ bool mayRemoveDestination(const Host& host, const fs::path& destination) {
     if (std::find(destination.begin(), destination.end(), "..") != destination.end()) return false;
     const fs::path place = Files::standardized(destination);
     if (!isOnlyAnItemOfADrive(host, place, volumes)) return false;
-    // A link on the way may lead to the internal disk. Of a drive that is away, only the name can be asked.
-    const auto parent = Files::resolved(place.parent_path());
-    return !parent ||
-           isOnlyAnItemOfADrive(host, *parent / place.filename(), Files::resolved(volumes).value_or(volumes));
+    // A link on the way may lead to the internal disk.
+    const auto real = realPlace(place);
+    return real && isOnlyAnItemOfADrive(host, *real, Files::resolved(volumes).value_or(volumes));
 }
 
-void clear(const Host& host, const fs::path& package, bool useRootferry, const InstallerRunReporter& reporter,
+bool clear(const Host& host, const fs::path& package, bool useRootferry, const InstallerRunReporter& reporter,
            const Cancellation& cancellation) {
     const auto links = linksIn(host, PackageAppTargets::of(host, package, cancellation));
-    for (const auto& link : links)
-        reporter.log(
-            fmt::format("pre-install-clear-symlink\t{}\t-> {}", link.link.native(), link.destination.native()));
-    for (const auto& link : links) {
-        // It may lead elsewhere by now.
-        if (Files::linkText(link.link) != link.destination) continue;
-        useRootferry ? removeAsRoot(host, link) : removeDirectly(link);
+    bool hasRemoved = false;
+    for (const auto& link : choose(links, package, reporter)) {
+        if (!hasRemoved && cancellation.isCancelled()) break;
+        if (remove(host, link, useRootferry)) hasRemoved = true;
     }
+    return hasRemoved;
 }
 
 }  // namespace tarvik::BlockingSymlinks

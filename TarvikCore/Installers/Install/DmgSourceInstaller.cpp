@@ -3,6 +3,7 @@
 #include "Installers/Install/ContainedItemsInstaller.h"
 #include "Installers/Install/InstallCancellation.h"
 #include "Installers/Opening/DiskImageMounter.h"
+#include "Platform/Basics/Failure.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +16,9 @@ class AttachedImage {
 public:
     AttachedImage(const Host& host, const fs::path& image)
         : m_host(host), m_mount(DiskImageMounter::attach(host, image)) {}
-    ~AttachedImage() { DiskImageMounter::detach(m_host, m_mount); }
+    ~AttachedImage() {
+        ignoringFailure([&] { DiskImageMounter::detach(m_host, m_mount); });
+    }
     AttachedImage(const AttachedImage&) = delete;
     AttachedImage& operator=(const AttachedImage&) = delete;
 

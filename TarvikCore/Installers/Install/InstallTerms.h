@@ -15,7 +15,7 @@ struct InstallTerms {
     bool useRootferry = false;
     InstallerRunReporter reporter;
     /// Once it is asked for, tools are ended, what is open is closed, and the run fails. What is installed by then
-    /// stays.
+    /// stays, and a package for which a copy was removed is let arrive first (`PackageInstaller`).
     Cancellation cancellation{};
 };
 

@@ -4,6 +4,7 @@
 #include "Installers/Install/AppSourceInstaller.h"
 #include "Installers/Install/DmgSourceInstaller.h"
 #include "Installers/Install/InstallCancellation.h"
+#include "Installers/Install/InstallLinePath.h"
 #include "Installers/Install/PkgSourceInstaller.h"
 #include "Installers/Install/ScriptSourceInstaller.h"
 #include "Installers/Install/ZipSourceInstaller.h"
@@ -17,6 +18,7 @@ std::vector<std::string> install(const Host& host, const fs::path& source, const
     InstallCancellation::throwIfAsked(terms.cancellation);
     InstallerOptionCheck::requireSafe(terms.option);
     const fs::path path = Files::standardized(source);
+    InstallLinePath::require(path);
     const auto installItem = [&](const fs::path& item) { return install(host, item, terms); };
     switch (InstallerKindDetector::detect(path)) {
         case InstallerKind::app:

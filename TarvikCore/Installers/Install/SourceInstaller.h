@@ -12,8 +12,8 @@ namespace tarvik::SourceInstaller {
 
 /// Installs what stands at the path by the installer of its kind, and gives the lines that tell what was done. What was
 /// installed before a failure stays. Blocks, for minutes; any thread. The lines of the reporter come from this thread.
-/// @throws Failure of the domain "install", 1 for a kind that has no installer; of an option that cannot be used; what
-/// the installers throw.
+/// @throws Failure of the domain "install", 1 for a kind that has no installer; of an option or a path
+/// (`InstallLinePath`) that cannot be used; what the installers throw.
 std::vector<std::string> install(const Host& host, const fs::path& source, const InstallTerms& terms);
 
 }  // namespace tarvik::SourceInstaller

@@ -19,7 +19,7 @@ public:
     ExpandedArchive(const Host& host, const fs::path& archive)
         : m_host(host), m_folder(ZipExpander::expand(host, archive, m_hold)) {}
     ~ExpandedArchive() {
-        FileStash::moveAside(m_host, m_folder, "zip-run");
+        ignoringFailure([&] { FileStash::moveAside(m_host, m_folder, "zip-run"); });
         // Where nothing takes it, it is only in the way: the archive holds it all.
         ignoringFailure([&] {
             if (Files::itemExists(m_folder)) Files::removeItem(m_folder);

@@ -90,7 +90,8 @@ public:
     using FileError::FileError;
 };
 /// Removes an item, a folder with its contents, through directory handles and without following links; what is mounted
-/// inside is never entered. Removes nothing of a tree in which it finds a `TreeObstacle`.
+/// inside is never entered. Removes nothing of a tree in which it finds a `TreeObstacle`. A slash at the end means the
+/// item itself too, and "." or ".." no item.
 /// @throws FileError, and that is an IncompleteRemoval when something has been removed.
 void removeItem(const fs::path& path, Obstacles obstacles = Obstacles::lookedFor);
 /// Removes a folder that holds nothing. @throws FileError also when it holds something.

@@ -7,7 +7,9 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <new>
+#include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace tarvik::Files {
 
@@ -57,16 +59,27 @@ void removeTree(const fs::path& path) {
     }
 }
 
+/// With a slash at its end, the system would follow a link; and "." may stand for what one leads to.
+fs::path itemItself(const fs::path& path) {
+    std::string text = path.native();
+    while (text.size() > 1 && text.back() == '/') text.pop_back();
+    fs::path item(std::move(text));
+    const fs::path name = item.filename();
+    if (name.empty() || name == "." || name == "..") throw FileError("remove", path, EINVAL);
+    return item;
+}
+
 }  // namespace
 
 void removeItem(const fs::path& path, Obstacles obstacles) {
-    if (!isFolder(path)) {
-        if (::unlink(path.c_str()) != 0) throw FileError("remove", path, errno);
+    const fs::path item = itemItself(path);
+    if (!isFolder(item)) {
+        if (::unlink(item.c_str()) != 0) throw FileError("remove", item, errno);
         return;
     }
     if (obstacles == Obstacles::lookedFor)
-        if (const auto obstacle = TreeObstacle::toRemoval(path)) throw obstacle->error();
-    removeTree(path);
+        if (const auto obstacle = TreeObstacle::toRemoval(item)) throw obstacle->error();
+    removeTree(item);
 }
 
 void removeEmptyFolder(const fs::path& folder) {

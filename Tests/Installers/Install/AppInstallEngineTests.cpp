@@ -1,3 +1,4 @@
+#include "Copying/CopyPlace.h"
 #include "Copying/HiddenName.h"
 #include "Installers/Install/AppInstallEngine.h"
 #include "Installers/Install/AppSourceInstaller.h"
@@ -12,6 +13,10 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -26,6 +31,15 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
+/// Something happens when the space is asked for.
+struct EventfulVolumes : MadeVolumes {
+    std::optional<std::int64_t> availableBytes(const fs::path& path) const override {
+        event();
+        return MadeVolumes::availableBytes(path);
+    }
+    std::function<void()> event;
+};
+
 class AppInstallEngineTest : public testing::Test {
 protected:
     std::string installOn(InstallWorld& machine, const fs::path& app) {
@@ -38,6 +52,14 @@ protected:
     }
     std::string install() { return installOn(world, source); }
     std::string install(const fs::path& app) { return installOn(world, app); }
+    /// Between the look at what stands on the drive and the first change.
+    std::string installWhile(const std::function<void()>& event) {
+        auto volumes = std::make_shared<EventfulVolumes>();
+        volumes->list = world.volumes->list;
+        volumes->event = event;
+        world.host.volumes = volumes;
+        return install();
+    }
     std::vector<std::string> tags() const {
         std::vector<std::string> found;
         for (const auto& line : *world.lines) found.push_back(line.substr(0, line.find('\t')));
@@ -281,6 +303,33 @@ TEST_F(AppInstallEngineTest, RefusesWhatAnotherOneIsInstalling) {
     other.join();
     EXPECT_EQ(first, "done");
     EXPECT_EQ(pictureOf(dest), pictureOf(source));
+}
+
+TEST_F(AppInstallEngineTest, UsesWhatAnotherOneHasInstalledMeanwhile) {
+    world.makeApp(dest, "an older version");
+    EXPECT_EQ(installWhile([&] {
+                  fs::remove_all(dest);
+                  fs::copy(source, dest, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+              }),
+              "done");
+    EXPECT_THAT(world.lines->front(), StartsWith("reuse-app\t"));
+    EXPECT_FALSE(Files::exists(world.trash->folder));
+}
+
+TEST_F(AppInstallEngineTest, RefusesWhatAnotherOneHasBegunMeanwhile) {
+    world.makeApp(dest, "an older version");
+    std::optional<CopyPlace> other;
+    EXPECT_EQ(installWhile([&] { other.emplace(dest); }),
+              "install-app " + std::to_string(EBUSY) + ": Editor.app is being installed already.");
+    EXPECT_EQ(contentOf(dest / "Contents/Resources/data"), "an older version");
+}
+
+TEST_F(AppInstallEngineTest, RefusesANameThatWouldBreakTheRecord) {
+    const fs::path forged = world.makeApp(world.folder / "Downloads/Safari.app\tX.app");
+    EXPECT_EQ(install(forged),
+              "install " + std::to_string(EINVAL) + ": Safari.app?X.app has a name that cannot be used.");
+    EXPECT_THAT(*world.lines, IsEmpty());
+    EXPECT_FALSE(Files::exists(dest.parent_path()));
 }
 
 TEST_F(AppInstallEngineTest, WritesNothingWhereNoDriveIsMounted) {

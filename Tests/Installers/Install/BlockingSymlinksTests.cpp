@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace tarvik::test {
@@ -33,9 +35,10 @@ protected:
         makeLink(world.launcher(name), destination);
         return world.launcher(name);
     }
-    void clear(bool useRootferry = false) {
+    bool clear(bool useRootferry = false) { return clearFor(world.folder / "Some.pkg", useRootferry); }
+    bool clearFor(const fs::path& package, bool useRootferry = false) {
         world.lines->clear();
-        BlockingSymlinks::clear(world.host, world.folder / "Some.pkg", useRootferry, world.terms().reporter);
+        return BlockingSymlinks::clear(world.host, package, useRootferry, world.terms().reporter, world.cancellation);
     }
     bool mayGo(const fs::path& destination) const {
         return BlockingSymlinks::mayRemoveDestination(world.host, destination);
@@ -130,6 +133,130 @@ TEST_F(BlockingSymlinksTest, LeaveTheCopyToRootOnlyWhenTheLinkIsGone) {
     clear(true);
     EXPECT_EQ(contentOf(said), "rm -f " + world.launcher("A.app").native() + "\n");
     EXPECT_TRUE(Files::exists(copy));
+}
+
+TEST_F(BlockingSymlinksTest, NeverEmptyWhatALinkOnTheDriveLeadsTo) {
+    const fs::path kept = world.makeApp(world.folder / "Users/ada/A.app");
+    world.host.tools.rootferry = world.tool("rootferry", "\"$@\"");
+    for (const bool useRootferry : {false, true})
+        for (const char* end : {"/", "/.", "//", "/./"}) {
+            makeLink(world.drive / "x.app", kept);
+            link("A.app", (world.drive / "x.app").native() + end);
+            clear(useRootferry);
+            EXPECT_TRUE(Files::exists(kept / "Contents/Resources/data")) << end;
+            EXPECT_FALSE(Files::itemExists(world.drive / "x.app")) << end;
+            EXPECT_EQ(world.lines->at(0), lineOf("A.app", (world.drive / "x.app").native() + end));
+        }
+}
+
+TEST_F(BlockingSymlinksTest, StayWithTheCopyThatHoldsThePackage) {
+    const fs::path package = copy / "Contents/Resources/Some.pkg";
+    const fs::path throughLink = world.launcher("A.app") / "Contents/Resources/Some.pkg";
+    makeFile(package);
+    link("A.app", copy);
+    for (const fs::path& source : {package, throughLink}) {
+        EXPECT_FALSE(clearFor(source));
+        EXPECT_THAT(*world.lines, ElementsAre("pre-install-keep-symlink\t" + world.launcher("A.app").native() +
+                                              "\t-> " + copy.native()));
+        EXPECT_TRUE(Files::exists(throughLink));
+    }
+}
+
+TEST_F(BlockingSymlinksTest, StayWhereThePackageIsReachedByTheLinkAlone) {
+    makeFile(copy / "Some.pkg");
+    makeLink(world.drive / "x.app", copy);
+    link("A.app", world.drive / "x.app");
+    EXPECT_FALSE(clearFor(world.launcher("A.app") / "Some.pkg"));
+    EXPECT_TRUE(Files::exists(world.launcher("A.app") / "Some.pkg"));
+    EXPECT_FALSE(clearFor(world.drive / "x.app/Some.pkg"));
+    EXPECT_TRUE(Files::exists(world.drive / "x.app/Some.pkg"));
+}
+
+TEST_F(BlockingSymlinksTest, StayWhenTheirCopyLiesInThePackage) {
+    const fs::path package = world.drive / "Some.mpkg";
+    const fs::path inner = world.makeApp(package / "Contents/A.app");
+    link("A.app", inner);
+    EXPECT_FALSE(clearFor(package));
+    EXPECT_TRUE(Files::exists(inner));
+}
+
+TEST_F(BlockingSymlinksTest, StayWhenTheInstallIsStoppedBeforeTheFirst) {
+    link("A.app", copy);
+    EXPECT_FALSE(BlockingSymlinks::clear(world.host, world.folder / "Some.pkg", false,
+                                         {[&](const std::string&) { world.cancellation.cancel(); }},
+                                         world.cancellation));
+    EXPECT_TRUE(Files::exists(world.launcher("A.app") / "Contents/Resources/data"));
+}
+
+TEST_F(BlockingSymlinksTest, AllGoOnceOneHasGone) {
+    link("A.app", copy);
+    link("B.app", world.makeApp(world.drive / "B.app"));
+    world.host.tools.rootferry = world.tool(
+        "rootferry", "\"$@\"; touch " + (world.folder / "begun").native() + "\n" + waitFor(world.folder / "go"));
+    std::thread asker([&] {
+        EXPECT_TRUE(comesToStand(world.folder / "begun"));
+        world.cancellation.cancel();
+        makeFile(world.folder / "go");
+    });
+    EXPECT_TRUE(clear(true));
+    asker.join();
+    EXPECT_THAT(Files::names(world.folder / "Applications"), IsEmpty());
+    EXPECT_FALSE(Files::exists(world.drive / "B.app"));
+}
+
+TEST_F(BlockingSymlinksTest, StayWhenTheWayBehindThemChangesMeanwhile) {
+    const fs::path kept = world.makeApp(world.folder / "Users/ada/A.app");
+    makeFolder(world.drive / "Suite/A.app");
+    link("A.app", world.drive / "Suite/A.app");
+    BlockingSymlinks::clear(world.host, world.folder / "Some.pkg", false, {[&](const std::string&) {
+                                fs::remove_all(world.drive / "Suite");
+                                makeLink(world.drive / "Suite", kept.parent_path());
+                            }});
+    EXPECT_TRUE(Files::exists(kept));
+    EXPECT_TRUE(Files::isSymbolicLink(world.launcher("A.app")));
+}
+
+TEST_F(BlockingSymlinksTest, KeepTheirCopyWhenItsWayChangesAsTheyGo) {
+    const fs::path kept = world.makeApp(world.folder / "Users/ada/A.app");
+    const fs::path suite = world.drive / "Suite";
+    makeFolder(suite / "A.app");
+    link("A.app", suite / "A.app");
+    world.host.tools.rootferry =
+        world.tool("rootferry", "\"$@\"; if [ ! -h '" + suite.native() + "' ]; then mv '" + suite.native() + "' '" +
+                                    suite.native() + ".old'; ln -s '" + kept.parent_path().native() + "' '" +
+                                    suite.native() + "'; fi");
+    EXPECT_TRUE(clear(true));
+    EXPECT_TRUE(Files::exists(kept));
+    EXPECT_FALSE(Files::itemExists(world.launcher("A.app")));
+}
+
+TEST_F(BlockingSymlinksTest, NeverTakeWhatCannotBeReached) {
+    makeLink(world.drive / "loop", "loop");
+    makeLink(world.drive / "nowhere", world.folder / "Users/ada/later");
+    makeLink(world.drive / "home", world.folder / "Users");
+    makeFolder(world.folder / "Users");
+    makeFile(world.drive / "file");
+    for (const char* place : {"loop/A.app", "loop/x/A.app", "nowhere/A.app", "nowhere/x/A.app", "home/gone/A.app",
+                              "file/A.app", "file/x/A.app"})
+        EXPECT_FALSE(mayGo(world.drive / place)) << place;
+    EXPECT_FALSE(mayGo(world.drive / std::string(300, 'x') / "A.app"));
+    EXPECT_TRUE(mayGo(world.drive / "gone/deep/A.app"));
+    EXPECT_TRUE(mayGo(world.drive / "loop")) << "the link itself";
+}
+
+TEST_F(BlockingSymlinksTest, NeverTakeWhatMayNotBeLookedAt) {
+    if (::geteuid() != 0) TARVIK_SKIP_BECAUSE("Only the administrator can become another user.");
+    makeFolder(world.drive / "locked/deep");
+    fs::permissions(world.folder.path(), fs::perms::all);
+    fs::permissions(world.drive / "locked", fs::perms::none);
+    ASSERT_EQ(::seteuid(65534), 0);
+    const bool isReachable = Files::exists(world.drive);
+    const bool mayGoInside = mayGo(world.drive / "locked/A.app");
+    const bool mayGoBelow = mayGo(world.drive / "locked/deep/A.app");
+    ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_TRUE(isReachable);
+    EXPECT_FALSE(mayGoInside);
+    EXPECT_FALSE(mayGoBelow);
 }
 
 TEST_F(BlockingSymlinksTest, NeverTakeAWholeDriveOrOneOfOurFolders) {

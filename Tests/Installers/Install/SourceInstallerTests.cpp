@@ -1,5 +1,6 @@
 #include "Installers/Install/InstallWorld.h"
 #include "Installers/Install/SourceInstaller.h"
+#include "Platform/Basics/Failure.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/ProcessTable.h"
 #include "Support/FailureOf.h"
@@ -164,6 +165,33 @@ TEST_F(SourceInstallerTest, ClearsTheWayForAPackageFirst) {
     EXPECT_FALSE(Files::exists(copy));
 }
 
+TEST_F(SourceInstallerTest, LetsThePackageArriveOnceACopyHasGone) {
+    const fs::path copy = world.makeApp(world.drive / "ExternalTarvik/Apps/X.app");
+    makeLink(world.launcher("X.app"), copy);
+    world.host.tools.xar = world.tool("xar", "printf /Applications/X.app > \"$4/PackageInfo\"");
+    world.host.tools.installer =
+        noting("installer", "touch " + (world.folder / "begun").native() + "\n" + waitFor(world.folder / "go") +
+                                "echo arrived >> " + said.native());
+    std::thread asker([&] {
+        EXPECT_TRUE(comesToStand(world.folder / "begun"));
+        world.cancellation.cancel();
+        makeFile(world.folder / "go");
+    });
+    EXPECT_EQ(install(pkg), "done");
+    asker.join();
+    EXPECT_FALSE(Files::exists(copy));
+    EXPECT_THAT(saidByTools(), HasSubstr("arrived"));
+}
+
+TEST_F(SourceInstallerTest, RefusesAPathThatWouldBreakTheRecord) {
+    for (const char* name : {"a\tb.pkg", "a\nb.sh", "a\nb.app", "a\tb/C.pkg"}) {
+        makeFile(world.folder / name);
+        EXPECT_THAT(install(world.folder / name), HasSubstr(" has a name that cannot be used.")) << name;
+        EXPECT_THAT(*world.lines, IsEmpty());
+    }
+    EXPECT_EQ(saidByTools(), "");
+}
+
 TEST_F(SourceInstallerTest, RunsAScriptWhereThatIsAllowed) {
     const fs::path setup = script("echo ran > '" + (world.folder / "proof").native() + "'\n");
     EXPECT_EQ(install(setup), "done");
@@ -318,6 +346,21 @@ TEST_F(SourceInstallerTest, DisposesOfWhatAnArchiveHeldAfterAFailure) {
     makeFile(world.host.temporary / ".TarvikTrash", "no folder");
     EXPECT_EQ(install(archive), "pkg-install 1: ");
     EXPECT_THAT(Files::names(world.host.temporary), ElementsAre(".TarvikTrash"));
+}
+
+TEST_F(SourceInstallerTest, TellsTheFirstFailureWhenTheDisposalFailsToo) {
+    const fs::path contents = world.folder / "contents";
+    makeFile(contents / "B.pkg");
+    expandTo(contents);
+    makeFile(archive, "an archive of no entries that can be listed");
+    const fs::path begun = world.folder / "begun";
+    world.host.tools.installer = noting("installer", "touch " + begun.native() + "; exit 1");
+    world.host.now = [begun, now = world.host.now] {
+        if (Files::exists(begun)) throw Failure("clock", 1, "no time");
+        return now();
+    };
+    EXPECT_EQ(install(archive), "pkg-install 1: ");
+    EXPECT_THAT(Files::names(world.host.temporary), IsEmpty());
 }
 
 TEST_F(SourceInstallerTest, InstallsWhatIsInAnArchiveAgainWithoutAnotherCopy) {

@@ -171,6 +171,26 @@ TEST(Files, RemovesALinkAndNotItsTarget) {
     EXPECT_TRUE(Files::exists(folder / "kept/file"));
 }
 
+TEST(Files, RemovesALinkThatIsWrittenWithASlashAndNotItsTarget) {
+    const TemporaryFolder folder;
+    makeFile(folder / "kept/file");
+    makeLink(folder / "link", folder / "kept");
+    Files::removeItem((folder / "link").native() + "//");
+    EXPECT_FALSE(Files::itemExists(folder / "link"));
+    EXPECT_TRUE(Files::exists(folder / "kept/file"));
+    Files::removeItem((folder / "kept").native() + "/");
+    EXPECT_FALSE(Files::itemExists(folder / "kept"));
+}
+
+TEST(Files, RemovesNothingThatHasNoNameOfItsOwn) {
+    const TemporaryFolder folder;
+    makeFile(folder / "kept/file");
+    makeLink(folder / "link", folder / "kept");
+    for (const char* end : {"/.", "/./", "/..", "/../"})
+        EXPECT_THROW(Files::removeItem((folder / "link").native() + end), FileError) << end;
+    EXPECT_TRUE(Files::exists(folder / "kept/file"));
+}
+
 TEST(Files, RemovesATreeThatIsDeeperThanAPathCanSay) {
     const TemporaryFolder folder;
     ASSERT_EQ(::mkdir((folder / "deep").c_str(), 0755), 0);
