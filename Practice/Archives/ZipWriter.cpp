@@ -54,7 +54,7 @@ std::string centralOf(const ZipWriter::Entry& entry, std::uint64_t offset) {
 
 std::string lowFirst(std::uint64_t value, int count) {
     std::string bytes;
-    for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> 8U * static_cast<unsigned>(i) & 0xFFU);
+    for (int i = 0; i < count; ++i, value >>= 8U) bytes += static_cast<char>(value & 0xFFU);
     return bytes;
 }
 

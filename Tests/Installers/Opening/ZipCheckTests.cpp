@@ -3,6 +3,7 @@
 #include "Support/TemporaryFolder.h"
 #include "Support/Tree.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -225,7 +226,7 @@ TEST(ZipCheck, ReadsAnArchiveThatBeginsLaterThanItsFile) {
 TEST(ZipCheck, AddsUpWhatIsClaimed) {
     ZipWriter bomb;
     for (int i = 0; i < 10; ++i)
-        bomb.add({.name = "f" + std::to_string(i), .content = "1", .claimedSize = 4'000'000'000});
+        bomb.add({.name = fmt::format("f{}", i), .content = "1", .claimedSize = 4'000'000'000});
     EXPECT_EQ(checkOfBytes(bomb.bytes()).unpackedSize, 40'000'000'000);
     const std::string huge = ZipWriter::field(1, Practice::lowFirst(0xFFFFFFFFFFFFFFFF, 8));
     ZipWriter overflowing;

@@ -1,6 +1,7 @@
 #include "Installers/Options/InstallerOptionFile.h"
 #include "Support/Mutator.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -106,10 +107,11 @@ TEST(InstallerOptionFile, NeverNestsSoDeeplyThatReadingItEndsTheProgram) {
     EXPECT_EQ(InstallerOptionFile::parsed(whole + key + "b = 1\n"), std::nullopt);
     EXPECT_EQ(InstallerOptionFile::parsed(whole + "[" + key + "b]\n"), std::nullopt);
     // What looks like a comment is the end of a text, and a key follows it.
-    EXPECT_EQ(InstallerOptionFile::parsed(whole + "k = [\"\"\"\n#\"\"\", {" + key.substr(0, 98'000) + "b = 1}]\n"),
-              std::nullopt);
-    EXPECT_EQ(InstallerOptionFile::parsed(whole + "# " + key.substr(0, 3000) + "\n"), wholeRecord());
-    EXPECT_EQ(InstallerOptionFile::parsed(whole + key.substr(0, 1000) + "b = 1\n"), wholeRecord());
+    std::string hidden = whole;
+    hidden.append("k = [\"\"\"\n#\"\"\", {").append(key, 0, 98'000).append("b = 1}]\n");
+    EXPECT_EQ(InstallerOptionFile::parsed(hidden), std::nullopt);
+    EXPECT_EQ(InstallerOptionFile::parsed(fmt::format("{}# {}\n", whole, key.substr(0, 3000))), wholeRecord());
+    EXPECT_EQ(InstallerOptionFile::parsed(fmt::format("{}{}b = 1\n", whole, key.substr(0, 1000))), wholeRecord());
 }
 
 TEST(InstallerOptionFile, IsWholeOrNothingWhateverIsBrokenInIt) {
