@@ -39,7 +39,7 @@ public:
 
     /// A tree of its own with one application in it.
     fs::path treeWith(const std::string& name, const std::string& word) {
-        const fs::path tree = m_machine.root / word;
+        fs::path tree = m_machine.root / word;
         TreeWriter writer(Dice(word.size()), m_machine);
         const fs::path bundle = tree / (name + ".app");
         write(writer, {.path = bundle, .identifier = sampleIdentifier(word), .version = "2.0", .executable = word});

@@ -85,6 +85,7 @@ Packing none() {
 
 void create(const fs::path& image, const std::vector<Volume>& volumes) {
     std::vector<std::string> contents;
+    contents.reserve(volumes.size());
     for (const Volume& volume : volumes)
         contents.push_back(HFSVolume::bytes(volume.name, HFSVolume::itemsOf(volume.tree)));
     write(image, PartitionTable::around(contents), zlib());

@@ -24,7 +24,7 @@ constexpr std::size_t mostPackages = 1000;
 /// A file of the package, of which no step is a link that leads out of it.
 std::optional<fs::path> inside(const fs::path& package, const fs::path& relative) {
     const auto whole = Files::resolved(package);
-    const auto part = Files::resolved(package / relative);
+    auto part = Files::resolved(package / relative);
     if (!whole || !part) return std::nullopt;
     if (!Files::isAtOrBelow(*part, *whole)) failUnsafe("The package reaches outside of itself: " + relative.native());
     return part;

@@ -41,7 +41,7 @@ bool isAlgorithm(std::uint64_t number, std::string_view style) {
     return number <= 4 && (style.starts_with("sha") || style.starts_with("SHA")) && Hash::named(style);
 }
 
-bool isSameDigest(std::string_view digits, std::string digest) {
+bool isSameDigest(std::string_view digits, const std::string& digest) {
     std::string lower;
     for (const char letter : digits)
         if (!std::isspace(static_cast<unsigned char>(letter)))

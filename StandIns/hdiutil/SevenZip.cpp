@@ -17,7 +17,7 @@ fs::path program() {
     const char* path = std::getenv("PATH");
     std::string folders = (path ? std::string(path) : std::string()) + ":/usr/bin:/opt/homebrew/bin:/usr/local/bin:";
     for (std::size_t colon = 0; (colon = folders.find(':')) != std::string::npos; folders.erase(0, colon + 1)) {
-        const fs::path found = fs::path(folders.substr(0, colon)) / "7zz";
+        fs::path found = fs::path(folders.substr(0, colon)) / "7zz";
         if (found.is_absolute() && ::access(found.c_str(), X_OK) == 0) return found;
     }
     throw Failure("hdiutil", 1, "7-Zip's program 7zz is not installed");

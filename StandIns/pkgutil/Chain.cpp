@@ -68,7 +68,7 @@ std::string nameOf(X509* certificate) {
     unsigned char* text = nullptr;
     const int length = ASN1_STRING_to_UTF8(&text, X509_NAME_ENTRY_get_data(X509_NAME_get_entry(subject, index)));
     if (length < 0) return "unknown";
-    const std::string name(text, text + length);
+    std::string name(text, text + length);
     OPENSSL_free(text);
     return name;
 }

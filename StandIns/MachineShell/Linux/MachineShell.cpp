@@ -9,6 +9,8 @@
 #include "Platform/Files/Files.h"
 #include "Platform/Processes/ProgramLocation.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -88,7 +90,8 @@ std::vector<std::string> environmentOf(const fs::path& root, const Command& comm
     const std::string programs = RootView::programsPlace;
     all["PATH"] = "/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin:" + standIns + ":" + programs;
     std::vector<std::string> lines;
-    for (const auto& [name, value] : all) lines.push_back(name + "=" + value);
+    lines.reserve(all.size());
+    for (const auto& [name, value] : all) lines.push_back(fmt::format("{}={}", name, value));
     return lines;
 }
 

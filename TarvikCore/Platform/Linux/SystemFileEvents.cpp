@@ -154,7 +154,7 @@ private:
     std::timespec m_completeUntil;
     steady_clock::time_point m_due{};
     std::vector<std::string> m_paths;
-    alignas(inotify_event) std::array<char, 64 * 1024> m_buffer;
+    alignas(inotify_event) std::array<char, std::size_t{64} * 1024> m_buffer;
     WatchedTree m_tree;
     std::thread m_thread;
 };

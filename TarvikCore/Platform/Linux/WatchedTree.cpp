@@ -50,6 +50,7 @@ bool isAtOrAfter(const std::timespec& time, const std::timespec& other) {
 WatchedTree::WatchedTree(int inotify, const std::vector<fs::path>& roots, Teller teller)
     : m_inotify(inotify), m_teller(std::move(teller)) {
     std::vector<std::pair<fs::path, fs::path>> places;  // Where the root is, and its own text.
+    places.reserve(roots.size());
     for (const fs::path& root : roots) places.emplace_back(realPlace(Files::standardized(root)), root);
     std::stable_sort(places.begin(), places.end(),
                      [](const auto& one, const auto& other) { return one.first < other.first; });
@@ -305,7 +306,7 @@ void WatchedTree::noteUnwatched(int error) {
                      systemErrorText(error)));
 }
 
-void WatchedTree::miss(std::string sentence) {
+void WatchedTree::miss(const std::string& sentence) {
     if (m_missed.insert(sentence).second) m_teller.missed(sentence);
 }
 

@@ -103,7 +103,7 @@ private:
     Level enter(const Level& level, const TreeWalk& walk);
     bool isToTell(Tells tells, TreeWalk& walk) const;
     void noteUnwatched(int error);
-    void miss(std::string sentence);
+    void miss(const std::string& sentence);
 
     /// Where the folder is by what is told, or by what is opened; nothing for one that has left.
     std::optional<std::string> pathOf(const Folder& folder, std::string Root::*form) const;
