@@ -3,6 +3,7 @@
 #include "Packages/Distribution.h"
 #include "Packages/FlatPackage.h"
 #include "Packages/PackageFailure.h"
+#include "Platform/Files/FileDescriptor.h"
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/Files.h"
 #include "Platform/Text/PropertyList.h"
